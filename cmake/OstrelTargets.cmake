@@ -1,0 +1,67 @@
+# What all targets of this project share: language level, warnings, sanitizers, hardening.
+
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES CXX)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_AUTOMOC ON)
+set(CMAKE_AUTORCC ON)
+
+option(OSTREL_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+
+add_library(ostrel_flags INTERFACE)
+add_library(Ostrel::flags ALIAS ostrel_flags)
+target_compile_features(ostrel_flags INTERFACE cxx_std_20)
+target_include_directories(ostrel_flags INTERFACE "${PROJECT_SOURCE_DIR}")
+target_compile_options(ostrel_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wold-style-cast -Woverloaded-virtual -Wnon-virtual-dtor -Werror
+    $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>
+    $<$<CONFIG:Release>:-fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
+target_link_options(ostrel_flags INTERFACE $<$<CONFIG:Release>:-Wl,-z,relro,-z,now>)
+target_compile_definitions(ostrel_flags INTERFACE
+    QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_URL_CAST_FROM_STRING QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
+    QT_DISABLE_DEPRECATED_BEFORE=0x050F00)
+if(OSTREL_SANITIZE)
+    target_compile_options(ostrel_flags INTERFACE
+        -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(ostrel_flags INTERFACE -fsanitize=address,undefined)
+endif()
+
+# ostrel_add_library(<folder part> SOURCES ... LIBS ...) makes the library ostrel_<part>, alias Ostrel::<part>.
+function(ostrel_add_library part)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
+    add_library(ostrel_${part} STATIC ${ARG_SOURCES})
+    add_library(Ostrel::${part} ALIAS ostrel_${part})
+    target_link_libraries(ostrel_${part} PUBLIC Ostrel::flags ${ARG_LIBS})
+endfunction()
+
+# ostrel_add_program(<target> OUTPUT <file name> SOURCES ... LIBS ...) makes a program beside the other programs.
+function(ostrel_add_program target)
+    cmake_parse_arguments(ARG "" "OUTPUT" "SOURCES;LIBS" ${ARGN})
+    add_executable(${target} ${ARG_SOURCES})
+    target_link_libraries(${target} PRIVATE Ostrel::flags ${ARG_LIBS})
+    set_target_properties(${target} PROPERTIES
+        OUTPUT_NAME "${ARG_OUTPUT}" RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+endfunction()
+
+# ostrel_add_test(<name> [SOURCES ...] [LIBS ...] [FAKES] [TOOLS] [TIMEOUT <seconds>]) adds the test <name> from
+# <name>.cpp. Any Qt warning fails it. FAKES puts the fake tools first in PATH, TOOLS the programs that we build.
+function(ostrel_add_test name)
+    cmake_parse_arguments(ARG "FAKES;TOOLS" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 120)
+    endif()
+    add_executable(${name} ${name}.cpp ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE Ostrel::flags Qt5::Test ${ARG_LIBS})
+    add_test(NAME ${name} COMMAND ${name})
+    set(environment QT_QPA_PLATFORM=offscreen QT_FATAL_WARNINGS=1 LC_ALL=C.UTF-8)
+    set(path "$ENV{PATH}")
+    if(ARG_TOOLS)
+        set(path "${CMAKE_BINARY_DIR}/bin:${path}")
+    endif()
+    if(ARG_FAKES)
+        add_dependencies(${name} ostrel_fakes)
+        set(path "${CMAKE_BINARY_DIR}/fakes:${path}")
+    endif()
+    set_tests_properties(${name} PROPERTIES
+        TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT "${environment};PATH=${path}")
+endfunction()
