@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QProcess>
+
+/// A child process that steps back behind the user's other work and never outlives this program.
+///
+/// On Linux the child runs at lower priority, is the first to go when memory runs out, and is killed when the
+/// thread that started it ends. Elsewhere a plain QProcess. Derived because Qt 5 lets nobody else act in the
+/// child between its birth and the start of the tool.
+class ToolProcess : public QProcess
+{
+    Q_OBJECT
+
+public:
+    explicit ToolProcess(QObject *parent);
+    ~ToolProcess() override; ///< kills a child that still runs, without a signal
+
+protected:
+    void setupChildProcess() override;
+
+private:
+    qint64 owner; ///< process id of this program, told to the child
+};
