@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/audiotcoptions.h"
+#include "app/exportoptions.h"
+#include "app/filedata.h"
+
+#include <QFileInfo>
+#include <QJsonObject>
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QUrl>
+#include <QVector>
+
+class FFMpegHandler;
+class LTCHandler;
+
+/// Drives all work on media files: finds them, probes them, reads their audio timecode and exports them.
+///
+/// Lives in the worker thread and is called through queued signals only; every argument is a value. It makes
+/// one handler per child process, at most 45 at a time, and deletes it once it has reported. Failures come
+/// back as codes in the result signals.
+class MainControl : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit MainControl(QObject *parent = nullptr);
+    ~MainControl() override;
+
+signals:
+    void ffmpegExtractAudioStreamsReq(FileData fileData, QString targetFolderPath);
+
+    /// A probe has ended: 0 and the filled record, or 1000 (the tool failed) or 1001 (it told nothing) and a
+    /// default record.
+    void ffprobeResult(FileData fileData, int fileNumber, int exitCode);
+
+    /// A reader has ended (its own exit code and object), or an extraction has failed (2001, stream -1).
+    void audioTCReadResult(QJsonObject ltcResultJson, int fileIndex, int audioTCStreamIndex, int exitCode);
+
+    void gotFileFromDir(QFileInfo fileInfo);
+    void exportProgress(int current, int total, QString statusMsg);
+    void importProgress(int current, int total, QString statusMsg);
+    void importReady();
+    void readingFinished();
+
+    /// A batch has ended: 0 = all exported, 1 = cancelled, 2 = the files of the list failed.
+    void exportReady(int exportResult, QStringList exportErrorFileNameList);
+
+    void exportStarted();
+    void cancelExportReq();
+
+    /// An import or a re-read has come to its end without reaching its total: nothing of it runs or waits.
+    void importIdle();
+
+public slots:
+    void onFFProbeReady(FFMpegHandler *handler, QJsonObject ffprobeJson, uint fileNumber, int exitCode);
+    void onAudioExtractReady(FFMpegHandler *handler, FileData fileData, int errorCode);
+    void onLTCReaderReady(LTCHandler *handler, QJsonObject ltcResultJson, QString filePath, int exitCode);
+    void onExportProgress(uint addedValueToProgress);
+    void onExportReady(FFMpegHandler *handler, int exitCode);
+    void onFFProbeFile(FileData fileData, int fileNumber);
+    void onIterateThroughDir(QList<QUrl> urls);
+    void onInitAudioTCInfo(FileData fileData, int fileIndex);
+    void onUpdateAudioTCInfo(QVector<FileData> audioTCUpdateFileVector, AudioTCOptions audioTCOptions);
+    void onExportReq(QVector<FileData> exportFileVector, ExportOptions exportOptions);
+    void onExportCancel();
+
+    /// Gives up all work: kills the child processes, forgets what waits and removes the temporary folder.
+    /// Connected to finished() of the controller's thread, which runs it there as the last thing.
+    void shutDown();
+};
