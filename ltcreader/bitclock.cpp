@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+
+// In biphase mark code every bit begins with an edge, and a one has a second edge in its middle. At all frame
+// rates and speeds within a tenth of them the longest half bit is shorter than the shortest bit, so a single
+// distance tells which it is even before the speed is known; from then on the measured length decides. Two
+// halves make a one; half a bit followed by a whole one means that an edge was lost or added, and the count
+// of bits starts anew.
+
+#include "ltcreader/bitclock.h"
+
+#include <cmath>
+
+namespace ltcreader
+{
+namespace
+{
+
+constexpr double slowestBits = 24 * 1000.0 / 1001.0 * bitsPerFrame; // [bits/s]
+constexpr double fastestBits = 30.0 * bitsPerFrame;                 // [bits/s]
+constexpr double speedTolerance = 0.13;  // tape and film speeds, with room for uneven edges
+constexpr double halfFromWhole = 0.75;   // [bits] between half a bit and a bit
+constexpr double following = 1.0 / 12.0; // share of a new length in the measured one
+
+} // namespace
+
+BitClock::BitClock(int sampleRate)
+    : nominalBit(sampleRate / std::sqrt(slowestBits * fastestBits)),
+      bitLength(nominalBit),
+      shortest(0.5 * sampleRate / (fastestBits * (1.0 + speedTolerance)) * 0.6),
+      longest(sampleRate / (slowestBits * (1.0 - speedTolerance)) * 1.2)
+{
+}
+
+void BitClock::loseBits()
+{
+    heldBits = 0;
+    halfDone = false;
+    dataWindow = 0;
+    syncWindow = 0;
+}
+
+void BitClock::process(const Edge &edge, std::vector<Frame> &frames)
+{
+    const double distance = edge.position - last.position;
+    last = edge;
+    if (distance < shortest || distance > longest) {
+        loseBits();
+        bitLength = nominalBit;
+        bitStart = edge;
+        return;
+    }
+    const bool half = distance < halfFromWhole * bitLength;
+    const double length = half ? 2.0 * distance : distance;
+    const double deviation = (half ? 0.5 : 1.0) * (length / bitLength - 1.0); // [bits]
+    bitLength += following * (length - bitLength);
+    if (half && !halfDone) {
+        halfDone = true;
+        halfDeviation = deviation * deviation;
+        return;
+    }
+    if (!half && halfDone) {
+        // The half that came before belonged to a bit whose start was missed.
+        loseBits();
+        bitStart = edge;
+        return;
+    }
+    bit(half, edge, half ? halfDeviation + deviation * deviation : deviation * deviation);
+    halfDone = false;
+    if (heldBits == bitsPerFrame && syncWindow == syncWord) {
+        double sum = 0.0;
+        for (const Bit &held : history) {
+            sum += held.squaredDeviation;
+        }
+        const Bit &first = history[next];
+        frames.push_back(
+            {dataWindow, first.start, edge.position, std::sqrt(sum / bitsPerFrame), first.startsRising});
+    }
+}
+
+void BitClock::bit(bool one, const Edge &end, double squaredDeviation)
+{
+    dataWindow = dataWindow >> 1 | FrameBits{syncWindow & 1U} << (dataBits - 1);
+    syncWindow = static_cast<std::uint16_t>(syncWindow >> 1 | (one ? 1U << (syncBits - 1) : 0U));
+    history[next] = {bitStart.position, squaredDeviation, bitStart.rising};
+    next = (next + 1) % history.size();
+    if (heldBits < bitsPerFrame)
+        ++heldBits;
+    bitStart = end;
+}
+
+} // namespace ltcreader

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#include "ltcreader/edgereader.h"
+
+namespace ltcreader
+{
+namespace
+{
+
+double thresholdOf(Algorithm algorithm)
+{
+    constexpr double low = 0.1;
+    constexpr double middle = 0.3;
+    constexpr double high = 0.6;
+    switch (algorithm) {
+    case Algorithm::Low:
+        return low;
+    case Algorithm::High:
+        return high;
+    default:
+        return middle;
+    }
+}
+
+} // namespace
+
+EdgeReader::EdgeReader(Algorithm algorithm, int sampleRate)
+    : slicer(thresholdOf(algorithm), sampleRate), clock(sampleRate)
+{
+    if (algorithm == Algorithm::Slope)
+        slope.emplace(sampleRate);
+}
+
+void EdgeReader::process(const float *samples, std::size_t count)
+{
+    if (slope) {
+        filtered.assign(samples, samples + count);
+        slope->process(filtered.data(), count);
+        samples = filtered.data();
+    }
+    edges.clear();
+    slicer.process(samples, count, edges);
+    for (Edge edge : edges) {
+        if (slope)
+            edge.position -= slope->delay();
+        clock.process(edge, found);
+    }
+}
+
+const std::vector<Frame> &EdgeReader::frames() const
+{
+    return found;
+}
+
+} // namespace ltcreader

@@ -1,0 +1,193 @@
+// SPDX-License-Identifier: MIT
+
+// Single frames lie: a disturbance may show a sync word where none is, or change a digit. What cannot be
+// faked is a row of frames whose numbers grow exactly as the clock says. For each way of counting (24, 25,
+// 30, drop-frame) the frames are turned into counts since midnight; the difference between a frame's count
+// and its place in time is the same for all frames that belong together. The way of counting under which most
+// frames agree is the true one: a frame number that returns to zero after 23, 24 or 29 decides it, whatever
+// the speed. Only where no return was seen does the speed decide. NTSC rates differ from whole ones by one in
+// a thousand, which the fit of all frame starts tells apart.
+
+#include "ltcreader/framechain.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <map>
+
+namespace ltcreader
+{
+namespace
+{
+
+constexpr int shortestChain = 3;       // [frames] fewer could agree by chance
+constexpr double speedMatters = 0.003; // a larger speed error says nothing about 1000 / 1001
+
+struct Member {
+    const Frame *frame;
+    std::int64_t place; // [frames] since the first frame, from its time
+    std::int64_t count; // [frames] since midnight, from its label
+};
+
+double medianLength(const std::vector<Frame> &frames)
+{
+    std::vector<double> lengths;
+    lengths.reserve(frames.size());
+    for (const Frame &frame : frames) {
+        lengths.push_back(frame.end - frame.start);
+    }
+    const auto middle = lengths.begin() + static_cast<std::ptrdiff_t>(lengths.size() / 2);
+    std::nth_element(lengths.begin(), middle, lengths.end());
+    return *middle;
+}
+
+/// The frames that agree on one offset between count and place; of several such groups the earliest long one.
+std::vector<Member> agreeingFrames(const std::vector<Frame> &frames, const FrameRate &rate, double length)
+{
+    std::map<std::int64_t, std::vector<Member>> groups;
+    const std::int64_t day = framesPerDay(rate);
+    for (const Frame &frame : frames) {
+        const auto label = labelOf(frame.bits);
+        if (!label || !isLabel(*label, rate))
+            continue;
+        const std::int64_t place = std::llround((frame.start - frames.front().start) / length);
+        const std::int64_t count = frameCount(*label, rate);
+        groups[((count - place) % day + day) % day].push_back({&frame, place, count});
+    }
+    std::vector<Member> best;
+    for (auto &[offset, group] : groups) {
+        const bool longEnough = group.size() >= 2 * shortestChain;
+        const bool bestLongEnough = best.size() >= 2 * shortestChain;
+        const bool better = longEnough && bestLongEnough ? group.front().place < best.front().place
+                                                         : group.size() > best.size();
+        if (better)
+            best = std::move(group);
+    }
+    return best;
+}
+
+/// Least squares line through the frame starts.
+void fitLine(const std::vector<Member> &members, FrameChain &chain)
+{
+    const auto n = static_cast<double>(members.size());
+    double meanPlace = 0.0;
+    double meanStart = 0.0;
+    for (const Member &member : members) {
+        meanPlace += static_cast<double>(member.place) / n;
+        meanStart += member.frame->start / n;
+    }
+    double products = 0.0;
+    double squares = 0.0;
+    for (const Member &member : members) {
+        const double place = static_cast<double>(member.place) - meanPlace;
+        products += place * (member.frame->start - meanStart);
+        squares += place * place;
+    }
+    chain.frameLength = products / squares;
+    const double startPlace = meanPlace - meanStart / chain.frameLength;
+    chain.startCount = startPlace + static_cast<double>(members.front().count - members.front().place);
+    double residual = 0.0;
+    for (const Member &member : members) {
+        const double place = static_cast<double>(member.place) - startPlace;
+        residual += std::pow(member.frame->start - place * chain.frameLength, 2.0) / n;
+    }
+    chain.fitError = std::sqrt(residual);
+}
+
+FrameChain describe(const std::vector<Member> &members, const FrameRate &rate)
+{
+    FrameChain chain;
+    chain.rate = rate;
+    fitLine(members, chain);
+    chain.frames = static_cast<int>(members.size());
+    chain.first = members.front().frame->start;
+    chain.last = members.back().frame->end;
+    chain.bits = members.front().frame->bits;
+    int inverted = 0;
+    for (std::size_t i = 0; i < members.size(); ++i) {
+        const Member &member = members[i];
+        chain.deviation += std::pow(member.frame->meanDeviation, 2.0) / chain.frames;
+        if (!member.frame->startsRising)
+            ++inverted;
+        if (i > 0 && labelOf(member.frame->bits)->frames < labelOf(members[i - 1].frame->bits)->frames) {
+            ++chain.wraps;
+        }
+    }
+    chain.deviation = std::sqrt(chain.deviation);
+    chain.inverted = 2 * inverted > chain.frames;
+    return chain;
+}
+
+/// How far the recording's speed is from \a rate, as the logarithm of the quotient.
+double speedError(const FrameChain &chain, const FrameRate &rate, int sampleRate)
+{
+    return std::log(sampleRate / chain.frameLength / rate.framesPerSecond());
+}
+
+/// Decides between a whole rate and its NTSC variant by the speed that needs the smaller error.
+void chooseNtsc(FrameChain &chain, int sampleRate, const std::optional<FrameRate> &wanted)
+{
+    if (chain.rate.base == 25)
+        return;
+    FrameRate whole = chain.rate;
+    whole.ntsc = false;
+    FrameRate ntsc = chain.rate;
+    ntsc.ntsc = true;
+    const double wholeError = std::abs(speedError(chain, whole, sampleRate));
+    const double ntscError = std::abs(speedError(chain, ntsc, sampleRate));
+    chain.rate.ntsc = ntscError < wholeError;
+    if (wanted && std::min(wholeError, ntscError) > speedMatters)
+        chain.rate.ntsc = wanted->ntsc;
+    if (chain.rate.dropFrame)
+        chain.rate.ntsc = true;
+}
+
+bool majorityHasDropFlag(const std::vector<Member> &members)
+{
+    const auto flagged = std::count_if(members.begin(), members.end(), [](const Member &member) {
+        return fieldValue(member.frame->bits, field::dropFrame) != 0;
+    });
+    return 2 * static_cast<std::size_t>(flagged) > members.size();
+}
+
+} // namespace
+
+std::optional<FrameChain> findChain(const std::vector<Frame> &frames, int sampleRate,
+                                    const std::optional<FrameRate> &wanted)
+{
+    if (frames.size() < shortestChain)
+        return std::nullopt;
+    constexpr std::array<FrameRate, 4> ways{
+        FrameRate{24, false, false}, {25, false, false}, {30, false, false}, {30, true, true}};
+    const double length = medianLength(frames);
+    std::optional<FrameChain> best;
+    for (const FrameRate &way : ways) {
+        if (wanted && wanted->base != way.base)
+            continue;
+        const std::vector<Member> members = agreeingFrames(frames, way, length);
+        if (members.size() < shortestChain)
+            continue;
+        if (way.base == 30 && majorityHasDropFlag(members) != way.dropFrame)
+            continue;
+        const FrameChain chain = describe(members, way);
+        const bool better =
+            !best || chain.frames > best->frames ||
+            (chain.frames == best->frames && std::abs(speedError(chain, chain.rate, sampleRate)) <
+                                                 std::abs(speedError(*best, best->rate, sampleRate)));
+        if (better)
+            best = chain;
+    }
+    if (!best)
+        return std::nullopt;
+    chooseNtsc(*best, sampleRate, wanted);
+    if (wanted && wanted->ntsc != best->rate.ntsc)
+        return std::nullopt;
+    best->strangers =
+        static_cast<int>(std::count_if(
+            frames.begin(), frames.end(),
+            [&](const Frame &frame) { return frame.start >= best->first && frame.end <= best->last; })) -
+        best->frames;
+    return best;
+}
+
+} // namespace ltcreader

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ltcreader/frame.h"
+
+#include <optional>
+#include <vector>
+
+namespace ltcreader
+{
+
+/// Frames of one recording that count up as time goes by.
+struct FrameChain {
+    FrameRate rate;
+    double startCount = 0.0;  ///< [frames] since midnight at the first sample of the recording, any sign
+    double frameLength = 0.0; ///< [samples] as recorded
+    double deviation = 0.0;   ///< [bits] root mean square deviation of the edges
+    double fitError = 0.0;    ///< [samples] root mean square distance of frame starts from even spacing
+    int frames = 0;           ///< that belong to the chain
+    int strangers = 0;        ///< frames within its span that do not
+    int wraps = 0;            ///< times that the frame number returned to its lowest label within the chain
+    double first = 0.0;       ///< [samples] where its first frame starts
+    double last = 0.0;        ///< [samples] where its last frame ends
+    FrameBits bits = 0;       ///< of its first frame
+    bool inverted = false;    ///< its frames begin with a falling edge
+};
+
+/// The chain that the recording starts with: the earliest of \a frames (in order of time) that is long enough
+/// to be believed. \a wanted restricts the rate (its dropFrame is not looked at). \a sampleRate [Hz].
+std::optional<FrameChain> findChain(const std::vector<Frame> &frames, int sampleRate,
+                                    const std::optional<FrameRate> &wanted);
+
+} // namespace ltcreader
