@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tests/support/ltcsignal.h"
+
+#include <bitset>
+
+namespace testsignals
+{
+
+constexpr std::size_t bitsPerFrame = 80;
+
+/// How the machine that plays the timecode runs: its speed is 1 + `deviation`, swinging by two sines around
+/// it.
+struct Transport {
+    double deviation = 0.0;       ///< as a share: 0.1 is ten per cent fast
+    double wowDepth = 0.0;        ///< largest deviation as a share
+    double wowFrequency = 1.0;    ///< [Hz]
+    double flutterDepth = 0.0;    ///< largest deviation as a share
+    double flutterFrequency = 12; ///< [Hz]
+};
+
+/// The 80 bits of one frame in the order in which they are sent, as SMPTE 12M lays them out: binary-coded
+/// digits, user bits, drop-frame flag, and the phase correction bit that makes the number of zeros even.
+std::bitset<bitsPerFrame> frameBits(LtcTime time, LtcRate rate, std::uint32_t userBits);
+
+/// The same signal as ltcAudio(), made without libltc: to check one against the other, and for what libltc's
+/// encoder cannot do. At speeds other than 1 the first sample still lies `offset` frames into `start`.
+std::vector<float> biphaseMarkAudio(const LtcSignal &signal, const Transport &transport = {});
+
+} // namespace testsignals
