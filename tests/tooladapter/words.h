@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <string>
+#include <vector>
+
+/// An argument list written as one text, the words separated by blanks; a word "''" stands for an empty one.
+inline std::vector<std::string> wordsOf(const QString &text)
+{
+    std::vector<std::string> words;
+    for (const QString &word : text.split(' ', Qt::SkipEmptyParts))
+        words.push_back(word == "''" ? std::string{} : word.toStdString());
+    return words;
+}
+
+/// The inverse of wordsOf().
+inline QString textOf(const std::vector<std::string> &words)
+{
+    QStringList texts;
+    for (const std::string &word : words)
+        texts += word.empty() ? QString("''") : QString::fromStdString(word);
+    return texts.join(' ');
+}

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tooladapter
+{
+
+/// One option with its value; the value of a flag such as "-y" stays empty.
+struct Option {
+    std::string name;
+    std::string value;
+
+    bool operator==(const Option &) const = default;
+};
+
+using Options = std::vector<Option>;
+
+/// One file to be written, with the options that stand before it.
+struct Output {
+    Options options;
+    std::string path; ///< empty when options were given and no file followed
+};
+
+/// An argument list of the transcoding tool with one input, taken apart.
+struct ArgumentList {
+    Options inputOptions; ///< everything before "-i", in order
+    std::string input;    ///< path of the source
+    std::vector<Output> outputs;
+};
+
+/// Takes \a arguments apart. Nothing when they hold a word outside the vocabulary of the application's lists,
+/// or not exactly one input: such a list is not one of the application's.
+std::optional<ArgumentList> parseArguments(const std::vector<std::string> &arguments);
+
+/// The inverse of parseArguments().
+std::vector<std::string> renderArguments(const ArgumentList &list);
+
+/// The first option called \a name, or the end.
+Options::iterator findOption(Options &options, const std::string &name);
+
+/// Whether one of \a options is called \a name.
+bool hasOption(const Options &options, const std::string &name);
+
+} // namespace tooladapter
