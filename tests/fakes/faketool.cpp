@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: MIT
+
+// Plays ffprobe.exe, ffmpeg.exe and LTCReader.exe in tests, by the name it is started under. README.md tells
+// how a test gives it its part.
+
+#include "tests/fakes/faketool_job.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QThread>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
+#ifdef Q_OS_UNIX
+#include <sys/resource.h>
+#endif
+
+namespace
+{
+
+constexpr int gaveUpWaiting = 99;       // exit code: what the plan waits for never came
+constexpr qint64 longestWait = 100'000; // [ms] shorter than the tests' own limit
+constexpr unsigned long pollEvery = 20; // [ms]
+constexpr qint64 defaultExport = 1'000; // [bytes]
+
+void print(FILE *stream, const QByteArray &text)
+{
+    std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stream);
+    std::fflush(stream);
+}
+
+bool isThere(const QString &path)
+{
+    return QFileInfo::exists(path);
+}
+
+int crash()
+{
+#ifdef Q_OS_UNIX
+    const rlimit noCoreFile{0, 0};
+    setrlimit(RLIMIT_CORE, &noCoreFile);
+#endif
+    std::signal(SIGABRT, SIG_DFL);
+    std::abort();
+}
+
+void waitFor(const QString &path)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!isThere(path)) {
+        if (timer.hasExpired(longestWait))
+            std::exit(gaveUpWaiting);
+        QThread::msleep(pollEvery);
+    }
+}
+
+bool write(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+/// Makes all outputs of \a job that hold \a stream (-1: every one) as a working tool would.
+bool writeOutputs(const FakeJob &job, int stream = -1)
+{
+    bool written = true;
+    for (const FakeOutput &output : job.outputs) {
+        if (stream < 0 || output.stream == stream)
+            written &= write(output.path, output.stream < 0 ? QByteArray(defaultExport, 'x')
+                                                            : extractContent(job, output.stream));
+    }
+    return written;
+}
+
+void resizeOutputs(const FakeJob &job, qint64 size)
+{
+    for (const FakeOutput &output : job.outputs) {
+        QFile file(output.path);
+        if (!file.open(QIODevice::ReadWrite) || !file.resize(size))
+            std::exit(EXIT_FAILURE);
+    }
+}
+
+QJsonObject defaultProbe(const FakeJob &job)
+{
+    QJsonObject audio{{"codec_type", "audio"},      {"codec_name", "pcm_s24le"}, {"channels", 2},
+                      {"channel_layout", "stereo"}, {"sample_rate", "48000"},    {"index", 0}};
+    QJsonArray streams{audio};
+    if (QFileInfo(job.input).suffix().compare("wav", Qt::CaseInsensitive) != 0) {
+        audio["index"] = 1;
+        streams = {
+            QJsonObject{
+                {"codec_type", "video"}, {"codec_name", "h264"}, {"r_frame_rate", "25/1"}, {"index", 0}},
+            audio};
+    }
+    return {{"streams", streams},
+            {"format", QJsonObject{{"filename", job.input}, {"duration", "10.000000"}}}};
+}
+
+QJsonObject defaultReading()
+{
+    return {{"Timecode", "10:00:00:00"},
+            {"DropFrame", false},
+            {"NTSC", false},
+            {"FrameRateFound", 25.0},
+            {"FrameRateBaseFound", 25},
+            {"ChannelFound", 0},
+            {"SamplesSinceMidnight", 1'728'000'000}};
+}
+
+/// Does what the tool itself would do with the job; answers its exit code.
+int work(const FakeJob &job)
+{
+    const bool readable = QFileInfo(job.input).isFile();
+    if (job.name == "read") {
+        if (!readable)
+            return 201;
+        print(stdout, QJsonDocument(defaultReading()).toJson());
+        return EXIT_SUCCESS;
+    }
+    if (job.name == "probe") {
+        print(stdout, readable ? QJsonDocument(defaultProbe(job)).toJson() : QByteArray("{\n\n}\n"));
+        return readable ? EXIT_SUCCESS : EXIT_FAILURE;
+    }
+    if (!readable || !writeOutputs(job))
+        return EXIT_FAILURE;
+    print(stderr, "size= 1kB\n");
+    return EXIT_SUCCESS;
+}
+
+void act(const FakeJob &job, const QDir &folder, const QString &what, const QJsonValue &how)
+{
+    if (what == "stdout")
+        print(stdout, how.toString().toUtf8());
+    else if (what == "stderr")
+        print(stderr, how.toString().toUtf8());
+    else if (what == "pauseMs")
+        QThread::msleep(static_cast<unsigned long>(how.toInt()));
+    else if (what == "waitFor")
+        waitFor(folder.filePath(how.toString()));
+    else if (what == "touch")
+        write(folder.filePath(how.toString()), {});
+    else if (what == "resize")
+        resizeOutputs(job, how.toVariant().toLongLong());
+    else if (what == "extract")
+        writeOutputs(job, how.toInt());
+    else if (what == "work")
+        work(job);
+    else
+        std::exit(gaveUpWaiting); // a slip in the plan must not pass for a success
+}
+
+int play(const FakeJob &job, const QJsonObject &part)
+{
+    const QDir folder(QFileInfo(job.media).absolutePath());
+    if (part.contains("waitFor"))
+        waitFor(folder.filePath(part["waitFor"].toString()));
+
+    int exitCode = part["exitCode"].toInt();
+    const bool fails = exitCode != 0 || part["crash"].toBool() || part["hang"].toBool();
+    if (part.contains("actions")) {
+        for (const QJsonValue action : part["actions"].toArray()) {
+            const QJsonObject step = action.toObject();
+            act(job, folder, step.keys().value(0), step.begin().value());
+        }
+    } else if (part.contains("json")) {
+        print(stdout, QJsonDocument(part["json"].toObject()).toJson());
+    } else if (!fails) {
+        exitCode = work(job);
+    }
+
+    if (part["hang"].toBool())
+        waitFor(folder.filePath("never"));
+    return part["crash"].toBool() ? crash() : exitCode;
+}
+
+void log(const char *event, const FakeJob &job)
+{
+    const QString path = qEnvironmentVariable("OSTREL_FAKE_LOG");
+    if (!path.isEmpty())
+        appendLine(path, {{"event", event}, {"job", job.name}, {"media", job.media}, {"stream", job.stream}});
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    QStringList arguments = QCoreApplication::arguments();
+    const QString tool = QFileInfo(arguments.takeFirst()).fileName();
+
+    const FakeJob job = FakeJob::fromArguments(tool, arguments);
+    log("start", job);
+    const int exitCode = play(job, job.plan(job.noteCall()));
+    log("end", job);
+    return exitCode;
+}
