@@ -3,9 +3,16 @@
 
 #include "app/toolprocess.h"
 #include "app/toolresolver.h"
+#include "ffmpeg/exportarguments.h"
+#include "ffmpeg/exportprogress.h"
 #include "ffmpeg/toolarguments.h"
 
+#include <QFileInfo>
 #include <QJsonDocument>
+#include <QProcessEnvironment>
+
+#include <algorithm>
+#include <utility>
 
 FFMpegHandler::FFMpegHandler(QObject *parent)
     : QObject(parent),
@@ -52,20 +59,63 @@ void FFMpegHandler::buildExportArguments(const FileData &fileData, const ExportO
 {
     record = fileData;
     options = exportOptions;
+    inputFileSize = QFileInfo(record.absoluteFilePath).size();
+    const exportarguments::ExportCommand command = exportarguments::build(
+        record, options, inputFileSize, [this](const QString &path) { return isTaken(path); });
+    outputPath = command.outputPath;
+    expectedOutputSize = command.expectedOutputSize;
+
     connect(exportProcess, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
             &FFMpegHandler::ffmpegExportFinished);
     connect(exportProcess, &QProcess::readyReadStandardError, this, &FFMpegHandler::ffmpegExportError);
-    start(exportProcess, ffmpegPath, {});
+    setMutedChannel(exportarguments::mutedChannel(record, options));
+    start(exportProcess, ffmpegPath, command.arguments);
+}
+
+void FFMpegHandler::setMutedChannel(const QString &channel)
+{
+    const QString variable = "OSTREL_TIMECODE_CHANNEL";
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(variable);
+    if (!channel.isEmpty())
+        environment.insert(variable, channel);
+    exportProcess->setProcessEnvironment(environment);
+}
+
+bool FFMpegHandler::isTaken(const QString &path) const
+{
+    if (QFileInfo(path).isFile())
+        return true;
+    if (!parent())
+        return false;
+    const auto handlers = parent()->findChildren<FFMpegHandler *>(QString(), Qt::FindDirectChildrenOnly);
+    return std::any_of(handlers.begin(), handlers.end(), [this, &path](const FFMpegHandler *other) {
+        return other != this && other->isWriting(path);
+    });
+}
+
+bool FFMpegHandler::isWriting(const QString &path) const
+{
+    return exportProcess->state() != QProcess::NotRunning &&
+           outputPath.compare(path, Qt::CaseInsensitive) == 0; // one file where case does not count
 }
 
 void FFMpegHandler::ffmpegExportError()
 {
+    if (!exportprogress::isMeasured(progressStepsDone, options.progressSteps))
+        return;
+    const uint before = progressStepsDone;
+    const qint64 size = QFileInfo(outputPath).size(); // 0 while there is no file
+    progressStepsDone =
+        exportprogress::stepsReached(size, expectedOutputSize, progressStepsDone, options.progressSteps);
+    emit ffmpegExportProgress(progressStepsDone - before);
 }
 
 void FFMpegHandler::ffmpegExportFinished(int exitCode)
 {
-    if (options.progressSteps > progressStepsDone)
-        emit ffmpegExportProgress(options.progressSteps - progressStepsDone);
+    const uint before = std::exchange(progressStepsDone, options.progressSteps);
+    if (progressStepsDone > before)
+        emit ffmpegExportProgress(progressStepsDone - before);
     emit ffmpegExportResult(this, exitCode);
 }
 

@@ -63,6 +63,9 @@ public slots:
 private:
     void start(QProcess *process, const QString &program, const QStringList &arguments);
     void reportFailedStart(QProcess::ProcessError error);
+    void setMutedChannel(const QString &channel);
+    bool isTaken(const QString &path) const;
+    bool isWriting(const QString &path) const;
 
     QByteArray probeOutput;              ///< what the probe tool has printed so far
     QString outputPath;                  ///< the file that the export writes

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+#include "ffmpeg/exportarguments.h"
+
+#include "ffmpeg/audiomapping.h"
+#include "ffmpeg/videocodec.h"
+
+#include <QVariant>
+
+#include <algorithm>
+
+namespace exportarguments
+{
+
+namespace
+{
+
+using outputname::Container;
+
+/// [bytes per progress step] of a coded picture. Bounded, because the duration is whatever the file claims.
+qint64 codedSize(float bitRate, double duration, uint progressSteps)
+{
+    constexpr double bytesPerBit = 0.125;
+    constexpr double largestSize = 1e15;
+    const double size = static_cast<double>(bitRate) * duration * bytesPerBit / progressSteps;
+    return static_cast<qint64>(std::clamp(size, 0.0, largestSize));
+}
+
+QStringList waveTimecode(const QJsonObject &reading)
+{
+    const qint64 samples = reading["SamplesSinceMidnight"].toVariant().toLongLong();
+    const bool dropFrame = reading["DropFrame"].toBool();
+    const double found = reading["FrameRateFound"].toDouble();
+    // A reader that reports the nominal rate of NTSC material means the true one.
+    const bool isNominal = reading["NTSC"].toBool() && found == reading["FrameRateBaseFound"].toDouble();
+    const double rate = isNominal ? found * 1000 / 1001 : found;
+    return {"-metadata", "time_reference=" + QString::number(samples), "-metadata",
+            "comment=sSPEED=0" + QString::number(rate, 'f', 3) + '-' + (dropFrame ? "DF" : "ND")};
+}
+
+} // namespace
+
+QStringList timecode(const FileData &file, int videoType, Container container)
+{
+    if (!file.hasAudioTC)
+        return {};
+    const QJsonObject &reading = file.audioTCResult;
+    if (container == Container::broadcastWave)
+        return waveTimecode(reading);
+
+    const int baseRate = reading["FrameRateBaseFound"].toInt();
+    QStringList arguments{"-timecode", file.audioTC};
+    if (!reading["NTSC"].toBool())
+        arguments += {"-r", QString::number(baseRate)}; // a second -r beside that of DNxHD, on purpose
+    else if (videocodec::leavesFrameRateOpen(videoType))
+        arguments += {"-r", QString::number(qint64{baseRate} * 1000) + "/1001"};
+    return arguments;
+}
+
+QString mutedChannel(const FileData &file, const ExportOptions &options)
+{
+    if (!options.muteAudioTC || file.audioStreamIndex < 0 || file.audioChannel < 0)
+        return {};
+    return QString("%1.%2").arg(file.audioStreamIndex).arg(file.audioChannel);
+}
+
+ExportCommand build(const FileData &file, const ExportOptions &options, qint64 inputFileSize,
+                    const std::function<bool(const QString &)> &isTaken)
+{
+    const QString &input = file.absoluteFilePath;
+    const Container container = outputname::containerFor(input, options.videoType);
+
+    ExportCommand command;
+    command.arguments = QStringList{"-y", "-i", input} + audiomapping::arguments(file, options, container);
+
+    videocodec::VideoCodec codec{{}, 0.0F, true};
+    if (container != Container::broadcastWave)
+        codec = videocodec::forType(options.videoType, file.mainStream);
+    command.arguments += codec.arguments;
+    if (options.progressSteps > 0)
+        command.expectedOutputSize = codec.copied
+                                         ? inputFileSize / options.progressSteps
+                                         : codedSize(codec.bitRate, file.duration, options.progressSteps);
+
+    command.outputPath = outputname::choose(input, options.exportDir, container, isTaken);
+    command.arguments += timecode(file, options.videoType, container);
+    command.arguments += command.outputPath;
+    return command;
+}
+
+} // namespace exportarguments

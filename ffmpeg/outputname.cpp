@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+#include "ffmpeg/outputname.h"
+
+#include <QFileInfo>
+
+namespace outputname
+{
+
+namespace
+{
+
+constexpr int lastNumber = 9999;
+constexpr int passThrough = 0;
+constexpr int lastMxf = 4;
+constexpr int lastQuickTime = 8;
+
+QString extension(const QString &inputPath, Container container)
+{
+    switch (container) {
+    case Container::mxf:
+        return ".MXF";
+    case Container::quickTime:
+        return ".MOV";
+    case Container::broadcastWave:
+        return ".WAV";
+    case Container::asInput:
+        break;
+    }
+    return '.' + QFileInfo(inputPath).suffix();
+}
+
+} // namespace
+
+bool hasSuffix(const QString &mediaPath, const QString &suffix)
+{
+    return QFileInfo(mediaPath).suffix().compare(suffix, Qt::CaseInsensitive) == 0;
+}
+
+Container containerFor(const QString &inputPath, int videoType)
+{
+    if (hasSuffix(inputPath, "wav"))
+        return Container::broadcastWave;
+    if (videoType > passThrough && videoType <= lastMxf)
+        return Container::mxf;
+    if (videoType > lastMxf && videoType <= lastQuickTime)
+        return Container::quickTime;
+    // Camera containers that cannot hold a start timecode
+    const bool needsQuickTime = hasSuffix(inputPath, "mts") || hasSuffix(inputPath, "mp4");
+    return needsQuickTime && videoType == passThrough ? Container::quickTime : Container::asInput;
+}
+
+QString choose(const QString &inputPath, const QString &folder, Container container,
+               const std::function<bool(const QString &)> &isTaken)
+{
+    const QString stem = folder + '/' + QFileInfo(inputPath).completeBaseName();
+    const QString ext = extension(inputPath, container);
+    QString candidate = stem + ext;
+    for (int number = 1; number <= lastNumber && isTaken(candidate); ++number)
+        candidate = stem + '_' + QString::number(number) + ext;
+    return candidate;
+}
+
+} // namespace outputname

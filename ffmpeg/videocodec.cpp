@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+#include "ffmpeg/videocodec.h"
+
+#include <array>
+
+namespace videocodec
+{
+
+namespace
+{
+
+/// One DNxHD family at one frame rate.
+struct DnxhdRow {
+    int family;
+    int frameRateClass;
+    int megabits; ///< [Mbit/s]
+    const char *pixelFormat;
+    const char *frameRate; ///< null: the stream's own
+};
+
+enum Family { small, medium, large }; // 36/45, 115/120/145, 175x/185x/220
+
+constexpr auto film = "24000/1001";
+constexpr auto ntsc = "30000/1001";
+
+// The large family is 8 bit at 29 and 30 on purpose.
+constexpr std::array dnxhdRows{
+    DnxhdRow{small, 23, 36, "yuv422p", film},       DnxhdRow{small, 24, 36, "yuv422p", nullptr},
+    DnxhdRow{small, 25, 36, "yuv422p", nullptr},    DnxhdRow{small, 29, 45, "yuv422p", ntsc},
+    DnxhdRow{small, 30, 45, "yuv422p", nullptr},    DnxhdRow{medium, 23, 115, "yuv422p", film},
+    DnxhdRow{medium, 24, 115, "yuv422p", nullptr},  DnxhdRow{medium, 25, 120, "yuv422p", nullptr},
+    DnxhdRow{medium, 29, 145, "yuv422p", ntsc},     DnxhdRow{medium, 30, 145, "yuv422p", nullptr},
+    DnxhdRow{large, 23, 175, "yuv422p10", film},    DnxhdRow{large, 24, 175, "yuv422p10", nullptr},
+    DnxhdRow{large, 25, 185, "yuv422p10", nullptr}, DnxhdRow{large, 29, 220, "yuv422p", ntsc},
+    DnxhdRow{large, 30, 220, "yuv422p", nullptr},
+};
+
+constexpr float bitsPerMegabit = 1'000'000.0F;
+
+/// What a video type stands for.
+struct VideoType {
+    enum Kind { passThrough, mpeg2, dnxhd } kind;
+    Family family;     ///< of the DNxHD types
+    int usualMegabits; ///< [Mbit/s] estimate at frame rates that the family does not have; 0 = none
+};
+
+// In the order of the codes. The MXF type of the small family has no estimate of its own.
+constexpr std::array videoTypes{
+    VideoType{VideoType::passThrough, small, 0}, VideoType{VideoType::mpeg2, small, 0},
+    VideoType{VideoType::dnxhd, small, 0},       VideoType{VideoType::dnxhd, medium, 120},
+    VideoType{VideoType::dnxhd, large, 185},     VideoType{VideoType::passThrough, small, 0},
+    VideoType{VideoType::dnxhd, small, 36},      VideoType{VideoType::dnxhd, medium, 120},
+    VideoType{VideoType::dnxhd, large, 185},
+};
+
+const VideoType *find(int videoType)
+{
+    const auto index = static_cast<std::size_t>(videoType);
+    return videoType >= 0 && index < videoTypes.size() ? &videoTypes.at(index) : nullptr;
+}
+
+QStringList codedArguments(const QString &codec, int megabits, const QString &pixelFormat)
+{
+    return {"-vcodec",  codec,       "-b:v", QString::number(megabits) + 'M',
+            "-pix_fmt", pixelFormat, "-s",   "1920x1080"};
+}
+
+VideoCodec dnxhd(const VideoType &type, const QJsonObject &videoStream)
+{
+    const int rate = frameRateClass(videoStream);
+    for (const DnxhdRow &row : dnxhdRows) {
+        if (row.family != type.family || row.frameRateClass != rate)
+            continue;
+        const QString frameRate =
+            row.frameRate ? QString(row.frameRate) : videoStream["r_frame_rate"].toString();
+        return {codedArguments("dnxhd", row.megabits, row.pixelFormat) + QStringList{"-r", frameRate},
+                static_cast<float>(row.megabits) * bitsPerMegabit};
+    }
+    return {{}, static_cast<float>(type.usualMegabits) * bitsPerMegabit};
+}
+
+} // namespace
+
+int frameRateClass(const QJsonObject &videoStream)
+{
+    const QStringList parts = videoStream["r_frame_rate"].toString().split('/');
+    const int denominator = parts.value(1).toInt();
+    return denominator > 0 ? parts.value(0).toInt() / denominator : 0;
+}
+
+VideoCodec forType(int videoType, const QJsonObject &videoStream)
+{
+    constexpr int mpeg2Megabits = 50;
+    const VideoType *const type = find(videoType);
+    if (!type)
+        return {};
+
+    switch (type->kind) {
+    case VideoType::passThrough:
+        return {{"-vcodec", "copy"}, 0.0F, true};
+    case VideoType::mpeg2:
+        return {codedArguments("mpeg2video", mpeg2Megabits, "yuv422p"), mpeg2Megabits * bitsPerMegabit};
+    case VideoType::dnxhd:
+        return dnxhd(*type, videoStream);
+    }
+    return {};
+}
+
+bool leavesFrameRateOpen(int videoType)
+{
+    const VideoType *const type = find(videoType);
+    return type && type->kind != VideoType::dnxhd;
+}
+
+} // namespace videocodec
