@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#include "demo/mediakit/recording.h"
+
+namespace mediakit
+{
+
+Channel timecodeChannel(testsignals::LtcTime start, testsignals::LtcRate rate, double level, Damage damage)
+{
+    testsignals::LtcSignal signal;
+    signal.start = start;
+    signal.rate = rate;
+    signal.level = level;
+    return Channel{signal, 0.0, damage};
+}
+
+Channel toneChannel(double frequency)
+{
+    return Channel{std::nullopt, frequency, Damage::None};
+}
+
+std::optional<testsignals::LtcSignal> timecodeOf(const Recording &recording)
+{
+    std::optional<testsignals::LtcSignal> found = recording.siblingTimecode;
+    for (const Track &track : recording.tracks)
+        for (const Channel &channel : track)
+            if (channel.timecode)
+                found = channel.timecode;
+    if (found) {
+        found->sampleRate = recording.sampleRate;
+        found->duration = recording.duration;
+    }
+    return found;
+}
+
+bool isTimecodeAlone(const Recording &recording)
+{
+    return isSoundFile(recording) && recording.tracks.size() == 1 && recording.tracks.first().size() == 1 &&
+           recording.tracks.first().first().timecode;
+}
+
+bool isSoundFile(const Recording &recording)
+{
+    return recording.path.endsWith(QLatin1String(".wav"), Qt::CaseInsensitive);
+}
+
+} // namespace mediakit

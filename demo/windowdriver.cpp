@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+#include "demo/windowdriver.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QMimeData>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr int waitLimit = 5 * 60 * 1000; // [ms] for a slow machine with sanitizers
+
+template <typename Button>
+Button *findButton(const QWidget &parent, const QString &text)
+{
+    const QList<Button *> buttons = parent.findChildren<Button *>();
+    const auto found = std::find_if(buttons.begin(), buttons.end(),
+                                    [&text](const Button *button) { return button->text() == text; });
+    return found == buttons.end() ? nullptr : *found;
+}
+
+bool choose(const QWidget &parent, const QString &text, int position)
+{
+    const QList<QComboBox *> boxes = parent.findChildren<QComboBox *>();
+    if (position >= boxes.size() || boxes.at(position)->findText(text) < 0)
+        return false;
+    boxes.at(position)->setCurrentText(text);
+    return true;
+}
+
+QWidget *findWindow(const QString &title)
+{
+    for (QWidget *widget : QApplication::topLevelWidgets())
+        if (widget->isVisible() && widget->windowTitle() == title)
+            return widget;
+    return nullptr;
+}
+
+} // namespace
+
+WindowDriver::WindowDriver(QMainWindow &mainWindow, const QString &folder)
+    : window(mainWindow),
+      screenshotFolder(folder),
+      fileList(window.findChild<QTableWidget *>("fileList")),
+      statusLabel(window.findChild<QLabel *>("statusLabel")),
+      progressBar(window.findChild<QProgressBar *>("progressBar"))
+{
+    Q_ASSERT(fileList && statusLabel && progressBar);
+}
+
+void WindowDriver::dropFolder(const QString &folder)
+{
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(folder)});
+    QWidget *target = fileList->viewport();
+    const QPoint middle = target->rect().center();
+    QDragEnterEvent enter(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &enter);
+    QDragMoveEvent move(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &move);
+    QDropEvent drop(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &drop);
+}
+
+bool WindowDriver::waitForStatus(const QString &status, const QString &halfWay)
+{
+    bool taken = false;
+    return waitFor([&] {
+        if (!taken && isHalfWay()) {
+            taken = true;
+            takeScreenshot(halfWay);
+        }
+        return statusLabel->text() == status;
+    });
+}
+
+QString WindowDriver::exportAll(const QString &folder, const QString &videoType, const QString &audioType)
+{
+    auto *action = window.findChild<QAction *>("exportAllAction");
+    if (action == nullptr)
+        return {};
+    action->trigger();
+    QWidget *dialog = nullptr;
+    if (!waitFor([&] { return (dialog = findWindow("Export all files")) != nullptr; }))
+        return {};
+
+    auto *directory = dialog->findChild<QLineEdit *>();
+    auto *mute = findButton<QCheckBox>(*dialog, "Mute audio TC");
+    auto *button = findButton<QPushButton>(*dialog, "Export");
+    if (directory == nullptr || mute == nullptr || button == nullptr || !choose(*dialog, videoType, 0) ||
+        !choose(*dialog, audioType, 1))
+        return {};
+    directory->setText(folder);
+    mute->setChecked(true);
+    dialog->grab().save(QDir(screenshotFolder).filePath("4-export-dialog.png"));
+    button->click();
+
+    bool taken = false;
+    waitFor([&] {
+        if (!taken && isHalfWay()) {
+            taken = true;
+            takeScreenshot("5-exporting");
+        }
+        return !messageBoxes.lastText().isEmpty();
+    });
+    messageBoxes.lastPicture().save(QDir(screenshotFolder).filePath("6-export-result.png"));
+    return messageBoxes.lastText();
+}
+
+QStringList WindowDriver::row(const QString &fileName) const
+{
+    for (int row = 0; row < fileList->rowCount(); ++row) {
+        if (fileList->item(row, 0)->text() != fileName)
+            continue;
+        QStringList texts;
+        for (int column = 0; column < fileList->columnCount(); ++column)
+            texts += fileList->item(row, column)->text();
+        return texts;
+    }
+    return {};
+}
+
+void WindowDriver::takeScreenshot(const QString &name)
+{
+    window.grab().save(QDir(screenshotFolder).filePath(name + ".png"));
+}
+
+// A message box runs an event loop of its own inside this one; the clicker closes it.
+bool WindowDriver::waitFor(const std::function<bool()> &condition)
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (!condition()) {
+        if (clock.hasExpired(waitLimit))
+            return false;
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    return true;
+}
+
+bool WindowDriver::isHalfWay() const
+{
+    return progressBar->maximum() > 1 && progressBar->value() * 2 >= progressBar->maximum();
+}
