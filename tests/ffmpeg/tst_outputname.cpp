@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+#include "ffmpeg/outputname.h"
+
+#include <QSet>
+#include <QTest>
+
+using outputname::Container;
+Q_DECLARE_METATYPE(Container)
+
+class TestOutputName : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theContainerFollowsTypeAndInput_data();
+    void theContainerFollowsTypeAndInput();
+    void theOutputIsNamedAfterTheInput_data();
+    void theOutputIsNamedAfterTheInput();
+    void takenNamesAreCountedUp_data();
+    void takenNamesAreCountedUp();
+    void theSearchEndsAtTheLastNumber();
+};
+
+void TestOutputName::theContainerFollowsTypeAndInput_data()
+{
+    QTest::addColumn<QString>("input");
+    QTest::addColumn<int>("videoType");
+    QTest::addColumn<Container>("expected");
+
+    for (int type = 1; type <= 4; ++type)
+        QTest::addRow("MXF type %d", type) << "/a.mov" << type << Container::mxf;
+    for (int type = 5; type <= 8; ++type)
+        QTest::addRow("QuickTime type %d", type) << "/a.mxf" << type << Container::quickTime;
+    QTest::newRow("pass through of MOV") << "/a.mov" << 0 << Container::asInput;
+    QTest::newRow("pass through of MXF") << "/a.MXF" << 0 << Container::asInput;
+    QTest::newRow("pass through of MTS") << "/a.MTS" << 0 << Container::quickTime;
+    QTest::newRow("pass through of mp4") << "/a.mp4" << 0 << Container::quickTime;
+    QTest::newRow("pass through without a suffix") << "/a" << 0 << Container::asInput;
+    QTest::newRow("a name that only begins alike") << "/a.mp4x" << 0 << Container::asInput;
+    for (int type = 0; type <= 8; ++type)
+        QTest::addRow("WAV with type %d", type) << "/a.Wav" << type << Container::broadcastWave;
+}
+
+void TestOutputName::theContainerFollowsTypeAndInput()
+{
+    QFETCH(QString, input);
+    QFETCH(int, videoType);
+    QFETCH(Container, expected);
+    QCOMPARE(outputname::containerFor(input, videoType), expected);
+}
+
+void TestOutputName::theOutputIsNamedAfterTheInput_data()
+{
+    QTest::addColumn<QString>("input");
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<Container>("container");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("MXF") << "/in/a.mov"
+                         << "/out" << Container::mxf << "/out/a.MXF";
+    QTest::newRow("QuickTime") << "/in/a.mts"
+                               << "/out" << Container::quickTime << "/out/a.MOV";
+    QTest::newRow("broadcast wave") << "/in/a.wav"
+                                    << "/out" << Container::broadcastWave << "/out/a.WAV";
+    QTest::newRow("suffix of the input") << "/in/a.Mov"
+                                         << "/out" << Container::asInput << "/out/a.Mov";
+    QTest::newRow("dots in the name stay") << "/in/A001.take1.wav"
+                                           << "/out" << Container::broadcastWave << "/out/A001.take1.WAV";
+    QTest::newRow("dots in the folder") << "/in.x/a"
+                                        << "/o.y" << Container::mxf << "/o.y/a.MXF";
+    QTest::newRow("percent signs") << "/in/take %2.mov"
+                                   << "/100%1" << Container::mxf << "/100%1/take %2.MXF";
+    QTest::newRow("blanks and dashes") << "/in/-i a .mov"
+                                       << "/o u t" << Container::mxf << "/o u t/-i a .MXF";
+    QTest::newRow("unicode") << QString::fromUtf8("/in/\u00fcbung.mov") << "/out" << Container::mxf
+                             << QString::fromUtf8("/out/\u00fcbung.MXF");
+}
+
+void TestOutputName::theOutputIsNamedAfterTheInput()
+{
+    QFETCH(QString, input);
+    QFETCH(QString, folder);
+    QFETCH(Container, container);
+    QFETCH(QString, expected);
+    QCOMPARE(outputname::choose(input, folder, container, [](const QString &) { return false; }), expected);
+}
+
+void TestOutputName::takenNamesAreCountedUp_data()
+{
+    QTest::addColumn<QStringList>("taken");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("one") << QStringList{"/o/clip.MOV"} << "/o/clip_1.MOV";
+    QTest::newRow("three") << QStringList{"/o/clip.MOV", "/o/clip_1.MOV", "/o/clip_2.MOV"} << "/o/clip_3.MOV";
+    QTest::newRow("a gap is filled") << QStringList{"/o/clip.MOV", "/o/clip_2.MOV"} << "/o/clip_1.MOV";
+    QTest::newRow("numbers alone take nothing") << QStringList{"/o/clip_1.MOV"} << "/o/clip.MOV";
+}
+
+void TestOutputName::takenNamesAreCountedUp()
+{
+    QFETCH(QStringList, taken);
+    QFETCH(QString, expected);
+    QCOMPARE(outputname::choose("/in/clip.MTS", "/o", Container::quickTime,
+                                [&taken](const QString &path) { return taken.contains(path); }),
+             expected);
+}
+
+void TestOutputName::theSearchEndsAtTheLastNumber()
+{
+    QSet<QString> asked;
+    const QString chosen =
+        outputname::choose("/in/clip.mov", "/o", Container::quickTime, [&asked](const QString &path) {
+            asked += path;
+            return true;
+        });
+    QCOMPARE(chosen, QString("/o/clip_9999.MOV"));
+    QVERIFY(asked.contains("/o/clip_9998.MOV"));
+}
+
+QTEST_APPLESS_MAIN(TestOutputName)
+#include "tst_outputname.moc"
