@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/fakes/faketool_job.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -93,6 +94,7 @@ int FakeJob::noteCall() const
         call["stream"] = stream;
     if (qEnvironmentVariableIsSet("OSTREL_TIMECODE_CHANNEL"))
         call["timecodeChannel"] = qEnvironmentVariable("OSTREL_TIMECODE_CHANNEL");
+    call["processId"] = QCoreApplication::applicationPid();
     call["priority"] = ownPriority();
     call["oomScore"] = contentOf("/proc/self/oom_score_adj").trimmed().toInt();
     appendLine(path, call);

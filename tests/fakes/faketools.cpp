@@ -12,10 +12,10 @@ namespace faketools
 namespace
 {
 
-void writePlan(const QString &path, const QJsonObject &plan)
+void writeFile(const QString &path, const QByteArray &content)
 {
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(plan).toJson()) < 0)
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("cannot write %s", qPrintable(path));
 }
 
@@ -23,12 +23,12 @@ void writePlan(const QString &path, const QJsonObject &plan)
 
 void setPlan(const QString &mediaPath, const QJsonObject &plan)
 {
-    writePlan(mediaPath + ".fake.json", plan);
+    writeFile(mediaPath + ".fake.json", QJsonDocument(plan).toJson());
 }
 
 void setDefaultPlan(const QString &folder, const QJsonObject &plan)
 {
-    writePlan(folder + "/default.fake.json", plan);
+    writeFile(folder + "/default.fake.json", QJsonDocument(plan).toJson());
 }
 
 QVector<Call> calls(const QString &mediaPath, const QString &job)
@@ -46,12 +46,27 @@ QVector<Call> calls(const QString &mediaPath, const QString &job)
         call.stream = line["stream"].toInt(-1);
         call.arguments = line["arguments"].toVariant().toStringList();
         call.timecodeChannel = line["timecodeChannel"].toString(QString());
+        call.processId = line["processId"].toVariant().toLongLong();
         call.priority = line["priority"].toInt();
         call.oomScore = line["oomScore"].toInt();
         if (job.isEmpty() || call.job == job)
             found += call;
     }
     return found;
+}
+
+void openGate(const QString &path)
+{
+    writeFile(path, {});
+}
+
+bool isAlive(qint64 processId)
+{
+    QFile state(QString("/proc/%1/stat").arg(processId));
+    if (!state.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray text = state.readAll();
+    return !text.isEmpty() && text.mid(text.lastIndexOf(')') + 2, 1) != "Z"; // ended, but not yet collected
 }
 
 } // namespace faketools

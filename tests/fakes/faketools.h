@@ -18,6 +18,7 @@ struct Call {
     int stream = -1;         ///< of a read: the stream that its WAV file was extracted from; -1 = none
     QStringList arguments;   ///< exactly as the tool got them
     QString timecodeChannel; ///< OSTREL_TIMECODE_CHANNEL of its environment; null when it is not set
+    qint64 processId = 0;    ///< of the tool
     int priority = 0;        ///< nice value that it ran at
     int oomScore = 0;        ///< how soon it goes when memory runs out, -1000 ... 1000
 };
@@ -30,5 +31,11 @@ void setDefaultPlan(const QString &folder, const QJsonObject &plan);
 
 /// All starts so far for \a mediaPath, in order; with \a job, only those of that job.
 QVector<Call> calls(const QString &mediaPath, const QString &job = {});
+
+/// Creates the file \a path, which tools wait for.
+void openGate(const QString &path);
+
+/// True while the process \a processId does anything; false when it has ended, collected or not. Linux only.
+bool isAlive(qint64 processId);
 
 } // namespace faketools

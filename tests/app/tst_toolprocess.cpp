@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+#include "app/toolprocess.h"
+#include "tests/fakes/faketools.h"
+
+#include <QCoreApplication>
+#include <QJsonArray>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#ifdef Q_OS_LINUX
+#include <sys/resource.h>
+#endif
+
+class TestToolProcess : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void toolsStepBackBehindTheUsersWork();
+    void toolsEndWhenTheProgramIsKilled();
+    void aDestroyedProcessTakesItsToolWithIt();
+    void outputAndExitCodeComeThrough();
+
+private:
+    QTemporaryDir folder;
+};
+
+namespace
+{
+
+constexpr auto ownerRole = "--start-a-tool-and-wait";
+
+/// Plays the program that is killed while its tool runs.
+int ownTool(const QString &mediaPath)
+{
+    ToolProcess process(nullptr);
+    process.start("ffprobe.exe", {mediaPath});
+    process.waitForFinished(-1);
+    return EXIT_SUCCESS;
+}
+
+} // namespace
+
+void TestToolProcess::toolsStepBackBehindTheUsersWork()
+{
+#ifndef Q_OS_LINUX
+    QSKIP("a plain process on this platform");
+#else
+    const QString media = folder.filePath("nice.mov");
+    ToolProcess process(nullptr);
+    process.start("ffprobe.exe", {media});
+    QVERIFY(process.waitForFinished());
+
+    const auto calls = faketools::calls(media);
+    QCOMPARE(calls.size(), 1);
+    QCOMPARE(calls[0].priority, qMin(getpriority(PRIO_PROCESS, 0) + 10, 19));
+    QCOMPARE(calls[0].oomScore, 1000);
+#endif
+}
+
+void TestToolProcess::toolsEndWhenTheProgramIsKilled()
+{
+#ifndef Q_OS_LINUX
+    QSKIP("a plain process on this platform");
+#else
+    const QString media = folder.filePath("orphan.mov");
+    faketools::setPlan(media, {{"probe", QJsonObject{{"hang", true}}}});
+
+    QProcess owner;
+    owner.start(QCoreApplication::applicationFilePath(), {ownerRole, media});
+    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(media).size(), 1, 30'000);
+    const qint64 tool = faketools::calls(media)[0].processId;
+    QVERIFY(faketools::isAlive(tool));
+
+    owner.kill();
+    QVERIFY(owner.waitForFinished());
+    QTRY_VERIFY_WITH_TIMEOUT(!faketools::isAlive(tool), 30'000);
+#endif
+}
+
+void TestToolProcess::aDestroyedProcessTakesItsToolWithIt()
+{
+    const QString media = folder.filePath("destroyed.mov");
+    faketools::setPlan(media, {{"probe", QJsonObject{{"hang", true}}}});
+
+    qRegisterMetaType<QProcess::ExitStatus>();
+    auto *const process = new ToolProcess(nullptr);
+    QSignalSpy finished(process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished));
+    process->start("ffprobe.exe", {media});
+    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(media).size(), 1, 30'000);
+    delete process;
+
+    QVERIFY(!faketools::isAlive(faketools::calls(media)[0].processId));
+    QCOMPARE(finished.count(), 0);
+}
+
+void TestToolProcess::outputAndExitCodeComeThrough()
+{
+    const QString media = folder.filePath("failing.mov");
+    const QJsonArray actions{QJsonObject{{"stdout", "out"}}, QJsonObject{{"stderr", "err"}}};
+    faketools::setPlan(media, {{"probe", QJsonObject{{"actions", actions}, {"exitCode", 7}}}});
+
+    ToolProcess process(nullptr);
+    process.start("ffprobe.exe", {media});
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 7);
+    QCOMPARE(process.readAllStandardOutput(), QByteArray("out"));
+    QCOMPARE(process.readAllStandardError(), QByteArray("err"));
+}
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == ownerRole)
+        return ownTool(arguments.value(2));
+
+    TestToolProcess test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_toolprocess.moc"
