@@ -128,6 +128,7 @@ void FFMpegHandler::onExportCancel()
     // Deleted with its process, a handler could not report the end of the run, and the batch would never end.
     connect(exportProcess, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
             &QObject::deleteLater);
+    connect(this, &FFMpegHandler::couldNotStart, this, &QObject::deleteLater);
     exportProcess->kill();
 }
 

@@ -57,7 +57,8 @@ private slots:
     void ffmpegExportFinished(int exitCode);
 
 public slots:
-    /// Kills the running export; its result follows, then the handler deletes itself.
+    /// Kills the running export at once; its result follows, then the handler deletes itself. A handler whose
+    /// run has ended just deletes itself.
     void onExportCancel();
 
 private:
