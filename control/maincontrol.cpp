@@ -1,45 +1,120 @@
 // SPDX-License-Identifier: MIT
 #include "control/maincontrol.h"
 
+#include "ffmpeg/ffmpeghandler.h"
+#include "ltc/ltchandler.h"
+
+#include <QProcess>
+
 MainControl::MainControl(QObject *parent) : QObject(parent)
 {
 }
 
-MainControl::~MainControl() = default;
+MainControl::~MainControl()
+{
+    shutDown();
+}
 
-void MainControl::onFFProbeReady(FFMpegHandler *, QJsonObject, uint, int)
-{
-}
-void MainControl::onAudioExtractReady(FFMpegHandler *, FileData, int)
-{
-}
-void MainControl::onLTCReaderReady(LTCHandler *, QJsonObject, QString, int)
-{
-}
-void MainControl::onExportProgress(uint)
-{
-}
-void MainControl::onExportReady(FFMpegHandler *, int)
-{
-}
-void MainControl::onFFProbeFile(FileData, int)
-{
-}
-void MainControl::onIterateThroughDir(QList<QUrl>)
-{
-}
-void MainControl::onInitAudioTCInfo(FileData, int)
-{
-}
-void MainControl::onUpdateAudioTCInfo(QVector<FileData>, AudioTCOptions)
-{
-}
-void MainControl::onExportReq(QVector<FileData>, ExportOptions)
-{
-}
-void MainControl::onExportCancel()
-{
-}
 void MainControl::shutDown()
 {
+    jobs = {};
+    waitingStages.clear();
+    walk = {};
+    closeStage();
+
+    // All are killed before the first is waited for.
+    const auto processes = findChildren<QProcess *>();
+    for (QProcess *process : processes)
+        process->kill();
+    const auto handlers = findChildren<QObject *>(QString(), Qt::FindDirectChildrenOnly);
+    for (QObject *handler : handlers)
+        handler->disconnect(this);
+    qDeleteAll(handlers);
+
+    temporaryFolder.release();
+}
+
+void MainControl::finishJob(JobQueues::Kind kind, QObject *handler)
+{
+    jobs.finished(kind);
+    if (handler)
+        handler->deleteLater();
+    // A file may leave its queue without starting anything; with nothing running, no end of a job would come
+    // to take the next.
+    while (serveQueues() && jobs.running() == 0) {
+    }
+    settleStage();
+}
+
+bool MainControl::serveQueues()
+{
+    bool served = false;
+    if (walk.atEnd()) { // the total must be known before its first unit is done
+        if (const auto file = jobs.takeNext(JobQueues::Probe)) {
+            startProbe(*file);
+            served = true;
+        }
+    }
+    if (const auto file = jobs.takeNext(JobQueues::Extraction)) {
+        startExtraction(*file);
+        served = true;
+    }
+    if (const auto file = jobs.takeNext(JobQueues::Reading)) {
+        startReaders(*file);
+        served = true;
+    }
+    return serveExportQueue() || served;
+}
+
+bool MainControl::isImporting() const
+{
+    return !walk.atEnd() || unaskedFiles > 0 || unreadFiles > 0 || jobs.isBusy(JobQueues::Probe) ||
+           jobs.isBusy(JobQueues::Extraction) || jobs.isBusy(JobQueues::Reading);
+}
+
+void MainControl::requestStage(const StageRequest &request)
+{
+    // A drop adds to the import under way, whatever waits for the end of that import.
+    if (mayBegin(request) && (stage == Stage::Import || waitingStages.isEmpty()))
+        startStage(request);
+    else
+        waitingStages.enqueue(request);
+}
+
+bool MainControl::mayBegin(const StageRequest &request) const
+{
+    const bool isDrop = std::holds_alternative<QList<QUrl>>(request);
+    return isDrop ? stage != Stage::ReRead : stage == Stage::None && !isImporting();
+}
+
+void MainControl::startStage(const StageRequest &request)
+{
+    if (stage == Stage::None && !isImporting())
+        temporaryFolder.remove(); // a stage that ends with a failed extraction leaves it
+    if (const auto *urls = std::get_if<QList<QUrl>>(&request))
+        startImport(*urls);
+    else
+        startReRead(std::get<ReReadRequest>(request));
+}
+
+void MainControl::closeStage()
+{
+    stage = Stage::None;
+    unaskedFiles = 0;
+    unreadFiles = 0;
+    progress.resetCounters();
+}
+
+void MainControl::settleStage()
+{
+    if (isImporting())
+        return;
+    if (stage != Stage::None) {
+        closeStage();
+        progress.resetFraction();
+        temporaryFolder.remove();
+        emit importIdle();
+    }
+    while (!waitingStages.isEmpty() && mayBegin(waitingStages.head()))
+        startStage(waitingStages.dequeue());
 }

@@ -4,15 +4,22 @@
 #include "app/audiotcoptions.h"
 #include "app/exportoptions.h"
 #include "app/filedata.h"
+#include "control/droppedfiles.h"
+#include "control/jobqueues.h"
+#include "control/stageprogress.h"
+#include "control/temporaryfolder.h"
 
 #include <QFileInfo>
 #include <QJsonObject>
 #include <QList>
 #include <QObject>
+#include <QQueue>
 #include <QString>
 #include <QStringList>
 #include <QUrl>
 #include <QVector>
+
+#include <variant>
 
 class FFMpegHandler;
 class LTCHandler;
@@ -71,4 +78,71 @@ public slots:
     /// Gives up all work: kills the child processes, forgets what waits and removes the temporary folder.
     /// Connected to finished() of the controller's thread, which runs it there as the last thing.
     void shutDown();
+
+private:
+    /// The operation that the import counters and the temporary folder belong to.
+    enum class Stage { None, Import, ReRead };
+
+    struct ReReadRequest {
+        QVector<FileData> files;
+        AudioTCOptions options;
+    };
+    using StageRequest = std::variant<QList<QUrl>, ReReadRequest>;
+
+    // in maincontrol.cpp
+    void finishJob(JobQueues::Kind kind, QObject *handler);
+    bool serveQueues();
+    void requestStage(const StageRequest &request);
+    bool mayBegin(const StageRequest &request) const;
+    void startStage(const StageRequest &request);
+    void closeStage();
+    void settleStage();
+    bool isImporting() const;
+
+    // in importflow.cpp
+    void startImport(const QList<QUrl> &urls);
+    void walkOn();
+    void startProbe(const FileData &file);
+    void endCompleteImport();
+
+    // in readflow.cpp
+    void startReRead(const ReReadRequest &request);
+    void startOrQueueExtraction(const FileData &file);
+    void startExtraction(const FileData &file);
+    void startOrQueueReaders(const FileData &file);
+    void startReaders(const FileData &file);
+    void startReader(const QString &path, bool isGoPro);
+    StageProgress::Mode readingMode() const;
+    void reportReading(const QString &text);
+    bool isReadingComplete() const;
+    void endReading();
+
+    // in exportflow.cpp
+    void startExport(const FileData &file);
+    void failExport(FFMpegHandler *handler);
+    bool serveExportQueue();
+    void reportExport();
+    void reportFinishedFiles();
+    void endCancelledBatch();
+    void resetExportCounters();
+
+    JobQueues jobs;
+    TemporaryFolder temporaryFolder;
+
+    Stage stage = Stage::None;
+    QQueue<StageRequest> waitingStages; ///< wait for the end of the stage under way
+    DroppedFiles walk;                  ///< through what was dropped; at its end = none is under way
+    uint unaskedFiles = 0;              ///< files found by a drop for which no probe was asked yet
+    uint unreadFiles = 0;               ///< files probed well whose reading was not asked for yet
+    StageProgress progress;             ///< of the import or re-read
+    bool audioTCUpdateMode = false;     ///< timecodes are re-read with audioTCOptions, not imported
+    AudioTCOptions audioTCOptions;      ///< of the re-read
+    ExportOptions exportOptions;        ///< of the export
+    QString statusMsg;                  ///< goes with every export progress
+    uint exportFileCount = 0;           ///< files of the batch
+    uint exportFinishedCount = 0;       ///< exported, failed or dropped by cancelling
+    uint exportProgressValue = 0;       ///< progress units reported by the handlers
+    bool exportCancelRequested = false; ///< until the next batch
+    bool exportAllSucceeded = true;     ///< no file of the batch has failed
+    QStringList exportErrorFileNames;   ///< names of the files that have failed
 };

@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+#include "control/maincontrol.h"
+
+#include "control/probedrecord.h"
+#include "control/resultcodes.h"
+#include "ffmpeg/ffmpeghandler.h"
+
+#include <QElapsedTimer>
+
+// From a drop to the probed record of each of its files.
+
+namespace
+{
+
+// The walk through a huge tree hands the thread back after each slice, so that exports, cancelling and
+// quitting are served meanwhile. A small drop is walked in one go.
+constexpr int sliceEntries = 256; // at least, files and folders
+constexpr int sliceTime = 20;     // [ms], at least
+
+} // namespace
+
+void MainControl::onIterateThroughDir(QList<QUrl> urls)
+{
+    requestStage(urls);
+}
+
+void MainControl::startImport(const QList<QUrl> &urls)
+{
+    stage = Stage::Import;
+    const bool isWalking = !walk.atEnd();
+    walk.add(urls);
+    if (!isWalking)
+        walkOn();
+}
+
+void MainControl::walkOn()
+{
+    QElapsedTimer slice;
+    slice.start();
+    for (int entries = 0; !walk.atEnd(); ++entries) {
+        if (entries >= sliceEntries && slice.hasExpired(sliceTime)) {
+            QMetaObject::invokeMethod(this, &MainControl::walkOn, Qt::QueuedConnection);
+            return;
+        }
+        if (const auto file = walk.step()) {
+            progress.addFile();
+            ++unaskedFiles;
+            emit gotFileFromDir(*file);
+        }
+    }
+    while (const auto file = jobs.takeNext(JobQueues::Probe))
+        startProbe(*file);
+    endCompleteImport(); // of an earlier drop, while this walk has found nothing
+    settleStage();
+}
+
+void MainControl::onFFProbeFile(FileData fileData, int fileNumber)
+{
+    if (unaskedFiles > 0)
+        --unaskedFiles;
+    fileData.rowNumber = fileNumber;
+    if (jobs.mayStart() && walk.atEnd())
+        startProbe(fileData);
+    else
+        jobs.enqueue(JobQueues::Probe, fileData);
+}
+
+void MainControl::startProbe(const FileData &file)
+{
+    const auto fileNumber = static_cast<uint>(file.rowNumber);
+    auto *handler = new FFMpegHandler(this);
+    connect(handler, &FFMpegHandler::ffprobeResult, this, &MainControl::onFFProbeReady);
+    connect(handler, &FFMpegHandler::couldNotStart, this, [this, fileNumber](FFMpegHandler *failed) {
+        onFFProbeReady(failed, {}, fileNumber, toolNotStarted);
+    });
+    handler->probe(file.absoluteFilePath, fileNumber);
+    jobs.started(JobQueues::Probe);
+}
+
+void MainControl::onFFProbeReady(FFMpegHandler *handler, QJsonObject ffprobeJson, uint fileNumber,
+                                 int exitCode)
+{
+    progress.addUnits(1);
+    emit importProgress(static_cast<int>(progress.unitsDone()), static_cast<int>(progress.probingTotal()),
+                        "importing files...");
+
+    const auto row = static_cast<int>(fileNumber);
+    if (exitCode != 0) {
+        emit ffprobeResult(FileData(), row, probeFailed);
+        progress.addUnits(2); // it will be neither extracted nor read
+        endCompleteImport();
+    } else if (ffprobeJson.isEmpty()) {
+        emit ffprobeResult(FileData(), row, probeToldNothing); // without the two units, on purpose
+    } else {
+        if (stage == Stage::Import)
+            ++unreadFiles;
+        emit ffprobeResult(probedRecord(ffprobeJson), row, 0);
+    }
+    finishJob(JobQueues::Probe, handler);
+}
+
+void MainControl::endCompleteImport()
+{
+    const bool isComplete = progress.hasFiles() && progress.isComplete(StageProgress::Mode::Import);
+    if (isComplete && walk.atEnd() && unaskedFiles == 0) {
+        audioTCUpdateMode = false; // may be left from a re-read when nothing of this import was read
+        endReading();
+    }
+}

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#include "control/readerfilename.h"
+
+#include <QRegularExpression>
+
+namespace
+{
+
+constexpr int suffixLength = 4; // ".wav"
+
+/// Cuts the number behind the last "_" off the end of \a path, with the "_"; 0 when there is no number.
+int cutLastNumber(QString &path)
+{
+    const int separator = path.lastIndexOf('_');
+    const int number = path.midRef(separator + 1).toInt();
+    path.truncate(qMax(separator, 0));
+    return number;
+}
+
+} // namespace
+
+ReaderFileName ReaderFileName::parse(const QString &filePath)
+{
+    ReaderFileName name;
+    QString rest = filePath.chopped(qMin(suffixLength, filePath.size()));
+    name.row = cutLastNumber(rest);
+    name.shortenedPath = rest;
+    name.audioStream = cutLastNumber(rest);
+    return name;
+}
+
+bool wasExtractedForAnotherRow(const QString &fileName, int row)
+{
+    static const QRegularExpression extracted("_[0-9]+_(-?[0-9]+)\\.wav\\z");
+    const QRegularExpressionMatch match = extracted.match(fileName);
+    return match.hasMatch() && match.capturedRef(1).toInt() != row;
+}
