@@ -40,7 +40,7 @@ void MainControl::onExportReq(QVector<FileData> exportFileVector, ExportOptions 
                 endCancelledBatch();
                 return;
             }
-        } else if (jobs.mayStart()) {
+        } else if (jobs.mayStart(JobQueues::Export)) {
             startExport(file);
         } else {
             jobs.enqueue(JobQueues::Export, file);
@@ -65,25 +65,15 @@ void MainControl::failExport(FFMpegHandler *handler)
     onExportReady(handler, toolNotStarted);
 }
 
-bool MainControl::serveExportQueue()
+void MainControl::dropQueuedExports()
 {
-    if (!exportCancelRequested) {
-        const auto file = jobs.takeNext(JobQueues::Export);
-        if (file)
-            startExport(*file);
-        return file.has_value();
-    }
-
-    if (!jobs.mayStart() || !jobs.isWaiting(JobQueues::Export))
-        return false;
     statusMsg = tr("cancelling export...");
-    while (jobs.takeNext(JobQueues::Export)) {
+    do { // the first has left its queue already
         ++exportFinishedCount;
         reportExport();
         if (exportFinishedCount == exportFileCount)
             endCancelledBatch();
-    }
-    return true;
+    } while (jobs.takeNext(JobQueues::Export));
 }
 
 void MainControl::onExportReady(FFMpegHandler *handler, int exitCode)

@@ -29,8 +29,10 @@ void MainControl::startImport(const QList<QUrl> &urls)
     stage = Stage::Import;
     const bool isWalking = !walk.atEnd();
     walk.add(urls);
-    if (!isWalking)
-        walkOn();
+    if (isWalking)
+        return;
+    jobs.setHeld(JobQueues::Probe, true); // all units must be known before the first one is done
+    walkOn();
 }
 
 void MainControl::walkOn()
@@ -48,6 +50,7 @@ void MainControl::walkOn()
             emit gotFileFromDir(*file);
         }
     }
+    jobs.setHeld(JobQueues::Probe, false);
     while (const auto file = jobs.takeNext(JobQueues::Probe))
         startProbe(*file);
     endCompleteImport(); // of an earlier drop, while this walk has found nothing
@@ -59,7 +62,7 @@ void MainControl::onFFProbeFile(FileData fileData, int fileNumber)
     if (unaskedFiles > 0)
         --unaskedFiles;
     fileData.rowNumber = fileNumber;
-    if (jobs.mayStart() && walk.atEnd())
+    if (jobs.mayStart(JobQueues::Probe))
         startProbe(fileData);
     else
         jobs.enqueue(JobQueues::Probe, fileData);

@@ -16,7 +16,19 @@ int JobQueues::running() const
 
 std::optional<FileData> JobQueues::takeNext(Kind kind)
 {
-    if (!mayStart() || !isWaiting(kind))
+    if (!mayStart(kind) || waiting[kind].isEmpty())
         return std::nullopt;
     return waiting[kind].dequeue();
+}
+
+bool JobQueues::serve(const std::function<void(Kind kind, const FileData &file)> &start)
+{
+    bool served = false;
+    for (const Kind kind : {Probe, Extraction, Reading, Export}) {
+        if (const auto file = takeNext(kind)) {
+            start(kind, *file);
+            served = true;
+        }
+    }
+    return served;
 }

@@ -6,6 +6,7 @@
 #include <QQueue>
 
 #include <array>
+#include <functional>
 #include <optional>
 
 /// Decides which job starts now and which one waits.
@@ -17,10 +18,14 @@ class JobQueues
 public:
     static constexpr int maximumRunning = 45; ///< child processes of all kinds together
 
+    /// In the order in which the queues are served.
     enum Kind { Probe, Extraction, Reading, Export, KindCount };
 
-    /// Whether one more job may start now.
-    bool mayStart() const { return running() < maximumRunning; }
+    /// Whether one more job of \a kind may start now.
+    bool mayStart(Kind kind) const { return !isHeld[kind] && running() < maximumRunning; }
+
+    /// Keeps jobs of \a kind from starting until they are no longer held; they wait in their queue.
+    void setHeld(Kind kind, bool held) { isHeld[kind] = held; }
 
     void started(Kind kind) { ++runningJobs[kind]; }
 
@@ -31,16 +36,19 @@ public:
     int running() const;
 
     /// Whether a job of \a kind runs or waits.
-    bool isBusy(Kind kind) const { return runningJobs[kind] > 0 || isWaiting(kind); }
-
-    bool isWaiting(Kind kind) const { return !waiting[kind].isEmpty(); }
+    bool isBusy(Kind kind) const { return runningJobs[kind] > 0 || !waiting[kind].isEmpty(); }
 
     void enqueue(Kind kind, const FileData &file) { waiting[kind].enqueue(file); }
 
-    /// Takes the longest waiting file of \a kind out of its queue; nothing while the limit is reached.
+    /// Takes the longest waiting file of \a kind out of its queue; nothing while it may not start.
     std::optional<FileData> takeNext(Kind kind);
+
+    /// Serves each queue once, in order: takes its next file, if one may start, and gives it to \a start.
+    /// Returns whether any file has left its queue.
+    bool serve(const std::function<void(Kind kind, const FileData &file)> &start);
 
 private:
     std::array<int, KindCount> runningJobs{};
+    std::array<bool, KindCount> isHeld{};
     std::array<QQueue<FileData>, KindCount> waiting;
 };

@@ -48,22 +48,23 @@ void MainControl::finishJob(JobQueues::Kind kind, QObject *handler)
 
 bool MainControl::serveQueues()
 {
-    bool served = false;
-    if (walk.atEnd()) { // the total must be known before its first unit is done
-        if (const auto file = jobs.takeNext(JobQueues::Probe)) {
-            startProbe(*file);
-            served = true;
-        }
+    return jobs.serve([this](JobQueues::Kind kind, const FileData &file) { startQueued(kind, file); });
+}
+
+void MainControl::startQueued(JobQueues::Kind kind, const FileData &file)
+{
+    switch (kind) {
+    case JobQueues::Probe:
+        return startProbe(file);
+    case JobQueues::Extraction:
+        return startExtraction(file);
+    case JobQueues::Reading:
+        return startReaders(file);
+    case JobQueues::Export:
+        return exportCancelRequested ? dropQueuedExports() : startExport(file);
+    case JobQueues::KindCount:
+        break;
     }
-    if (const auto file = jobs.takeNext(JobQueues::Extraction)) {
-        startExtraction(*file);
-        served = true;
-    }
-    if (const auto file = jobs.takeNext(JobQueues::Reading)) {
-        startReaders(*file);
-        served = true;
-    }
-    return serveExportQueue() || served;
 }
 
 bool MainControl::isImporting() const

@@ -92,6 +92,7 @@ private:
     // in maincontrol.cpp
     void finishJob(JobQueues::Kind kind, QObject *handler);
     bool serveQueues();
+    void startQueued(JobQueues::Kind kind, const FileData &file);
     void requestStage(const StageRequest &request);
     bool mayBegin(const StageRequest &request) const;
     void startStage(const StageRequest &request);
@@ -120,7 +121,7 @@ private:
     // in exportflow.cpp
     void startExport(const FileData &file);
     void failExport(FFMpegHandler *handler);
-    bool serveExportQueue();
+    void dropQueuedExports();
     void reportExport();
     void reportFinishedFiles();
     void endCancelledBatch();

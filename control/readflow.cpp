@@ -40,7 +40,7 @@ void MainControl::startReRead(const ReReadRequest &request)
 
 void MainControl::startOrQueueExtraction(const FileData &file)
 {
-    if (jobs.mayStart())
+    if (jobs.mayStart(JobQueues::Extraction))
         startExtraction(file);
     else
         jobs.enqueue(JobQueues::Extraction, file);
@@ -80,7 +80,7 @@ void MainControl::onAudioExtractReady(FFMpegHandler *handler, FileData fileData,
 
 void MainControl::startOrQueueReaders(const FileData &file)
 {
-    if (jobs.mayStart())
+    if (jobs.mayStart(JobQueues::Reading))
         startReaders(file);
     else
         jobs.enqueue(JobQueues::Reading, file);
