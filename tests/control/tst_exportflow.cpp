@@ -1,0 +1,349 @@
+// SPDX-License-Identifier: MIT
+#include "tests/control/controllerbench.h"
+
+#include "tests/fakes/faketools.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QTest>
+
+namespace
+{
+
+constexpr int longWait = 60'000; // [ms]
+
+QJsonObject exporting(const QJsonObject &part)
+{
+    return {{"export", part}};
+}
+
+const QJsonObject waiting = exporting({{"waitFor", "gate"}});
+const QJsonObject failing = exporting({{"exitCode", 1}});
+
+} // namespace
+
+class TestExportFlow : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void anExportOfNothingSaysNothing();
+    void aBatchThatSucceedsEndsReady();
+    void everyHandlerGetsFifteenSteps();
+    void aBatchWithAFailureNamesTheFile();
+    void aCrashIsAFailure();
+    void aFailedFileDoesNotStopTheBatch();
+    void progressIsCountedInFifteenUnitsAFile();
+    void ninetyFiveExportsRunAtMostFortyFiveAtOnce();
+    void cancellingReportsBeforeItReachesTheHandlers();
+    void cancellingNinetyFiveExportsEndsOnce();
+    void cancellingWhileTheBatchStartsDropsIt();
+    void aCancelledBatchEndsInTheOrderOfItsPath_data();
+    void aCancelledBatchEndsInTheOrderOfItsPath();
+    void theOutputOfACancelledExportIsDeleted_data();
+    void theOutputOfACancelledExportIsDeleted();
+    void theNextBatchIsNotCancelled();
+    void exportsRunBesideAnImport();
+    void filesOfOneNameGetOutputsOfTheirOwn();
+    void aSecondBatchTakesOverTheCounters();
+
+private:
+    ExportOptions options() const;
+    void startExport(const QVector<FileData> &files) { bench->control().onExportReq(files, options()); }
+    QString output(const QString &name) const { return bench->mediaPath("out/" + name); }
+    QStringList lastEvents(int count) const { return bench->events.mid(bench->events.size() - count); }
+    int exportsEnded() const { return bench->eventsOf("exportReady").size(); }
+
+    std::unique_ptr<ControllerBench> bench;
+};
+
+void TestExportFlow::init()
+{
+    bench = std::make_unique<ControllerBench>();
+    QVERIFY(QDir().mkpath(bench->mediaPath("out")));
+}
+
+void TestExportFlow::cleanup()
+{
+    bench.reset();
+}
+
+/// Pass-through into QuickTime.
+ExportOptions TestExportFlow::options() const
+{
+    ExportOptions options;
+    options.exportDir = bench->mediaPath("out");
+    options.videoType = 5;
+    options.progressSteps = 3; // the controller puts its own in place
+    return options;
+}
+
+void TestExportFlow::anExportOfNothingSaysNothing()
+{
+    startExport({});
+    QCoreApplication::processEvents();
+    QCOMPARE(bench->events, QStringList());
+    startExport({bench->makeFile("a.mov", failing), bench->makeFile("b.mov")});
+    QTRY_COMPARE(exportsEnded(), 1);
+    const int before = bench->events.size();
+    startExport({});
+    QCOMPARE(bench->events.size(), before);
+    startExport({bench->makeFile("b.mov")});
+    QTRY_COMPARE(exportsEnded(), 2);
+    QCOMPARE(bench->events.last(), QString("exportReady 0 []")); // the failure is forgotten
+}
+
+void TestExportFlow::aBatchThatSucceedsEndsReady()
+{
+    startExport({bench->makeFile("a.mov"), bench->makeFile("b.mov")});
+    QCOMPARE(bench->events, (QStringList{"export 0/1 exporting files...", "exportStarted"}));
+    QTRY_COMPARE(exportsEnded(), 1);
+    QCOMPARE(lastEvents(3),
+             (QStringList{"export 30/30 exporting files...", "export 2/2 ready", "exportReady 0 []"}));
+    QVERIFY(QFileInfo::exists(output("a.MOV")) && QFileInfo::exists(output("b.MOV")));
+    QTRY_COMPARE(bench->handlers(), 0);
+}
+
+void TestExportFlow::everyHandlerGetsFifteenSteps()
+{
+    startExport({bench->makeFile("a.mov", failing)});
+    QTRY_COMPARE(exportsEnded(), 1);
+    QCOMPARE(bench->events, (QStringList{"export 0/1 exporting files...", "exportStarted",
+                                         "export 15/15 exporting files...", // the handler's
+                                         "export 15/15 exporting files...", // the file has ended
+                                         "export 1/1 ready", "exportReady 2 [a.mov]"}));
+}
+
+void TestExportFlow::aBatchWithAFailureNamesTheFile()
+{
+    startExport({bench->makeFile("a.mov"), bench->makeFile("take.2.mov", failing), bench->makeFile("c.mov")});
+    QTRY_COMPARE(exportsEnded(), 1);
+    QCOMPARE(lastEvents(3), (QStringList{"export 45/45 exporting files...", "export 3/3 ready",
+                                         "exportReady 2 [take.2.mov]"}));
+}
+
+void TestExportFlow::aCrashIsAFailure()
+{
+    startExport({bench->makeFile("a.mov", exporting({{"crash", true}}))});
+    QTRY_COMPARE(exportsEnded(), 1);
+    QCOMPARE(bench->events.last(), QString("exportReady 2 [a.mov]"));
+}
+
+void TestExportFlow::aFailedFileDoesNotStopTheBatch()
+{
+    startExport({bench->makeFile("a.mov", failing), bench->makeFile("b.mov", waiting)});
+    QTRY_VERIFY(bench->events.contains("export 15/30 exporting files..."));
+    QCOMPARE(exportsEnded(), 0);
+    bench->openGate();
+    QTRY_COMPARE(exportsEnded(), 1);
+    QVERIFY(QFileInfo::exists(output("b.MOV")));
+}
+
+void TestExportFlow::progressIsCountedInFifteenUnitsAFile()
+{
+    bench->control().onExportProgress(4); // of no batch
+    QCOMPARE(bench->events, QStringList{"export 4/0 "});
+    startExport({bench->makeFile("a.mov", waiting), bench->makeFile("b.mov", waiting)});
+    bench->control().onExportProgress(7);
+    bench->control().onExportProgress(0);
+    bench->control().onExportProgress(3);
+    QCOMPARE(lastEvents(3), (QStringList{"export 7/30 exporting files...", "export 7/30 exporting files...",
+                                         "export 10/30 exporting files..."}));
+    bench->openGate();
+    QTRY_COMPARE(exportsEnded(), 1);
+}
+
+void TestExportFlow::ninetyFiveExportsRunAtMostFortyFiveAtOnce()
+{
+    startExport(bench->makeFiles(95, waiting));
+    QCOMPARE(bench->handlers(), 45);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->startedTools().size(), 45, longWait);
+    bench->openGate();
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
+    QCOMPARE(lastEvents(3),
+             (QStringList{"export 1425/1425 exporting files...", "export 95/95 ready", "exportReady 0 []"}));
+    QCOMPARE(bench->startedTools().size(), 95);
+    QCOMPARE(bench->mostToolsAtOnce(), 45);
+    QCOMPARE(QDir(output("")).entryList({"*.MOV"}).size(), 95);
+}
+
+void TestExportFlow::cancellingReportsBeforeItReachesTheHandlers()
+{
+    bench->control().onExportCancel(); // nothing runs: the same two signals
+    QCOMPARE(bench->events, (QStringList{"export 0/0 cancelling export...", "cancelExportReq"}));
+    bench->events.clear();
+
+    startExport({bench->makeFile("a.mov", waiting)});
+    bench->control().onExportProgress(6);
+    bench->events.clear();
+    bench->control().onExportCancel();
+    QCOMPARE(bench->events, (QStringList{"export 6/15 cancelling export...", "cancelExportReq"}));
+    QTRY_COMPARE(exportsEnded(), 1);
+}
+
+void TestExportFlow::cancellingNinetyFiveExportsEndsOnce()
+{
+    startExport(bench->makeFiles(95, waiting));
+    QTRY_COMPARE_WITH_TIMEOUT(bench->startedTools().size(), 45, longWait);
+    bench->events.clear();
+    bench->control().onExportCancel();
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
+    QCoreApplication::processEvents();
+
+    QCOMPARE(exportsEnded(), 1);
+    QCOMPARE(bench->startedTools().size(), 45); // none of those that waited
+    const QStringList ended = bench->eventsOf("exportReady 1 [");
+    QCOMPARE(ended.size(), 1);
+    QCOMPARE(ended.first().count(".mov"), 45); // killed, so they failed
+    QCOMPARE(bench->count("export 95/95 cancelling export..."), 1);
+    // One signal for the cancelling, then for each handler that ends one of its progress and one of its end,
+    // and one for each file dropped from the queue; the first end drops all fifty.
+    const QStringList counted = bench->eventsOf("export ").filter("/1425 cancelling export...");
+    QCOMPARE(counted.size(), 1 + 45 * 2 + 50);
+    for (int i = 3; i < 53; ++i)
+        QCOMPARE(counted.at(i), QString("export 15/1425 cancelling export..."));
+    QCOMPARE(lastEvents(3).first(), QString("export 95/95 cancelling export..."));
+    QCOMPARE(lastEvents(2).first(), QString("export 0/1 export cancelled"));
+    QCOMPARE(QDir(output("")).entryList({"*.MOV"}).size(), 0);
+}
+
+void TestExportFlow::cancellingWhileTheBatchStartsDropsIt()
+{
+    QObject canceller;
+    connect(&bench->control(), &MainControl::exportStarted, &canceller,
+            [this] { bench->control().onExportCancel(); });
+    startExport({bench->makeFile("a.mov"), bench->makeFile("b.mov")});
+    QCOMPARE(bench->events,
+             (QStringList{
+                 "export 0/1 exporting files...", "exportStarted", "export 0/30 cancelling export...",
+                 "cancelExportReq", "export 0/30 cancelling export...", "export 0/30 cancelling export...",
+                 "export 2/2 cancelling export...", "exportReady 1 []", "export 0/1 export cancelled"}));
+    QCOMPARE(bench->handlers(), 0);
+}
+
+void TestExportFlow::aCancelledBatchEndsInTheOrderOfItsPath_data()
+{
+    QTest::addColumn<bool>("runs");
+    QTest::addColumn<QStringList>("end");
+    QTest::newRow("the last file ran: progress, then the end")
+        << true
+        << QStringList{"export 1/1 cancelling export...", "export 0/1 export cancelled",
+                       "exportReady 1 [a.mov]"};
+    QTest::newRow("the last file waited: the end, then progress")
+        << false
+        << QStringList{"export 0/15 cancelling export...", "exportReady 1 []", "export 0/1 export cancelled"};
+}
+
+void TestExportFlow::aCancelledBatchEndsInTheOrderOfItsPath()
+{
+    QFETCH(bool, runs);
+    QFETCH(QStringList, end);
+    if (!runs) {
+        const QVector<FileData> probes = bench->makeFiles(45, {{"probe", QJsonObject{{"waitFor", "gate"}}}});
+        for (const FileData &file : probes)
+            bench->control().onFFProbeFile(file, file.rowNumber);
+    }
+    startExport({bench->makeFile("a.mov", waiting)});
+    bench->control().onExportCancel();
+    QTRY_COMPARE(exportsEnded(), runs ? 1 : 0);
+    bench->openGate(); // the first probe that ends lets the export queue be served
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
+    QStringList events;
+    for (const QString &event : qAsConst(bench->events)) {
+        if (event.startsWith("export"))
+            events += event;
+    }
+    QCOMPARE(events.mid(events.size() - 3), end);
+}
+
+void TestExportFlow::theOutputOfACancelledExportIsDeleted_data()
+{
+    QTest::addColumn<bool>("isKilled");
+    QTest::addColumn<QString>("end");
+    QTest::newRow("killed in mid-run") << true << "exportReady 1 [a.mov]";
+    QTest::newRow("it succeeds all the same") << false << "exportReady 1 []";
+}
+
+void TestExportFlow::theOutputOfACancelledExportIsDeleted()
+{
+    QFETCH(bool, isKilled);
+    const QJsonArray actions{QJsonObject{{"work", true}}, QJsonObject{{"waitFor", "gate"}}};
+    startExport({bench->makeFile("a.mov", exporting({{"actions", actions}}))});
+    QTRY_VERIFY(QFileInfo::exists(output("a.MOV")));
+    if (!isKilled)
+        disconnect(&bench->control(), &MainControl::cancelExportReq, nullptr, nullptr);
+    bench->control().onExportCancel();
+    if (!isKilled)
+        bench->openGate();
+    QTRY_COMPARE(exportsEnded(), 1);
+    QTEST(bench->events.last(), "end");
+    QVERIFY(!QFileInfo::exists(output("a.MOV")));
+    QVERIFY(QFileInfo::exists(bench->mediaPath("a.mov")));
+}
+
+void TestExportFlow::theNextBatchIsNotCancelled()
+{
+    startExport({bench->makeFile("a.mov", waiting)});
+    bench->control().onExportCancel();
+    QTRY_COMPARE(exportsEnded(), 1);
+    bench->events.clear();
+    startExport({bench->makeFile("b.mov")});
+    QTRY_COMPARE(exportsEnded(), 1);
+    QCOMPARE(bench->events.last(), QString("exportReady 0 []"));
+    QVERIFY(!bench->events.filter("cancel").size());
+    QVERIFY(QFileInfo::exists(output("b.MOV")));
+}
+
+void TestExportFlow::exportsRunBesideAnImport()
+{
+    bench->actAsFileTable();
+    startExport({bench->makeFile("a.mov", waiting)});
+    bench->makeFile("b.mov");
+    bench->control().onIterateThroughDir({bench->mediaUrl("b.mov")});
+    QTRY_VERIFY(bench->events.contains("importReady"));
+    QCOMPARE(exportsEnded(), 0);
+    bench->control().onUpdateAudioTCInfo({bench->makeFile("b.mov", {}, 0)}, automaticReading());
+    QTRY_VERIFY(bench->events.contains("readingFinished"));
+    QCOMPARE(exportsEnded(), 0);
+    bench->openGate();
+    QTRY_COMPARE(exportsEnded(), 1);
+    QCOMPARE(bench->events.last(), QString("exportReady 0 []"));
+}
+
+void TestExportFlow::filesOfOneNameGetOutputsOfTheirOwn()
+{
+    QVector<FileData> files;
+    for (const QString card : {"card1", "card2", "card3"})
+        files += bench->makeFile(card + "/clip.mov");
+    startExport(files);
+    QTRY_COMPARE(exportsEnded(), 1);
+    QCOMPARE(bench->events.last(), QString("exportReady 0 []"));
+    QCOMPARE(QDir(output("")).entryList({"*.MOV"}, QDir::Files, QDir::Name),
+             (QStringList{"clip.MOV", "clip_1.MOV", "clip_2.MOV"}));
+
+    // A name whose export has ended without a file is free again.
+    startExport({bench->makeFile("x/other.mov", failing)});
+    QTRY_COMPARE(exportsEnded(), 2);
+    startExport({bench->makeFile("y/other.mov")});
+    QTRY_COMPARE(exportsEnded(), 3);
+    QVERIFY(QFileInfo::exists(output("other.MOV")));
+}
+
+void TestExportFlow::aSecondBatchTakesOverTheCounters()
+{
+    startExport({bench->makeFile("a.mov", waiting), bench->makeFile("b.mov", waiting)});
+    startExport({bench->makeFile("c.mov", waiting)});
+    bench->events.clear();
+    bench->openGate();
+    QTRY_COMPARE(exportsEnded(), 3); // one file is all that the second batch counts
+    QCOMPARE(bench->count("export 1/1 ready"), 1);
+    QTRY_COMPARE(bench->handlers(), 0);
+}
+
+QTEST_GUILESS_MAIN(TestExportFlow)
+#include "tst_exportflow.moc"
