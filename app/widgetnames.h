@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <QWidget>
+
+/// Gives \a widget the name by which tests and style sheets find it, and the one that screen readers say.
+template <typename Widget>
+Widget *named(Widget *widget, const char *objectName, const QString &accessibleName)
+{
+    widget->setObjectName(objectName);
+    widget->setAccessibleName(accessibleName);
+    return widget;
+}

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+#include "filelist/celltexts.h"
+
+#include <QCoreApplication>
+#include <QStringList>
+
+#include <cmath>
+
+namespace celltexts
+{
+
+namespace
+{
+
+constexpr double longestDuration = 1e15; // [s] beyond it a double no longer counts seconds
+
+QString translated(const char *text)
+{
+    return QCoreApplication::translate("FileList", text);
+}
+
+/// Channels are counted from 1 where people read them.
+qint64 channelNumber(const QJsonObject &result)
+{
+    return qint64{result.value("ChannelFound").toInt()} + 1;
+}
+
+QStringList readerLines(const QJsonObject &result)
+{
+    const bool ntsc = result.value("NTSC").toBool();
+    const QString rate = QString::number(frameRate(result), 'f', ntsc ? 3 : 2);
+    const bool dropFrame = ntsc && result.value("DropFrame").toBool();
+    const auto samples = result.value("SamplesSinceMidnight").toVariant().toLongLong();
+    return {
+        translated("Frame rate: %1 fps").arg(rate),
+        dropFrame ? translated("Drop-frame: yes") : translated("Drop-frame: no"),
+        translated("Channel: %1").arg(channelNumber(result)),
+        translated("Samples since midnight: %1").arg(samples),
+    };
+}
+
+} // namespace
+
+QString duration(double seconds)
+{
+    if (!std::isfinite(seconds) || std::abs(seconds) > longestDuration)
+        seconds = 0.0;
+    // The default rounding mode of the processor takes halves to the even neighbour.
+    const auto whole = static_cast<long long>(std::nearbyint(seconds));
+    return QString::asprintf("%.2lld:%.2lld:%.2lld", whole / 3600, whole % 3600 / 60, whole % 60);
+}
+
+double frameRate(const QJsonObject &result)
+{
+    const double found = result.value("FrameRateFound").toDouble();
+    return result.value("NTSC").toBool() ? found * 1000.0 / 1001.0 : found;
+}
+
+QString audioTimecode(const QJsonObject &result)
+{
+    const bool dropFrame = result.value("NTSC").toBool() && result.value("DropFrame").toBool();
+    return result.value("Timecode").toString() + '@' + QString::number(frameRate(result), 'f', 2) +
+           (dropFrame ? " DF " : "") + " on ch. " + QString::number(channelNumber(result));
+}
+
+QString linkedTimecode(const QString &timecode)
+{
+    return timecode + "@(linked)";
+}
+
+QString audioTimecodeToolTip(const FileData &file)
+{
+    QStringList lines = readerLines(file.audioTCResult);
+    lines.insert(2, translated("Stream: %1").arg(file.audioStreamIndex));
+    return lines.join('\n');
+}
+
+QString linkedTimecodeToolTip(const FileData &file, const FileData &source)
+{
+    QStringList lines = readerLines(file.audioTCResult);
+    lines.prepend(translated("Linked to: %1").arg(source.fileName));
+    return lines.join('\n');
+}
+
+QString keptTimecodeToolTip(const QString &timecode)
+{
+    return translated("kept for export: ") + timecode;
+}
+
+} // namespace celltexts

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/filedata.h"
+
+#include <QJsonObject>
+#include <QString>
+
+/// What the cells of the file table show, made from the values behind them.
+namespace celltexts
+{
+
+/// "HH:MM:SS" of \a seconds, rounded to the nearest whole second, halves to the even one. Hours take as many
+/// digits as they need. What is no finite number shows as zero.
+QString duration(double seconds);
+
+/// Frames per second that the reader's \a result stands for: under "NTSC" the nominal rate x 1000 / 1001.
+double frameRate(const QJsonObject &result);
+
+/// "10:00:00:00@25.00 on ch. 1": timecode, rate, " DF " for drop-frame NTSC, channel counted from 1.
+QString audioTimecode(const QJsonObject &result);
+
+/// "10:00:00:00@(linked)": a timecode taken over from a file that was recorded together with this one.
+QString linkedTimecode(const QString &timecode);
+
+/// Tool tip of a timecode that was read: what the reader knows about it, a line each.
+QString audioTimecodeToolTip(const FileData &file);
+
+/// Tool tip of a linked timecode: the same, after the name of the file that it was taken from.
+QString linkedTimecodeToolTip(const FileData &file, const FileData &source);
+
+/// Tool tip of a failed second reading: the earlier \a timecode stays the one that an export writes.
+QString keptTimecodeToolTip(const QString &timecode);
+
+} // namespace celltexts

@@ -1,0 +1,5 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+/// The columns of the file table, left to right.
+enum TableColumn { NameColumn, DurationColumn, FileTCColumn, AudioTCColumn, ColumnCount };
