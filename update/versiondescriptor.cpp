@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#include "update/versiondescriptor.h"
+
+#include "app/applicationinfo.h"
+
+#include <QXmlStreamReader>
+
+namespace
+{
+
+constexpr int neededHits = 3; // both numbers and the link; the description is no part of them
+
+} // namespace
+
+std::optional<VersionDescriptor> readVersionDescriptor(const QByteArray &xml)
+{
+    VersionDescriptor descriptor;
+    int hits = 0;
+    QXmlStreamReader reader(xml);
+    while (!reader.atEnd()) {
+        reader.readNext();
+        if (reader.name() == "MAJORVERSION") {
+            descriptor.majorVersion = reader.readElementText().toUInt();
+            ++hits;
+        } else if (reader.name() == "MINORVERSION") {
+            descriptor.minorVersion = reader.readElementText().toUInt();
+            ++hits;
+        } else if (reader.name() == "OSTRELAPP") {
+            const QXmlStreamAttributes attributes = reader.attributes();
+            for (const QXmlStreamAttribute &attribute : attributes) {
+                if (attribute.name() == "url") {
+                    descriptor.downloadLink = QUrl(attribute.value().toString());
+                    ++hits;
+                }
+            }
+        } else if (reader.name() == "DESCRIPTION") {
+            descriptor.description = reader.readElementText();
+        }
+    }
+    if (hits < neededHits)
+        return std::nullopt;
+    return descriptor;
+}
+
+bool isNewerVersion(uint majorVersion, uint minorVersion)
+{
+    if (majorVersion != applicationMajorVersion)
+        return majorVersion > applicationMajorVersion;
+    return minorVersion > applicationMinorVersion;
+}
