@@ -47,6 +47,22 @@ private:
     Transport transport;
 };
 
+std::size_t phaseCorrectionBit(LtcRate rate)
+{
+    return rate.base == 25 ? 59 : 27;
+}
+
+std::bitset<bitsPerFrame> frameBits(std::int64_t number, const LtcSignal &signal, const FrameHabits &habits)
+{
+    const auto count = static_cast<std::uint32_t>(number);
+    const std::uint32_t userBits =
+        habits.userBitsChange ? signal.userBits + count * 0x9E3779B9U : signal.userBits;
+    std::bitset<bitsPerFrame> bits = frameBits(timeOfFrame(number, signal.rate), signal.rate, userBits);
+    if (habits.parityWrong)
+        bits.flip(phaseCorrectionBit(signal.rate));
+    return bits;
+}
+
 } // namespace
 
 std::bitset<bitsPerFrame> frameBits(LtcTime time, LtcRate rate, std::uint32_t userBits)
@@ -71,12 +87,12 @@ std::bitset<bitsPerFrame> frameBits(LtcTime time, LtcRate rate, std::uint32_t us
     constexpr std::uint32_t syncWord = 0xBFFC; // sent lowest bit first: 0011 1111 1111 1101
     put(64, 16, syncWord);
 
-    const std::size_t phaseCorrection = rate.base == 25 ? 59 : 27;
-    bits[phaseCorrection] = bits.count() % 2 == 1;
+    bits[phaseCorrectionBit(rate)] = bits.count() % 2 == 1;
     return bits;
 }
 
-std::vector<float> biphaseMarkAudio(const LtcSignal &signal, const Transport &transport)
+std::vector<float> biphaseMarkAudio(const LtcSignal &signal, const Transport &transport,
+                                    const FrameHabits &habits)
 {
     const StepRenderer renderer(signal.sampleRate, signal.riseTime);
     const FrameClock clock(framesPerSecond(signal.rate), transport);
@@ -88,8 +104,7 @@ std::vector<float> biphaseMarkAudio(const LtcSignal &signal, const Transport &tr
     const double end = static_cast<double>(count) + renderer.reach();
     for (auto frame = static_cast<std::int64_t>(std::floor(first)) - 1;
          position(static_cast<double>(frame)) < end; ++frame) {
-        const std::bitset<bitsPerFrame> bits =
-            frameBits(timeOfFrame(frame, signal.rate), signal.rate, signal.userBits);
+        const std::bitset<bitsPerFrame> bits = frameBits(frame, signal, habits);
         for (std::size_t bit = 0; bit < bitsPerFrame; ++bit) {
             // Every bit begins with a level change; a one has another in its middle.
             changes.push_back(position(static_cast<double>(frame) + static_cast<double>(bit) / bitsPerFrame));

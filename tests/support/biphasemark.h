@@ -20,12 +20,20 @@ struct Transport {
     double flutterFrequency = 12; ///< [Hz]
 };
 
+/// Liberties that generators take with the bits.
+struct FrameHabits {
+    bool userBitsChange =
+        false;                ///< other user bits in every frame, as when a date and a reel number take turns
+    bool parityWrong = false; ///< the phase correction bit is always the wrong one
+};
+
 /// The 80 bits of one frame in the order in which they are sent, as SMPTE 12M lays them out: binary-coded
 /// digits, user bits, drop-frame flag, and the phase correction bit that makes the number of zeros even.
 std::bitset<bitsPerFrame> frameBits(LtcTime time, LtcRate rate, std::uint32_t userBits);
 
 /// The same signal as ltcAudio(), made without libltc: to check one against the other, and for what libltc's
 /// encoder cannot do. At speeds other than 1 the first sample still lies `offset` frames into `start`.
-std::vector<float> biphaseMarkAudio(const LtcSignal &signal, const Transport &transport = {});
+std::vector<float> biphaseMarkAudio(const LtcSignal &signal, const Transport &transport = {},
+                                    const FrameHabits &habits = {});
 
 } // namespace testsignals

@@ -41,7 +41,7 @@ private:
 
 bool succeeds(const std::string &command)
 {
-    return std::system((command + " >/dev/null 2>&1 </dev/null").c_str()) == 0; // NOLINT(cert-env33-c)
+    return std::system(("(" + command + ") >/dev/null 2>&1 </dev/null").c_str()) == 0; // NOLINT(cert-env33-c)
 }
 
 } // namespace

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+#include "bench/ltc/cases.h"
+
+#include "tests/support/biphasemark.h"
+#include "tests/support/impairments.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace ltcbench
+{
+
+Verdict judge(const Case &recording, const std::optional<Answer> &answer)
+{
+    if (!answer)
+        return Verdict::Refused;
+    if (!recording.truth)
+        return Verdict::Wrong;
+    const LtcSignal &signal = recording.truth->signal;
+    const bool label = testsignals::text(testsignals::startTime(signal), signal.rate) ==
+                       testsignals::text(answer->start, answer->rate);
+    const bool ntscCounts = recording.truth->speedKnown || signal.rate.dropFrame;
+    const bool rate =
+        answer->rate.base == signal.rate.base && (!ntscCounts || answer->rate.ntsc == signal.rate.ntsc);
+    return label && rate ? Verdict::Right : Verdict::Wrong;
+}
+
+double positionError(const Truth &truth, const Answer &answer)
+{
+    const LtcSignal &signal = truth.signal;
+    const double day = static_cast<double>(testsignals::framesPerDay(signal.rate)) *
+                       testsignals::samplesPerFrame(signal.rate, signal.sampleRate);
+    const auto difference = static_cast<double>(
+        std::abs(answer.samplesSinceMidnight - testsignals::samplesSinceMidnight(signal)));
+    return std::min(difference, std::abs(day - difference));
+}
+
+const std::vector<LtcRate> &allRates()
+{
+    static const std::vector<LtcRate> rates{{24, true, false}, {24, false, false}, {25, false, false},
+                                            {30, true, false}, {30, true, true},   {30, false, false}};
+    return rates;
+}
+
+std::string nameOf(LtcRate rate)
+{
+    if (rate.dropFrame)
+        return "29.97 drop";
+    if (rate.ntsc)
+        return rate.base == 24 ? "23.976" : "29.97";
+    return std::to_string(rate.base);
+}
+
+LtcRate anyRate(Random &random)
+{
+    return allRates()[static_cast<std::size_t>(random.integer(0, 5))];
+}
+
+LtcSignal anySignal(Random &random, LtcRate rate)
+{
+    LtcSignal signal;
+    signal.rate = rate;
+    const auto frames = static_cast<double>(testsignals::framesPerDay(rate));
+    signal.start = testsignals::timeOfFrame(static_cast<std::int64_t>(random.uniform() * frames), rate);
+    signal.offset = random.uniform(-0.4, 0.4);
+    signal.level = random.uniform(-20, -3);
+    signal.inverted = random.chance(0.5);
+    if (random.chance(0.5))
+        signal.userBits = static_cast<std::uint32_t>(random.bits());
+    return signal;
+}
+
+Samples audioOf(const LtcSignal &signal, Random &random)
+{
+    return random.chance(0.5) ? testsignals::ltcAudio(signal) : testsignals::biphaseMarkAudio(signal);
+}
+
+Case monoCase(const LtcSignal &signal, Samples samples, Random &random, int bits)
+{
+    if (testsignals::largestMagnitude(samples) > 1.0)
+        testsignals::scaleToPeak(samples, -0.1);
+    testsignals::quantise(samples, random, bits);
+    return {{std::move(samples)}, signal.sampleRate, Truth{signal, 0, true}};
+}
+
+} // namespace ltcbench

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "bench/ltc/cases.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace ltcbench
+{
+
+/// One kind of impairment in rising grades.
+struct Curve {
+    std::string section; ///< groups curves in tables and plots
+    std::string name;
+    std::string unit;           ///< of the grades, for people
+    std::vector<double> grades; ///< from harmless to hopeless where `graded`
+    bool graded = true;         ///< false: the grades are choices of equal standing, without a 50 % point
+    std::function<Case(double grade, Random &random)> make;
+};
+
+std::vector<Curve> curvesOfNoise();     ///< noises, hum, speech, music, a radio channel
+std::vector<Curve> curvesOfSignals();   ///< level, clipping, gain control, filters, spikes, offset
+std::vector<Curve> curvesOfCodecs();    ///< through the real ffmpeg; only codecs whose encoder is there
+std::vector<Curve> curvesOfTransport(); ///< speed, wow, flutter, dropouts, late starts, jumps
+std::vector<Curve> curvesOfFormats(); ///< sample rates, sample sizes, channels, lengths, crosstalk, odd bits
+std::vector<Curve> curvesOfCombinations(); ///< several at once, as cameras and recorders make them
+
+/// All of them in the order above.
+std::vector<Curve> allCurves();
+
+/// \a first, then one \a step after the other to \a last, both included.
+std::vector<double> gradesFrom(double first, double last, double step);
+
+} // namespace ltcbench

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#include "bench/ltc/curves.h"
+
+#include "tests/support/impairments.h"
+#include "tests/support/lossycodec.h"
+#include "tests/support/noise.h"
+
+#include <stdexcept>
+
+namespace ltcbench
+{
+
+std::vector<Curve> curvesOfCodecs()
+{
+    std::vector<Curve> curves;
+    for (const testsignals::LossyCodec &codec : testsignals::lossyCodecs()) {
+        if (!testsignals::isAvailable(codec))
+            continue;
+        const auto make = [codec](double grade, Random &random) {
+            LtcSignal signal = anySignal(random, anyRate(random));
+            signal.offset = random.uniform(-0.3, 0.3); // leaves room for the delay of the codec
+            Samples samples = audioOf(signal, random);
+            testsignals::mixAtRatio(samples,
+                                    testsignals::pinkNoise(random, samples.size(), signal.sampleRate), grade);
+            auto decoded = testsignals::throughCodec(samples, signal.sampleRate, codec);
+            if (!decoded)
+                throw std::runtime_error("ffmpeg failed at " + codec.name);
+            return monoCase(signal, std::move(*decoded), random);
+        };
+        curves.push_back({"Codecs",
+                          codec.name + " after pink noise",
+                          "dB below the timecode",
+                          {40, 20, 10, 4, 0, -4, -8, -12},
+                          true,
+                          make});
+    }
+    return curves;
+}
+
+} // namespace ltcbench

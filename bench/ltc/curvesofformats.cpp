@@ -1,0 +1,207 @@
+// SPDX-License-Identifier: MIT
+#include "bench/ltc/curves.h"
+
+#include "tests/support/biphasemark.h"
+#include "tests/support/impairments.h"
+#include "tests/support/noise.h"
+#include "tests/support/othersounds.h"
+
+#include <cmath>
+#include <utility>
+
+namespace ltcbench
+{
+
+namespace
+{
+
+const std::string section = "Formats";
+
+Curve curve(const std::string &name, const std::string &unit, std::vector<double> grades, bool graded,
+            Case (*make)(double grade, Random &random))
+{
+    return {section, name, unit, std::move(grades), graded, make};
+}
+
+Case clean(const LtcSignal &signal, Random &random)
+{
+    return monoCase(signal, audioOf(signal, random), random);
+}
+
+Case cleanAtRate(double grade, Random &random)
+{
+    return clean(anySignal(random, allRates()[static_cast<std::size_t>(grade)]), random);
+}
+
+Case sampleRates(double grade, Random &random)
+{
+    LtcSignal signal = anySignal(random, anyRate(random));
+    signal.sampleRate = static_cast<int>(grade);
+    return clean(signal, random);
+}
+
+Case noisySampleRates(double grade, Random &random)
+{
+    LtcSignal signal = anySignal(random, anyRate(random));
+    signal.sampleRate = static_cast<int>(grade);
+    Samples samples = audioOf(signal, random);
+    // The noise of a full band at 48 kHz, of which a lower sample rate takes less.
+    testsignals::addAtRatio(samples, testsignals::whiteNoise(random, samples.size()),
+                            -4.0 + 10 * std::log10(48000.0 / grade));
+    return monoCase(signal, std::move(samples), random, 24);
+}
+
+Case sampleSizes(double grade, Random &random)
+{
+    const LtcSignal signal = anySignal(random, anyRate(random));
+    Samples samples = audioOf(signal, random);
+    if (grade == 33) // stands for floating point, here far above full scale
+        return {{std::move(samples)}, signal.sampleRate, Truth{signal, 0, true}};
+    return monoCase(signal, std::move(samples), random, static_cast<int>(grade));
+}
+
+Case durations(double grade, Random &random)
+{
+    LtcSignal signal = anySignal(random, anyRate(random));
+    signal.duration = grade;
+    return clean(signal, random);
+}
+
+Case midnight(double grade, Random &random)
+{
+    LtcSignal signal = anySignal(random, allRates()[static_cast<std::size_t>(grade)]);
+    const auto before = static_cast<std::int64_t>(random.uniform(0.0, 2.5) * signal.rate.base);
+    signal.start = testsignals::timeOfFrame(-before, signal.rate);
+    return clean(signal, random);
+}
+
+Case fullMinutes(double grade, Random &random)
+{
+    LtcSignal signal = anySignal(random, allRates()[static_cast<std::size_t>(grade)]);
+    const LtcTime minute{random.integer(0, 23), random.integer(0, 59), 59, 0};
+    const auto later = static_cast<std::int64_t>(random.uniform(-1.5, 0.9) * signal.rate.base);
+    signal.start =
+        testsignals::timeOfFrame(testsignals::frameNumber(minute, signal.rate) + later, signal.rate);
+    return clean(signal, random);
+}
+
+Case syncLikeUserBits(double grade, Random &random)
+{
+    constexpr std::uint32_t patterns[]{0xBFFCBFFC, 0x3FFD3FFD, 0xFFFFFFFF,
+                                       0xFFFC3FFF, 0x7FF97FF9, 0xFFF3FFF3};
+    LtcSignal signal = anySignal(random, anyRate(random));
+    signal.userBits = patterns[static_cast<std::size_t>(grade)];
+    return clean(signal, random);
+}
+
+Case oddBits(double grade, Random &random)
+{
+    const LtcSignal signal = anySignal(random, anyRate(random));
+    testsignals::FrameHabits habits;
+    habits.userBitsChange = grade == 0 || grade == 2;
+    habits.parityWrong = grade == 1 || grade == 2;
+    return monoCase(signal, testsignals::biphaseMarkAudio(signal, {}, habits), random);
+}
+
+Case oddBitsInNoise(double grade, Random &random)
+{
+    const LtcSignal signal = anySignal(random, anyRate(random));
+    testsignals::FrameHabits habits;
+    habits.userBitsChange = true;
+    habits.parityWrong = random.chance(0.5);
+    Samples samples = testsignals::biphaseMarkAudio(signal, {}, habits);
+    testsignals::addAtRatio(samples, testsignals::whiteNoise(random, samples.size()), grade);
+    return monoCase(signal, std::move(samples), random, 24);
+}
+
+/// Timecode on one channel, other sounds on the rest.
+Case channels(double grade, Random &random)
+{
+    const auto count = static_cast<int>(grade);
+    const LtcSignal signal = anySignal(random, anyRate(random));
+    Case recording = clean(signal, random);
+    const Samples timecode = std::move(recording.channels.front());
+    recording.channels.clear();
+    recording.truth->channel = random.integer(0, count - 1);
+    // The sounds before the biphase kinds: what is found beside timecode.
+    constexpr int programmeSounds = 9;
+    for (int channel = 0; channel < count; ++channel) {
+        const auto &sound =
+            testsignals::otherSounds()[static_cast<std::size_t>(random.integer(0, programmeSounds - 1))];
+        recording.channels.push_back(channel == recording.truth->channel
+                                         ? timecode
+                                         : sound.make(random, timecode.size(), signal.sampleRate));
+    }
+    return recording;
+}
+
+/// Two channels; the timecode of one leaks into the other, which holds programme sound or nothing.
+Case leak(double grade, Random &random)
+{
+    const LtcSignal signal = anySignal(random, anyRate(random));
+    const Samples timecode = audioOf(signal, random);
+    Samples leaked = timecode;
+    testsignals::highPass(leaked, signal.sampleRate, random.uniform(50, 1000));
+    testsignals::scaleToPower(leaked, testsignals::power(timecode) * std::pow(10.0, -grade / 10));
+    if (random.chance(0.5))
+        testsignals::addAtRatio(leaked, testsignals::speechLike(random, leaked.size(), signal.sampleRate),
+                                random.uniform(-20, 20));
+    const int channel = random.integer(0, 1);
+    Case recording = monoCase(signal, timecode, random, 24);
+    Case second = monoCase(signal, std::move(leaked), random, 24);
+    recording.channels.insert(channel == 0 ? recording.channels.end() : recording.channels.begin(),
+                              std::move(second.channels.front()));
+    recording.truth->channel = channel;
+    return recording;
+}
+
+/// The timecode of another source leaks into the only channel.
+Case foreignTimecode(double grade, Random &random)
+{
+    const LtcSignal signal = anySignal(random, anyRate(random));
+    Samples samples = audioOf(signal, random);
+    testsignals::addAtRatio(samples, audioOf(anySignal(random, signal.rate), random), grade);
+    return monoCase(signal, std::move(samples), random);
+}
+
+/// All that is there is timecode leaked below speech.
+Case leakAlone(double grade, Random &random)
+{
+    const LtcSignal signal = anySignal(random, anyRate(random));
+    Samples samples = audioOf(signal, random);
+    testsignals::highPass(samples, signal.sampleRate, random.uniform(100, 1500));
+    testsignals::addAtRatio(samples, testsignals::speechLike(random, samples.size(), signal.sampleRate),
+                            grade);
+    return monoCase(signal, std::move(samples), random, 24);
+}
+
+} // namespace
+
+std::vector<Curve> curvesOfFormats()
+{
+    const std::vector<double> ratesByNumber{0, 1, 2, 3, 4, 5};
+    const std::string rateUnit = "rate: 23.976, 24, 25, 29.97, drop, 30";
+    return {
+        curve("clean", rateUnit, ratesByNumber, false, cleanAtRate),
+        curve("sample rates", "Hz",
+              {8000, 11025, 16000, 22050, 32000, 44100, 48000, 88200, 96000, 176400, 192000}, false,
+              sampleRates),
+        curve("sample rates, white noise of -4 dB at 48 kHz", "Hz",
+              {192000, 96000, 48000, 44100, 32000, 16000, 8000}, false, noisySampleRates),
+        curve("sample sizes", "bit, 33 is float", {8, 16, 24, 32, 33}, false, sampleSizes),
+        curve("durations", "s", {3, 2, 1, 0.5, 0.3, 0.25, 0.2, 0.15, 0.1}, true, durations),
+        curve("across midnight", rateUnit, ratesByNumber, false, midnight),
+        curve("across full minutes", rateUnit, ratesByNumber, false, fullMinutes),
+        curve("user bits like sync words", "pattern", ratesByNumber, false, syncLikeUserBits),
+        curve("odd bits", "0 user bits change, 1 parity wrong, 2 both", {0, 1, 2}, false, oddBits),
+        curve("odd bits in white noise", "dB below the timecode", gradesFrom(8, -20, -4), true,
+              oddBitsInNoise),
+        curve("channels", "channels", {1, 2, 4, 8, 16}, false, channels),
+        curve("leak into a second channel", "dB below the timecode", {40, 30, 20, 10, 6, 3, 1}, true, leak),
+        curve("foreign timecode in the channel", "dB below the timecode", {30, 20, 15, 12, 9, 6, 3}, true,
+              foreignTimecode),
+        curve("leak alone, below speech", "dB below the timecode", {20, 10, 0, -6, -12, -18, -24}, true,
+              leakAlone)};
+}
+
+} // namespace ltcbench

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+#include "bench/ltc/curves.h"
+
+#include "tests/support/impairments.h"
+#include "tests/support/noise.h"
+
+#include <cmath>
+
+namespace ltcbench
+{
+
+namespace
+{
+
+constexpr int fineBits = 24; // timecode far below a disturbance must not go under in rounding
+constexpr LtcRate pal{25, false, false};
+const std::string section = "Noise";
+const std::string ratio = "dB below the timecode";
+
+using MakeNoise = Samples (*)(Random &random, std::size_t count, int sampleRate);
+
+Samples white(Random &random, std::size_t count, int)
+{
+    return testsignals::whiteNoise(random, count);
+}
+
+Case withNoise(LtcSignal signal, MakeNoise makeNoise, double grade, Random &random)
+{
+    Samples samples = audioOf(signal, random);
+    testsignals::addAtRatio(samples, makeNoise(random, samples.size(), signal.sampleRate), grade);
+    return monoCase(signal, std::move(samples), random, fineBits);
+}
+
+Curve whiteCurve(const std::string &name, LtcRate rate, double duration, std::vector<double> grades)
+{
+    return {section, name, ratio, std::move(grades), true, [rate, duration](double grade, Random &random) {
+                LtcSignal signal = anySignal(random, rate);
+                signal.duration = duration;
+                return withNoise(signal, white, grade, random);
+            }};
+}
+
+Curve noiseCurve(const std::string &name, MakeNoise makeNoise, std::vector<double> grades)
+{
+    return {section, name, ratio, std::move(grades), true, [makeNoise](double grade, Random &random) {
+                return withNoise(anySignal(random, anyRate(random)), makeNoise, grade, random);
+            }};
+}
+
+/// Timecode and noise have both passed the channel before their powers are compared.
+Case radioCase(double grade, Random &random)
+{
+    const LtcSignal signal = anySignal(random, anyRate(random));
+    Samples samples = audioOf(signal, random);
+    testsignals::radioChannel(samples, signal.sampleRate);
+    Samples noise = testsignals::whiteNoise(random, samples.size());
+    testsignals::radioChannel(noise, signal.sampleRate);
+    testsignals::addAtRatio(samples, noise, grade);
+    return monoCase(signal, std::move(samples), random, fineBits);
+}
+
+} // namespace
+
+std::vector<double> gradesFrom(double first, double last, double step)
+{
+    std::vector<double> grades;
+    const int count = static_cast<int>(std::lround((last - first) / step));
+    for (int i = 0; i <= count; ++i)
+        grades.push_back(first + i * step);
+    return grades;
+}
+
+std::vector<Curve> curvesOfNoise()
+{
+    std::vector<Curve> curves;
+    for (const LtcRate rate : allRates())
+        curves.push_back(whiteCurve("white noise, 3 s, " + nameOf(rate), rate, 3.0, gradesFrom(12, -26, -2)));
+    curves.push_back(whiteCurve("white noise, 1 s, 25", pal, 1.0, gradesFrom(12, -22, -2)));
+    curves.push_back(whiteCurve("white noise, 0.2 s, 25", pal, 0.2, gradesFrom(12, -14, -2)));
+    curves.push_back(noiseCurve("pink noise", testsignals::pinkNoise, gradesFrom(8, -24, -2)));
+    curves.push_back(noiseCurve("hum", testsignals::hum, gradesFrom(0, -64, -4)));
+    curves.push_back(noiseCurve("wind", testsignals::windNoise, gradesFrom(0, -70, -5)));
+    curves.push_back({section, "radio channel", ratio, gradesFrom(12, -22, -2), true, radioCase});
+    curves.push_back(noiseCurve("speech bleed", testsignals::speechLike, gradesFrom(6, -34, -4)));
+    curves.push_back(noiseCurve("music bleed", testsignals::musicLike, gradesFrom(6, -34, -4)));
+    return curves;
+}
+
+std::vector<Curve> allCurves()
+{
+    std::vector<Curve> all;
+    for (const auto &part : {curvesOfNoise(), curvesOfSignals(), curvesOfCodecs(), curvesOfTransport(),
+                             curvesOfFormats(), curvesOfCombinations()})
+        all.insert(all.end(), part.begin(), part.end());
+    return all;
+}
+
+} // namespace ltcbench

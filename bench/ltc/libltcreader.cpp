@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: MIT
+#include "bench/ltc/libltcreader.h"
+
+#include "tests/support/impairments.h"
+
+#include <ltc.h>
+
+#include <array>
+#include <cmath>
+#include <memory>
+
+namespace ltcbench
+{
+
+namespace
+{
+
+constexpr int leastAgreeing = 3;   // [frames]
+constexpr int queuedFrames = 1024; // more than three seconds hold
+
+struct FreeDecoder {
+    void operator()(LTCDecoder *decoder) const { ltc_decoder_free(decoder); }
+};
+
+struct DecodedFrame {
+    LtcTime time;
+    bool dropFrame = false;
+    double start = 0.0; ///< [samples]
+};
+
+struct Run {
+    int length = 0;      ///< [frames]
+    double misfit = 0.0; ///< of the measured length of a frame to that of the rate, as a share
+    Answer answer;
+};
+
+void bringToFullScale(Samples &samples)
+{
+    double mean = 0.0;
+    for (const float sample : samples)
+        mean += static_cast<double>(sample) / static_cast<double>(samples.size());
+    for (float &sample : samples)
+        sample -= static_cast<float>(mean);
+    testsignals::scaleToPeak(samples, -1.0);
+}
+
+std::vector<DecodedFrame> decode(Samples samples, int sampleRate)
+{
+    const std::unique_ptr<LTCDecoder, FreeDecoder> decoder(ltc_decoder_create(sampleRate / 25, queuedFrames));
+    ltc_decoder_write_float(decoder.get(), samples.data(), samples.size(), 0);
+    std::vector<DecodedFrame> frames;
+    LTCFrameExt frame;
+    while (ltc_decoder_read(decoder.get(), &frame) == 1) {
+        SMPTETimecode time;
+        ltc_frame_to_time(&time, &frame.ltc, 0);
+        if (frame.reverse == 0)
+            frames.push_back({{time.hours, time.mins, time.secs, time.frame},
+                              frame.ltc.dfbit != 0,
+                              static_cast<double>(frame.off_start)});
+    }
+    return frames;
+}
+
+bool isLabel(LtcTime time, LtcRate rate)
+{
+    return time.hours < 24 && time.minutes < 60 && time.seconds < 60 && time.frames < rate.base &&
+           (!rate.dropFrame || time.frames > 1 || time.seconds != 0 || time.minutes % 10 == 0);
+}
+
+/// Whether \a frame counts on from \a first at \a rate, as many frames later as lie between them in time.
+bool continues(const DecodedFrame &frame, const DecodedFrame &first, LtcRate rate, double frameLength)
+{
+    if (!isLabel(frame.time, rate) || frame.dropFrame != rate.dropFrame)
+        return false;
+    const std::int64_t day = testsignals::framesPerDay(rate);
+    const std::int64_t counted =
+        testsignals::frameNumber(frame.time, rate) - testsignals::frameNumber(first.time, rate);
+    const double passed = (frame.start - first.start) / frameLength;
+    const double slack =
+        0.15 + 0.12 * std::abs(passed); // half a bit's worth of jitter, and machines at other speeds
+    return std::abs(std::remainder(static_cast<double>(counted) - passed, static_cast<double>(day))) < slack;
+}
+
+/// The answer that follows from \a first and the length of a frame, measured from it to the last frame that
+/// continues it.
+Answer answerFrom(const std::vector<DecodedFrame> &frames, std::size_t first, std::size_t end, LtcRate rate,
+                  int sampleRate)
+{
+    const double runLength =
+        (frames[end - 1].start - frames[first].start) / static_cast<double>(end - 1 - first);
+    const std::int64_t number = testsignals::frameNumber(frames[first].time, rate);
+    double measured = runLength;
+    for (std::size_t later = frames.size() - 1; later >= end; --later) {
+        const std::int64_t counted = testsignals::frameNumber(frames[later].time, rate) - number;
+        const double length = (frames[later].start - frames[first].start) / static_cast<double>(counted);
+        if (continues(frames[later], frames[first], rate, runLength) && counted > 0 &&
+            std::abs(length / runLength - 1) < 0.01) {
+            measured = length;
+            break;
+        }
+    }
+    // Of two rates with the same counting the one nearer to the measured length is meant.
+    LtcRate fitted = rate;
+    fitted.ntsc = rate.dropFrame || (rate.base != 25 && sampleRate / measured < rate.base * 0.9995);
+    const auto day = static_cast<double>(testsignals::framesPerDay(fitted));
+    // The position of the first frame after a pause is a guess of the library's; the last one's is not.
+    const double last = static_cast<double>(number) + static_cast<double>(end - 1 - first);
+    double start = std::fmod(last - frames[end - 1].start / measured, day);
+    start = start < 0 ? start + day : start;
+    const double position = start * testsignals::samplesPerFrame(fitted, sampleRate);
+    return {testsignals::timeOfFrame(std::llround(start), fitted), fitted, 0, std::llround(position)};
+}
+
+/// The longest run of frames that count up one by one at \a rate.
+Run longestRun(const std::vector<DecodedFrame> &frames, LtcRate rate, int sampleRate)
+{
+    Run best;
+    const double frameLength = testsignals::samplesPerFrame(rate, sampleRate);
+    for (std::size_t first = 0; first < frames.size();) {
+        std::size_t end = first;
+        if (isLabel(frames[first].time, rate) && frames[first].dropFrame == rate.dropFrame) {
+            const std::int64_t number = testsignals::frameNumber(frames[first].time, rate);
+            const auto follows = [&](std::size_t index) {
+                const std::int64_t expected = number + static_cast<std::int64_t>(index - first);
+                return continues(frames[index], frames[first], rate, frameLength) &&
+                       (testsignals::frameNumber(frames[index].time, rate) - expected) %
+                               testsignals::framesPerDay(rate) ==
+                           0;
+            };
+            while (end < frames.size() && follows(end))
+                ++end;
+        }
+        const auto length = static_cast<int>(end - first);
+        if (length > best.length && length >= leastAgreeing) {
+            best.length = length;
+            best.answer = answerFrom(frames, first, end, rate, sampleRate);
+            const double runLength = (frames[end - 1].start - frames[first].start) / (length - 1);
+            best.misfit = std::abs(runLength / frameLength - 1);
+        }
+        first = std::max(end, first + 1);
+    }
+    return best;
+}
+
+Run longestRun(const Samples &samples, int sampleRate)
+{
+    constexpr std::array<LtcRate, 4> countings{
+        {{24, false, false}, {25, false, false}, {30, false, false}, {30, true, true}}};
+    const std::vector<DecodedFrame> frames = decode(samples, sampleRate);
+    Run best;
+    for (const LtcRate counting : countings) {
+        const Run run = longestRun(frames, counting, sampleRate);
+        if (run.length > best.length || (run.length == best.length && run.misfit < best.misfit))
+            best = run;
+    }
+    return best;
+}
+
+using Filter = void (*)(Samples &samples, int sampleRate);
+
+void none(Samples &, int)
+{
+}
+
+void bandPass(Samples &samples, int sampleRate)
+{
+    testsignals::highPass(samples, sampleRate, 500);
+    testsignals::lowPass(samples, sampleRate, 3000);
+}
+
+void lowPass(Samples &samples, int sampleRate)
+{
+    testsignals::highPass(samples, sampleRate, 100);
+    testsignals::lowPass(samples, sampleRate, 5000, 2);
+}
+
+/// Makes square waves of spikes again.
+void integrate(Samples &samples, int sampleRate)
+{
+    const auto decay = static_cast<float>(std::exp(-2 * 3.14159 * 200 / sampleRate));
+    float sum = 0.0F;
+    for (float &sample : samples) {
+        sum = decay * sum + sample;
+        sample = sum;
+    }
+}
+
+template <std::size_t count>
+std::optional<Answer> read(const Case &recording, const std::array<Filter, count> &filters)
+{
+    Run best;
+    for (std::size_t channel = 0; channel < recording.channels.size(); ++channel) {
+        for (const Filter filter : filters) {
+            Samples samples = recording.channels[channel];
+            filter(samples, recording.sampleRate);
+            bringToFullScale(samples);
+            Run run = longestRun(samples, recording.sampleRate);
+            run.answer.channel = static_cast<int>(channel);
+            if (run.length > best.length)
+                best = run;
+        }
+    }
+    if (best.length == 0)
+        return std::nullopt;
+    return best.answer;
+}
+
+} // namespace
+
+std::optional<Answer> readWithLibltc(const Case &recording)
+{
+    return read<1>(recording, {none});
+}
+
+std::optional<Answer> readWithFilteredLibltc(const Case &recording)
+{
+    return read<4>(recording, {none, bandPass, lowPass, integrate});
+}
+
+void decodePlainly(const Case &recording)
+{
+    decode(recording.channels.front(), recording.sampleRate);
+}
+
+} // namespace ltcbench

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "bench/ltc/cases.h"
+
+namespace ltcbench
+{
+
+/// libltc's decoder used with care: each channel brought to full scale without its mean, and an answer only
+/// from three or more frames that count up one by one; the longest such run of all channels wins. The rate
+/// comes from its length.
+std::optional<Answer> readWithLibltc(const Case &recording);
+
+/// The same after each of some simple filters (none, band-pass, low-pass, integration), longest run of all.
+std::optional<Answer> readWithFilteredLibltc(const Case &recording);
+
+/// Decodes the first channel and throws the frames away: the time that libltc itself needs.
+void decodePlainly(const Case &recording);
+
+} // namespace ltcbench

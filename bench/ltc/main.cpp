@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: MIT
+#include "bench/ltc/measurement.h"
+#include "bench/ltc/plot.h"
+#include "bench/ltc/report.h"
+#include "tests/support/lossycodec.h"
+#include "tests/support/othersounds.h"
+#include "tests/support/wavfile.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <set>
+#include <stdexcept>
+
+using namespace ltcbench;
+
+namespace
+{
+
+constexpr const char *help = R"(Usage: ltc-benchmark [options]
+Measures how LTCReader's decoder reads timecode under graded impairments, and libltc's decoder beside it.
+
+  --only TEXT      only curves, sounds or parts whose name or section contains TEXT; may be given several times
+                   (parts: "Without timecode", "Cost")
+  --files N        recordings for each grade of a curve (20)
+  --negatives N    recordings for each kind of sound without timecode (200)
+  --seed N         start of all random numbers (1)
+  --quick          5 recordings for each grade, 20 for each sound
+  --ours           without libltc, for a faster run
+  --csv FILE       writes all figures as comma-separated values
+  --plots FOLDER   writes an SVG picture for each section
+  --list           prints the names of all curves and sounds
+  --case NAME      reads one recording by the name that a wrong answer is reported with
+  --save FILE      with --case: writes that recording as a WAV file
+  --help           prints this text
+
+Exit code: 0; 1 when LTCReader gave a wrong timecode; 2 when something was wrong with the options or a file.
+)";
+
+struct Options {
+    Extent extent;
+    std::vector<std::string> only;
+    std::string csv;
+    std::string plots;
+    std::string caseName;
+    std::string save;
+    bool list = false;
+    bool help = false;
+};
+
+std::uint64_t numberFrom(const std::string &text)
+{
+    std::size_t used = 0;
+    const unsigned long long number = text.empty() || text[0] == '-' ? 0 : std::stoull(text, &used);
+    if (used == 0 || used != text.size())
+        throw std::invalid_argument("\"" + text + "\" is no number");
+    return number;
+}
+
+Options parse(const std::vector<std::string> &arguments)
+{
+    Options options;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string &name = arguments[i];
+        const auto value = [&]() -> const std::string & {
+            if (i + 1 >= arguments.size())
+                throw std::invalid_argument(name + " needs a value");
+            return arguments[++i];
+        };
+        if (name == "--only") {
+            options.only.push_back(value());
+        } else if (name == "--files") {
+            options.extent.filesPerGrade = static_cast<int>(numberFrom(value()));
+        } else if (name == "--negatives") {
+            options.extent.filesPerSound = static_cast<int>(numberFrom(value()));
+        } else if (name == "--seed") {
+            options.extent.seed = numberFrom(value());
+        } else if (name == "--quick") {
+            options.extent.filesPerGrade = 5;
+            options.extent.filesPerSound = 20;
+        } else if (name == "--ours") {
+            options.extent.compare = false;
+        } else if (name == "--csv") {
+            options.csv = value();
+        } else if (name == "--plots") {
+            options.plots = value();
+        } else if (name == "--case") {
+            options.caseName = value();
+        } else if (name == "--save") {
+            options.save = value();
+        } else if (name == "--list") {
+            options.list = true;
+        } else if (name == "--help") {
+            options.help = true;
+        } else {
+            throw std::invalid_argument("unknown option \"" + name + "\"; --help lists all");
+        }
+    }
+    return options;
+}
+
+bool isWanted(const Options &options, const std::string &section, const std::string &name)
+{
+    if (options.only.empty())
+        return true;
+    for (const std::string &part : options.only) {
+        if (section.find(part) != std::string::npos || name.find(part) != std::string::npos)
+            return true;
+    }
+    return false;
+}
+
+void write(const std::string &path, const std::string &text)
+{
+    std::ofstream file(path);
+    file << text;
+    file.close();
+    if (!file)
+        throw std::runtime_error(path + " could not be written");
+}
+
+void printList()
+{
+    for (const Curve &curve : allCurves())
+        std::cout << curve.section << ": " << curve.name << "\n";
+    for (const testsignals::OtherSound &sound : testsignals::otherSounds())
+        std::cout << "Without timecode: " << sound.name << "\n";
+}
+
+int runCase(const Options &options)
+{
+    const std::optional<Case> recording = caseNamed(options.caseName, options.extent.seed);
+    if (!recording)
+        throw std::invalid_argument("there is no case \"" + options.caseName + "\"");
+    if (!options.save.empty()) {
+        testsignals::WavFile wav;
+        wav.sampleRate = recording->sampleRate;
+        wav.format = testsignals::SampleFormat::Pcm24;
+        wav.channels = recording->channels;
+        testsignals::writeWav(options.save, wav);
+    }
+    std::cout << "there:            " << textOfTruth(*recording) << "\n";
+    bool wrong = false;
+    for (const Reader reader : allReaders) {
+        const std::optional<Answer> answer = readWith(reader, *recording);
+        wrong = wrong || (reader == Reader::Ours && judge(*recording, answer) == Verdict::Wrong);
+        std::cout << textOf(reader, *recording, answer);
+    }
+    return wrong ? 1 : 0;
+}
+
+int run(const Options &options)
+{
+    for (const testsignals::LossyCodec &codec : testsignals::lossyCodecs()) {
+        if (isWanted(options, "Codecs", codec.name) && !testsignals::isAvailable(codec))
+            std::cout << "left out: " << codec.name << " (this ffmpeg has no encoder \"" << codec.encoder
+                      << "\")\n";
+    }
+    int wrong = 0;
+    const ReportWrong reportWrong = [&wrong](const std::string &name, const Case &recording,
+                                             const Answer &answer) {
+        ++wrong;
+        std::cout << textOfWrong(name, recording, answer) << std::flush;
+    };
+    std::vector<CurveResult> curves;
+    std::set<std::string> sections;
+    for (const Curve &curve : allCurves()) {
+        if (!isWanted(options, curve.section, curve.name))
+            continue;
+        curves.push_back(measureCurve(curve, options.extent, reportWrong));
+        sections.insert(curve.section);
+        std::cout << textOf(curves.back()) << std::flush;
+    }
+    std::vector<SoundResult> sounds;
+    for (const testsignals::OtherSound &sound : testsignals::otherSounds()) {
+        if (isWanted(options, "Without timecode", sound.name))
+            sounds.push_back(measureSound(sound, options.extent, reportWrong));
+    }
+    if (!sounds.empty())
+        std::cout << textOf(sounds);
+    if (isWanted(options, "Cost", "Cost"))
+        std::cout << textOf(measureCosts(options.extent));
+    if (!curves.empty())
+        std::cout << summaryOf(curves);
+    std::cout << totalsOf(curves, sounds);
+
+    if (!options.csv.empty())
+        write(options.csv, csvOf(curves, sounds));
+    if (!options.plots.empty()) {
+        std::filesystem::create_directories(options.plots);
+        for (const std::string &section : sections) {
+            std::string name = "ltc-" + section + ".svg";
+            for (char &letter : name)
+                letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+            write((std::filesystem::path(options.plots) / name).string(), plotOf(curves, section));
+        }
+    }
+    return wrong > 0 ? 1 : 0;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    try {
+        const Options options = parse({argv + 1, argv + argc});
+        if (options.help) {
+            std::cout << help;
+            return 0;
+        }
+        if (options.list) {
+            printList();
+            return 0;
+        }
+        return options.caseName.empty() ? run(options) : runCase(options);
+    } catch (const std::exception &error) {
+        std::cerr << "ltc-benchmark: " << error.what() << "\n";
+        return 2;
+    }
+}

@@ -1,0 +1,229 @@
+// SPDX-License-Identifier: MIT
+#include "bench/ltc/measurement.h"
+
+#include "bench/ltc/libltcreader.h"
+#include "bench/ltc/readers.h"
+#include "tests/support/impairments.h"
+#include "tests/support/noise.h"
+
+#include <algorithm>
+#include <ctime>
+
+namespace ltcbench
+{
+
+namespace
+{
+
+constexpr int hopelessAfter = 2; // grades in a row without a right answer
+
+Case caseOf(const Curve &curve, std::uint64_t seed, std::size_t grade, int file)
+{
+    Random random = Random::forCase(seed, curve.name, grade * 1000000 + static_cast<std::uint64_t>(file));
+    return curve.make(curve.grades.at(grade), random);
+}
+
+Case caseOf(const testsignals::OtherSound &sound, std::uint64_t seed, int file)
+{
+    Random random = Random::forCase(seed, sound.name, static_cast<std::uint64_t>(file));
+    const double seconds = random.chance(0.7) ? 3.0 : random.uniform(0.2, 3.0);
+    constexpr std::array<int, 4> otherRates{8000, 44100, 96000, 192000};
+    const int sampleRate =
+        random.chance(0.8) ? 48000 : otherRates[static_cast<std::size_t>(random.integer(0, 3))];
+    Samples samples = sound.make(random, static_cast<std::size_t>(seconds * sampleRate), sampleRate);
+    testsignals::quantise(samples, random, random.chance(0.5) ? 16 : 24, random.chance(0.5));
+    return {{std::move(samples)}, sampleRate, std::nullopt};
+}
+
+std::string caseName(const std::string &name, std::size_t grade, int file)
+{
+    return name + "/" + std::to_string(grade) + "/" + std::to_string(file);
+}
+
+double cpuMilliseconds(const std::function<void()> &work)
+{
+    const std::clock_t before = std::clock();
+    work();
+    return 1000.0 * static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC;
+}
+
+} // namespace
+
+std::optional<Answer> readWith(Reader reader, const Case &recording)
+{
+    switch (reader) {
+    case Reader::Libltc:
+        return readWithLibltc(recording);
+    case Reader::FilteredLibltc:
+        return readWithFilteredLibltc(recording);
+    case Reader::Ours:
+        break;
+    }
+    return readWithOurs(recording);
+}
+
+double Tally::rightShare() const
+{
+    return files() == 0 ? 0.0 : static_cast<double>(right) / files();
+}
+
+void Tally::add(const Case &recording, const std::optional<Answer> &answer)
+{
+    switch (judge(recording, answer)) {
+    case Verdict::Right:
+        ++right;
+        otherChannel += answer->channel == recording.truth->channel ? 0 : 1;
+        if (recording.truth->speedKnown)
+            positionErrors.push_back(positionError(*recording.truth, *answer));
+        break;
+    case Verdict::Wrong:
+        ++wrong;
+        break;
+    case Verdict::Refused:
+        ++refused;
+        break;
+    }
+}
+
+void Tally::add(const Tally &other)
+{
+    right += other.right;
+    wrong += other.wrong;
+    refused += other.refused;
+    otherChannel += other.otherChannel;
+    positionErrors.insert(positionErrors.end(), other.positionErrors.begin(), other.positionErrors.end());
+}
+
+CurveResult measureCurve(const Curve &curve, const Extent &extent, const ReportWrong &reportWrong)
+{
+    CurveResult result{curve, std::vector<Tallies>(curve.grades.size())};
+    std::map<Reader, int> hopeless; // grades in a row without a right answer
+    for (std::size_t grade = 0; grade < curve.grades.size(); ++grade) {
+        Tallies &tallies = result.grades[grade];
+        for (int file = 0; file < extent.filesPerGrade; ++file) {
+            const Case recording = caseOf(curve, extent.seed, grade, file);
+            for (const Reader reader : allReaders) {
+                if (reader != Reader::Ours && (!extent.compare || hopeless[reader] >= hopelessAfter))
+                    continue;
+                const std::optional<Answer> answer = readWith(reader, recording);
+                tallies[reader].add(recording, answer);
+                if (reader == Reader::Ours && judge(recording, answer) == Verdict::Wrong)
+                    reportWrong(caseName(curve.name, grade, file), recording, *answer);
+            }
+        }
+        for (const Reader reader : allReaders)
+            hopeless[reader] = curve.graded && tallies[reader].right == 0 ? hopeless[reader] + 1 : 0;
+    }
+    return result;
+}
+
+SoundResult measureSound(const testsignals::OtherSound &sound, const Extent &extent,
+                         const ReportWrong &reportWrong)
+{
+    SoundResult result{sound.name, {}};
+    for (int file = 0; file < extent.filesPerSound; ++file) {
+        const Case recording = caseOf(sound, extent.seed, file);
+        for (const Reader reader : allReaders) {
+            if (reader != Reader::Ours && !extent.compare)
+                continue;
+            const std::optional<Answer> answer = readWith(reader, recording);
+            result.tallies[reader].add(recording, answer);
+            if (reader == Reader::Ours && answer)
+                reportWrong(caseName(sound.name, 0, file), recording, *answer);
+        }
+    }
+    return result;
+}
+
+std::vector<CostResult> measureCosts(const Extent &extent)
+{
+    const auto withNoise = [](Random &random, double ratio) {
+        const LtcSignal signal = anySignal(random, anyRate(random));
+        Samples samples = audioOf(signal, random);
+        testsignals::addAtRatio(samples, testsignals::whiteNoise(random, samples.size()), ratio);
+        return monoCase(signal, std::move(samples), random);
+    };
+    const auto soundNamed = [](const std::string &name, Random &random) {
+        for (const testsignals::OtherSound &sound : testsignals::otherSounds()) {
+            if (sound.name == name)
+                return sound.make(random, 144000, 48000);
+        }
+        return Samples(144000, 0.0F);
+    };
+    struct Kind {
+        std::string name;
+        std::function<Case(Random &random)> make;
+    };
+    std::vector<Kind> kinds{
+        {"clean timecode", [&](Random &random) { return withNoise(random, 60.0); }},
+        {"timecode in white noise at -10 dB", [&](Random &random) { return withNoise(random, -10.0); }},
+        {"timecode out of reach at -40 dB", [&](Random &random) { return withNoise(random, -40.0); }}};
+    for (const char *name :
+         {"silence", "white noise", "hum", "speech", "music", "square", "biphase, random bits"}) {
+        kinds.push_back({name, [&soundNamed, name](Random &random) -> Case {
+                             return {{soundNamed(name, random)}, 48000, std::nullopt};
+                         }});
+    }
+    kinds.push_back({"eight channels of music", [&](Random &random) -> Case {
+                         Case recording;
+                         for (int channel = 0; channel < 8; ++channel)
+                             recording.channels.push_back(soundNamed("music", random));
+                         return recording;
+                     }});
+
+    std::vector<CostResult> results;
+    for (const Kind &kind : kinds) {
+        CostResult result{kind.name};
+        for (int file = 0; file < extent.filesPerGrade; ++file) {
+            Random random =
+                Random::forCase(extent.seed, "cost of " + kind.name, static_cast<std::uint64_t>(file));
+            const Case recording = kind.make(random);
+            result.ours += cpuMilliseconds([&] { readWithOurs(recording); }) / extent.filesPerGrade;
+            result.libltc += cpuMilliseconds([&] { decodePlainly(recording); }) / extent.filesPerGrade;
+        }
+        results.push_back(result);
+    }
+    return results;
+}
+
+std::optional<double> halfPoint(const CurveResult &result, Reader reader)
+{
+    constexpr double half = 0.5;
+    const std::vector<double> &grades = result.curve.grades;
+    const auto share = [&](std::size_t grade) {
+        const auto found = result.grades[grade].find(reader);
+        return found == result.grades[grade].end() ? 0.0 : found->second.rightShare();
+    };
+    if (share(0) < half)
+        return std::nullopt;
+    for (std::size_t grade = 1; grade < grades.size(); ++grade) {
+        if (share(grade) < half) {
+            const double part = (share(grade - 1) - half) / (share(grade - 1) - share(grade));
+            return grades[grade - 1] + part * (grades[grade] - grades[grade - 1]);
+        }
+    }
+    return grades.back();
+}
+
+std::optional<Case> caseNamed(const std::string &name, std::uint64_t seed)
+{
+    const std::size_t fileSlash = name.rfind('/');
+    const std::size_t gradeSlash =
+        fileSlash == std::string::npos ? fileSlash : name.rfind('/', fileSlash - 1);
+    if (gradeSlash == std::string::npos || gradeSlash == 0)
+        return std::nullopt;
+    const std::string what = name.substr(0, gradeSlash);
+    const auto grade = static_cast<std::size_t>(std::atoi(name.c_str() + gradeSlash + 1));
+    const int file = std::atoi(name.c_str() + fileSlash + 1);
+    for (const Curve &curve : allCurves()) {
+        if (curve.name == what && grade < curve.grades.size())
+            return caseOf(curve, seed, grade, file);
+    }
+    for (const testsignals::OtherSound &sound : testsignals::otherSounds()) {
+        if (sound.name == what)
+            return caseOf(sound, seed, file);
+    }
+    return std::nullopt;
+}
+
+} // namespace ltcbench

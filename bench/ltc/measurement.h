@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "bench/ltc/cases.h"
+#include "bench/ltc/curves.h"
+#include "tests/support/othersounds.h"
+
+#include <array>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace ltcbench
+{
+
+/// Who reads: the product's decoder, libltc with care, libltc after the best of some filters.
+enum class Reader { Ours, Libltc, FilteredLibltc };
+constexpr std::array<Reader, 3> allReaders{Reader::Ours, Reader::Libltc, Reader::FilteredLibltc};
+
+std::optional<Answer> readWith(Reader reader, const Case &recording);
+
+/// How much to measure.
+struct Extent {
+    std::uint64_t seed = 1;
+    int filesPerGrade = 20;
+    int filesPerSound = 200; ///< recordings without timecode of each kind
+    bool compare = true;     ///< read with libltc too
+};
+
+/// What became of a number of recordings.
+struct Tally {
+    int right = 0;
+    int wrong = 0;
+    int refused = 0;
+    int otherChannel = 0; ///< of the right ones: read from another channel than the timecode's own
+    std::vector<double> positionErrors; ///< [samples] of the right ones whose speed is the nominal one
+
+    int files() const { return right + wrong + refused; }
+    double rightShare() const; ///< 0 to 1
+    void add(const Case &recording, const std::optional<Answer> &answer);
+    void add(const Tally &other);
+};
+
+using Tallies = std::map<Reader, Tally>;
+
+struct CurveResult {
+    Curve curve;
+    std::vector<Tallies> grades; ///< as many as the curve has
+};
+
+struct SoundResult {
+    std::string name;
+    Tallies tallies; ///< refused is right, wrong is a timecode made out of nothing
+};
+
+/// CPU time of one kind of recording.
+struct CostResult {
+    std::string name;
+    double ours = 0.0;   ///< [ms] for one recording, mean
+    double libltc = 0.0; ///< [ms] for one pass of libltc's decoder over one channel without filters
+};
+
+/// Called for every answer of ours that is wrong, with the name of the case as caseNamed() takes it.
+using ReportWrong =
+    std::function<void(const std::string &caseName, const Case &recording, const Answer &answer)>;
+
+CurveResult measureCurve(const Curve &curve, const Extent &extent, const ReportWrong &reportWrong);
+
+SoundResult measureSound(const testsignals::OtherSound &sound, const Extent &extent,
+                         const ReportWrong &reportWrong);
+
+std::vector<CostResult> measureCosts(const Extent &extent);
+
+/// The grade at which half of the files are read right, between the two grades around it. None where even the
+/// first grade is below half; the last grade where all are above.
+std::optional<double> halfPoint(const CurveResult &result, Reader reader);
+
+/// The recording behind a name as reports give it, "curve or sound/number of the grade/number of the file";
+/// none where the name fits nothing.
+std::optional<Case> caseNamed(const std::string &name, std::uint64_t seed);
+
+} // namespace ltcbench

@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: MIT
+#include "bench/ltc/report.h"
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+
+namespace ltcbench
+{
+
+namespace
+{
+
+#if defined(__GNUC__)
+[[gnu::format(printf, 1, 2)]]
+#endif
+std::string
+format(const char *pattern, ...)
+{
+    std::array<char, 512> buffer{};
+    std::va_list arguments;
+    va_start(arguments, pattern);
+    std::vsnprintf(buffer.data(), buffer.size(), pattern, arguments);
+    va_end(arguments);
+    return buffer.data();
+}
+
+const char *titleOf(Reader reader)
+{
+    switch (reader) {
+    case Reader::Libltc:
+        return "libltc";
+    case Reader::FilteredLibltc:
+        return "libltc, filtered";
+    case Reader::Ours:
+        break;
+    }
+    return "LTCReader";
+}
+
+double percent(int part, int whole)
+{
+    return whole == 0 ? 0.0 : 100.0 * part / whole;
+}
+
+const Tally &tallyOf(const Tallies &tallies, Reader reader)
+{
+    static const Tally nothing;
+    const auto found = tallies.find(reader);
+    return found == tallies.end() ? nothing : found->second;
+}
+
+double median(std::vector<double> values)
+{
+    if (values.empty())
+        return 0.0;
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+double largest(const std::vector<double> &values)
+{
+    return values.empty() ? 0.0 : *std::max_element(values.begin(), values.end());
+}
+
+std::string halfPointText(const CurveResult &result, Reader reader)
+{
+    const std::optional<double> point = halfPoint(result, reader);
+    if (!point)
+        return "none";
+    const Tally &last = tallyOf(result.grades.back(), reader);
+    return format("%s%.4g", last.rightShare() >= 0.5 ? "beyond " : "", *point);
+}
+
+std::string textOfAnswer(const Answer &answer)
+{
+    return testsignals::text(answer.start, answer.rate) + " at " + nameOf(answer.rate) +
+           format(", channel %d, %lld samples since midnight", answer.channel,
+                  static_cast<long long>(answer.samplesSinceMidnight));
+}
+
+} // namespace
+
+std::string textOf(const CurveResult &result)
+{
+    std::string text = format("\n%s: %s (%s)\n%10s", result.curve.section.c_str(), result.curve.name.c_str(),
+                              result.curve.unit.c_str(), "grade");
+    for (const Reader reader : allReaders)
+        text += format(" | %-22s", (std::string(titleOf(reader)) + ": r/w/ref %").c_str());
+    text += " | position error: median, largest [samples]\n";
+    for (std::size_t grade = 0; grade < result.grades.size(); ++grade) {
+        text += format("%10.5g", result.curve.grades[grade]);
+        for (const Reader reader : allReaders) {
+            const Tally &tally = tallyOf(result.grades[grade], reader);
+            text += tally.files() == 0
+                        ? format(" | %22s", "-")
+                        : format(" |      %5.0f %5.0f %5.0f", percent(tally.right, tally.files()),
+                                 percent(tally.wrong, tally.files()), percent(tally.refused, tally.files()));
+        }
+        const Tally &ours = tallyOf(result.grades[grade], Reader::Ours);
+        text += format(" | %.0f, %.0f", median(ours.positionErrors), largest(ours.positionErrors));
+        text += ours.otherChannel > 0 ? format(", other channel: %d\n", ours.otherChannel) : "\n";
+    }
+    if (result.curve.graded) {
+        text += "  50 % point:";
+        for (const Reader reader : allReaders)
+            text += format("  %s %s", titleOf(reader), halfPointText(result, reader).c_str());
+        text += "\n";
+    }
+    return text;
+}
+
+std::string textOf(const std::vector<SoundResult> &results)
+{
+    std::string text = format("\nRecordings without timecode\n%-30s %8s", "sound", "files");
+    for (const Reader reader : allReaders)
+        text += format(" %18s", titleOf(reader));
+    text += "  (timecodes read)\n";
+    for (const SoundResult &result : results) {
+        text += format("%-30s %8d", result.name.c_str(), tallyOf(result.tallies, Reader::Ours).files());
+        for (const Reader reader : allReaders)
+            text += format(" %18d", tallyOf(result.tallies, reader).wrong);
+        text += "\n";
+    }
+    return text;
+}
+
+std::string textOf(const std::vector<CostResult> &results)
+{
+    std::string text = format("\nCPU time for 3 s at 48 kHz\n%-36s %12s %22s\n", "recording", "LTCReader",
+                              "libltc, one channel");
+    for (const CostResult &result : results)
+        text += format("%-36s %9.2f ms %19.2f ms\n", result.name.c_str(), result.ours, result.libltc);
+    return text;
+}
+
+std::string totalsOf(const std::vector<CurveResult> &curves, const std::vector<SoundResult> &sounds)
+{
+    std::string text = format("\nTotals\n%-18s %9s %9s %9s %9s %14s %22s %15s\n", "reader", "files", "right",
+                              "wrong", "refused", "other channel", "without timecode", "false timecodes");
+    for (const Reader reader : allReaders) {
+        Tally sum;
+        for (const CurveResult &result : curves) {
+            for (const Tallies &tallies : result.grades)
+                sum.add(tallyOf(tallies, reader));
+        }
+        Tally others;
+        for (const SoundResult &result : sounds)
+            others.add(tallyOf(result.tallies, reader));
+        text += format("%-18s %9d %9d %9d %9d %14d %22d %15d\n", titleOf(reader), sum.files(), sum.right,
+                       sum.wrong, sum.refused, sum.otherChannel, others.files(), others.wrong);
+    }
+    return text;
+}
+
+std::string summaryOf(const std::vector<CurveResult> &curves)
+{
+    std::string text = "\n| Section | Impairment | Unit | LTCReader | libltc | libltc, filtered "
+                       "|\n|---|---|---|---|---|---|\n";
+    for (const CurveResult &result : curves) {
+        if (!result.curve.graded)
+            continue;
+        text += "| " + result.curve.section + " | " + result.curve.name + " | " + result.curve.unit;
+        for (const Reader reader : allReaders)
+            text += " | " + halfPointText(result, reader);
+        text += " |\n";
+    }
+    return text;
+}
+
+std::string csvOf(const std::vector<CurveResult> &curves, const std::vector<SoundResult> &sounds)
+{
+    std::string text =
+        "section,name,unit,grade,reader,files,right,wrong,refused,other_channel,median_error,largest_error\n";
+    const auto line = [&text](const std::string &head, const Tallies &tallies) {
+        for (const auto &[reader, tally] : tallies)
+            text += head + format(",\"%s\",%d,%d,%d,%d,%d,%.1f,%.1f\n", titleOf(reader), tally.files(),
+                                  tally.right, tally.wrong, tally.refused, tally.otherChannel,
+                                  median(tally.positionErrors), largest(tally.positionErrors));
+    };
+    for (const CurveResult &result : curves) {
+        const std::string head =
+            "\"" + result.curve.section + "\",\"" + result.curve.name + "\",\"" + result.curve.unit + "\"";
+        for (std::size_t grade = 0; grade < result.grades.size(); ++grade)
+            line(head + format(",%g", result.curve.grades[grade]), result.grades[grade]);
+    }
+    for (const SoundResult &result : sounds)
+        line("\"Without timecode\",\"" + result.name + "\",\"\",0", result.tallies);
+    return text;
+}
+
+std::string textOfTruth(const Case &recording)
+{
+    if (!recording.truth)
+        return "no timecode";
+    const LtcSignal &signal = recording.truth->signal;
+    return testsignals::text(testsignals::startTime(signal), signal.rate) + " at " + nameOf(signal.rate) +
+           format(", channel %d, %lld samples since midnight", recording.truth->channel,
+                  static_cast<long long>(testsignals::samplesSinceMidnight(signal)));
+}
+
+std::string textOf(Reader reader, const Case &recording, const std::optional<Answer> &answer)
+{
+    const std::string name = format("%-18s", (std::string(titleOf(reader)) + ":").c_str());
+    if (!answer)
+        return name + "nothing found\n";
+    return name + textOfAnswer(*answer) +
+           (judge(recording, answer) == Verdict::Right ? ": right\n" : ": wrong\n");
+}
+
+std::string textOfWrong(const std::string &caseName, const Case &recording, const Answer &answer)
+{
+    return "WRONG " + caseName + ": " + textOfTruth(recording) + " was read as " + textOfAnswer(answer) +
+           "\n";
+}
+
+} // namespace ltcbench

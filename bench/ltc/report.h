@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "bench/ltc/measurement.h"
+
+#include <string>
+#include <vector>
+
+namespace ltcbench
+{
+
+/// One curve: a line for every grade with the shares of each reader in per cent, then the 50 % points.
+std::string textOf(const CurveResult &result);
+
+std::string textOf(const std::vector<SoundResult> &results);
+std::string textOf(const std::vector<CostResult> &results);
+
+/// Files, wrong answers, positions and channels over all curves and sounds.
+std::string totalsOf(const std::vector<CurveResult> &curves, const std::vector<SoundResult> &sounds);
+
+/// 50 % points of all graded curves, as a Markdown table.
+std::string summaryOf(const std::vector<CurveResult> &curves);
+
+/// All of it as comma-separated values with a head line, one line for each grade and reader.
+std::string csvOf(const std::vector<CurveResult> &curves, const std::vector<SoundResult> &sounds);
+
+/// One wrong answer in words: what was there and what was read.
+std::string textOfWrong(const std::string &caseName, const Case &recording, const Answer &answer);
+
+/// What a recording holds.
+std::string textOfTruth(const Case &recording);
+
+/// One reader's answer to a recording, with its verdict.
+std::string textOf(Reader reader, const Case &recording, const std::optional<Answer> &answer);
+
+} // namespace ltcbench
