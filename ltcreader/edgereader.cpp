@@ -6,6 +6,10 @@ namespace ltcreader
 namespace
 {
 
+// [s] half of the shortest half bit; slower rises are not square waves. The pulses of the slope begin at the
+// edge.
+constexpr double longestRise = 1e-4;
+
 double thresholdOf(Algorithm algorithm)
 {
     constexpr double low = 0.1;
@@ -24,7 +28,8 @@ double thresholdOf(Algorithm algorithm)
 } // namespace
 
 EdgeReader::EdgeReader(Algorithm algorithm, int sampleRate)
-    : slicer(thresholdOf(algorithm), sampleRate), clock(sampleRate)
+    : slicer(thresholdOf(algorithm), algorithm == Algorithm::Slope ? 0.0 : longestRise, sampleRate),
+      clock(sampleRate)
 {
     if (algorithm == Algorithm::Slope)
         slope.emplace(sampleRate);
@@ -39,9 +44,7 @@ void EdgeReader::process(const float *samples, std::size_t count)
     }
     edges.clear();
     slicer.process(samples, count, edges);
-    for (Edge edge : edges) {
-        if (slope)
-            edge.position -= slope->delay();
+    for (const Edge &edge : edges) {
         clock.process(edge, found);
     }
 }

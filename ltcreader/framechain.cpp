@@ -124,6 +124,14 @@ double speedError(const FrameChain &chain, const FrameRate &rate, int sampleRate
     return std::log(sampleRate / chain.frameLength / rate.framesPerSecond());
 }
 
+/// How badly the speed fits a way of counting. Where it fits none well the user's word counts more.
+double speedPenalty(const FrameChain &chain, int sampleRate, const std::optional<FrameRate> &wanted)
+{
+    const double error = std::abs(speedError(chain, chain.rate, sampleRate));
+    const bool named = wanted && wanted->base == chain.rate.base;
+    return named ? std::min(error, speedMatters) : error;
+}
+
 /// Decides between a whole rate and its NTSC variant by the speed that needs the smaller error.
 void chooseNtsc(FrameChain &chain, int sampleRate, const std::optional<FrameRate> &wanted)
 {
@@ -161,26 +169,24 @@ std::optional<FrameChain> findChain(const std::vector<Frame> &frames, int sample
         FrameRate{24, false, false}, {25, false, false}, {30, false, false}, {30, true, true}};
     const double length = medianLength(frames);
     std::optional<FrameChain> best;
+    double leastError = 0.0;
     for (const FrameRate &way : ways) {
-        if (wanted && wanted->base != way.base)
-            continue;
         const std::vector<Member> members = agreeingFrames(frames, way, length);
         if (members.size() < shortestChain)
             continue;
         if (way.base == 30 && majorityHasDropFlag(members) != way.dropFrame)
             continue;
         const FrameChain chain = describe(members, way);
-        const bool better =
-            !best || chain.frames > best->frames ||
-            (chain.frames == best->frames && std::abs(speedError(chain, chain.rate, sampleRate)) <
-                                                 std::abs(speedError(*best, best->rate, sampleRate)));
-        if (better)
+        const double error = speedPenalty(chain, sampleRate, wanted);
+        if (!best || chain.frames > best->frames || (chain.frames == best->frames && error < leastError)) {
             best = chain;
+            leastError = error;
+        }
     }
     if (!best)
         return std::nullopt;
     chooseNtsc(*best, sampleRate, wanted);
-    if (wanted && wanted->ntsc != best->rate.ntsc)
+    if (wanted && (wanted->base != best->rate.base || wanted->ntsc != best->rate.ntsc))
         return std::nullopt;
     best->strangers =
         static_cast<int>(std::count_if(

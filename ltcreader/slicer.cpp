@@ -25,10 +25,10 @@ constexpr double slopeTime = 6e-5;     // [s] a third of the shortest half bit: 
 
 } // namespace
 
-Slicer::Slicer(double threshold, int sampleRate)
+Slicer::Slicer(double threshold, double longestRise, int sampleRate)
     : threshold(static_cast<float>(threshold)),
       decay(static_cast<float>(std::min(0.5, 1.0 / (memory * sampleRate)))),
-      longestRise(std::max(1.0, longestRiseTime * sampleRate))
+      longestRise(longestRise * sampleRate)
 {
 }
 
@@ -82,11 +82,6 @@ void SlopeFilter::process(float *samples, std::size_t count)
         next = next + 1 == history.size() ? 0 : next + 1;
         samples[i] -= earlier;
     }
-}
-
-double SlopeFilter::delay() const
-{
-    return 0.5 * (static_cast<double>(history.size()) - 1.0);
 }
 
 } // namespace ltcreader

@@ -16,8 +16,9 @@ class Slicer
 {
 public:
     /// \a threshold: distance from the middle of the signal, as a share of its half swing, 0 to 1, that must
-    /// be passed for the level to change. \a sampleRate [Hz].
-    Slicer(double threshold, int sampleRate);
+    /// be passed for the level to change. \a longestRise [s]: how far before that the crossing of the middle
+    /// may lie to count as the moment of the edge. \a sampleRate [Hz].
+    Slicer(double threshold, double longestRise, int sampleRate);
 
     /// Appends the level changes in \a samples, \a count values that follow the earlier ones.
     void process(const float *samples, std::size_t count, std::vector<Edge> &edges);
@@ -48,9 +49,6 @@ public:
 
     /// Replaces \a samples, \a count values that follow the earlier ones, by their slopes.
     void process(float *samples, std::size_t count);
-
-    /// [samples] by which a level change appears late.
-    double delay() const;
 
 private:
     std::vector<float> history; ///< the last values, oldest at next

@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/ltcsignal.h"
+#include "tests/support/wavfile.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QTest>
+
+class TestLtcReaderProgram : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void aFileWithTimecodeIsAnsweredInJson_data();
+    void aFileWithTimecodeIsAnsweredInJson();
+    void failuresHaveTheirCodeAndOneLine_data();
+    void failuresHaveTheirCodeAndOneLine();
+    void helpAndVersionAreAnswered();
+    void peopleGetText();
+    void whatFfmpegWritesToAPipeIsRead();
+    void anyBytesAreSurvived();
+
+private:
+    struct Answer {
+        int code;
+        QByteArray out;
+        QByteArray err;
+    };
+    static Answer run(const QStringList &arguments);
+    QString pathOf(const char *name) const { return folder.filePath(name); }
+
+    QTemporaryDir folder;
+};
+
+TestLtcReaderProgram::Answer TestLtcReaderProgram::run(const QStringList &arguments)
+{
+    QProcess process;
+    process.start("LTCReader.exe", arguments);
+    if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit) {
+        return {-1, {}, process.errorString().toUtf8()};
+    }
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+void TestLtcReaderProgram::initTestCase()
+{
+    testsignals::LtcSignal signal;
+    signal.start = {10, 0, 0, 0};
+    signal.rate = {30, true, true};
+    testsignals::WavFile wav;
+    const std::vector<float> ltc = testsignals::ltcAudio(signal);
+    wav.channels = {std::vector<float>(ltc.size()), ltc};
+    testsignals::writeWav(pathOf("ltc.wav").toStdString(), wav);
+    wav.channels = {std::vector<float>(144000)};
+    testsignals::writeWav(pathOf("silence.wav").toStdString(), wav);
+    QFile text(pathOf("text.wav"));
+    QVERIFY(text.open(QIODevice::WriteOnly) && text.write("no sound") > 0);
+}
+
+void TestLtcReaderProgram::aFileWithTimecodeIsAnsweredInJson_data()
+{
+    QTest::addColumn<QStringList>("switches");
+    QTest::newRow("without switches") << QStringList{};
+    QTest::newRow("with all that the application passes") << QStringList{"-c1", "-f29.97", "-aMID"};
+    QTest::newRow("as the application reads action cameras") << QStringList{"-aSLOPE"};
+    QTest::newRow("with its output form") << QStringList{"-oJSON"};
+}
+
+void TestLtcReaderProgram::aFileWithTimecodeIsAnsweredInJson()
+{
+    QFETCH(QStringList, switches);
+    const Answer answer = run(QStringList{pathOf("ltc.wav")} + switches);
+    QCOMPARE(answer.code, 0);
+    QVERIFY(answer.err.isEmpty());
+    const QJsonObject json = QJsonDocument::fromJson(answer.out).object();
+    QCOMPARE(json.value("Timecode").toString(), QString("10:00:00;00"));
+    QCOMPARE(json.value("DropFrame"), QJsonValue(true));
+    QCOMPARE(json.value("NTSC"), QJsonValue(true));
+    QCOMPARE(json.value("FrameRateFound").toDouble(), 30.0);
+    QCOMPARE(json.value("FrameRateBaseFound").toInt(), 30);
+    QCOMPARE(json.value("ChannelFound").toInt(), 1);
+    constexpr qint64 tenHours = 1727998272; // [samples] 1,078,920 frames of 1601.6
+    QVERIFY(qAbs(json.value("SamplesSinceMidnight").toVariant().toLongLong() - tenHours) <= 1);
+}
+
+void TestLtcReaderProgram::failuresHaveTheirCodeAndOneLine_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("code");
+    const QString ltc = pathOf("ltc.wav");
+    QTest::newRow("no arguments") << QStringList{} << 100;
+    QTest::newRow("unknown output format") << QStringList{ltc, "-oYAML"} << 101;
+    QTest::newRow("unknown switch") << QStringList{ltc, "-z"} << 102;
+    QTest::newRow("unknown algorithm") << QStringList{ltc, "-aNONE"} << 103;
+    QTest::newRow("no such file") << QStringList{pathOf("none.wav")} << 201;
+    QTest::newRow("a folder") << QStringList{folder.path()} << 201;
+    QTest::newRow("channel that the file does not have") << QStringList{ltc, "-c2"} << 202;
+    QTest::newRow("no rate of timecode") << QStringList{ltc, "-f60"} << 203;
+    QTest::newRow("no sound") << QStringList{pathOf("text.wav")} << 204;
+    QTest::newRow("silence") << QStringList{pathOf("silence.wav")} << 205;
+    QTest::newRow("timecode on another channel") << QStringList{ltc, "-c0"} << 205;
+    QTest::newRow("timecode at another rate") << QStringList{ltc, "-f25"} << 205;
+}
+
+void TestLtcReaderProgram::failuresHaveTheirCodeAndOneLine()
+{
+    QFETCH(QStringList, arguments);
+    const Answer answer = run(arguments);
+    QTEST(answer.code, "code");
+    QVERIFY(answer.out.isEmpty());
+    QCOMPARE(answer.err.count('\n'), 1);
+    QVERIFY(answer.err.startsWith("LTCReader: ") && answer.err.endsWith('\n'));
+}
+
+void TestLtcReaderProgram::helpAndVersionAreAnswered()
+{
+    const Answer help = run({"--help"});
+    QCOMPARE(help.code, 0);
+    for (const char *word : {"-c", "-f", "-a", "-o", "LOW", "MID", "HIGH", "SLOPE", "JSON", "TEXT"}) {
+        QVERIFY2(help.out.contains(word), word);
+    }
+    const Answer version = run({"--version"});
+    QCOMPARE(version.code, 0);
+    QVERIFY(version.out.startsWith("LTCReader 1."));
+}
+
+void TestLtcReaderProgram::peopleGetText()
+{
+    const Answer answer = run({pathOf("ltc.wav"), "-oTEXT"});
+    QCOMPARE(answer.code, 0);
+    QVERIFY(answer.out.startsWith("Timecode:"));
+    QVERIFY(answer.out.contains("10:00:00;00"));
+}
+
+void TestLtcReaderProgram::whatFfmpegWritesToAPipeIsRead()
+{
+    QProcess ffmpeg;
+    ffmpeg.setStandardOutputFile(pathOf("piped.wav"));
+    ffmpeg.start("ffmpeg", {"-v", "error", "-i", pathOf("ltc.wav"), "-f", "wav", "-"});
+    QVERIFY(ffmpeg.waitForFinished(30000));
+    QCOMPARE(ffmpeg.exitCode(), 0);
+    const Answer answer = run({pathOf("piped.wav")});
+    QCOMPARE(answer.code, 0);
+    QVERIFY(answer.out.contains("\"Timecode\": \"10:00:00;00\""));
+}
+
+void TestLtcReaderProgram::anyBytesAreSurvived()
+{
+    QFile good(pathOf("ltc.wav"));
+    QVERIFY(good.open(QIODevice::ReadOnly));
+    const QByteArray bytes = good.readAll();
+    constexpr int trials = 150;
+    constexpr int headSize = 64; // what is damaged there decides how the rest is read
+    QRandomGenerator random(7);
+    for (int trial = 0; trial < trials; ++trial) {
+        QByteArray damaged = trial % 3 == 0 ? bytes.left(random.bounded(bytes.size())) : bytes;
+        for (int change = 0; change < 1 + trial % 8 && !damaged.isEmpty(); ++change) {
+            damaged[random.bounded(qMin(headSize, damaged.size()))] = static_cast<char>(random.bounded(256));
+        }
+        QFile file(pathOf("damaged.wav"));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(damaged) == damaged.size());
+        file.close();
+        const Answer answer = run({pathOf("damaged.wav")});
+        QVERIFY2(answer.code == 0 || answer.code == 204 || answer.code == 205,
+                 qPrintable(QString("trial %1: %2 %3").arg(trial).arg(answer.code).arg(QString(answer.err))));
+        QCOMPARE(answer.out.isEmpty(), answer.code != 0);
+        if (answer.code == 0)
+            QVERIFY(QJsonDocument::fromJson(answer.out).isObject());
+    }
+}
+
+QTEST_GUILESS_MAIN(TestLtcReaderProgram)
+#include "tst_ltcreaderprogram.moc"

@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+#include "ltcreader/timecode.h"
+
+#include <QTest>
+
+using namespace ltcreader;
+
+Q_DECLARE_METATYPE(ltcreader::FrameRate)
+Q_DECLARE_METATYPE(ltcreader::Timecode)
+
+namespace
+{
+
+constexpr FrameRate film{24, false, false};
+constexpr FrameRate filmNtsc{24, true, false};
+constexpr FrameRate pal{25, false, false};
+constexpr FrameRate ntsc{30, true, false};
+constexpr FrameRate drop{30, true, true};
+constexpr FrameRate whole{30, false, false};
+
+} // namespace
+
+class TestTimecode : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void labelsAndCountsAgree_data();
+    void labelsAndCountsAgree();
+    void everyLabelOfADropFrameDayIsMetOnce();
+    void leftOutLabelsDoNotExist_data();
+    void leftOutLabelsDoNotExist();
+    void aDayHasItsFrames();
+    void countsOutsideTheDayWrap();
+    void samplesAreExact_data();
+    void samplesAreExact();
+    void dropFrameIsWrittenWithASemicolon();
+};
+
+void TestTimecode::labelsAndCountsAgree_data()
+{
+    QTest::addColumn<FrameRate>("rate");
+    QTest::addColumn<Timecode>("label");
+    QTest::addColumn<qint64>("count");
+    QTest::newRow("midnight") << pal << Timecode{0, 0, 0, 0} << qint64{0};
+    QTest::newRow("one second") << pal << Timecode{0, 0, 1, 0} << qint64{25};
+    QTest::newRow("last frame of the day") << pal << Timecode{23, 59, 59, 24} << qint64{2159999};
+    QTest::newRow("ten o'clock, 23.976") << filmNtsc << Timecode{10, 0, 0, 0} << qint64{864000};
+    QTest::newRow("before the first drop") << drop << Timecode{0, 0, 59, 29} << qint64{1799};
+    QTest::newRow("after the first drop") << drop << Timecode{0, 1, 0, 2} << qint64{1800};
+    QTest::newRow("before the tenth minute") << drop << Timecode{0, 9, 59, 29} << qint64{17981};
+    QTest::newRow("the tenth minute keeps its labels") << drop << Timecode{0, 10, 0, 0} << qint64{17982};
+    QTest::newRow("an hour of drop-frame") << drop << Timecode{1, 0, 0, 0} << qint64{107892};
+    QTest::newRow("last frame of a drop-frame day") << drop << Timecode{23, 59, 59, 29} << qint64{2589407};
+    QTest::newRow("29.97 without drop-frame") << ntsc << Timecode{0, 1, 0, 0} << qint64{1800};
+}
+
+void TestTimecode::labelsAndCountsAgree()
+{
+    QFETCH(FrameRate, rate);
+    QFETCH(Timecode, label);
+    QFETCH(qint64, count);
+    QCOMPARE(qint64{frameCount(label, rate)}, count);
+    QVERIFY(labelAt(count, rate) == label);
+    QVERIFY(isLabel(label, rate));
+}
+
+void TestTimecode::everyLabelOfADropFrameDayIsMetOnce()
+{
+    for (std::int64_t count = 0; count < framesPerDay(drop); ++count) {
+        const Timecode label = labelAt(count, drop);
+        QVERIFY2(isLabel(label, drop) && frameCount(label, drop) == count, toText(label, true).c_str());
+    }
+}
+
+void TestTimecode::leftOutLabelsDoNotExist_data()
+{
+    QTest::addColumn<FrameRate>("rate");
+    QTest::addColumn<Timecode>("label");
+    QTest::addColumn<bool>("exists");
+    QTest::newRow("00 of a minute") << drop << Timecode{1, 1, 0, 0} << false;
+    QTest::newRow("01 of a minute") << drop << Timecode{1, 1, 0, 1} << false;
+    QTest::newRow("02 of a minute") << drop << Timecode{1, 1, 0, 2} << true;
+    QTest::newRow("00 of a tenth minute") << drop << Timecode{1, 20, 0, 0} << true;
+    QTest::newRow("00 of a minute without drop-frame") << ntsc << Timecode{1, 1, 0, 0} << true;
+    QTest::newRow("frame 24 at 24") << film << Timecode{0, 0, 0, 24} << false;
+    QTest::newRow("frame 24 at 25") << pal << Timecode{0, 0, 0, 24} << true;
+    QTest::newRow("hour 24") << pal << Timecode{24, 0, 0, 0} << false;
+    QTest::newRow("second 60") << pal << Timecode{0, 0, 60, 0} << false;
+    QTest::newRow("minute 60") << pal << Timecode{0, 60, 0, 0} << false;
+}
+
+void TestTimecode::leftOutLabelsDoNotExist()
+{
+    QFETCH(FrameRate, rate);
+    QFETCH(Timecode, label);
+    QTEST(isLabel(label, rate), "exists");
+}
+
+void TestTimecode::aDayHasItsFrames()
+{
+    QCOMPARE(qint64{framesPerDay(drop)}, qint64{2589408});
+    QCOMPARE(qint64{framesPerDay(ntsc)}, qint64{2592000});
+    QCOMPARE(qint64{framesPerDay(film)}, qint64{2073600});
+    QCOMPARE(qint64{framesPerDay(whole)}, qint64{2592000});
+}
+
+void TestTimecode::countsOutsideTheDayWrap()
+{
+    QVERIFY((labelAt(-1, pal) == Timecode{23, 59, 59, 24}));
+    QVERIFY((labelAt(-1, drop) == Timecode{23, 59, 59, 29}));
+    QVERIFY((labelAt(framesPerDay(drop), drop) == Timecode{0, 0, 0, 0}));
+}
+
+void TestTimecode::samplesAreExact_data()
+{
+    QTest::addColumn<FrameRate>("rate");
+    QTest::addColumn<double>("frames");
+    QTest::addColumn<int>("sampleRate"); // [Hz]
+    QTest::addColumn<qint64>("samples");
+    QTest::newRow("ten o'clock at 25") << pal << 900000.0 << 48000 << qint64{1728000000};
+    QTest::newRow("ten o'clock at 23.976 is 36 s later")
+        << filmNtsc << 864000.0 << 48000 << qint64{1729728000};
+    QTest::newRow("half a frame") << pal << 0.5 << 48000 << qint64{960};
+    QTest::newRow("1601.6 samples are rounded") << ntsc << 1.0 << 48000 << qint64{1602};
+    QTest::newRow("five frames are whole again") << ntsc << 5.0 << 48000 << qint64{8008};
+    QTest::newRow("a sample before midnight") << pal << -1.0 / 1920.0 << 48000 << qint64{86400} * 48000 - 1;
+    QTest::newRow("a rounding error before midnight is midnight") << pal << -1e-9 << 48000 << qint64{0};
+    QTest::newRow("29.97 before midnight is beyond 24 hours")
+        << ntsc << 2591999.0 << 48000 << qint64{4151345598};
+    QTest::newRow("192 kHz") << pal << 2159999.0 << 192000 << qint64{192000} * 86400 - 7680;
+}
+
+void TestTimecode::samplesAreExact()
+{
+    QFETCH(FrameRate, rate);
+    QFETCH(double, frames);
+    QFETCH(int, sampleRate);
+    QFETCH(qint64, samples);
+    QCOMPARE(qint64{samplesAt(frames, rate, sampleRate)}, samples);
+}
+
+void TestTimecode::dropFrameIsWrittenWithASemicolon()
+{
+    QCOMPARE(toText({1, 2, 3, 4}, false), std::string("01:02:03:04"));
+    QCOMPARE(toText({23, 59, 59, 29}, true), std::string("23:59:59;29"));
+}
+
+QTEST_APPLESS_MAIN(TestTimecode)
+#include "tst_timecode.moc"
