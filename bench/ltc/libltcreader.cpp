@@ -25,7 +25,8 @@ struct FreeDecoder {
 struct DecodedFrame {
     LtcTime time;
     bool dropFrame = false;
-    double start = 0.0; ///< [samples]
+    double end =
+        0.0; ///< [samples] where its successor begins; the library's start of a first frame is a guess
 };
 
 struct Run {
@@ -56,7 +57,7 @@ std::vector<DecodedFrame> decode(Samples samples, int sampleRate)
         if (frame.reverse == 0)
             frames.push_back({{time.hours, time.mins, time.secs, time.frame},
                               frame.ltc.dfbit != 0,
-                              static_cast<double>(frame.off_start)});
+                              static_cast<double>(frame.off_end) + 1.0});
     }
     return frames;
 }
@@ -75,7 +76,7 @@ bool continues(const DecodedFrame &frame, const DecodedFrame &first, LtcRate rat
     const std::int64_t day = testsignals::framesPerDay(rate);
     const std::int64_t counted =
         testsignals::frameNumber(frame.time, rate) - testsignals::frameNumber(first.time, rate);
-    const double passed = (frame.start - first.start) / frameLength;
+    const double passed = (frame.end - first.end) / frameLength;
     const double slack =
         0.15 + 0.12 * std::abs(passed); // half a bit's worth of jitter, and machines at other speeds
     return std::abs(std::remainder(static_cast<double>(counted) - passed, static_cast<double>(day))) < slack;
@@ -86,13 +87,12 @@ bool continues(const DecodedFrame &frame, const DecodedFrame &first, LtcRate rat
 Answer answerFrom(const std::vector<DecodedFrame> &frames, std::size_t first, std::size_t end, LtcRate rate,
                   int sampleRate)
 {
-    const double runLength =
-        (frames[end - 1].start - frames[first].start) / static_cast<double>(end - 1 - first);
+    const double runLength = (frames[end - 1].end - frames[first].end) / static_cast<double>(end - 1 - first);
     const std::int64_t number = testsignals::frameNumber(frames[first].time, rate);
     double measured = runLength;
     for (std::size_t later = frames.size() - 1; later >= end; --later) {
         const std::int64_t counted = testsignals::frameNumber(frames[later].time, rate) - number;
-        const double length = (frames[later].start - frames[first].start) / static_cast<double>(counted);
+        const double length = (frames[later].end - frames[first].end) / static_cast<double>(counted);
         if (continues(frames[later], frames[first], rate, runLength) && counted > 0 &&
             std::abs(length / runLength - 1) < 0.01) {
             measured = length;
@@ -103,9 +103,8 @@ Answer answerFrom(const std::vector<DecodedFrame> &frames, std::size_t first, st
     LtcRate fitted = rate;
     fitted.ntsc = rate.dropFrame || (rate.base != 25 && sampleRate / measured < rate.base * 0.9995);
     const auto day = static_cast<double>(testsignals::framesPerDay(fitted));
-    // The position of the first frame after a pause is a guess of the library's; the last one's is not.
     const double last = static_cast<double>(number) + static_cast<double>(end - 1 - first);
-    double start = std::fmod(last - frames[end - 1].start / measured, day);
+    double start = std::fmod(last + 1.0 - frames[end - 1].end / measured, day);
     start = start < 0 ? start + day : start;
     const double position = start * testsignals::samplesPerFrame(fitted, sampleRate);
     return {testsignals::timeOfFrame(std::llround(start), fitted), fitted, 0, std::llround(position)};
@@ -134,7 +133,7 @@ Run longestRun(const std::vector<DecodedFrame> &frames, LtcRate rate, int sample
         if (length > best.length && length >= leastAgreeing) {
             best.length = length;
             best.answer = answerFrom(frames, first, end, rate, sampleRate);
-            const double runLength = (frames[end - 1].start - frames[first].start) / (length - 1);
+            const double runLength = (frames[end - 1].end - frames[first].end) / (length - 1);
             best.misfit = std::abs(runLength / frameLength - 1);
         }
         first = std::max(end, first + 1);
@@ -164,8 +163,21 @@ void none(Samples &, int)
 
 void bandPass(Samples &samples, int sampleRate)
 {
-    testsignals::highPass(samples, sampleRate, 500);
+    testsignals::highPass(samples, sampleRate, 500, 4);
     testsignals::lowPass(samples, sampleRate, 3000);
+}
+
+/// Mean over half a bit, which keeps level changes where they are, without hum.
+void halfBitMean(Samples &samples, int sampleRate)
+{
+    testsignals::highPass(samples, sampleRate, 100);
+    const auto length = static_cast<std::size_t>(sampleRate / 4400);
+    const Samples input = samples;
+    double sum = 0.0;
+    for (std::size_t n = 0; n < samples.size(); ++n) {
+        sum += static_cast<double>(input[n]) - (n >= length ? static_cast<double>(input[n - length]) : 0.0);
+        samples[n] = static_cast<float>(sum);
+    }
 }
 
 void lowPass(Samples &samples, int sampleRate)
@@ -214,7 +226,7 @@ std::optional<Answer> readWithLibltc(const Case &recording)
 
 std::optional<Answer> readWithFilteredLibltc(const Case &recording)
 {
-    return read<4>(recording, {none, bandPass, lowPass, integrate});
+    return read<5>(recording, {none, bandPass, halfBitMean, lowPass, integrate});
 }
 
 void decodePlainly(const Case &recording)

@@ -11,7 +11,8 @@ namespace ltcbench
 /// comes from its length.
 std::optional<Answer> readWithLibltc(const Case &recording);
 
-/// The same after each of some simple filters (none, band-pass, low-pass, integration), longest run of all.
+/// The same after each of some simple filters (none, band-pass, mean over half a bit, low-pass, integration),
+/// longest run of all.
 std::optional<Answer> readWithFilteredLibltc(const Case &recording);
 
 /// Decodes the first channel and throws the frames away: the time that libltc itself needs.
