@@ -131,7 +131,7 @@ void printList()
 
 int runCase(const Options &options)
 {
-    const std::optional<Case> recording = caseNamed(options.caseName, options.extent.seed);
+    const std::optional<Case> recording = recordingNamed(options.caseName, options.extent.seed);
     if (!recording)
         throw std::invalid_argument("there is no case \"" + options.caseName + "\"");
     if (!options.save.empty()) {

@@ -17,13 +17,22 @@ namespace
 
 constexpr int hopelessAfter = 2; // grades in a row without a right answer
 
-Case caseOf(const Curve &curve, std::uint64_t seed, std::size_t grade, int file)
+double cpuMilliseconds(const std::function<void()> &work)
+{
+    const std::clock_t before = std::clock();
+    work();
+    return 1000.0 * static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC;
+}
+
+} // namespace
+
+Case recordingOf(const Curve &curve, std::uint64_t seed, std::size_t grade, int file)
 {
     Random random = Random::forCase(seed, curve.name, grade * 1000000 + static_cast<std::uint64_t>(file));
     return curve.make(curve.grades.at(grade), random);
 }
 
-Case caseOf(const testsignals::OtherSound &sound, std::uint64_t seed, int file)
+Case recordingOf(const testsignals::OtherSound &sound, std::uint64_t seed, int file)
 {
     Random random = Random::forCase(seed, sound.name, static_cast<std::uint64_t>(file));
     const double seconds = random.chance(0.7) ? 3.0 : random.uniform(0.2, 3.0);
@@ -35,19 +44,10 @@ Case caseOf(const testsignals::OtherSound &sound, std::uint64_t seed, int file)
     return {{std::move(samples)}, sampleRate, std::nullopt};
 }
 
-std::string caseName(const std::string &name, std::size_t grade, int file)
+std::string nameOfRecording(const std::string &curveOrSound, std::size_t grade, int file)
 {
-    return name + "/" + std::to_string(grade) + "/" + std::to_string(file);
+    return curveOrSound + "/" + std::to_string(grade) + "/" + std::to_string(file);
 }
-
-double cpuMilliseconds(const std::function<void()> &work)
-{
-    const std::clock_t before = std::clock();
-    work();
-    return 1000.0 * static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC;
-}
-
-} // namespace
 
 std::optional<Answer> readWith(Reader reader, const Case &recording)
 {
@@ -101,14 +101,14 @@ CurveResult measureCurve(const Curve &curve, const Extent &extent, const ReportW
     for (std::size_t grade = 0; grade < curve.grades.size(); ++grade) {
         Tallies &tallies = result.grades[grade];
         for (int file = 0; file < extent.filesPerGrade; ++file) {
-            const Case recording = caseOf(curve, extent.seed, grade, file);
+            const Case recording = recordingOf(curve, extent.seed, grade, file);
             for (const Reader reader : allReaders) {
                 if (reader != Reader::Ours && (!extent.compare || hopeless[reader] >= hopelessAfter))
                     continue;
                 const std::optional<Answer> answer = readWith(reader, recording);
                 tallies[reader].add(recording, answer);
                 if (reader == Reader::Ours && judge(recording, answer) == Verdict::Wrong)
-                    reportWrong(caseName(curve.name, grade, file), recording, *answer);
+                    reportWrong(nameOfRecording(curve.name, grade, file), recording, *answer);
             }
         }
         for (const Reader reader : allReaders)
@@ -122,14 +122,14 @@ SoundResult measureSound(const testsignals::OtherSound &sound, const Extent &ext
 {
     SoundResult result{sound.name, {}};
     for (int file = 0; file < extent.filesPerSound; ++file) {
-        const Case recording = caseOf(sound, extent.seed, file);
+        const Case recording = recordingOf(sound, extent.seed, file);
         for (const Reader reader : allReaders) {
             if (reader != Reader::Ours && !extent.compare)
                 continue;
             const std::optional<Answer> answer = readWith(reader, recording);
             result.tallies[reader].add(recording, answer);
             if (reader == Reader::Ours && answer)
-                reportWrong(caseName(sound.name, 0, file), recording, *answer);
+                reportWrong(nameOfRecording(sound.name, 0, file), recording, *answer);
         }
     }
     return result;
@@ -205,7 +205,7 @@ std::optional<double> halfPoint(const CurveResult &result, Reader reader)
     return grades.back();
 }
 
-std::optional<Case> caseNamed(const std::string &name, std::uint64_t seed)
+std::optional<Case> recordingNamed(const std::string &name, std::uint64_t seed)
 {
     const std::size_t fileSlash = name.rfind('/');
     const std::size_t gradeSlash =
@@ -217,11 +217,11 @@ std::optional<Case> caseNamed(const std::string &name, std::uint64_t seed)
     const int file = std::atoi(name.c_str() + fileSlash + 1);
     for (const Curve &curve : allCurves()) {
         if (curve.name == what && grade < curve.grades.size())
-            return caseOf(curve, seed, grade, file);
+            return recordingOf(curve, seed, grade, file);
     }
     for (const testsignals::OtherSound &sound : testsignals::otherSounds()) {
         if (sound.name == what)
-            return caseOf(sound, seed, file);
+            return recordingOf(sound, seed, file);
     }
     return std::nullopt;
 }

@@ -66,6 +66,17 @@ struct CostResult {
 using ReportWrong =
     std::function<void(const std::string &caseName, const Case &recording, const Answer &answer)>;
 
+/// Recording number \a file of a curve's grade number \a grade: the same for the same \a seed, and another
+/// for each curve, grade and file.
+Case recordingOf(const Curve &curve, std::uint64_t seed, std::size_t grade, int file);
+Case recordingOf(const testsignals::OtherSound &sound, std::uint64_t seed, int file);
+
+/// The name of that recording as recordingNamed() takes it; the grade of a sound is 0.
+std::string nameOfRecording(const std::string &curveOrSound, std::size_t grade, int file);
+
+/// The recording behind such a name; none where it fits nothing.
+std::optional<Case> recordingNamed(const std::string &name, std::uint64_t seed);
+
 CurveResult measureCurve(const Curve &curve, const Extent &extent, const ReportWrong &reportWrong);
 
 SoundResult measureSound(const testsignals::OtherSound &sound, const Extent &extent,
@@ -76,9 +87,5 @@ std::vector<CostResult> measureCosts(const Extent &extent);
 /// The grade at which half of the files are read right, between the two grades around it. None where even the
 /// first grade is below half; the last grade where all are above.
 std::optional<double> halfPoint(const CurveResult &result, Reader reader);
-
-/// The recording behind a name as reports give it, "curve or sound/number of the grade/number of the file";
-/// none where the name fits nothing.
-std::optional<Case> caseNamed(const std::string &name, std::uint64_t seed);
 
 } // namespace ltcbench

@@ -209,10 +209,9 @@ std::string textOf(Reader reader, const Case &recording, const std::optional<Ans
            (judge(recording, answer) == Verdict::Right ? ": right\n" : ": wrong\n");
 }
 
-std::string textOfWrong(const std::string &caseName, const Case &recording, const Answer &answer)
+std::string textOfWrong(const std::string &name, const Case &recording, const Answer &answer)
 {
-    return "WRONG " + caseName + ": " + textOfTruth(recording) + " was read as " + textOfAnswer(answer) +
-           "\n";
+    return "WRONG " + name + ": " + textOfTruth(recording) + " was read as " + textOfAnswer(answer) + "\n";
 }
 
 } // namespace ltcbench

@@ -25,7 +25,7 @@ std::string summaryOf(const std::vector<CurveResult> &curves);
 std::string csvOf(const std::vector<CurveResult> &curves, const std::vector<SoundResult> &sounds);
 
 /// One wrong answer in words: what was there and what was read.
-std::string textOfWrong(const std::string &caseName, const Case &recording, const Answer &answer);
+std::string textOfWrong(const std::string &name, const Case &recording, const Answer &answer);
 
 /// What a recording holds.
 std::string textOfTruth(const Case &recording);

@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: MIT
+#include "bench/ltc/measurement.h"
+#include "bench/ltc/readers.h"
+#include "bench/ltc/report.h"
+
+#include <QTest>
+
+using namespace ltcbench;
+
+Q_DECLARE_METATYPE(ltcbench::Curve)
+
+namespace
+{
+
+constexpr std::uint64_t seed = 20; // another than the benchmark's own
+
+/// The grade of each curve up to which every recording must be read, well inside of what the decoder reaches.
+/// Nothing is demanded of curves that are not named here but that no answer is wrong.
+const std::map<std::string, double> readUpTo{
+    {"white noise, 3 s, 23.976", 8}, {"white noise, 3 s, 24", 8},         {"white noise, 3 s, 25", 8},
+    {"white noise, 3 s, 29.97", 8},  {"white noise, 3 s, 29.97 drop", 8}, {"white noise, 3 s, 30", 8},
+};
+
+const Curve &curveNamed(const std::string &name)
+{
+    static const std::vector<Curve> curves = allCurves();
+    for (const Curve &curve : curves) {
+        if (curve.name == name)
+            return curve;
+    }
+    throw std::invalid_argument(name);
+}
+
+/// How to see a failed recording again.
+QString reproduction(const std::string &name)
+{
+    return QString(" (ltc-benchmark --seed %1 --case \"%2\")")
+        .arg(QString::number(seed), QString::fromStdString(name));
+}
+
+} // namespace
+
+class TestLtcBenchmark : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanTimecodeIsReadToTheSample_data();
+    void cleanTimecodeIsReadToTheSample();
+    void impairedTimecodeIsReadOrRefusedButNeverWrong_data();
+    void impairedTimecodeIsReadOrRefusedButNeverWrong();
+    void everyDemandedGradeIsMeasured();
+    void noTimecodeIsInvented_data();
+    void noTimecodeIsInvented();
+};
+
+void TestLtcBenchmark::cleanTimecodeIsReadToTheSample_data()
+{
+    QTest::addColumn<int>("rate");
+    QTest::addColumn<int>("sampleRate");
+    for (std::size_t rate = 0; rate < allRates().size(); ++rate) {
+        for (const int sampleRate : {8000, 16000, 32000, 44100, 48000, 88200, 96000, 192000}) {
+            const QString name = QString::fromStdString(nameOf(allRates()[rate]));
+            QTest::newRow(qPrintable(QString("%1 at %2 Hz").arg(name).arg(sampleRate)))
+                << static_cast<int>(rate) << sampleRate;
+        }
+    }
+}
+
+void TestLtcBenchmark::cleanTimecodeIsReadToTheSample()
+{
+    QFETCH(int, rate);
+    QFETCH(int, sampleRate);
+    Random random = Random::forCase(seed, "clean", static_cast<std::uint64_t>(rate * sampleRate));
+    for (const double duration : {3.0, 1.0, 0.3}) {
+        LtcSignal signal = anySignal(random, allRates()[static_cast<std::size_t>(rate)]);
+        signal.sampleRate = sampleRate;
+        signal.duration = duration;
+        const Case recording = monoCase(signal, audioOf(signal, random), random);
+        const std::optional<Answer> answer = readWithOurs(recording);
+        QVERIFY2(judge(recording, answer) == Verdict::Right,
+                 (textOfTruth(recording) + "\n" + textOf(Reader::Ours, recording, answer)).c_str());
+        const double error = positionError(*recording.truth, *answer);
+        QVERIFY2(duration < 1.0 || error <= 3.0, qPrintable(QString("%1 samples").arg(error)));
+    }
+}
+
+void TestLtcBenchmark::impairedTimecodeIsReadOrRefusedButNeverWrong_data()
+{
+    QTest::addColumn<Curve>("curve");
+    for (const Curve &curve : allCurves()) {
+        if (curve.section != "Codecs") // need a tool that the test may not have
+            QTest::newRow(curve.name.c_str()) << curve;
+    }
+}
+
+void TestLtcBenchmark::impairedTimecodeIsReadOrRefusedButNeverWrong()
+{
+    QFETCH(Curve, curve);
+    const auto demanded = readUpTo.find(curve.name);
+    bool mustBeRead = demanded != readUpTo.end();
+    for (std::size_t grade = 0; grade < curve.grades.size(); ++grade) {
+        const Case recording = recordingOf(curve, seed, grade, 0);
+        const std::optional<Answer> answer = readWithOurs(recording);
+        const std::string name = nameOfRecording(curve.name, grade, 0);
+        QVERIFY2(
+            judge(recording, answer) != Verdict::Wrong,
+            qPrintable(QString::fromStdString(textOfWrong(name, recording, *answer)) + reproduction(name)));
+        QVERIFY2(!mustBeRead || answer,
+                 qPrintable(QString("grade %1 was not read").arg(curve.grades[grade]) + reproduction(name)));
+        mustBeRead = mustBeRead && curve.grades[grade] != demanded->second;
+    }
+}
+
+void TestLtcBenchmark::everyDemandedGradeIsMeasured()
+{
+    for (const auto &[name, demanded] : readUpTo) {
+        const std::vector<double> &grades = curveNamed(name).grades;
+        QVERIFY2(std::find(grades.begin(), grades.end(), demanded) != grades.end(), name.c_str());
+    }
+}
+
+void TestLtcBenchmark::noTimecodeIsInvented_data()
+{
+    QTest::addColumn<int>("sound");
+    for (std::size_t sound = 0; sound < testsignals::otherSounds().size(); ++sound)
+        QTest::newRow(testsignals::otherSounds()[sound].name.c_str()) << static_cast<int>(sound);
+}
+
+void TestLtcBenchmark::noTimecodeIsInvented()
+{
+    QFETCH(int, sound);
+    const testsignals::OtherSound &kind = testsignals::otherSounds()[static_cast<std::size_t>(sound)];
+    constexpr int files = 10;
+    for (int file = 0; file < files; ++file) {
+        const Case recording = recordingOf(kind, seed, file);
+        const std::optional<Answer> answer = readWithOurs(recording);
+        const std::string name = nameOfRecording(kind.name, 0, file);
+        QVERIFY2(!answer, answer ? qPrintable(QString::fromStdString(textOfWrong(name, recording, *answer)) +
+                                              reproduction(name))
+                                 : "");
+    }
+}
+
+QTEST_APPLESS_MAIN(TestLtcBenchmark)
+
+#include "tst_ltcbenchmark.moc"
