@@ -64,7 +64,7 @@ std::vector<std::string> renderArguments(const ArgumentList &list)
     const auto append = [&arguments](const Options &options) {
         for (const Option &option : options) {
             arguments.push_back(option.name);
-            if (option.name != "-y")
+            if (option.name != "-y" && option.name != "-xerror")
                 arguments.push_back(option.value);
         }
     };
@@ -78,10 +78,15 @@ std::vector<std::string> renderArguments(const ArgumentList &list)
     return arguments;
 }
 
-Options::iterator findOption(Options &options, const std::string &name)
+Job jobOf(const ArgumentList &list)
 {
-    return std::find_if(options.begin(), options.end(),
-                        [&](const Option &option) { return option.name == name; });
+    if (list.inputOptions.empty() || list.inputOptions.front().name != "-y")
+        return Job::Unknown;
+    if (hasOption(list.inputOptions, "-guess_layout_max"))
+        return Job::Extraction;
+    if (list.inputOptions.size() == 1 && list.outputs.size() == 1 && !list.outputs.front().path.empty())
+        return Job::Export;
+    return Job::Unknown;
 }
 
 bool hasOption(const Options &options, const std::string &name)

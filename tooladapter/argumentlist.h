@@ -35,11 +35,18 @@ struct ArgumentList {
 /// or not exactly one input: such a list is not one of the application's.
 std::optional<ArgumentList> parseArguments(const std::vector<std::string> &arguments);
 
+/// Which of the application's jobs an argument list asks for.
+enum class Job {
+    Unknown,    ///< not one of the application's lists: passed on untouched
+    Extraction, ///< a few seconds of every audio stream into WAV files
+    Export,     ///< one new file
+};
+
+/// Recognises the job by the words that the application's lists begin with.
+Job jobOf(const ArgumentList &list);
+
 /// The inverse of parseArguments().
 std::vector<std::string> renderArguments(const ArgumentList &list);
-
-/// The first option called \a name, or the end.
-Options::iterator findOption(Options &options, const std::string &name);
 
 /// Whether one of \a options is called \a name.
 bool hasOption(const Options &options, const std::string &name);

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tooladapter/extractionrules.h"
 
-#include "tooladapter/rewriting.h"
+#include "tooladapter/refusal.h"
+
+#include <algorithm>
 
 namespace tooladapter
 {
@@ -17,7 +19,9 @@ ArgumentList rewriteExtraction(ArgumentList list)
     // After the input, the limit binds the first file only and the others are written at full length; before
     // it, the tool reads no further than this and every file ends there.
     for (Output &output : list.outputs) {
-        if (const auto limit = findOption(output.options, "-t"); limit != output.options.end()) {
+        const auto limit = std::find_if(output.options.begin(), output.options.end(),
+                                        [](const Option &option) { return option.name == "-t"; });
+        if (limit != output.options.end()) {
             list.inputOptions.push_back(*limit);
             output.options.erase(limit);
         }

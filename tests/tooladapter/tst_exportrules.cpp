@@ -1,0 +1,407 @@
+// SPDX-License-Identifier: MIT
+#include "tests/tooladapter/words.h"
+#include "tooladapter/exportplan.h"
+#include "tooladapter/exportrules.h"
+#include "tooladapter/refusal.h"
+
+#include <QTest>
+
+using namespace tooladapter;
+
+namespace
+{
+
+/// A source written as one text, a word for each stream: "video:RATE[:AVERAGE]", "cover", "data",
+/// "audio:CODEC:CHANNELS[:LAYOUT]".
+Source sourceOf(const QString &text)
+{
+    Source source;
+    for (const QString &word : text.split(' ', Qt::SkipEmptyParts)) {
+        const QStringList parts = word.split(':');
+        const auto part = [&parts](int index) { return parts.value(index).toStdString(); };
+        Stream stream;
+        if (parts.first() == "audio") {
+            stream.kind = Stream::Kind::Audio;
+            stream.codec = part(1);
+            stream.channels = parts.at(2).toInt();
+            stream.layout = part(3);
+        } else if (parts.first() != "data") {
+            stream.kind = Stream::Kind::Picture;
+            stream.isAttachedPicture = parts.first() == "cover";
+            stream.baseRate = FrameRate::fromText(part(1));
+            stream.averageRate = parts.size() > 2 ? FrameRate::fromText(part(2)) : stream.baseRate;
+        }
+        source.streams.push_back(stream);
+    }
+    return source;
+}
+
+Export exportFor(const QString &words, const QString &source, const QString &channel = {},
+                 const QString &timecodeRate = {})
+{
+    const auto list = parseArguments(wordsOf(words));
+    if (!list || jobOf(*list) != Job::Export)
+        qFatal("\"%s\" is no export", qPrintable(words));
+    const Source facts = sourceOf(source);
+    return exportOf(planOf(*list, facts, channelFromText(channel.toStdString())), facts,
+                    FrameRate::fromText(timecodeRate.toStdString()));
+}
+
+const QString coded25 = "-vcodec dnxhd -b:v 36M -pix_fmt yuv422p -s 1920x1080 -r 25/1";
+
+} // namespace
+
+class TestExportRules : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void onlyTheTimecodeChannelGoes_data();
+    void onlyTheTimecodeChannelGoes();
+    void everyStreamIsTakenWhereNoneIsNamed_data();
+    void everyStreamIsTakenWhereNoneIsNamed();
+    void everyStreamHasItsOwnCodec_data();
+    void everyStreamHasItsOwnCodec();
+    void thePictureKeepsItsRate_data();
+    void thePictureKeepsItsRate();
+    void filesInOddFoldersAreFiles_data();
+    void filesInOddFoldersAreFiles();
+    void whatCannotBeRightIsRefused_data();
+    void whatCannotBeRightIsRefused();
+    void theJobTellsWhatTheFileMustHold();
+};
+
+void TestExportRules::onlyTheTimecodeChannelGoes_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QString>("channel");
+    QTest::addColumn<QString>("given");
+    QTest::addColumn<QString>("mended");
+    const QString picture = "-map 0:v -map_metadata -1 ";
+    const QString head = "-y -xerror -i in.mov -map 0:0 ";
+    const QString pair = picture + "-map 0:1 -map_channel -0.1.1 -map_channel 0.1.0:0.0 -acodec pcm_s24le";
+    const QString tail = " -map_metadata -1 -vcodec copy out.MOV";
+    QTest::newRow("stereo, timecode on the left")
+        << "video:25/1 audio:pcm_s24le:2:stereo"
+        << "1.0" << pair << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c1" + tail;
+    QTest::newRow("two channels without a layout, timecode on the right")
+        << "video:25/1 audio:pcm_s24le:2"
+        << "1.1" << pair << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c0" + tail;
+    QTest::newRow("stereo, the application told no channel")
+        << "video:25/1 audio:pcm_s24le:2:stereo"
+        << "" << pair << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c1" + tail;
+    QTest::newRow("big-endian pair, the application told no channel")
+        << "video:25/1 audio:pcm_s16be:2"
+        << "" << pair << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c1" + tail;
+    QTest::newRow("two channels without a layout, the application told no channel")
+        << "video:25/1 audio:pcm_s24le:2:unknown"
+        << "" << pair << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c0" + tail;
+    QTest::newRow("the application knows a channel of another stream")
+        << "video:25/1 audio:pcm_s24le:2:stereo"
+        << "2.1" << pair << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c1" + tail;
+    QTest::newRow("three channels")
+        << "video:25/1 audio:pcm_s16le:3"
+        << "1.0"
+        << picture +
+               "-map 0:1 -map_channel -0.1.0 -map_channel 0.1.1:0.0 -map_channel 0.1.2:0.1 -acodec pcm_s16le"
+        << head + "-map 0:1 -c:a:0 pcm_s16le -filter:a:0 pan=2C|c0=c1|c1=c2" + tail;
+    QTest::newRow("four channels, the third carries timecode")
+        << "video:25/1 audio:pcm_s24le:4:4.0"
+        << "1.2"
+        << picture + "-map 0:1 -map_channel -0.1.2 -map_channel 0.1.0:0.0 -map_channel 0.1.1:0.1 "
+                     "-map_channel 0.1.3:0.2 -acodec pcm_s24le"
+        << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=3C|c0=c0|c1=c1|c2=c3" + tail;
+    QTest::newRow("the second of two streams")
+        << "video:25/1 audio:pcm_s24le:2:stereo audio:pcm_s16le:2:stereo"
+        << "2.1"
+        << picture + "-map 0:1 -acodec pcm_s24le -map 0:2 -map_channel -0.2.0 -map_channel 0.2.1:0.0 -acodec "
+                     "pcm_s16le"
+        << head + "-map 0:1 -c:a:0 pcm_s24le -map 0:2 -c:a:1 pcm_s16le -filter:a:1 pan=mono|c0=c0" + tail;
+    QTest::newRow("surround AAC keeps a layout that AAC has")
+        << "video:25/1 audio:aac:6:5.1"
+        << "1.5"
+        << picture + "-map 0:1 -map_channel -0.1.5 -map_channel 0.1.0:0.0 -map_channel 0.1.1:0.1 "
+                     "-map_channel 0.1.2:0.2 -map_channel 0.1.3:0.3 -map_channel 0.1.4:0.4 -acodec aac"
+        << head + "-map 0:1 -c:a:0 aac -filter:a:0 pan=5.0|c0=c0|c1=c1|c2=c2|c3=c3|c4=c4" + tail;
+    QTest::newRow("more channels than AAC has layouts for become PCM")
+        << "video:25/1 audio:aac:8:7.1"
+        << "1.0" << picture + "-map 0:1 -map_channel -0.1.0 -map_channel 0.1.1:0.0 -acodec aac"
+        << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=7C|c0=c1|c1=c2|c2=c3|c3=c4|c4=c5|c5=c6|c6=c7" +
+               tail;
+    QTest::newRow("single channels go without a word")
+        << "video:25/1 audio:pcm_s24le:1 audio:pcm_s24le:1"
+        << "2.0" << picture + "-map 0:1 -acodec pcm_s24le" << head + "-map 0:1 -c:a:0 pcm_s24le" + tail;
+}
+
+void TestExportRules::onlyTheTimecodeChannelGoes()
+{
+    QFETCH(QString, source);
+    QFETCH(QString, channel);
+    QFETCH(QString, given);
+    QFETCH(QString, mended);
+    const Export job = exportFor("-y -i in.mov " + given + " -vcodec copy out.MOV", source, channel);
+    QCOMPARE(textOf(job.arguments), mended);
+}
+
+void TestExportRules::everyStreamIsTakenWhereNoneIsNamed_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QString>("given");
+    QTest::addColumn<QString>("mended");
+    QTest::newRow("four tracks")
+        << "video:25/1 audio:pcm_s24le:1 audio:pcm_s24le:1 audio:pcm_s24le:1 audio:pcm_s24le:1"
+        << "-y -i in.mov -acodec pcm_s16le -vcodec copy out.MOV"
+        << "-y -xerror -i in.mov -map 0:0 -map 0:1 -c:a:0 pcm_s16le -map 0:2 -c:a:1 pcm_s16le -map 0:3 "
+           "-c:a:2 "
+           "pcm_s16le -map 0:4 -c:a:3 pcm_s16le -vcodec copy out.MOV";
+    QTest::newRow("from MXF to MXF without a codec, each keeps its depth")
+        << "video:25/1 audio:pcm_s24le:1 audio:pcm_s16le:1"
+        << "-y -i in.mxf -vcodec mpeg2video -b:v 50M -pix_fmt yuv422p -s 1920x1080 out.MXF"
+        << "-y -i in.mxf -map 0:0 -map 0:1 -c:a:0 pcm_s24le -map 0:2 -c:a:1 pcm_s16le -ar 48000 -vcodec "
+           "mpeg2video "
+           "-b:v 50M -pix_fmt yuv422p -s 1920x1080 out.MXF";
+    QTest::newRow("cover images, subtitles and old timecode stay behind")
+        << "cover data video:25/1 video:50/1 audio:aac:2:stereo data"
+        << "-y -i in.mp4 -acodec pcm_s16le -vcodec copy out.MOV"
+        << "-y -xerror -i in.mp4 -map 0:2 -map 0:4 -c:a:0 pcm_s16le -vcodec copy out.MOV";
+    QTest::newRow("the first picture of several that are named together")
+        << "video:25/1 audio:aac:2:stereo cover"
+        << "-y -i in.mp4 -map 0:v -map 0:1 -acodec pcm_s16le -vcodec copy out.MOV"
+        << "-y -xerror -i in.mp4 -map 0:0 -map 0:1 -c:a:0 pcm_s16le -vcodec copy out.MOV";
+    QTest::newRow("sound alone asks for no picture")
+        << "audio:pcm_s24le:1 audio:pcm_s24le:1"
+        << "-y -i in.mov -map 0:v -map 0:1 -acodec pcm_s24le -vcodec copy out.MOV"
+        << "-y -xerror -i in.mov -map 0:1 -c:a:0 pcm_s24le out.MOV";
+    QTest::newRow("sound alone keeps its timecode as a tag")
+        << "audio:pcm_s24le:1 audio:pcm_s24le:1"
+        << "-y -i in.mov -map 0:v -map 0:1 -acodec pcm_s24le -vcodec copy -timecode 10:11:12:13 -r 25 out.MOV"
+        << "-y -xerror -i in.mov -map 0:1 -c:a:0 pcm_s24le -movflags use_metadata_tags -timecode 10:11:12:13 "
+           "out.MOV";
+    QTest::newRow("picture alone") << "video:25/1"
+                                   << "-y -i in.mov -vcodec copy out.MOV"
+                                   << "-y -xerror -i in.mov -map 0:0 -vcodec copy out.MOV";
+    QTest::newRow("WAV")
+        << "audio:pcm_s24le:8"
+        << "-y -i in.wav -write_bext 1 -acodec pcm_s24le -metadata time_reference=5 out.WAV"
+        << "-y -xerror -i in.wav -map 0:0 -c:a:0 pcm_s24le -rf64 auto -write_bext 1 -metadata "
+           "time_reference=5 out.WAV";
+    QTest::newRow("WAV with nothing but timecode keeps its depth")
+        << "audio:pcm_f32le:1"
+        << "-y -i in.wav -write_bext 1 out.WAV"
+        << "-y -xerror -i in.wav -map 0:0 -c:a:0 pcm_f32le -rf64 auto -write_bext 1 out.WAV";
+}
+
+void TestExportRules::everyStreamIsTakenWhereNoneIsNamed()
+{
+    QFETCH(QString, source);
+    QFETCH(QString, given);
+    QFETCH(QString, mended);
+    QCOMPARE(textOf(exportFor(given, source).arguments), mended);
+}
+
+void TestExportRules::everyStreamHasItsOwnCodec_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QString>("given");
+    QTest::addColumn<QString>("mended");
+    const QString two = "video:25/1 audio:pcm_s24le:1 audio:pcm_s16le:1";
+    const QString named = "-map 0:v -map 0:1 -acodec %1 -map 0:2 -acodec %2";
+    const QString mended = "-map 0:0 -map 0:1 -c:a:0 %1 -map 0:2 -c:a:1 %2";
+    QTest::newRow("QuickTime keeps what is asked") << two << named.arg("pcm_s24le", "pcm_s16be") + " out.MOV"
+                                                   << mended.arg("pcm_s24le", "pcm_s16be") + " out.MOV";
+    QTest::newRow("MXF takes little-endian of the same depth")
+        << two << named.arg("pcm_s24be", "pcm_s16be") + " -map -0:d out.MXF"
+        << mended.arg("pcm_s24le", "pcm_s16le") + " -ar 48000 out.MXF";
+    QTest::newRow("MXF takes lossy sound and deeper PCM as 24 bit")
+        << two << named.arg("aac", "pcm_f32le") + " out.MXF"
+        << mended.arg("pcm_s24le", "pcm_s24le") + " -ar 48000 out.MXF";
+    QTest::newRow("MXF takes eight bits as sixteen")
+        << two << named.arg("pcm_u8", "pcm_s8") + " out.MXF"
+        << mended.arg("pcm_s16le", "pcm_s16le") + " -ar 48000 out.MXF";
+    QTest::newRow("WAV takes little-endian")
+        << "audio:mp3:2:stereo"
+        << "-write_bext 1 -map 0:0 -map_channel 0.0.1:0.0 -acodec pcm_s24be out.WAV"
+        << "-map 0:0 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c1 -rf64 auto -write_bext 1 out.WAV";
+    QTest::newRow("lossy sound is copied rather than coded again")
+        << "video:25/1 audio:aac:2:stereo audio:ac3:6:5.1(side)" << named.arg("aac", "ac3") + " out.MOV"
+        << mended.arg("copy", "copy") + " out.MOV";
+    QTest::newRow("one codec for all that is none of the two PCM types passes each stream through")
+        << "video:25/1 audio:aac:2:stereo audio:pcm_s24be:2"
+        << "-acodec aac out.MOV" << mended.arg("copy", "pcm_s24be") + " out.MOV";
+    QTest::newRow("one PCM type for all is obeyed")
+        << "video:25/1 audio:aac:2:stereo audio:pcm_s24be:2"
+        << "-acodec pcm_s16le out.MOV" << mended.arg("pcm_s16le", "pcm_s16le") + " out.MOV";
+}
+
+void TestExportRules::everyStreamHasItsOwnCodec()
+{
+    QFETCH(QString, source);
+    QFETCH(QString, given);
+    QFETCH(QString, mended);
+    const std::vector<std::string> arguments = exportFor("-y -i in " + given, source).arguments;
+    QCOMPARE(textOf(arguments).remove("-xerror "), "-y -i in " + mended);
+}
+
+void TestExportRules::thePictureKeepsItsRate_data()
+{
+    QTest::addColumn<QString>("rate");
+    QTest::addColumn<QString>("timecodeRate");
+    QTest::addColumn<QString>("given");
+    QTest::addColumn<QString>("mended");
+    const auto row = [](const char *name, const char *rate, const QString &given, const QString &mended,
+                        const char *timecodeRate = "") {
+        QTest::newRow(name) << QString(rate) << QString(timecodeRate) << given << mended;
+    };
+    row("the reader's rate goes", "25/1", "-vcodec copy -timecode 10:11:12:13 -r 25",
+        "-vcodec copy -timecode 10:11:12:13");
+    row("25 counted at 50", "50/1", "-vcodec copy -timecode 10:11:12:13 -r 25",
+        "-vcodec copy -timecode 10:11:12:26");
+    row("30 counted at 59.94", "60000/1001", "-vcodec copy -timecode 10:11:12:29 -r 30000/1001",
+        "-vcodec copy -timecode 10:11:12:58");
+    row("drop-frame counted at 59.94", "60000/1001", "-vcodec copy -timecode 10:11:00;02 -r 30000/1001",
+        "-vcodec copy -timecode 10:11:00;04");
+    row("drop-frame stays at 29.97", "30000/1001", "-vcodec copy -timecode 10:11:12;13 -r 30000/1001",
+        "-vcodec copy -timecode 10:11:12;13");
+    row("24 counted at 23.976", "24000/1001", "-vcodec copy -timecode 10:11:12:23 -r 24",
+        "-vcodec copy -timecode 10:11:12:23");
+    row("25 counted at 24", "24/1", "-vcodec copy -timecode 10:11:12:24 -r 25",
+        "-vcodec copy -timecode 10:11:12:23");
+    row("30 counted at 25", "25/1", "-vcodec copy -timecode 10:11:12:29 -r 30000/1001",
+        "-vcodec copy -timecode 10:11:12:24");
+    row("MPEG-2 runs at the picture's rate", "50/1", "-vcodec mpeg2video -timecode 10:11:12:13 -r 25",
+        "-vcodec mpeg2video -timecode 10:11:12:26");
+    row("the coder's own rate stays", "25/1", coded25 + " -timecode 10:11:12:13 -r 25",
+        coded25 + " -timecode 10:11:12:13");
+    row("no timecode, the coder's own rate stays", "25/1", coded25, coded25);
+    row("a copied phone recording counts at its average", "60/1:30/1",
+        "-vcodec copy -timecode 10:11:12:13 -r 30", "-vcodec copy -timecode 10:11:12:13");
+    row("fields are not frames", "50/1:25/1", "-vcodec mpeg2video -timecode 10:11:12:13 -r 25",
+        "-vcodec mpeg2video -timecode 10:11:12:13");
+    row("a coder makes a wavering rate constant", "30/1:2933/100",
+        "-vcodec mpeg2video -timecode 10:11:12:13 -r 30", "-vcodec mpeg2video -timecode 10:11:12:13");
+    row("NTSC without a rate counts as the picture", "24000/1001", "-r 24000/1001 -timecode 10:11:12:13",
+        "-r 24000/1001 -timecode 10:11:12:13");
+    row("NTSC without a rate counts half as fast as 59.94", "60000/1001", "-timecode 10:11:12:13",
+        "-timecode 10:11:12:26");
+    row("NTSC without a rate, a frame number that only 30 has", "24000/1001",
+        "-r 24000/1001 -timecode 10:11:12:25", "-r 24000/1001 -timecode 10:11:12:20");
+    row("NTSC whose rate the application knows", "24000/1001", "-r 24000/1001 -timecode 10:11:12:15",
+        "-r 24000/1001 -timecode 10:11:12:12", "30000/1001");
+    row("midnight", "25/1", "-vcodec copy -timecode 00:00:00:00 -r 25", "-vcodec copy -timecode 00:00:00:00");
+    row("last frame of the day", "50/1", "-vcodec copy -timecode 23:59:59:24 -r 25",
+        "-vcodec copy -timecode 23:59:59:48");
+}
+
+void TestExportRules::thePictureKeepsItsRate()
+{
+    QFETCH(QString, rate);
+    QFETCH(QString, timecodeRate);
+    QFETCH(QString, given);
+    QFETCH(QString, mended);
+    const Export job =
+        exportFor("-y -i in.mov " + given + " out.MOV", "video:" + rate, QString(), timecodeRate);
+    QCOMPARE(textOf(job.arguments).remove("-xerror "), "-y -i in.mov -map 0:0 " + mended + " out.MOV");
+}
+
+void TestExportRules::filesInOddFoldersAreFiles_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("mended");
+    QTest::newRow("absolute") << "/a:b/-x.MOV"
+                              << "/a:b/-x.MOV";
+    QTest::newRow("relative") << "out/x.MOV"
+                              << "out/x.MOV";
+    QTest::newRow("begins with a dash") << "-x/clip.MOV"
+                                        << "./-x/clip.MOV";
+    QTest::newRow("looks like a protocol") << "a:b/clip.MOV"
+                                           << "./a:b/clip.MOV";
+    QTest::newRow("colon in the name") << "out/a:b.MOV"
+                                       << "out/a:b.MOV";
+    QTest::newRow("bare name with a colon") << "10:00.MOV"
+                                            << "./10:00.MOV";
+}
+
+void TestExportRules::filesInOddFoldersAreFiles()
+{
+    QFETCH(QString, path);
+    QFETCH(QString, mended);
+    QCOMPARE(QString::fromStdString(filePath(path.toStdString())), mended);
+    QCOMPARE(textOf(exportFor("-y -i " + path + " " + path, "video:25/1").arguments),
+             "-y -i " + mended + " -map 0:0 " + mended);
+}
+
+void TestExportRules::whatCannotBeRightIsRefused_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QString>("given");
+    QTest::addColumn<QString>("reason");
+    const auto timecode = [](const char *name, const char *rate, const QString &words, const char *reason) {
+        QTest::newRow(name) << QString("video:") + rate << words + " out.MOV" << QString(reason);
+    };
+    timecode("empty timecode", "25/1", "-timecode '' -r 25", "is empty");
+    timecode("no timecode at all", "25/1", "-timecode x -r 25", "is no timecode");
+    timecode("a digit too many", "25/1", "-timecode 10:11:12:013 -r 25", "is no timecode");
+    timecode("hour 24", "25/1", "-timecode 24:00:00:00 -r 25", "no time of day");
+    timecode("minute 60", "25/1", "-timecode 10:60:00:00 -r 25", "no time of day");
+    timecode("frame 25 at 25", "25/1", "-timecode 10:11:12:25 -r 25", "no such frame");
+    timecode("frame 29 at 25", "50/1", "-timecode 10:11:12:29 -r 25", "no such frame");
+    timecode("drop-frame at 25", "25/1", "-timecode 10:11:12;13 -r 30000/1001", "29.97 or 59.94");
+    timecode("drop-frame at 30", "30/1", "-timecode 10:11:12;13 -r 30000/1001", "29.97 or 59.94");
+    timecode("drop-frame counted at 25", "30000/1001", "-timecode 10:11:12;13 -r 25", "29.97 or 59.94");
+    timecode("a number that drop-frame leaves out", "30000/1001", "-timecode 10:11:00;01 -r 30000/1001",
+             "does not exist");
+    timecode("reader's rate 0", "25/1", "-timecode 10:11:12:13 -r 0", "is not known");
+    timecode("reader's rate 0/1001", "25/1", "-timecode 10:11:12:13 -r 0/1001", "is not known");
+    timecode("NTSC without a rate at 25", "25/1", "-timecode 10:11:12:13", "is not known");
+    timecode("picture without a rate", "0/0", "-timecode 10:11:12:13 -r 25", "picture is not known");
+    QTest::newRow("MXF without a picture") << "audio:pcm_s24le:2"
+                                           << "-acodec pcm_s24le out.MXF"
+                                           << "has no picture";
+    QTest::newRow("nothing left") << "audio:pcm_s24le:1"
+                                  << "-map 0:v -vcodec copy out.MOV"
+                                  << "nothing of";
+    QTest::newRow("a stream that is not there") << "video:25/1 audio:pcm_s24le:2"
+                                                << "-map 0:v -map 0:7 -acodec pcm_s24le out.MOV"
+                                                << "no audio stream 7";
+    QTest::newRow("a stream that is no audio") << "video:25/1 data"
+                                               << "-map 0:v -map 0:1 -acodec pcm_s24le out.MOV"
+                                               << "no audio stream 1";
+    QTest::newRow("a channel that is not there")
+        << "video:25/1 audio:pcm_s24le:4"
+        << "-map 0:1 -map_channel -0.1.4 -map_channel 0.1.0:0.0 -acodec pcm_s24le out.MOV"
+        << "no channel 4";
+}
+
+void TestExportRules::whatCannotBeRightIsRefused()
+{
+    QFETCH(QString, source);
+    QFETCH(QString, given);
+    QFETCH(QString, reason);
+    QString told;
+    try {
+        exportFor("-y -i in.mov " + given, source);
+    } catch (const Refusal &refusal) {
+        told = refusal.what();
+    }
+    QVERIFY2(told.contains(reason), qPrintable(told));
+    QVERIFY(!told.contains('\n'));
+}
+
+void TestExportRules::theJobTellsWhatTheFileMustHold()
+{
+    const Export job =
+        exportFor("-y -i in.mov -map 0:v -map 0:1 -acodec pcm_s24le -map 0:2 -map_channel -0.2.3 "
+                  "-map_channel 0.2.0:0.0 -acodec pcm_s24le -vcodec copy -timecode 10:11:12:13 -r 25 "
+                  "-x/out.MOV",
+                  "video:50/1 audio:pcm_s24le:2 audio:pcm_s24le:4", "2.3");
+    QCOMPARE(job.path, std::string("./-x/out.MOV"));
+    QCOMPARE(job.pictureStream, 0);
+    QCOMPARE(job.timecode, std::string("10:11:12:26"));
+    QCOMPARE(int(job.audio.size()), 2);
+    QCOMPARE(job.audio[0].channels, 2);
+    QCOMPARE(job.audio[1].stream, 2);
+    QCOMPARE(job.audio[1].channels, 3);
+}
+
+QTEST_APPLESS_MAIN(TestExportRules)
+#include "tst_exportrules.moc"

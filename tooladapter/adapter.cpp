@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+#include "tooladapter/adapter.h"
+
+#include "tooladapter/childprocess.h"
+#include "tooladapter/exportplan.h"
+#include "tooladapter/exportrules.h"
+#include "tooladapter/extractionrules.h"
+#include "tooladapter/refusal.h"
+#include "tooladapter/source.h"
+#include "tooladapter/toolsearch.h"
+#include "tooladapter/writtenfile.h"
+
+#include <cstdlib>
+
+namespace tooladapter
+{
+namespace
+{
+
+std::string environment(const char *name)
+{
+    const char *value = std::getenv(name);
+    return value ? value : "";
+}
+
+std::string toolPath(const std::string &tool)
+{
+    const std::string path = findTool(tool, environment("PATH"), "/proc/self/exe");
+    if (path.empty())
+        throw ToolMissing("no program \"" + tool +
+                          "\" in PATH; install it, on Debian with \"apt install ffmpeg\"");
+    return path;
+}
+
+Source probe(const std::string &path)
+{
+    std::string output;
+    if (capture({toolPath("ffprobe"), probeArguments(path)}, output) != 0)
+        throw Refusal(path + " cannot be read");
+    return parseProbe(output);
+}
+
+/// The tool stays this process's child, since a tool that reports success may have left a file that ends too
+/// early.
+int runExport(const ArgumentList &list)
+{
+    const Source source = probe(filePath(list.input));
+    const auto timecodeChannel = channelFromText(environment("OSTREL_TIMECODE_CHANNEL"));
+    const auto timecodeRate = FrameRate::fromText(environment("OSTREL_TIMECODE_RATE"));
+    const Export job = exportOf(planOf(list, source, timecodeChannel), source, timecodeRate);
+    const int exitCode = run({toolPath("ffmpeg"), job.arguments});
+    if (exitCode == 0)
+        checkWrittenFile(job, source, probe(job.path));
+    return exitCode;
+}
+
+} // namespace
+
+int runAs(const std::string &ownPath, const std::vector<std::string> &arguments)
+{
+    const std::string tool = toolNameOf(ownPath);
+    if (tool != "ffmpeg" && tool != "ffprobe")
+        throw Refusal("stands for a media tool; call it as \"ffmpeg.exe\" or \"ffprobe.exe\"");
+
+    const std::string path = toolPath(tool);
+    const bool mends = tool == "ffmpeg" && environment("OSTREL_TOOL_ADAPTER") != "off";
+    const auto list = mends ? parseArguments(arguments) : std::nullopt;
+    const Job job = list ? jobOf(*list) : Job::Unknown;
+    if (job == Job::Export)
+        return runExport(*list);
+    if (job == Job::Extraction)
+        return become({path, renderArguments(rewriteExtraction(*list))});
+    return become({path, arguments});
+}
+
+} // namespace tooladapter

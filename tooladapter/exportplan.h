@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tooladapter/argumentlist.h"
+#include "tooladapter/source.h"
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tooladapter
+{
+
+/// The kind of file that is written; its suffix tells.
+enum class Container { QuickTime, Mxf, Wave, Other };
+
+Container containerOf(const std::string &path);
+
+/// One audio stream of the file to be written.
+struct AudioTrack {
+    int stream = 0;            ///< index of the source's stream
+    std::string codec;         ///< as asked for; empty where the list names none
+    std::vector<int> channels; ///< the channels that are kept, in order; empty = all, untouched
+};
+
+/// What the application's export list asks for, independent of how it says so.
+struct ExportPlan {
+    std::string input;
+    std::string output;
+    Container container = Container::Other;
+    bool streamsAreNamed = false; ///< the list says which streams to take; otherwise all are meant
+    bool takesPicture = false;
+    std::vector<AudioTrack> tracks;
+    std::string commonCodec; ///< the audio codec of a list that names no streams; empty = none
+    Options pictureOptions;  ///< codec, bit rate, size and the codec's own frame rate, in order
+    Options metadata;
+    std::optional<std::string> timecode;
+    std::optional<std::string> readerRate; ///< the frame rate that came with the timecode
+};
+
+/// A stream index and a channel in it.
+using ChannelPosition = std::pair<int, int>;
+
+/// Reads "s.c"; nothing for any other text.
+std::optional<ChannelPosition> channelFromText(const std::string &text);
+
+/// Reads the plan out of \a list, whose job is an export. \a timecodeChannel is the channel that carries the
+/// timecode, as the application knows it; where it says nothing, the list's channel groups and \a source
+/// tell. Throws Refusal when the list names a stream that \a source does not have.
+ExportPlan planOf(const ArgumentList &list, const Source &source,
+                  std::optional<ChannelPosition> timecodeChannel);
+
+} // namespace tooladapter

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tooladapter/exportplan.h"
+#include "tooladapter/source.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tooladapter
+{
+
+/// One audio stream of the file to be written.
+struct WrittenAudio {
+    int stream = 0;   ///< index of the source's stream that it comes from
+    int channels = 0; ///< how many channels it must have
+};
+
+/// What the rules make of an export: the arguments for the tool, and what the written file must hold in the
+/// end.
+struct Export {
+    std::vector<std::string> arguments;
+    std::string path;       ///< of the file to be written, as the file system knows it
+    int pictureStream = -1; ///< index of the source's picture that is taken, -1 = none
+    std::vector<WrittenAudio> audio;
+    std::string timecode; ///< start timecode; empty = none is asked for
+};
+
+/// A path that the tools take for a file of that name and nothing else.
+std::string filePath(const std::string &path);
+
+/// The codec for a track of \a container that was asked to be \a asked and comes from \a source.
+std::string codecFor(Container container, const std::string &asked, const Stream &source);
+
+/// The export that \a plan means for \a source. \a timecodeRate is the frame rate of the audio timecode as
+/// the application knows it, for lists that carry none. Throws Refusal where no right file could come of it.
+Export exportOf(ExportPlan plan, const Source &source, const FrameRate &timecodeRate = {});
+
+} // namespace tooladapter

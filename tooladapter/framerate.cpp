@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#include "tooladapter/framerate.h"
+
+#include <charconv>
+#include <cmath>
+
+namespace tooladapter
+{
+namespace
+{
+
+bool readNumber(std::string_view text, long &number)
+{
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc{} && end == text.data() + text.size();
+}
+
+} // namespace
+
+FrameRate FrameRate::fromText(std::string_view text)
+{
+    const std::size_t slash = text.find('/');
+    FrameRate rate;
+    if (!readNumber(text.substr(0, slash), rate.numerator))
+        return {};
+    if (slash != std::string_view::npos && !readNumber(text.substr(slash + 1), rate.denominator))
+        return {};
+    return rate.isValid() ? rate : FrameRate{};
+}
+
+int FrameRate::nominal() const
+{
+    return static_cast<int>(std::lround(perSecond()));
+}
+
+bool FrameRate::isNtsc() const
+{
+    const double whole = nominal();
+    return std::abs(perSecond() - whole * 1000 / 1001) < std::abs(perSecond() - whole);
+}
+
+} // namespace tooladapter

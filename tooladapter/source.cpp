@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: MIT
+#include "tooladapter/source.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace tooladapter
+{
+namespace
+{
+
+double toSeconds(const std::string &text)
+{
+    return std::max(0.0, std::strtod(text.c_str(), nullptr)); // "N/A" gives 0
+}
+
+void readStreamKey(Stream &stream, std::string_view key, const std::string &value)
+{
+    if (key == "codec_type" && value == "video")
+        stream.kind = Stream::Kind::Picture;
+    else if (key == "codec_type" && value == "audio")
+        stream.kind = Stream::Kind::Audio;
+    else if (key == "codec_name")
+        stream.codec = value;
+    else if (key == "channels")
+        stream.channels = std::atoi(value.c_str());
+    else if (key == "channel_layout")
+        stream.layout = value;
+    else if (key == "r_frame_rate")
+        stream.baseRate = FrameRate::fromText(value);
+    else if (key == "avg_frame_rate")
+        stream.averageRate = FrameRate::fromText(value);
+    else if (key == "duration")
+        stream.duration = toSeconds(value);
+    else if (key == "DISPOSITION:attached_pic")
+        stream.isAttachedPicture = value == "1";
+    else if (key == "TAG:timecode")
+        stream.timecode = value;
+}
+
+void readFormatKey(Source &source, std::string_view key, const std::string &value)
+{
+    if (key == "duration")
+        source.duration = toSeconds(value);
+    else if (key == "TAG:timecode")
+        source.timecode = value;
+}
+
+} // namespace
+
+int Source::firstPicture() const
+{
+    const auto found = std::find_if(streams.begin(), streams.end(), [](const Stream &stream) {
+        return stream.kind == Stream::Kind::Picture && !stream.isAttachedPicture;
+    });
+    return found == streams.end() ? -1 : static_cast<int>(found - streams.begin());
+}
+
+std::vector<int> Source::audioStreams() const
+{
+    std::vector<int> indexes;
+    for (std::size_t i = 0; i < streams.size(); ++i) {
+        if (streams[i].kind == Stream::Kind::Audio)
+            indexes.push_back(static_cast<int>(i));
+    }
+    return indexes;
+}
+
+std::string Source::startTimecode() const
+{
+    const auto found = std::find_if(streams.begin(), streams.end(),
+                                    [](const Stream &stream) { return !stream.timecode.empty(); });
+    return timecode.empty() && found != streams.end() ? found->timecode : timecode;
+}
+
+std::vector<std::string> probeArguments(const std::string &path)
+{
+    return {"-v",
+            "error",
+            "-show_entries",
+            "stream=index,codec_type,codec_name,channels,channel_layout,r_frame_rate,avg_frame_rate,duration"
+            ":stream_disposition=attached_pic:stream_tags=timecode:format=duration:format_tags=timecode",
+            "-i",
+            path};
+}
+
+Source parseProbe(std::string_view text)
+{
+    Source source;
+    Stream *stream = nullptr;
+    bool inFormat = false;
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(text.size(), line.size() + 1));
+        const std::size_t equals = line.find('=');
+        if (equals == std::string_view::npos) {
+            stream = nullptr;
+            inFormat = line == "[FORMAT]";
+            continue;
+        }
+        const std::string_view key = line.substr(0, equals);
+        const std::string value{line.substr(equals + 1)};
+        if (key == "index") {
+            // Transport streams list their streams twice, once by programme; the index tells which is which.
+            const std::size_t index = std::strtoul(value.c_str(), nullptr, 10);
+            source.streams.resize(std::max(source.streams.size(), index + 1));
+            stream = &source.streams[index];
+        } else if (stream != nullptr) {
+            readStreamKey(*stream, key, value);
+        } else if (inFormat) {
+            readFormatKey(source, key, value);
+        }
+    }
+    return source;
+}
+
+} // namespace tooladapter

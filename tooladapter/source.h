@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tooladapter/framerate.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tooladapter
+{
+
+/// What the probe tool says of one stream of a media file.
+struct Stream {
+    enum class Kind { Picture, Audio, Other };
+
+    Kind kind = Kind::Other;
+    bool isAttachedPicture = false; ///< a cover or poster image, no moving picture
+    std::string codec;              ///< as the probe tool names it, for example "pcm_s24le"
+    int channels = 0;               ///< audio only
+    std::string layout;             ///< channel layout; empty or "unknown" where the file names none
+    FrameRate baseRate;             ///< the lowest rate that all time stamps fit, for pictures
+    FrameRate averageRate;          ///< for pictures
+    double duration = 0.0;          ///< [s]; 0 where the file does not tell
+    std::string timecode;           ///< start timecode; empty where the stream has none
+};
+
+/// What the probe tool says of one media file.
+struct Source {
+    std::vector<Stream> streams; ///< by stream index
+    double duration = 0.0;       ///< [s] of the longest stream; 0 where the file does not tell
+    std::string timecode;        ///< start timecode of the file as a whole; empty where it has none
+
+    /// Index of the first moving picture, -1 where there is none.
+    int firstPicture() const;
+
+    /// Indexes of all audio streams.
+    std::vector<int> audioStreams() const;
+
+    /// The start timecode of the file or of one of its streams; empty where there is none.
+    std::string startTimecode() const;
+};
+
+/// The arguments that make the probe tool print, for the file at \a path, what parseProbe() reads.
+std::vector<std::string> probeArguments(const std::string &path);
+
+/// Reads the probe tool's sections of "key=value" lines. Missing keys leave the defaults.
+Source parseProbe(std::string_view text);
+
+} // namespace tooladapter
