@@ -60,6 +60,8 @@ FrameRate pictureRate(const ExportPlan &plan, const Stream &picture)
 void chooseTracks(ExportPlan &plan, const Source &source)
 {
     if (!plan.streamsAreNamed) {
+        if (plan.container == Container::Wave && plan.commonCodec.empty())
+            throw Refusal(plan.input + " holds nothing but the timecode that is to be left out");
         plan.takesPicture = plan.container != Container::Wave;
         for (const int stream : source.audioStreams())
             plan.tracks.push_back({stream, plan.commonCodec, {}});

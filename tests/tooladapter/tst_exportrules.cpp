@@ -185,10 +185,6 @@ void TestExportRules::everyStreamIsTakenWhereNoneIsNamed_data()
         << "-y -i in.wav -write_bext 1 -acodec pcm_s24le -metadata time_reference=5 out.WAV"
         << "-y -xerror -i in.wav -map 0:0 -c:a:0 pcm_s24le -rf64 auto -write_bext 1 -metadata "
            "time_reference=5 out.WAV";
-    QTest::newRow("WAV with nothing but timecode keeps its depth")
-        << "audio:pcm_f32le:1"
-        << "-y -i in.wav -write_bext 1 out.WAV"
-        << "-y -xerror -i in.wav -map 0:0 -c:a:0 pcm_f32le -rf64 auto -write_bext 1 out.WAV";
 }
 
 void TestExportRules::everyStreamIsTakenWhereNoneIsNamed()
@@ -360,6 +356,8 @@ void TestExportRules::whatCannotBeRightIsRefused_data()
     QTest::newRow("nothing left") << "audio:pcm_s24le:1"
                                   << "-map 0:v -vcodec copy out.MOV"
                                   << "nothing of";
+    QTest::newRow("a WAV file of nothing but timecode")
+        << "audio:pcm_s24le:1" << "-write_bext 1 -metadata time_reference=5 out.WAV" << "nothing but the timecode";
     QTest::newRow("a stream that is not there") << "video:25/1 audio:pcm_s24le:2"
                                                 << "-map 0:v -map 0:7 -acodec pcm_s24le out.MOV"
                                                 << "no audio stream 7";

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+#include "tests/export-matrix/exportcase.h"
+
+#include "app/optiontables.h"
+#include "ffmpeg/exportarguments.h"
+#include "tests/export-matrix/judge.h"
+#include "tests/export-matrix/toolrun.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+namespace exportmatrix
+{
+namespace
+{
+
+Outcome outcomeOfRefusal(const ToolRun &run, const Expectation &expected)
+{
+    QString line = QString::fromUtf8(run.errors).trimmed();
+    line = line.mid(line.lastIndexOf('\n') + 1);
+    if (expected.refusal.isEmpty())
+        return {Outcome::Kind::Wrong, QString("ended with %1: %2").arg(run.exitCode).arg(line)};
+    if (!line.contains(expected.refusal))
+        return {Outcome::Kind::Wrong, "refused for another reason: " + line};
+    return {Outcome::Kind::Refused, line};
+}
+
+} // namespace
+
+QVector<ExportOptions> optionsFor(const SourceFile &source, bool coreOnly)
+{
+    const bool isSound = source.name.endsWith(".wav");
+    QVector<ExportOptions> chosen;
+    for (int videoType = 0; videoType <= 8; ++videoType) {
+        for (int audioType = 0; audioType <= 2; ++audioType) {
+            for (const bool mute : {true, false}) {
+                // Sound files come out the same whatever the picture is to be.
+                if (isSound && videoType > 0)
+                    continue;
+                const bool isCoded = (videoType == 1 || videoType == 8) && audioType == 2 && mute;
+                const bool isCopied = videoType == 5 && (mute ? audioType != 1 : audioType == 0);
+                const bool isCore = isSound || isCoded || isCopied;
+                if (coreOnly && (!source.isCore || !isCore))
+                    continue;
+                ExportOptions options;
+                options.videoType = videoType;
+                options.audioType = audioType;
+                options.muteAudioTC = mute;
+                options.progressSteps = 15;
+                chosen += options;
+            }
+        }
+    }
+    return chosen;
+}
+
+QString nameOf(const ExportOptions &options)
+{
+    return QString("%1, %2%3")
+        .arg(exportTypes.key(options.videoType), audioTypes.key(options.audioType),
+             options.muteAudioTC ? ", without timecode" : "");
+}
+
+Outcome runExport(const SourceFile &source, const FileData &record, const ExportOptions &options,
+                  const QProcessEnvironment &environment)
+{
+    const QTemporaryDir folder;
+    ExportOptions written = options;
+    written.exportDir = folder.path();
+    const auto command = exportarguments::build(record, written, QFileInfo(record.absoluteFilePath).size(),
+                                                [](const QString &path) { return QFileInfo(path).isFile(); });
+    QProcessEnvironment toolEnvironment = environment;
+    const QString channel = exportarguments::mutedChannel(record, written);
+    if (!channel.isEmpty())
+        toolEnvironment.insert("OSTREL_TIMECODE_CHANNEL", channel);
+
+    const QString tool = QStandardPaths::findExecutable("ffmpeg.exe");
+    const ToolRun run = runTool(tool, command.arguments, toolEnvironment);
+    const Expectation expected = expectationOf(source, record, written);
+    if (!run.ended)
+        return {Outcome::Kind::Wrong, "did not end by itself"};
+    if (run.exitCode != 0)
+        return outcomeOfRefusal(run, expected);
+    if (!expected.refusal.isEmpty())
+        return {Outcome::Kind::Wrong, "should have been refused: " + expected.refusal};
+    const QStringList faults = faultsOf(command.outputPath, expected, source, record);
+    return {faults.isEmpty() ? Outcome::Kind::Right : Outcome::Kind::Wrong, faults.join("; ")};
+}
+
+} // namespace exportmatrix

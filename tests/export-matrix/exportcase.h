@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/exportoptions.h"
+#include "tests/export-matrix/sourcefile.h"
+
+#include <QProcessEnvironment>
+#include <QString>
+#include <QVector>
+
+namespace exportmatrix
+{
+
+/// How one export came out.
+struct Outcome {
+    enum class Kind { Right, Refused, Wrong };
+    Kind kind = Kind::Wrong;
+    QString text; ///< what is wrong, or the line that the refusal gave
+};
+
+/// The export options to try on \a source: all, or for a core run a choice.
+QVector<ExportOptions> optionsFor(const SourceFile &source, bool coreOnly);
+
+/// A name of \a options for people.
+QString nameOf(const ExportOptions &options);
+
+/// Exports the file that \a record knows, with the tool that \a environment finds as "ffmpeg.exe", into a
+/// folder of its own and judges what was written.
+Outcome runExport(const SourceFile &source, const FileData &record, const ExportOptions &options,
+                  const QProcessEnvironment &environment);
+
+} // namespace exportmatrix

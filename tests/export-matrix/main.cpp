@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+// Exports real media with all options and judges the written files.
+#include "tests/export-matrix/exportcase.h"
+#include "tests/export-matrix/sourcelist.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDir>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTextStream>
+
+#include <exception>
+
+using namespace exportmatrix;
+
+namespace
+{
+
+struct Totals {
+    int right = 0;
+    int refused = 0;
+    int wrong = 0;
+};
+
+void exportAll(const SourceFile &source, const QString &folder, bool coreOnly,
+               const QProcessEnvironment &environment, Totals &totals, QTextStream &report)
+{
+    const QString problem = makeSource(source, folder);
+    if (!problem.isEmpty()) {
+        report << "WRONG    " << problem << Qt::endl;
+        ++totals.wrong;
+        return;
+    }
+    const FileData record = recordOf(source, folder + '/' + source.name);
+    for (const ExportOptions &options : optionsFor(source, coreOnly)) {
+        const Outcome outcome = runExport(source, record, options, environment);
+        const QString name = source.name + ": " + nameOf(options);
+        switch (outcome.kind) {
+        case Outcome::Kind::Right:
+            ++totals.right;
+            report << "right    " << name << Qt::endl;
+            break;
+        case Outcome::Kind::Refused:
+            ++totals.refused;
+            report << "refused  " << name << " (" << outcome.text << ')' << Qt::endl;
+            break;
+        case Outcome::Kind::Wrong:
+            ++totals.wrong;
+            report << "WRONG    " << name << ": " << outcome.text << Qt::endl;
+            break;
+        }
+    }
+}
+
+int run(const QCommandLineParser &options, QTextStream &report)
+{
+    for (const char *tool : {"ffmpeg.exe", "ffmpeg", "ffprobe", "mediainfo"}) {
+        if (QStandardPaths::findExecutable(tool).isEmpty()) {
+            report << "export-matrix: no program \"" << tool << "\" in PATH" << Qt::endl;
+            return 2;
+        }
+    }
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    if (options.isSet("tools"))
+        environment.insert("PATH",
+                           QDir(options.value("tools")).absolutePath() + ':' + environment.value("PATH"));
+
+    const QTemporaryDir folder;
+    Totals totals;
+    for (const SourceFile &source : allSources()) {
+        if (!options.isSet("source") || source.name == options.value("source"))
+            exportAll(source, folder.path(), options.isSet("core"), environment, totals, report);
+    }
+    report << totals.right << " right, " << totals.refused << " refused as they must be, " << totals.wrong
+           << " wrong" << Qt::endl;
+    return totals.wrong == 0 && totals.right > 0 ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    QTextStream report(stdout);
+    QCommandLineParser options;
+    options.setApplicationDescription(
+        "Exports real media through ffmpeg.exe, found in PATH, and judges the files.");
+    options.addHelpOption();
+    options.addOption({"core", "Only a choice that touches every rule."});
+    options.addOption({"source", "Only the source called <name>.", "name"});
+    options.addOption({"tools", "Let ffmpeg.exe find the media tools in <folder> first.", "folder"});
+    options.process(application);
+    try {
+        return run(options, report);
+    } catch (const std::exception &problem) {
+        report << "export-matrix: " << problem.what() << Qt::endl;
+        return 2;
+    }
+}

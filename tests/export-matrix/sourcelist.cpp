@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: MIT
+#include "tests/export-matrix/sourcelist.h"
+
+namespace exportmatrix
+{
+namespace
+{
+
+using mediakit::Track;
+using testsignals::LtcRate;
+
+const QStringList h264{"-c:v:0", "libx264", "-preset", "ultrafast", "-bf", "0", "-pix_fmt", "yuv420p"};
+const QStringList mpeg2{"-c:v:0", "mpeg2video", "-b:v", "4M", "-bf", "0", "-pix_fmt", "yuv420p"};
+
+constexpr LtcRate at25{25, false, false};
+constexpr LtcRate at24{24, false, false};
+constexpr LtcRate at23976{24, true, false};
+constexpr LtcRate at2997{30, true, false};
+constexpr LtcRate at2997Drop{30, true, true};
+constexpr LtcRate at30{30, false, false};
+
+/// \a count channels; number \a timecode (from 0, -1 = none) carries timecode, every other one a tone of its
+/// own, the first of them number \a firstTone of the tones.
+Track channels(int count, int timecode, LtcRate rate = at25, int firstTone = 0)
+{
+    Track track;
+    for (int i = 0; i < count; ++i) {
+        if (i == timecode)
+            track += mediakit::timecodeChannel({10, 11, 12, 13}, rate);
+        else
+            track += mediakit::toneChannel(400.0 + 150.0 * (firstTone + i));
+    }
+    return track;
+}
+
+/// \a count streams of one channel; number \a timecode carries timecode.
+QVector<Track> single(int count, int timecode, LtcRate rate = at25)
+{
+    QVector<Track> tracks;
+    for (int i = 0; i < count; ++i)
+        tracks += channels(1, i == timecode ? 0 : -1, rate, i);
+    return tracks;
+}
+
+QStringList coded(const QString &codec)
+{
+    return {"-c:a:%1", codec};
+}
+
+/// PCM without a channel layout, as recorders write it.
+QStringList withoutLayout(const QString &codec, int count)
+{
+    QString filter = QString("pan=%1C").arg(count);
+    for (int i = 0; i < count; ++i)
+        filter += QString("|c%1=c%1").arg(i);
+    return {"-c:a:%1", codec, "-filter:a:%1", filter};
+}
+
+SourceFile movie(const QString &name, const QString &rate, const QVector<Track> &tracks,
+                 const QStringList &audio, bool isCore = false)
+{
+    SourceFile source;
+    source.name = name;
+    source.pictureRate = rate;
+    source.pictureArguments = name.endsWith(".MXF") ? mpeg2 : h264;
+    source.tracks = tracks;
+    source.trackArguments.fill(audio, tracks.size());
+    source.isCore = isCore;
+    return source;
+}
+
+SourceFile sound(const QString &name, const Track &track, const QStringList &audio, bool isCore = false)
+{
+    SourceFile source = movie(name, {}, {track}, audio, isCore);
+    source.fileArguments = QStringList{"-write_bext", "1"};
+    return source;
+}
+
+QVector<SourceFile> quickTimeSources()
+{
+    QVector<SourceFile> sources{
+        movie("stereo-le.mov", "25/1", {channels(2, 0)}, coded("pcm_s24le"), true),
+        movie("stereo-be.mov", "25/1", {channels(2, 1)}, coded("pcm_s16be"), true),
+        movie("pair-le-no-layout.mov", "25/1", {channels(2, 1)}, withoutLayout("pcm_s24le", 2), true),
+        movie("pair-be-no-layout.mov", "25/1", {channels(2, 0)}, withoutLayout("pcm_s24be", 2)),
+        movie("two-mono.mov", "24/1", single(2, 1, at24), coded("pcm_s24le")),
+        movie("two-stereo.mov", "24000/1001", {channels(2, -1), channels(2, 0, at23976, 2)},
+              coded("pcm_s24le"), true),
+        movie("four-channels.mov", "25/1", {channels(4, 2)}, coded("pcm_s24le"), true),
+        movie("sixteen-channels.mov", "30/1", {channels(16, 9, at30)}, withoutLayout("pcm_s24le", 16)),
+        movie("44100.mov", "25/1", {channels(2, 1)}, coded("pcm_s16le")),
+        movie("old-timecode.mov", "25/1", {channels(2, 0)}, coded("pcm_s16le"), true),
+        movie("aac-and-pcm.mov", "25/1", {channels(2, -1), channels(2, 1, at25, 2)}, coded("pcm_s24le")),
+        movie("two-pictures.mov", "25/1", {channels(2, 1)}, coded("pcm_s16le"), true),
+        movie("sound-only.mov", {}, single(2, 1), coded("pcm_s24le"), true),
+        movie("no-timecode.mov", "25/1", {channels(2, -1)}, coded("pcm_s16le")),
+        movie("2997-drop.mov", "30000/1001", {channels(2, 0, at2997Drop)}, coded("pcm_s16le"), true),
+        movie("2997.mov", "30000/1001", {channels(2, 1, at2997)}, coded("pcm_s16le")),
+        movie("50.mov", "50/1", {channels(2, 1)}, coded("pcm_s24le"), true),
+        movie("5994-drop.mov", "60000/1001", {channels(2, 1, at2997Drop)}, coded("pcm_s24le")),
+        movie("60.mov", "60/1", {channels(2, 1, at30)}, coded("pcm_s24le")),
+        movie("ltc-24-picture-25.mov", "25/1", {channels(2, 1, at24)}, coded("pcm_s24le")),
+        movie("ltc-25-picture-24.mov", "24/1", {channels(2, 1, at25)}, coded("pcm_s24le")),
+        movie("ltc-drop-picture-25.mov", "25/1", {channels(2, 1, at2997Drop)}, coded("pcm_s24le")),
+    };
+    for (SourceFile &source : sources) {
+        if (source.name == "44100.mov")
+            source.sampleRate = 44100;
+        if (source.name == "old-timecode.mov")
+            source.fileArguments = QStringList{"-timecode", "01:02:03:04"};
+        if (source.name == "aac-and-pcm.mov")
+            source.trackArguments[0] = coded("aac");
+        source.hasCover = source.name == "two-pictures.mov";
+    }
+    return sources;
+}
+
+QVector<SourceFile> otherCameraSources()
+{
+    QVector<SourceFile> sources{
+        movie("aac.mp4", "25/1", {channels(2, 1)}, coded("aac"), true),
+        movie("aac-2997-drop.mp4", "30000/1001", {channels(2, 0, at2997Drop)}, coded("aac")),
+        movie("cover.mp4", "25/1", {channels(2, 1)}, coded("aac")),
+        movie("ac3.mts", "25/1", {channels(2, 0)}, coded("ac3"), true),
+        movie("ac3-50.mts", "50/1", {channels(2, 1)}, coded("ac3")),
+        movie("four-mono.MXF", "25/1", single(4, 3), coded("pcm_s24le"), true),
+        movie("pair.MXF", "25/1", {channels(2, 1)}, coded("pcm_s24le")),
+        movie("four-mono-16.MXF", "30000/1001", single(4, 0, at2997Drop), coded("pcm_s16le")),
+        movie("four-mono-50.MXF", "50/1", single(4, 2), coded("pcm_s24le")),
+    };
+    for (SourceFile &source : sources) {
+        source.hasCover = source.name == "cover.mp4";
+        if (source.name.endsWith(".mts"))
+            source.fileArguments = QStringList{"-f", "mpegts"};
+    }
+    return sources;
+}
+
+QVector<SourceFile> soundSources()
+{
+    QVector<SourceFile> sources{
+        sound("mono.wav", channels(1, 0), coded("pcm_s24le"), true),
+        sound("mono-no-timecode.wav", channels(1, -1), coded("pcm_s24le")),
+        sound("stereo-16.wav", channels(2, 0), coded("pcm_s16le"), true),
+        sound("stereo-float.wav", channels(2, 1, at2997Drop), coded("pcm_f32le")),
+        sound("four.wav", channels(4, 1, at23976), coded("pcm_s24le"), true),
+        sound("eight.wav", channels(8, 7), withoutLayout("pcm_s32le", 8)),
+        sound("old-reference.wav", channels(2, 1), coded("pcm_s24le"), true),
+        sound("44100.wav", channels(2, 1), coded("pcm_s16le")),
+    };
+    for (SourceFile &source : sources) {
+        if (source.name == "old-reference.wav")
+            source.fileArguments += {"-metadata", "time_reference=1728000000", "-metadata", "comment=old"};
+        if (source.name.startsWith("44100"))
+            source.sampleRate = 44100;
+    }
+    return sources;
+}
+
+} // namespace
+
+QVector<SourceFile> allSources()
+{
+    return quickTimeSources() + otherCameraSources() + soundSources();
+}
+
+} // namespace exportmatrix
