@@ -356,8 +356,9 @@ void TestExportRules::whatCannotBeRightIsRefused_data()
     QTest::newRow("nothing left") << "audio:pcm_s24le:1"
                                   << "-map 0:v -vcodec copy out.MOV"
                                   << "nothing of";
-    QTest::newRow("a WAV file of nothing but timecode")
-        << "audio:pcm_s24le:1" << "-write_bext 1 -metadata time_reference=5 out.WAV" << "nothing but the timecode";
+    QTest::newRow("a WAV file of nothing but timecode") << "audio:pcm_s24le:1"
+                                                        << "-write_bext 1 -metadata time_reference=5 out.WAV"
+                                                        << "nothing but the timecode";
     QTest::newRow("a stream that is not there") << "video:25/1 audio:pcm_s24le:2"
                                                 << "-map 0:v -map 0:7 -acodec pcm_s24le out.MOV"
                                                 << "no audio stream 7";

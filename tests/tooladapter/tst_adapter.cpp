@@ -1,0 +1,244 @@
+// SPDX-License-Identifier: MIT
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+
+namespace
+{
+
+const QStringList exportList{"-y", "-i", "in.mov", "-vcodec", "copy", "out.MOV"};
+
+// What the stand-in for the probe tool says of every file.
+const char completeFile[] =
+    "#!/bin/sh\n"
+    "printf '[STREAM]\\nindex=0\\ncodec_type=video\\navg_frame_rate=25/1\\nduration=5.0\\n"
+    "[/STREAM]\\n'\n";
+
+/// Whether the process still runs; one that only waits for its parent to notice the end does not.
+bool isAlive(qint64 process)
+{
+    QFile status(QString("/proc/%1/stat").arg(process));
+    if (!status.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray text = status.readAll();
+    return text.mid(text.lastIndexOf(')') + 2, 1) != "Z";
+}
+
+} // namespace
+
+/// The program as a whole, with stand-ins for the real tools.
+class TestAdapter : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void aMissingToolIsNamed_data();
+    void aMissingToolIsNamed();
+    void theToolTakesOverWhereNothingIsToBeWatched_data();
+    void theToolTakesOverWhereNothingIsToBeWatched();
+    void errorOutputAndExitCodeComeThrough();
+    void aToolThatWasKilledIsAFailure();
+    void anIncompleteFileIsAFailure();
+    void anUnreadableSourceIsAFailure();
+    void aRefusalStartsNoTool();
+    void killingTheAdapterKillsTheTool();
+
+private:
+    void makeTool(const QString &name, const QByteArray &script);
+    void start(const QStringList &arguments, const QStringList &environment = {},
+               const QString &called = "ffmpeg.exe");
+    void finish();
+    QByteArray contents(const QString &name) const;
+
+    std::unique_ptr<QTemporaryDir> folder;
+    std::unique_ptr<QProcess> adapter;
+    QString errors;
+};
+
+void TestAdapter::init()
+{
+    adapter.reset();
+    folder = std::make_unique<QTemporaryDir>();
+    makeTool("ffprobe", completeFile);
+}
+
+void TestAdapter::makeTool(const QString &name, const QByteArray &script)
+{
+    QFile file(folder->filePath(name));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(script);
+    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+void TestAdapter::start(const QStringList &arguments, const QStringList &environment, const QString &called)
+{
+    adapter = std::make_unique<QProcess>();
+    QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+    variables.insert("PATH", folder->path() + ":/usr/bin:/bin");
+    for (const QString &variable : environment)
+        variables.insert(variable.section('=', 0, 0), variable.section('=', 1));
+    adapter->setProcessEnvironment(variables);
+    adapter->setWorkingDirectory(folder->path());
+    adapter->start(QStandardPaths::findExecutable(called), arguments);
+    QVERIFY(adapter->waitForStarted());
+}
+
+void TestAdapter::finish()
+{
+    QVERIFY(adapter->waitForFinished());
+    QCOMPARE(adapter->exitStatus(), QProcess::NormalExit);
+    errors = QString::fromUtf8(adapter->readAllStandardError());
+}
+
+QByteArray TestAdapter::contents(const QString &name) const
+{
+    QFile file(folder->filePath(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void TestAdapter::aMissingToolIsNamed_data()
+{
+    QTest::addColumn<QString>("called");
+    QTest::addColumn<QString>("tool");
+    QTest::newRow("transcoding tool") << "ffmpeg.exe"
+                                      << "ffmpeg";
+    QTest::newRow("probe tool") << "ffprobe.exe"
+                                << "ffprobe";
+}
+
+void TestAdapter::aMissingToolIsNamed()
+{
+    QFETCH(QString, called);
+    QFETCH(QString, tool);
+    const QTemporaryDir empty;
+    start({"-version"}, {"PATH=" + empty.path()}, called);
+    finish();
+    QCOMPARE(adapter->exitCode(), 127);
+    QCOMPARE(errors.count('\n'), 1);
+    QVERIFY(errors.contains("no program \"" + tool + "\" in PATH"));
+    QVERIFY(errors.contains("apt install ffmpeg"));
+}
+
+void TestAdapter::theToolTakesOverWhereNothingIsToBeWatched_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QStringList>("environment");
+    QTest::addColumn<QStringList>("passedOn");
+    const QStringList unknown{"-i", "a b.mov", "-c", "copy", "", "c.mov"};
+    QTest::newRow("an unknown list") << unknown << QStringList() << unknown;
+    QTest::newRow("no argument") << QStringList() << QStringList() << QStringList();
+    QTest::newRow("mending switched off")
+        << exportList << QStringList{"OSTREL_TOOL_ADAPTER=off"} << exportList;
+    QTest::newRow("extraction") << QStringList{"-y",     "-guess_layout_max",
+                                               "0",      "-ss",
+                                               "0",      "-i",
+                                               "in.mov", "-t",
+                                               "3",      "-map",
+                                               "0:1",    "a.wav",
+                                               "-map",   "0:2",
+                                               "b.wav"}
+                                << QStringList() << QStringList{"-y",     "-guess_layout_max",
+                                                                "0",      "-t",
+                                                                "3",      "-i",
+                                                                "in.mov", "-map",
+                                                                "0:1",    "a.wav",
+                                                                "-map",   "0:2",
+                                                                "b.wav"};
+}
+
+void TestAdapter::theToolTakesOverWhereNothingIsToBeWatched()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QStringList, environment);
+    QFETCH(QStringList, passedOn);
+    makeTool("ffmpeg", "#!/bin/sh\necho $$\nfor word; do echo \"$word\"; done\nexit 7\n");
+    start(arguments, environment);
+    const qint64 process = adapter->processId();
+    finish();
+    QCOMPARE(adapter->exitCode(), 7);
+    QStringList printed = QString::fromUtf8(adapter->readAllStandardOutput()).split('\n');
+    QCOMPARE(printed.takeFirst().toLongLong(),
+             process); // the same process, so that killing it kills the tool
+    printed.removeLast();
+    QCOMPARE(printed, passedOn);
+}
+
+void TestAdapter::errorOutputAndExitCodeComeThrough()
+{
+    makeTool("ffmpeg", "#!/bin/sh\nprintf 'frame=1\\rframe=2\\r' >&2\nexit 0\n");
+    start(exportList);
+    finish();
+    QCOMPARE(adapter->exitCode(), 0);
+    QCOMPARE(errors, QString("frame=1\rframe=2\r"));
+
+    makeTool("ffmpeg", "#!/bin/sh\nexit 69\n");
+    start(exportList);
+    finish();
+    QCOMPARE(adapter->exitCode(), 69);
+}
+
+void TestAdapter::aToolThatWasKilledIsAFailure()
+{
+    makeTool("ffmpeg", "#!/bin/sh\nkill -KILL $$\n");
+    start(exportList);
+    finish();
+    QCOMPARE(adapter->exitCode(), 128 + SIGKILL);
+}
+
+void TestAdapter::anIncompleteFileIsAFailure()
+{
+    makeTool("ffmpeg", "#!/bin/sh\nexit 0\n");
+    makeTool("ffprobe", QByteArray(completeFile)
+                            .replace("duration=5.0", "duration='$([ \"${6#out}\" = \"$6\" ] && "
+                                                     "echo 5 || echo 3)'"));
+    start(exportList);
+    finish();
+    QVERIFY(adapter->exitCode() != 0);
+    QVERIFY2(errors.contains("picture ends after 3.00 s, the source's after 5.00 s"), qPrintable(errors));
+}
+
+void TestAdapter::anUnreadableSourceIsAFailure()
+{
+    makeTool("ffmpeg", "#!/bin/sh\ntouch started\n");
+    makeTool("ffprobe", "#!/bin/sh\nexit 1\n");
+    start(exportList);
+    finish();
+    QVERIFY(adapter->exitCode() != 0);
+    QVERIFY(errors.contains("in.mov cannot be read"));
+    QVERIFY(!QFile::exists(folder->filePath("started")));
+}
+
+void TestAdapter::aRefusalStartsNoTool()
+{
+    makeTool("ffmpeg", "#!/bin/sh\ntouch started\n");
+    start({"-y", "-guess_layout_max", "0", "-ss", "0", "-i", "in.mov", "-t", "3"});
+    finish();
+    QVERIFY(adapter->exitCode() != 0);
+    QCOMPARE(errors.count('\n'), 1);
+    QVERIFY(errors.contains("no audio stream"));
+    QVERIFY(!QFile::exists(folder->filePath("started")));
+}
+
+void TestAdapter::killingTheAdapterKillsTheTool()
+{
+    makeTool("ffmpeg", "#!/bin/sh\necho $$ > tool.part\nmv tool.part tool\nexec sleep 600\n");
+    start(exportList);
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(folder->filePath("tool")), 30000);
+    const qint64 tool = contents("tool").trimmed().toLongLong();
+    QVERIFY(tool > 0 && tool != adapter->processId());
+    QVERIFY(isAlive(tool));
+    adapter->kill();
+    QVERIFY(adapter->waitForFinished());
+    QTRY_VERIFY_WITH_TIMEOUT(!isAlive(tool), 30000);
+}
+
+QTEST_GUILESS_MAIN(TestAdapter)
+#include "tst_adapter.moc"

@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+#include "tooladapter/source.h"
+
+#include <QTest>
+
+using namespace tooladapter;
+
+class TestSource : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void streamsAreRead();
+    void aStreamThatIsListedTwiceIsReadOnce();
+    void missingAndUnknownValuesLeaveTheDefaults_data();
+    void missingAndUnknownValuesLeaveTheDefaults();
+    void ratesAreRead_data();
+    void ratesAreRead();
+};
+
+void TestSource::streamsAreRead()
+{
+    const Source source =
+        parseProbe("[STREAM]\nindex=0\ncodec_name=mjpeg\ncodec_type=video\n"
+                   "DISPOSITION:attached_pic=1\n[/STREAM]\n"
+                   "[STREAM]\nindex=1\ncodec_name=h264\ncodec_type=video\nr_frame_rate=50/1\n"
+                   "avg_frame_rate=25/1\nduration=2.000000\nDISPOSITION:attached_pic=0\n"
+                   "TAG:timecode=10:11:12:13\n[/STREAM]\n"
+                   "[STREAM]\nindex=2\ncodec_name=pcm_s24le\ncodec_type=audio\nchannels=4\n"
+                   "channel_layout=4.0\nr_frame_rate=0/0\n[/STREAM]\n"
+                   "[FORMAT]\nduration=2.040000\n[/FORMAT]\n");
+    QCOMPARE(int(source.streams.size()), 3);
+    QCOMPARE(source.firstPicture(), 1);
+    QVERIFY(source.audioStreams() == std::vector<int>{2});
+    QCOMPARE(source.streams[1].baseRate.nominal(), 50);
+    QCOMPARE(source.streams[1].averageRate.nominal(), 25);
+    QCOMPARE(source.streams[1].duration, 2.0);
+    QCOMPARE(source.startTimecode(), std::string("10:11:12:13"));
+    QCOMPARE(source.streams[2].codec, std::string("pcm_s24le"));
+    QCOMPARE(source.streams[2].channels, 4);
+    QCOMPARE(source.streams[2].layout, std::string("4.0"));
+    QVERIFY(!source.streams[2].baseRate.isValid());
+    QCOMPARE(source.duration, 2.04);
+}
+
+void TestSource::aStreamThatIsListedTwiceIsReadOnce()
+{
+    const Source source = parseProbe("[PROGRAM]\n[STREAM]\nindex=0\ncodec_type=video\n[/STREAM]\n"
+                                     "[STREAM]\nindex=1\ncodec_type=audio\n[/STREAM]\n[/PROGRAM]\n"
+                                     "[STREAM]\nindex=0\ncodec_type=video\n[/STREAM]\n"
+                                     "[STREAM]\nindex=1\ncodec_type=audio\n[/STREAM]\n");
+    QCOMPARE(int(source.streams.size()), 2);
+    QVERIFY(source.audioStreams() == std::vector<int>{1});
+}
+
+void TestSource::missingAndUnknownValuesLeaveTheDefaults_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::newRow("nothing") << QByteArray();
+    QTest::newRow("no last line end") << QByteArray("[FORMAT]\nduration=N/A\n[/FORMAT]");
+    QTest::newRow("negative") << QByteArray("[FORMAT]\nduration=-1\n[/FORMAT]\n");
+    QTest::newRow("outside of a section") << QByteArray("duration=5\nTAG:timecode=10:00:00:00\n");
+}
+
+void TestSource::missingAndUnknownValuesLeaveTheDefaults()
+{
+    QFETCH(QByteArray, text);
+    const Source source = parseProbe(text.toStdString());
+    QVERIFY(source.streams.empty());
+    QCOMPARE(source.firstPicture(), -1);
+    QCOMPARE(source.duration, 0.0);
+    QVERIFY(source.startTimecode().empty());
+}
+
+void TestSource::ratesAreRead_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<int>("nominal"); // -1: no rate
+    QTest::addColumn<bool>("isNtsc");
+    QTest::newRow("whole") << QByteArray("25") << 25 << false;
+    QTest::newRow("fraction") << QByteArray("50/1") << 50 << false;
+    QTest::newRow("23.976") << QByteArray("24000/1001") << 24 << true;
+    QTest::newRow("29.97") << QByteArray("30000/1001") << 30 << true;
+    QTest::newRow("29.97 in hundredths") << QByteArray("2997/100") << 30 << true;
+    QTest::newRow("59.94") << QByteArray("60000/1001") << 60 << true;
+    QTest::newRow("in units of a time base") << QByteArray("12800/512") << 25 << false;
+    QTest::newRow("none") << QByteArray("0/0") << -1 << false;
+    QTest::newRow("zero") << QByteArray("0") << -1 << false;
+    QTest::newRow("zero over 1001") << QByteArray("0/1001") << -1 << false;
+    QTest::newRow("division by zero") << QByteArray("25/0") << -1 << false;
+    QTest::newRow("text") << QByteArray("25fps") << -1 << false;
+    QTest::newRow("empty") << QByteArray() << -1 << false;
+}
+
+void TestSource::ratesAreRead()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(int, nominal);
+    QFETCH(bool, isNtsc);
+    const FrameRate rate = FrameRate::fromText(text.toStdString());
+    QCOMPARE(rate.isValid(), nominal >= 0);
+    if (rate.isValid()) {
+        QCOMPARE(rate.nominal(), nominal);
+        QCOMPARE(rate.isNtsc(), isNtsc);
+    }
+}
+
+QTEST_APPLESS_MAIN(TestSource)
+#include "tst_source.moc"
