@@ -12,8 +12,6 @@ namespace exportmatrix
 namespace
 {
 
-using Samples = std::vector<float>;
-
 QVector<Samples> decode(const QString &path, int index, int channels)
 {
     const ToolRun run = runTool("ffmpeg", {"-v", "error", "-nostdin", "-i", path, "-map",
@@ -84,8 +82,7 @@ bool soundsLike(const Samples &found, const mediakit::Channel &channel, const So
 
 } // namespace
 
-QStringList channelFaults(const QString &path, int index, const ExpectedTrack &track,
-                          const SourceFile &source, const QVector<std::vector<std::vector<float>>> &samples)
+QStringList channelFaults(const QString &path, int index, const ExpectedTrack &track, const MadeFile &made)
 {
     QStringList faults;
     const QVector<Samples> decoded = decode(path, index, track.channels.size());
@@ -94,8 +91,8 @@ QStringList channelFaults(const QString &path, int index, const ExpectedTrack &t
         const auto number = static_cast<std::size_t>(wantedChannel);
         const bool isRight =
             track.agreeingBits > 0
-                ? agrees(decoded.at(i), samples.at(wantedTrack).at(number), track.agreeingBits)
-                : soundsLike(decoded.at(i), source.tracks.at(wantedTrack).at(wantedChannel), source,
+                ? agrees(decoded.at(i), made.samples.at(wantedTrack).at(number), track.agreeingBits)
+                : soundsLike(decoded.at(i), made.source.tracks.at(wantedTrack).at(wantedChannel), made.source,
                              track.sampleRate);
         if (!isRight)
             faults += QString("audio %1 channel %2 is not the source's channel %3 of audio %4")

@@ -9,9 +9,8 @@ namespace exportmatrix
 {
 
 /// Decodes the audio stream number \a index of the file at \a path and tells where its channels do not hold
-/// what \a track says. \a samples are those of \a source. PCM must agree sample for sample; what was coded or
-/// resampled is known by its tone.
-QStringList channelFaults(const QString &path, int index, const ExpectedTrack &track,
-                          const SourceFile &source, const QVector<std::vector<std::vector<float>>> &samples);
+/// what \a track says of \a made. PCM must agree sample for sample; what was coded or resampled is known by
+/// its tone.
+QStringList channelFaults(const QString &path, int index, const ExpectedTrack &track, const MadeFile &made);
 
 } // namespace exportmatrix

@@ -133,8 +133,10 @@ void expectTimeReference(Expectation &expected, const SourceFile &source, const 
 
 } // namespace
 
-Expectation expectationOf(const SourceFile &source, const FileData &record, const ExportOptions &options)
+Expectation expectationOf(const MadeFile &file, const ExportOptions &options)
 {
+    const SourceFile &source = file.source;
+    const FileData &record = file.record;
     const Container container = outputname::containerFor(record.absoluteFilePath, options.videoType);
     Expectation expected;
     expected.tracks = expectedTracks(source, record, options, container);

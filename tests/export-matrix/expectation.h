@@ -37,7 +37,7 @@ struct Expectation {
     QString comment;                     ///< of a sound file
 };
 
-/// What exporting \a source, of which the application knows \a record, with \a options must give.
-Expectation expectationOf(const SourceFile &source, const FileData &record, const ExportOptions &options);
+/// What exporting \a file with \a options must give.
+Expectation expectationOf(const MadeFile &file, const ExportOptions &options);
 
 } // namespace exportmatrix

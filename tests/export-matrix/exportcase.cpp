@@ -63,9 +63,10 @@ QString nameOf(const ExportOptions &options)
              options.muteAudioTC ? ", without timecode" : "");
 }
 
-Outcome runExport(const SourceFile &source, const FileData &record, const ExportOptions &options,
+Outcome runExport(const MadeFile &source, const ExportOptions &options,
                   const QProcessEnvironment &environment)
 {
+    const FileData &record = source.record;
     const QTemporaryDir folder;
     ExportOptions written = options;
     written.exportDir = folder.path();
@@ -78,14 +79,14 @@ Outcome runExport(const SourceFile &source, const FileData &record, const Export
 
     const QString tool = QStandardPaths::findExecutable("ffmpeg.exe");
     const ToolRun run = runTool(tool, command.arguments, toolEnvironment);
-    const Expectation expected = expectationOf(source, record, written);
+    const Expectation expected = expectationOf(source, written);
     if (!run.ended)
         return {Outcome::Kind::Wrong, "did not end by itself"};
     if (run.exitCode != 0)
         return outcomeOfRefusal(run, expected);
     if (!expected.refusal.isEmpty())
         return {Outcome::Kind::Wrong, "should have been refused: " + expected.refusal};
-    const QStringList faults = faultsOf(command.outputPath, expected, source, record);
+    const QStringList faults = faultsOf(command.outputPath, expected, source);
     return {faults.isEmpty() ? Outcome::Kind::Right : Outcome::Kind::Wrong, faults.join("; ")};
 }
 

@@ -24,9 +24,9 @@ QVector<ExportOptions> optionsFor(const SourceFile &source, bool coreOnly);
 /// A name of \a options for people.
 QString nameOf(const ExportOptions &options);
 
-/// Exports the file that \a record knows, with the tool that \a environment finds as "ffmpeg.exe", into a
+/// Exports \a source with the tool that \a environment finds as "ffmpeg.exe", into a
 /// folder of its own and judges what was written.
-Outcome runExport(const SourceFile &source, const FileData &record, const ExportOptions &options,
+Outcome runExport(const MadeFile &source, const ExportOptions &options,
                   const QProcessEnvironment &environment);
 
 } // namespace exportmatrix

@@ -72,13 +72,12 @@ void judgePicture(Faults &faults, const QJsonArray &streams, const Expectation &
 }
 
 void judgeSound(Faults &faults, const QString &path, const QJsonArray &streams, const Expectation &expected,
-                const SourceFile &source)
+                const MadeFile &source)
 {
     const QVector<QJsonObject> found = streamsOf(streams, "audio");
     faults.compare("number of audio streams", found.size(), expected.tracks.size());
     if (found.size() != expected.tracks.size())
         return;
-    const auto samples = samplesOf(source);
     for (int i = 0; i < found.size(); ++i) {
         const ExpectedTrack &track = expected.tracks.at(i);
         const QString what = QString("audio %1").arg(i);
@@ -88,7 +87,7 @@ void judgeSound(Faults &faults, const QString &path, const QJsonArray &streams, 
         const int channels = found.at(i)["channels"].toInt();
         faults.compare(what + " channels", channels, track.channels.size());
         if (channels == track.channels.size())
-            faults.texts += channelFaults(path, i, track, source, samples);
+            faults.texts += channelFaults(path, i, track, source);
     }
 }
 
@@ -185,16 +184,15 @@ void judgeWithMediainfo(Faults &faults, const QString &path, const Expectation &
 
 } // namespace
 
-QStringList faultsOf(const QString &path, const Expectation &expected, const SourceFile &source,
-                     const FileData &record)
+QStringList faultsOf(const QString &path, const Expectation &expected, const MadeFile &source)
 {
     Faults faults;
     const QJsonObject probe = probeOf(path);
     const QJsonArray streams = probe["streams"].toArray();
     judgePicture(faults, streams, expected);
     judgeSound(faults, path, streams, expected, source);
-    judgeSync(faults, streams, record.streams);
-    judgeTimecode(faults, probe, expected, record);
+    judgeSync(faults, streams, source.record.streams);
+    judgeTimecode(faults, probe, expected, source.record);
     judgeWithMediainfo(faults, path, expected);
     return faults.texts;
 }

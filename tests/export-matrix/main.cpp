@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 #include <QTextStream>
 
+#include <algorithm>
 #include <exception>
 
 using namespace exportmatrix;
@@ -18,23 +19,26 @@ namespace
 {
 
 struct Totals {
+    int seen = 0;
     int right = 0;
     int refused = 0;
     int wrong = 0;
 };
 
-void exportAll(const SourceFile &source, const QString &folder, bool coreOnly,
+/// Which exports are run.
+struct Choice {
+    bool coreOnly = false;
+    int every = 1; ///< only one of so many
+};
+
+void exportAll(const SourceFile &source, const QString &folder, const Choice &choice,
                const QProcessEnvironment &environment, Totals &totals, QTextStream &report)
 {
-    const QString problem = makeSource(source, folder);
-    if (!problem.isEmpty()) {
-        report << "WRONG    " << problem << Qt::endl;
-        ++totals.wrong;
-        return;
-    }
-    const FileData record = recordOf(source, folder + '/' + source.name);
-    for (const ExportOptions &options : optionsFor(source, coreOnly)) {
-        const Outcome outcome = runExport(source, record, options, environment);
+    const MadeFile made = makeSource(source, folder);
+    for (const ExportOptions &options : optionsFor(source, choice.coreOnly)) {
+        if (totals.seen++ % choice.every != 0)
+            continue;
+        const Outcome outcome = runExport(made, options, environment);
         const QString name = source.name + ": " + nameOf(options);
         switch (outcome.kind) {
         case Outcome::Kind::Right:
@@ -67,10 +71,11 @@ int run(const QCommandLineParser &options, QTextStream &report)
                            QDir(options.value("tools")).absolutePath() + ':' + environment.value("PATH"));
 
     const QTemporaryDir folder;
+    const Choice choice{options.isSet("core"), std::max(1, options.value("every").toInt())};
     Totals totals;
     for (const SourceFile &source : allSources()) {
         if (!options.isSet("source") || source.name == options.value("source"))
-            exportAll(source, folder.path(), options.isSet("core"), environment, totals, report);
+            exportAll(source, folder.path(), choice, environment, totals, report);
     }
     report << totals.right << " right, " << totals.refused << " refused as they must be, " << totals.wrong
            << " wrong" << Qt::endl;
@@ -88,6 +93,7 @@ int main(int argc, char **argv)
         "Exports real media through ffmpeg.exe, found in PATH, and judges the files.");
     options.addHelpOption();
     options.addOption({"core", "Only a choice that touches every rule."});
+    options.addOption({"every", "Only one of <count> exports, evenly spread.", "count", "1"});
     options.addOption({"source", "Only the source called <name>.", "name"});
     options.addOption({"tools", "Let ffmpeg.exe find the media tools in <folder> first.", "folder"});
     options.process(application);

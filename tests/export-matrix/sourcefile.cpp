@@ -9,6 +9,8 @@
 #include <QJsonDocument>
 #include <QTemporaryDir>
 
+#include <stdexcept>
+
 namespace exportmatrix
 {
 namespace
@@ -28,28 +30,15 @@ QJsonObject readerResult(const testsignals::LtcSignal &timecode)
             {"SamplesSinceMidnight", double(testsignals::samplesSinceMidnight(timecode))}};
 }
 
-} // namespace
-
-mediakit::Recording soundOf(const SourceFile &source)
+QVector<std::vector<Samples>> samplesOf(const SourceFile &source)
 {
-    mediakit::Recording recording;
-    recording.path = source.name;
-    recording.pictureRate = source.pictureRate;
-    recording.tracks = source.tracks;
-    recording.duration = sourceDuration;
-    recording.sampleRate = source.sampleRate;
-    return recording;
-}
-
-QVector<std::vector<std::vector<float>>> samplesOf(const SourceFile &source)
-{
-    QVector<std::vector<std::vector<float>>> samples;
+    QVector<std::vector<Samples>> samples;
     for (const mediakit::Track &track : source.tracks)
         samples += mediakit::render(track, soundOf(source));
     return samples;
 }
 
-QString makeSource(const SourceFile &source, const QString &folder)
+void writeFile(const SourceFile &source, const QVector<std::vector<Samples>> &samples, const QString &path)
 {
     const QTemporaryDir tracksFolder;
     QStringList inputs{"-v", "error", "-nostdin", "-y"};
@@ -61,15 +50,14 @@ QString makeSource(const SourceFile &source, const QString &folder)
             QString("testsrc2=size=320x180:rate=%1:duration=%2").arg(source.pictureRate).arg(sourceDuration)};
         outputs += QStringList{"-map", QString("%1:v").arg(input++)} + source.pictureArguments;
     }
-    const auto samples = samplesOf(source);
     for (int track = 0; track < samples.size(); ++track) {
         testsignals::WavFile file;
         file.sampleRate = source.sampleRate;
         file.format = testsignals::SampleFormat::Float32;
         file.channels = samples.at(track);
-        const QString path = tracksFolder.filePath(QString("track%1.wav").arg(track));
-        testsignals::writeWav(path.toStdString(), file);
-        inputs += {"-i", path};
+        const QString trackPath = tracksFolder.filePath(QString("track%1.wav").arg(track));
+        testsignals::writeWav(trackPath.toStdString(), file);
+        inputs += {"-i", trackPath};
         outputs += {"-map", QString("%1:a").arg(input++)};
         for (const QString &argument : source.trackArguments.at(track))
             outputs += argument.contains("%1") ? argument.arg(track) : argument;
@@ -79,9 +67,9 @@ QString makeSource(const SourceFile &source, const QString &folder)
         outputs +=
             {"-map", QString("%1:v").arg(input++), "-c:v:1", "mjpeg", "-disposition:v:1", "attached_pic"};
     }
-    const ToolRun run =
-        runTool("ffmpeg", inputs + outputs + source.fileArguments + QStringList{folder + '/' + source.name});
-    return run.exitCode == 0 ? QString() : source.name + ": " + QString::fromUtf8(run.errors);
+    const ToolRun run = runTool("ffmpeg", inputs + outputs + source.fileArguments + QStringList{path});
+    if (run.exitCode != 0)
+        throw std::runtime_error((source.name + ": ").toStdString() + run.errors.toStdString());
 }
 
 FileData recordOf(const SourceFile &source, const QString &path)
@@ -114,6 +102,27 @@ FileData recordOf(const SourceFile &source, const QString &path)
         }
     }
     return record;
+}
+
+} // namespace
+
+mediakit::Recording soundOf(const SourceFile &source)
+{
+    mediakit::Recording recording;
+    recording.path = source.name;
+    recording.pictureRate = source.pictureRate;
+    recording.tracks = source.tracks;
+    recording.duration = sourceDuration;
+    recording.sampleRate = source.sampleRate;
+    return recording;
+}
+
+MadeFile makeSource(const SourceFile &source, const QString &folder)
+{
+    const QString path = folder + '/' + source.name;
+    const QVector<std::vector<Samples>> samples = samplesOf(source);
+    writeFile(source, samples, path);
+    return {source, samples, recordOf(source, path)};
 }
 
 } // namespace exportmatrix

@@ -30,13 +30,17 @@ constexpr double sourceDuration = 1.0; // [s]
 /// The recording that \a source is, as far as its sound goes.
 mediakit::Recording soundOf(const SourceFile &source);
 
-/// Samples of all channels of \a source, one list for each audio stream.
-QVector<std::vector<std::vector<float>>> samplesOf(const SourceFile &source);
+/// Samples of one channel.
+using Samples = std::vector<float>;
 
-/// Makes \a source below \a folder. Returns an empty text, or what went wrong.
-QString makeSource(const SourceFile &source, const QString &folder);
+/// A source file that lies on the disk.
+struct MadeFile {
+    SourceFile source;
+    QVector<std::vector<Samples>> samples; ///< of all channels, one list for each audio stream
+    FileData record;                       ///< what the application knows once the timecode was read
+};
 
-/// The record that the application has of the file \a source at \a path once its timecode was read.
-FileData recordOf(const SourceFile &source, const QString &path);
+/// Makes \a source below \a folder. Throws std::runtime_error when that fails.
+MadeFile makeSource(const SourceFile &source, const QString &folder);
 
 } // namespace exportmatrix
