@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: MIT
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace
+{
+
+constexpr int limit = 60 * 1000; // [ms]
+
+const QStringList copied{"-vcodec", "copy"};
+const QStringList coded{"-vcodec", "mpeg2video", "-b:v", "50M", "-pix_fmt", "yuv422p", "-s", "1920x1080"};
+
+} // namespace
+
+/// The program as a whole with the real tools, where things go wrong.
+class TestRealExports : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void aSourceThatBreaksOffIsAFailure_data();
+    void aSourceThatBreaksOffIsAFailure();
+    void aFullDiskIsAFailure_data();
+    void aFullDiskIsAFailure();
+    void filesInOddFoldersAreWritten_data();
+    void filesInOddFoldersAreWritten();
+    void everyExtractedFileEndsAfterThreeSeconds();
+
+private:
+    /// Runs \a program in the test's folder and returns its exit code, -1 where it does not end by itself.
+    int run(const QString &program, const QStringList &arguments);
+    int exportFile(const QString &source, const QStringList &picture, const QString &target);
+    double durationOf(const QString &name);
+
+    QTemporaryDir folder;
+    QByteArray output;
+    QString errors;
+};
+
+int TestRealExports::run(const QString &program, const QStringList &arguments)
+{
+    QProcess process;
+    process.setWorkingDirectory(folder.path());
+    process.start(program, arguments);
+    process.closeWriteChannel();
+    const bool ended = process.waitForFinished(limit) && process.exitStatus() == QProcess::NormalExit;
+    output = process.readAllStandardOutput();
+    errors = QString::fromUtf8(process.readAllStandardError());
+    return ended ? process.exitCode() : -1;
+}
+
+int TestRealExports::exportFile(const QString &source, const QStringList &picture, const QString &target)
+{
+    return run("ffmpeg.exe", QStringList{"-y", "-i", folder.filePath(source), "-acodec", "pcm_s16le"} +
+                                 picture + QStringList{"-timecode", "10:11:12:13", "-r", "25", target});
+}
+
+double TestRealExports::durationOf(const QString &name)
+{
+    run("ffprobe", {"-v", "error", "-show_entries", "format=duration", "-of", "csv=p=0", name});
+    return output.trimmed().toDouble();
+}
+
+void TestRealExports::initTestCase()
+{
+    QVERIFY2(!QStandardPaths::findExecutable("ffmpeg").isEmpty(), "these tests need ffmpeg");
+    QCOMPARE(run("ffmpeg", {"-v",        "error",
+                            "-f",        "lavfi",
+                            "-i",        "testsrc2=size=320x180:rate=25:duration=5",
+                            "-f",        "lavfi",
+                            "-i",        "sine=duration=5:sample_rate=48000",
+                            "-f",        "lavfi",
+                            "-i",        "sine=frequency=700:duration=5:sample_rate=48000",
+                            "-map",      "0",
+                            "-map",      "1",
+                            "-map",      "2",
+                            "-c:v",      "mpeg2video",
+                            "-c:a",      "pcm_s16le",
+                            "-movflags", "faststart",
+                            "whole.mov"}),
+             0);
+    QFile whole(folder.filePath("whole.mov"));
+    QFile half(folder.filePath("half.mov"));
+    QVERIFY(whole.open(QIODevice::ReadOnly) && half.open(QIODevice::WriteOnly));
+    half.write(whole.read(whole.size() / 2));
+}
+
+void TestRealExports::aSourceThatBreaksOffIsAFailure_data()
+{
+    QTest::addColumn<QStringList>("picture");
+    QTest::addColumn<QString>("target");
+    QTest::newRow("copied to QuickTime") << copied << "out.MOV";
+    QTest::newRow("coded to MXF") << coded << "out.MXF";
+}
+
+void TestRealExports::aSourceThatBreaksOffIsAFailure()
+{
+    QFETCH(QStringList, picture);
+    QFETCH(QString, target);
+    QCOMPARE(exportFile("whole.mov", picture, target), 0);
+    const int exitCode = exportFile("half.mov", picture, target);
+    QVERIFY2(exitCode > 0, qPrintable(errors));
+}
+
+void TestRealExports::aFullDiskIsAFailure_data()
+{
+    QTest::addColumn<QStringList>("picture");
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<bool>("atTheEnd");
+    QTest::newRow("half-way, copied to QuickTime") << copied << "out.MOV" << false;
+    QTest::newRow("in the last kilobytes, copied to QuickTime") << copied << "out.MOV" << true;
+    QTest::newRow("half-way, coded to MXF") << coded << "out.MXF" << false;
+    QTest::newRow("in the last kilobytes, coded to MXF") << coded << "out.MXF" << true;
+}
+
+void TestRealExports::aFullDiskIsAFailure()
+{
+    QFETCH(QStringList, picture);
+    QFETCH(QString, target);
+    QFETCH(bool, atTheEnd);
+    QCOMPARE(exportFile("whole.mov", picture, target), 0);
+    const qint64 size = QFileInfo(folder.filePath(target)).size();
+    const qint64 room = (atTheEnd ? size - 2048 : size / 2) / 1024; // [KiB]
+
+    // A limit on the size of files gives the same error as a full disk, once its signal is ignored.
+    const QString limited = "trap '' XFSZ; ulimit -f " + QString::number(room) + "; exec \"$@\"";
+    const int exitCode =
+        run("bash", QStringList{"-c", limited, "bash", "ffmpeg.exe", "-y", "-i", folder.filePath("whole.mov"),
+                                "-acodec", "pcm_s16le"} +
+                        picture + QStringList{"-timecode", "10:11:12:13", "-r", "25", target});
+    QVERIFY2(exitCode > 0, qPrintable(errors));
+}
+
+void TestRealExports::filesInOddFoldersAreWritten_data()
+{
+    QTest::addColumn<QString>("target");
+    QTest::newRow("begins with a dash") << "-x";
+    QTest::newRow("looks like a protocol") << "a:b";
+    QTest::newRow("percent, blank and quote") << "100%d 'x'";
+}
+
+void TestRealExports::filesInOddFoldersAreWritten()
+{
+    QFETCH(QString, target);
+    QVERIFY(QDir(folder.path()).mkdir(target));
+    QVERIFY2(exportFile("whole.mov", copied, target + "/clip.MOV") == 0, qPrintable(errors));
+    QVERIFY(QFileInfo(folder.filePath(target + "/clip.MOV")).size() > 0);
+}
+
+void TestRealExports::everyExtractedFileEndsAfterThreeSeconds()
+{
+    QCOMPARE(
+        run("ffmpeg.exe", {"-y", "-guess_layout_max", "0", "-ss", "0", "-i", folder.filePath("whole.mov"),
+                           "-t", "3", "-map", "0:1", "first.wav", "-map", "0:2", "second.wav"}),
+        0);
+    QCOMPARE(durationOf("first.wav"), 3.0);
+    QCOMPARE(durationOf("second.wav"), 3.0);
+}
+
+QTEST_GUILESS_MAIN(TestRealExports)
+#include "tst_realexports.moc"
