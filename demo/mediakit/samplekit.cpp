@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: MIT
+#include "demo/mediakit/samplekit.h"
+
+#include "demo/mediakit/expectedcell.h"
+#include "demo/mediakit/mediamaker.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace mediakit
+{
+
+namespace
+{
+
+using testsignals::LtcTime;
+
+constexpr testsignals::LtcRate rate25{25, false, false};
+
+Recording movie(const QString &path, const QVector<Track> &tracks, const QString &audioCodec = "pcm_s16le",
+                const QString &pictureRate = "25")
+{
+    Recording recording;
+    recording.path = path;
+    recording.tracks = tracks;
+    recording.audioCodec = audioCodec;
+    recording.pictureRate = pictureRate;
+    return recording;
+}
+
+Recording sound(const QString &path, const Track &track, double duration)
+{
+    Recording recording;
+    recording.path = path;
+    recording.tracks = {track};
+    recording.duration = duration;
+    return recording;
+}
+
+QVector<Track> withTone(const Channel &timecode)
+{
+    return {{toneChannel(440), timecode}};
+}
+
+QVector<Sample> rates()
+{
+    struct Rate {
+        QString name;
+        QString pictureRate;
+        testsignals::LtcRate rate;
+    };
+    const QVector<Rate> known{
+        {"23.976", "24000/1001", {24, true, false}},
+        {"24", "24", {24, false, false}},
+        {"25", "25", rate25},
+        {"29.97 drop-frame", "30000/1001", {30, true, true}},
+        {"29.97 non-drop", "30000/1001", {30, true, false}},
+        {"30", "30", {30, false, false}},
+    };
+    QVector<Sample> samples;
+    int hour = 1;
+    for (const Rate &rate : known)
+        samples +=
+            {"Clean timecode at " + rate.name + " frames per second",
+             movie("rate " + rate.name + ".mov", withTone(timecodeChannel({hour++, 0, 0, 10}, rate.rate)),
+                   "pcm_s16le", rate.pictureRate)};
+    return samples;
+}
+
+QVector<Sample> damaged()
+{
+    return {
+        {"Very quiet timecode, 45 dB below full scale",
+         movie("weak.mov", withTone(timecodeChannel({8, 0, 0, 0}, rate25, -45)))},
+        {"Timecode far too loud, cut off at top and bottom",
+         movie("clipped.mov", withTone(timecodeChannel({8, 10, 0, 0}, rate25, -6, Damage::Clipped)))},
+        {"Only spikes are left of the timecode, as behind a thin adapter",
+         movie("spikes.mov", withTone(timecodeChannel({8, 20, 0, 0}, rate25, -6, Damage::Spikes)))},
+        {"Timecode that begins 1.5 seconds after the file",
+         movie("late.mov", withTone(timecodeChannel({8, 30, 0, 0}, rate25, -12, Damage::StartsLate)))},
+        {"Timecode in AAC sound", movie("aac.mp4", withTone(timecodeChannel({8, 40, 0, 0}, rate25)), "aac")},
+        {"Timecode that passes midnight",
+         movie("midnight.mov", withTone(timecodeChannel({23, 59, 58, 12}, rate25)))},
+    };
+}
+
+QVector<Sample> layouts()
+{
+    const Channel timecode = timecodeChannel({9, 40, 0, 0}, rate25);
+    const Recording pairTimecode =
+        sound("pair timecode.wav", {timecodeChannel({9, 30, 0, 0}, rate25), toneChannel(440)}, 4.5);
+    Recording pairPartner = sound("pair partner.wav", {toneChannel(660)}, 4.5);
+    pairPartner.siblingTimecode = timecodeOf(pairTimecode);
+    Recording broken;
+    broken.path = "broken.mov";
+    broken.broken = true;
+    return {
+        {"Timecode on the left channel, where one expects the sound",
+         movie("wrong channel.mov", {{timecodeChannel({9, 0, 0, 0}, rate25), toneChannel(440)}})},
+        {"Timecode on the third of four channels",
+         movie("four channels.mov", {{toneChannel(440), toneChannel(660),
+                                      timecodeChannel({9, 10, 0, 0}, rate25), toneChannel(880)}})},
+        {"Timecode on the fourth of four mono tracks",
+         movie("four tracks.mxf", {{toneChannel(440)}, {toneChannel(660)}, {toneChannel(880)}, {timecode}},
+               "pcm_s24le")},
+        {"A sound file with timecode ...", pairTimecode},
+        {"... and the one that was recorded together with it", pairPartner},
+        {"A file without timecode", movie("no timecode.mov", {{toneChannel(440), toneChannel(660)}})},
+        {"A recorder lost its power in mid-file", broken},
+    };
+}
+
+} // namespace
+
+QVector<Sample> sampleKit()
+{
+    QVector<Sample> samples = rates() + damaged() + layouts();
+    // One file a minute; the pair was recorded together.
+    const QDateTime firstFile(QDate(2024, 5, 4), QTime(9, 0), Qt::UTC);
+    for (int i = 0; i < samples.size(); ++i) {
+        Recording &recording = samples[i].recording;
+        recording.modified = firstFile.addSecs((recording.siblingTimecode ? i - 1 : i) * 60);
+    }
+    return samples;
+}
+
+QString describe(const QVector<Sample> &samples)
+{
+    QString text =
+        "One file per recording situation. Drop this folder on the window of Ostrel Timecode Tool\n"
+        "and compare the column \"Audio TC\".\n";
+    for (const Sample &sample : samples)
+        text += QString("\n%1\n    %2.\n    Audio TC: %3\n")
+                    .arg(sample.recording.path, sample.situation, expectedAudioTC(sample.recording));
+    return text;
+}
+
+QString writeSampleKit(const QString &folder)
+{
+    if (!QDir().mkpath(folder))
+        return QString("cannot make the folder %1").arg(folder);
+    if (!QDir(folder).isEmpty())
+        return QString("%1 is not empty").arg(folder);
+
+    const QVector<Sample> samples = sampleKit();
+    for (const Sample &sample : samples) {
+        const QString problem = make(sample.recording, folder);
+        if (!problem.isEmpty())
+            return problem;
+    }
+    QFile file(QDir(folder).filePath("READ-ME.txt"));
+    if (!file.open(QIODevice::WriteOnly) || file.write(describe(samples).toUtf8()) < 0)
+        return file.errorString();
+    return {};
+}
+
+} // namespace mediakit
