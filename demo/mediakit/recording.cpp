@@ -18,6 +18,26 @@ Channel toneChannel(double frequency)
     return Channel{std::nullopt, frequency, Damage::None};
 }
 
+Recording movie(const QString &path, const QString &pictureRate, const QString &audioCodec,
+                const QVector<Track> &tracks)
+{
+    Recording recording;
+    recording.path = path;
+    recording.pictureRate = pictureRate;
+    recording.audioCodec = audioCodec;
+    recording.tracks = tracks;
+    return recording;
+}
+
+Recording soundFile(const QString &path, const Track &track, double duration)
+{
+    Recording recording;
+    recording.path = path;
+    recording.tracks = {track};
+    recording.duration = duration;
+    return recording;
+}
+
 std::optional<testsignals::LtcSignal> timecodeOf(const Recording &recording)
 {
     std::optional<testsignals::LtcSignal> found = recording.siblingTimecode;

@@ -52,6 +52,13 @@ struct Recording {
     std::optional<testsignals::LtcSignal> siblingTimecode;
 };
 
+/// Camera file with pictures of \a pictureRate and sound in \a audioCodec.
+Recording movie(const QString &path, const QString &pictureRate, const QString &audioCodec,
+                const QVector<Track> &tracks);
+
+/// WAV file of \a duration [s].
+Recording soundFile(const QString &path, const Track &track, double duration);
+
 /// The timecode that an export of \a recording has to carry, at the recording's sample rate; none = no
 /// timecode.
 std::optional<testsignals::LtcSignal> timecodeOf(const Recording &recording);

@@ -17,24 +17,10 @@ using testsignals::LtcTime;
 
 constexpr testsignals::LtcRate rate25{25, false, false};
 
-Recording movie(const QString &path, const QVector<Track> &tracks, const QString &audioCodec = "pcm_s16le",
-                const QString &pictureRate = "25")
+// Most situations are about the sound alone.
+Recording usualMovie(const QString &path, const QVector<Track> &tracks)
 {
-    Recording recording;
-    recording.path = path;
-    recording.tracks = tracks;
-    recording.audioCodec = audioCodec;
-    recording.pictureRate = pictureRate;
-    return recording;
-}
-
-Recording sound(const QString &path, const Track &track, double duration)
-{
-    Recording recording;
-    recording.path = path;
-    recording.tracks = {track};
-    recording.duration = duration;
-    return recording;
+    return movie(path, "25", "pcm_s16le", tracks);
 }
 
 QVector<Track> withTone(const Channel &timecode)
@@ -60,10 +46,9 @@ QVector<Sample> rates()
     QVector<Sample> samples;
     int hour = 1;
     for (const Rate &rate : known)
-        samples +=
-            {"Clean timecode at " + rate.name + " frames per second",
-             movie("rate " + rate.name + ".mov", withTone(timecodeChannel({hour++, 0, 0, 10}, rate.rate)),
-                   "pcm_s16le", rate.pictureRate)};
+        samples += {"Clean timecode at " + rate.name + " frames per second",
+                    movie("rate " + rate.name + ".mov", rate.pictureRate, "pcm_s16le",
+                          withTone(timecodeChannel({hour++, 0, 0, 10}, rate.rate)))};
     return samples;
 }
 
@@ -71,16 +56,17 @@ QVector<Sample> damaged()
 {
     return {
         {"Very quiet timecode, 45 dB below full scale",
-         movie("weak.mov", withTone(timecodeChannel({8, 0, 0, 0}, rate25, -45)))},
+         usualMovie("weak.mov", withTone(timecodeChannel({8, 0, 0, 0}, rate25, -45)))},
         {"Timecode far too loud, cut off at top and bottom",
-         movie("clipped.mov", withTone(timecodeChannel({8, 10, 0, 0}, rate25, -6, Damage::Clipped)))},
+         usualMovie("clipped.mov", withTone(timecodeChannel({8, 10, 0, 0}, rate25, -6, Damage::Clipped)))},
         {"Only spikes are left of the timecode, as behind a thin adapter",
-         movie("spikes.mov", withTone(timecodeChannel({8, 20, 0, 0}, rate25, -6, Damage::Spikes)))},
+         usualMovie("spikes.mov", withTone(timecodeChannel({8, 20, 0, 0}, rate25, -6, Damage::Spikes)))},
         {"Timecode that begins 1.5 seconds after the file",
-         movie("late.mov", withTone(timecodeChannel({8, 30, 0, 0}, rate25, -12, Damage::StartsLate)))},
-        {"Timecode in AAC sound", movie("aac.mp4", withTone(timecodeChannel({8, 40, 0, 0}, rate25)), "aac")},
+         usualMovie("late.mov", withTone(timecodeChannel({8, 30, 0, 0}, rate25, -12, Damage::StartsLate)))},
+        {"Timecode in AAC sound",
+         movie("aac.mp4", "25", "aac", withTone(timecodeChannel({8, 40, 0, 0}, rate25)))},
         {"Timecode that passes midnight",
-         movie("midnight.mov", withTone(timecodeChannel({23, 59, 58, 12}, rate25)))},
+         usualMovie("midnight.mov", withTone(timecodeChannel({23, 59, 58, 12}, rate25)))},
     };
 }
 
@@ -88,24 +74,24 @@ QVector<Sample> layouts()
 {
     const Channel timecode = timecodeChannel({9, 40, 0, 0}, rate25);
     const Recording pairTimecode =
-        sound("pair timecode.wav", {timecodeChannel({9, 30, 0, 0}, rate25), toneChannel(440)}, 4.5);
-    Recording pairPartner = sound("pair partner.wav", {toneChannel(660)}, 4.5);
+        soundFile("pair timecode.wav", {timecodeChannel({9, 30, 0, 0}, rate25), toneChannel(440)}, 4.5);
+    Recording pairPartner = soundFile("pair partner.wav", {toneChannel(660)}, 4.5);
     pairPartner.siblingTimecode = timecodeOf(pairTimecode);
     Recording broken;
     broken.path = "broken.mov";
     broken.broken = true;
     return {
         {"Timecode on the left channel, where one expects the sound",
-         movie("wrong channel.mov", {{timecodeChannel({9, 0, 0, 0}, rate25), toneChannel(440)}})},
+         usualMovie("wrong channel.mov", {{timecodeChannel({9, 0, 0, 0}, rate25), toneChannel(440)}})},
         {"Timecode on the third of four channels",
-         movie("four channels.mov", {{toneChannel(440), toneChannel(660),
-                                      timecodeChannel({9, 10, 0, 0}, rate25), toneChannel(880)}})},
+         usualMovie("four channels.mov", {{toneChannel(440), toneChannel(660),
+                                           timecodeChannel({9, 10, 0, 0}, rate25), toneChannel(880)}})},
         {"Timecode on the fourth of four mono tracks",
-         movie("four tracks.mxf", {{toneChannel(440)}, {toneChannel(660)}, {toneChannel(880)}, {timecode}},
-               "pcm_s24le")},
+         movie("four tracks.mxf", "25", "pcm_s24le",
+               {{toneChannel(440)}, {toneChannel(660)}, {toneChannel(880)}, {timecode}})},
         {"A sound file with timecode ...", pairTimecode},
         {"... and the one that was recorded together with it", pairPartner},
-        {"A file without timecode", movie("no timecode.mov", {{toneChannel(440), toneChannel(660)}})},
+        {"A file without timecode", usualMovie("no timecode.mov", {{toneChannel(440), toneChannel(660)}})},
         {"A recorder lost its power in mid-file", broken},
     };
 }

@@ -17,26 +17,6 @@ constexpr LtcRate rate2997{30, true, false};
 constexpr LtcRate rate2997Drop{30, true, true};
 constexpr LtcRate rate30{30, false, false};
 
-Recording camera(const QString &path, const QString &pictureRate, const QString &audioCodec,
-                 const QVector<Track> &tracks)
-{
-    Recording recording;
-    recording.path = path;
-    recording.pictureRate = pictureRate;
-    recording.audioCodec = audioCodec;
-    recording.tracks = tracks;
-    return recording;
-}
-
-Recording sound(const QString &path, const Track &track, double duration)
-{
-    Recording recording;
-    recording.path = path;
-    recording.tracks = {track};
-    recording.duration = duration;
-    return recording;
-}
-
 // Timecode on the second of two channels, as a camera records it from a timecode box.
 QVector<Track> stereo(LtcTime start, LtcRate rate)
 {
@@ -47,22 +27,22 @@ QVector<Recording> cameraFiles()
 {
     const Channel tracksTimecode = timecodeChannel({18, 0, 0, 24}, rate25);
     QVector<Recording> files{
-        camera("CAMERA-A/A001_23976.mov", "24000/1001", "pcm_s16le", stereo({10, 11, 12, 13}, rate2398)),
-        camera("CAMERA-A/A002_24.mov", "24", "pcm_s16le", stereo({11, 59, 59, 23}, rate24)),
-        camera("CAMERA-A/A003_25.mov", "25", "pcm_s24le", stereo({12, 30, 0, 0}, rate25)),
-        camera("CAMERA-A/A004_2997_drop.mov", "30000/1001", "pcm_s16le",
-               stereo({13, 9, 59, 28}, rate2997Drop)),
-        camera("CAMERA-A/A005_2997.mov", "30000/1001", "pcm_s16le", stereo({14, 0, 0, 1}, rate2997)),
-        camera("CAMERA-A/A006_30.mov", "30", "pcm_s16le", stereo({15, 15, 15, 15}, rate30)),
-        camera("CAMERA-A/A007_four_channels.mov", "25", "pcm_s24le",
-               {{toneChannel(440), toneChannel(660), toneChannel(880),
-                 timecodeChannel({16, 20, 0, 7}, rate25)}}),
-        camera("CAMERA-B/B001_aac.mp4", "25", "aac",
-               {{timecodeChannel({17, 0, 0, 5}, rate25), toneChannel(440)}}),
-        camera("CAMERA-B/B002_ac3.mts", "25", "ac3", stereo({17, 45, 10, 0}, rate25)),
-        camera("CAMERA-C/C001_four_tracks.mxf", "25", "pcm_s24le",
-               {{toneChannel(440)}, {toneChannel(660)}, {toneChannel(880)}, {tracksTimecode}}),
-        camera("CAMERA-C/C002_no_timecode.mov", "25", "pcm_s16le", {{toneChannel(440), toneChannel(660)}}),
+        movie("CAMERA-A/A001_23976.mov", "24000/1001", "pcm_s16le", stereo({10, 11, 12, 13}, rate2398)),
+        movie("CAMERA-A/A002_24.mov", "24", "pcm_s16le", stereo({11, 59, 59, 23}, rate24)),
+        movie("CAMERA-A/A003_25.mov", "25", "pcm_s24le", stereo({12, 30, 0, 0}, rate25)),
+        movie("CAMERA-A/A004_2997_drop.mov", "30000/1001", "pcm_s16le",
+              stereo({13, 9, 59, 28}, rate2997Drop)),
+        movie("CAMERA-A/A005_2997.mov", "30000/1001", "pcm_s16le", stereo({14, 0, 0, 1}, rate2997)),
+        movie("CAMERA-A/A006_30.mov", "30", "pcm_s16le", stereo({15, 15, 15, 15}, rate30)),
+        movie("CAMERA-A/A007_four_channels.mov", "25", "pcm_s24le",
+              {{toneChannel(440), toneChannel(660), toneChannel(880),
+                timecodeChannel({16, 20, 0, 7}, rate25)}}),
+        movie("CAMERA-B/B001_aac.mp4", "25", "aac",
+              {{timecodeChannel({17, 0, 0, 5}, rate25), toneChannel(440)}}),
+        movie("CAMERA-B/B002_ac3.mts", "25", "ac3", stereo({17, 45, 10, 0}, rate25)),
+        movie("CAMERA-C/C001_four_tracks.mxf", "25", "pcm_s24le",
+              {{toneChannel(440)}, {toneChannel(660)}, {toneChannel(880)}, {tracksTimecode}}),
+        movie("CAMERA-C/C002_no_timecode.mov", "25", "pcm_s16le", {{toneChannel(440), toneChannel(660)}}),
     };
     Recording broken;
     broken.path = "CAMERA-C/C003_broken.mov";
@@ -72,15 +52,16 @@ QVector<Recording> cameraFiles()
 
 QVector<Recording> soundFiles()
 {
-    const Recording withTimecode = sound("SOUND/T003_pair_timecode.wav",
-                                         {toneChannel(440), timecodeChannel({21, 5, 0, 0}, rate25)}, 6.5);
-    Recording partner = sound("SOUND/T003_pair_boom.wav", {toneChannel(660), toneChannel(880)}, 6.5);
+    const Recording withTimecode = soundFile("SOUND/T003_pair_timecode.wav",
+                                             {toneChannel(440), timecodeChannel({21, 5, 0, 0}, rate25)}, 6.5);
+    Recording partner = soundFile("SOUND/T003_pair_boom.wav", {toneChannel(660), toneChannel(880)}, 6.5);
     partner.siblingTimecode = timecodeOf(withTimecode);
     return {
-        sound("SOUND/T001_mono.wav", {timecodeChannel({19, 0, 0, 0}, rate2398)}, 4.0),
-        sound("SOUND/T002_polyphonic.wav",
-              {toneChannel(440), toneChannel(660), timecodeChannel({20, 0, 0, 12}, rate25), toneChannel(880)},
-              5.5),
+        soundFile("SOUND/T001_mono.wav", {timecodeChannel({19, 0, 0, 0}, rate2398)}, 4.0),
+        soundFile(
+            "SOUND/T002_polyphonic.wav",
+            {toneChannel(440), toneChannel(660), timecodeChannel({20, 0, 0, 12}, rate25), toneChannel(880)},
+            5.5),
         withTimecode,
         partner,
     };
