@@ -5,6 +5,7 @@ check_pie_supported(LANGUAGES CXX)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_AUTOMOC ON)
 set(CMAKE_AUTORCC ON)
+set(CMAKE_AUTORCC_OPTIONS --format-version 1) # without file times: the same sources give the same program
 
 option(OSTREL_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
 
@@ -15,7 +16,8 @@ target_include_directories(ostrel_flags INTERFACE "${PROJECT_SOURCE_DIR}")
 target_compile_options(ostrel_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wold-style-cast -Woverloaded-virtual -Wnon-virtual-dtor -Werror
     $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>
-    $<$<CONFIG:Release>:-fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
+    $<$<CONFIG:Release>:-fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>
+    "$<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>")
 target_link_options(ostrel_flags INTERFACE $<$<CONFIG:Release>:-Wl,-z,relro,-z,now>)
 target_compile_definitions(ostrel_flags INTERFACE
     QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_URL_CAST_FROM_STRING QT_NO_NARROWING_CONVERSIONS_IN_CONNECT

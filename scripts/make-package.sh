@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Builds the Debian package into build/package and checks it. The same sources give the same bytes in any folder.
+# Usage: scripts/make-package.sh
+set -euo pipefail
+cd "$(dirname "$(readlink -f "$0")")/.."
+
+scripts/install-packages.sh pack
+SOURCE_DATE_EPOCH=$(dpkg-parsechangelog --file packaging/linux/changelog --show-field Timestamp)
+export SOURCE_DATE_EPOCH
+
+cmake --preset release -B build/package -D BUILD_TESTING=OFF
+cmake --build build/package --parallel "$(nproc)"
+rm -f build/package/*.deb
+(umask 022 && cpack --config build/package/CPackConfig.cmake)
+package=$(ls build/package/*.deb)
+lintian --allow-root --fail-on error "$package"
+dpkg-deb --info "$package"
+echo "The package: $package"
