@@ -2,6 +2,7 @@
 #include "ffmpeg/audiomapping.h"
 
 #include "app/optiontables.h"
+#include "ffmpeg/toolarguments.h"
 
 #include <functional>
 
@@ -34,8 +35,9 @@ int channelsOf(const QJsonObject &audioStream)
 QStringList codecOfWidestStream(const FileData &file, const QString &otherwise)
 {
     QJsonObject widest;
-    for (const char byte : file.audioStreamMap) {
-        const QJsonObject stream = streamAt(file, static_cast<signed char>(byte));
+    const QVector<int> indexes = toolarguments::audioStreams(file);
+    for (const int index : indexes) {
+        const QJsonObject stream = streamAt(file, index);
         if (widest.isEmpty() || channelsOf(stream) > channelsOf(widest))
             widest = stream;
     }
@@ -78,9 +80,9 @@ QStringList channelsOfVideo(const FileData &file, const Channel &left)
 QStringList streamsWithoutTimecode(const FileData &file, Container container, const CodecChoice &codec)
 {
     const Channel left = singledOut(file);
+    const QVector<int> indexes = toolarguments::audioStreams(file);
     QStringList arguments;
-    for (const char byte : file.audioStreamMap) {
-        const int index = static_cast<signed char>(byte);
+    for (const int index : indexes) {
         const QJsonObject stream = streamAt(file, index);
         const bool holdsTimecode = index == left.stream;
         if (holdsTimecode && channelsOf(stream) <= 1)
@@ -102,17 +104,15 @@ QStringList withoutTimecodeChannel(const FileData &file, const ExportOptions &op
         // From MXF to MXF all sound is taken over as it is, the timecode with it.
         if (outputname::hasSuffix(file.absoluteFilePath, "mxf"))
             return {};
-        const QString codec = audioType == pcm24Bit ? "pcm_s24le" : "pcm_s16le";
+        QString codec = audioType == pcm24Bit ? "pcm_s24le" : "pcm_s16le";
         return QStringList{"-map", "0:v", "-map", "-0:d"} +
                streamsWithoutTimecode(file, container, [&codec](const QJsonObject &) { return codec; });
     }
 
-    QStringList arguments;
+    QStringList arguments{"-map", "0:v"};
     if (container == Container::broadcastWave)
         arguments = QStringList{"-write_bext", "1"};
-    else
-        arguments = QStringList{"-map", "0:v"};
-    if (container != Container::broadcastWave && file.hasAudioTC)
+    else if (file.hasAudioTC)
         arguments += {"-map_metadata", "-1"}; // an old start timecode must not come along
 
     return arguments + streamsWithoutTimecode(file, container, [audioType](const QJsonObject &stream) {

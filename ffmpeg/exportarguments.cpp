@@ -76,10 +76,11 @@ ExportCommand build(const FileData &file, const ExportOptions &options, qint64 i
     if (container != Container::broadcastWave)
         codec = videocodec::forType(options.videoType, file.mainStream);
     command.arguments += codec.arguments;
-    if (options.progressSteps > 0)
+    if (options.progressSteps > 0) {
         command.expectedOutputSize = codec.copied
                                          ? inputFileSize / options.progressSteps
                                          : codedSize(codec.bitRate, file.duration, options.progressSteps);
+    }
 
     command.outputPath = outputname::choose(input, options.exportDir, container, isTaken);
     command.arguments += timecode(file, options.videoType, container);

@@ -16,6 +16,11 @@ QStringList probe(const QString &mediaPath)
     return {"-v", "quiet", "-print_format", "json", "-show_format", "-show_streams", mediaPath};
 }
 
+QVector<int> audioStreams(const FileData &file)
+{
+    return {file.audioStreamMap.begin(), file.audioStreamMap.end()};
+}
+
 QString extractedPath(const FileData &file, const QString &targetFolder, int stream)
 {
     const QString firstPart = file.fileName.section('.', 0, 0);
@@ -31,10 +36,9 @@ QStringList audioExtraction(const FileData &file, const QString &targetFolder)
     else
         arguments += {"-i", file.absoluteFilePath};
 
-    for (const char byte : file.audioStreamMap) {
-        const int stream = static_cast<signed char>(byte);
+    const QVector<int> streams = audioStreams(file);
+    for (const int stream : streams)
         arguments += {"-map", "0:" + QString::number(stream), extractedPath(file, targetFolder, stream)};
-    }
     return arguments;
 }
 

@@ -4,6 +4,7 @@
 #include "app/filedata.h"
 
 #include <QStringList>
+#include <QVector>
 
 /// Argument lists of the runs that describe a media file and that take its sound out.
 namespace toolarguments
@@ -11,6 +12,9 @@ namespace toolarguments
 
 /// Arguments that make the probe tool describe \a mediaPath as one JSON object.
 QStringList probe(const QString &mediaPath);
+
+/// Where the audio streams of \a file stand in its streams, in order.
+QVector<int> audioStreams(const FileData &file);
 
 /// Path of the WAV file that takes the audio stream \a stream (index in the file's streams) of \a file. Its
 /// name ends in "_<stream>_<row>.wav", which tells later where it came from.

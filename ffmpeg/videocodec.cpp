@@ -9,16 +9,16 @@ namespace videocodec
 namespace
 {
 
+enum Family { small, medium, large }; // 36/45, 115/120/145, 175x/185x/220
+
 /// One DNxHD family at one frame rate.
 struct DnxhdRow {
-    int family;
-    int frameRateClass;
-    int megabits; ///< [Mbit/s]
+    Family family;
+    int frameRateClass; ///< whole frames per second
+    int megabits;       ///< [Mbit/s]
     const char *pixelFormat;
     const char *frameRate; ///< null: the stream's own
 };
-
-enum Family { small, medium, large }; // 36/45, 115/120/145, 175x/185x/220
 
 constexpr auto film = "24000/1001";
 constexpr auto ntsc = "30000/1001";
@@ -44,11 +44,13 @@ struct VideoType {
     int usualMegabits; ///< [Mbit/s] estimate at frame rates that the family does not have; 0 = none
 };
 
-// In the order of the codes. The MXF type of the small family has no estimate of its own.
+// In the order of the codes.
 constexpr std::array videoTypes{
-    VideoType{VideoType::passThrough, small, 0}, VideoType{VideoType::mpeg2, small, 0},
-    VideoType{VideoType::dnxhd, small, 0},       VideoType{VideoType::dnxhd, medium, 120},
-    VideoType{VideoType::dnxhd, large, 185},     VideoType{VideoType::passThrough, small, 0},
+    VideoType{VideoType::passThrough, small, 0}, // as the input
+    VideoType{VideoType::mpeg2, small, 0},       // MXF from here
+    VideoType{VideoType::dnxhd, small, 0},       // alone without an estimate of its own
+    VideoType{VideoType::dnxhd, medium, 120},    VideoType{VideoType::dnxhd, large, 185},
+    VideoType{VideoType::passThrough, small, 0}, // QuickTime from here
     VideoType{VideoType::dnxhd, small, 36},      VideoType{VideoType::dnxhd, medium, 120},
     VideoType{VideoType::dnxhd, large, 185},
 };

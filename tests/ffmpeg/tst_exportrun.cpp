@@ -98,7 +98,7 @@ void TestExportRun::cleanup()
 
 QString TestExportRun::makeFile(const QString &name, qint64 size) const
 {
-    const QString path = folder->filePath(name);
+    QString path = folder->filePath(name);
     QFile file(path);
     if (!QDir().mkpath(QFileInfo(path).path()) || !file.open(QIODevice::WriteOnly) || !file.resize(size))
         qFatal("cannot write %s", qPrintable(path));

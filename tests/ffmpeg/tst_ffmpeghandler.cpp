@@ -15,7 +15,6 @@
 
 using samplerecords::mediaFile;
 using samplerecords::sound;
-using samplerecords::withTimecode;
 
 class TestFFMpegHandler : public QObject
 {
@@ -85,7 +84,7 @@ void TestFFMpegHandler::cleanup()
 
 QString TestFFMpegHandler::makeFile(const QString &name) const
 {
-    const QString path = folder->filePath(name);
+    QString path = folder->filePath(name);
     faketools::openGate(path);
     return path;
 }

@@ -63,7 +63,7 @@ void TestLTCHandler::cleanup()
 
 QString TestLTCHandler::makeFile(const QString &name) const
 {
-    const QString path = folder->filePath(name);
+    QString path = folder->filePath(name);
     faketools::openGate(path);
     return path;
 }
