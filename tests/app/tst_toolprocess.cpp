@@ -70,7 +70,7 @@ void TestToolProcess::toolsEndWhenTheProgramIsKilled()
     QProcess owner;
     owner.start(QCoreApplication::applicationFilePath(), {ownerRole, media});
     QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(media).size(), 1, 30'000);
-    const qint64 tool = faketools::calls(media)[0].processId;
+    const qint64 tool = faketools::calls(media).value(0).processId;
     QVERIFY(faketools::isAlive(tool));
 
     owner.kill();
@@ -91,7 +91,7 @@ void TestToolProcess::aDestroyedProcessTakesItsToolWithIt()
     QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(media).size(), 1, 30'000);
     delete process;
 
-    QVERIFY(!faketools::isAlive(faketools::calls(media)[0].processId));
+    QVERIFY(!faketools::isAlive(faketools::calls(media).value(0).processId));
     QCOMPARE(finished.count(), 0);
 }
 

@@ -167,7 +167,8 @@ int play(const FakeJob &job, const QJsonObject &part)
     int exitCode = part["exitCode"].toInt();
     const bool fails = exitCode != 0 || part["crash"].toBool() || part["hang"].toBool();
     if (part.contains("actions")) {
-        for (const QJsonValue action : part["actions"].toArray()) {
+        const QJsonArray actions = part["actions"].toArray();
+        for (const auto &action : actions) {
             const QJsonObject step = action.toObject();
             act(job, folder, step.keys().value(0), step.begin().value());
         }

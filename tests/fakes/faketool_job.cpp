@@ -83,7 +83,8 @@ int FakeJob::noteCall() const
 {
     int earlier = 0;
     const QString path = media + ".calls";
-    for (const QByteArray &line : contentOf(path).split('\n')) {
+    const QList<QByteArray> lines = contentOf(path).split('\n');
+    for (const QByteArray &line : lines) {
         const QJsonObject call = QJsonDocument::fromJson(line).object();
         if (call["job"].toString() == name && call["stream"].toInt(-1) == stream)
             ++earlier;

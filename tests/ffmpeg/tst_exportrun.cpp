@@ -50,6 +50,7 @@ private:
 
     QScopedPointer<QTemporaryDir> folder; ///< with the destination "out"
     QByteArray searchPath;                ///< restored after each test
+    int succeeded = 0;                    ///< exports of the running test
 };
 
 namespace
@@ -75,7 +76,7 @@ QJsonObject step(const QString &what, const QJsonValue &how)
     return {{what, how}};
 }
 
-const QString timecodeVariable = "OSTREL_TIMECODE_CHANNEL";
+constexpr auto timecodeVariable = "OSTREL_TIMECODE_CHANNEL";
 
 } // namespace
 
@@ -89,6 +90,7 @@ void TestExportRun::init()
     folder.reset(new QTemporaryDir);
     QVERIFY(QDir(folder->path()).mkdir("out"));
     searchPath = qgetenv("PATH");
+    succeeded = 0;
 }
 
 void TestExportRun::cleanup()
@@ -186,7 +188,7 @@ void TestExportRun::theTimecodesPlaceAccompaniesMutedExports()
     QFETCH(QString, expected);
 
     // What the program itself was started with must not reach the tool.
-    qputenv(qPrintable(timecodeVariable), "9.9");
+    qputenv(timecodeVariable, "9.9");
     const QString path = makeFile("clip.mov");
     FileData file = mediaFile(path, {sound("pcm_s16le", 2, "stereo")});
     if (found)
@@ -196,7 +198,7 @@ void TestExportRun::theTimecodesPlaceAccompaniesMutedExports()
     FFMpegHandler handler(nullptr);
     QSignalSpy result(&handler, &FFMpegHandler::ffmpegExportResult);
     handler.buildExportArguments(file, options);
-    qunsetenv(qPrintable(timecodeVariable));
+    qunsetenv(timecodeVariable);
     QVERIFY(result.wait(longWait));
     QCOMPARE(faketools::calls(path).value(0).timecodeChannel, expected);
 }
@@ -306,7 +308,7 @@ void TestExportRun::cancellingKillsTheToolAndStillReports()
     QCOMPARE(result.count(), 1);
     QVERIFY(result[0][1].toInt() != 0);
     QCOMPARE(sum(progress), 100U);
-    QVERIFY(!faketools::isAlive(faketools::calls(path)[0].processId));
+    QVERIFY(!faketools::isAlive(faketools::calls(path).value(0).processId));
 }
 
 void TestExportRun::cancellingAtOnceReportsToo()
@@ -370,21 +372,20 @@ void TestExportRun::exportsOfOneBatchNeverShareAnOutput()
     const QStringList names{"CARD1/clip.mov", "CARD2/clip.mov", "CARD3/CLIP.mov", "CARD4/other.mov"};
     const QStringList expected{"clip.MOV", "clip_1.MOV", "CLIP_2.MOV", "other.MOV"};
     QObject owner;
-    int done = 0;
     QStringList outputs;
     for (const QString &name : names) {
         const QString path = makeFile(name);
         faketools::setPlan(path, part({step("waitFor", folder->filePath("gate")), step("work", true)}));
         auto *const handler = new FFMpegHandler(&owner);
         connect(handler, &FFMpegHandler::ffmpegExportResult, this,
-                [&done](FFMpegHandler *, int exitCode) { done += exitCode == 0 ? 1 : 100; });
+                [this](FFMpegHandler *, int exitCode) { succeeded += exitCode == 0 ? 1 : 0; });
         handler->buildExportArguments(mediaFile(path, {}), passThrough(15));
         outputs += QFileInfo(handler->outputFilePath()).fileName();
     }
     QCOMPARE(outputs, expected);
 
     faketools::openGate(folder->filePath("gate"));
-    QTRY_COMPARE_WITH_TIMEOUT(done, names.size(), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(succeeded, names.size(), longWait);
     for (const QString &name : expected)
         QVERIFY(QFileInfo(folder->filePath("out/" + name)).isFile());
 }

@@ -282,7 +282,7 @@ void TestFFMpegHandler::aHandlerThatGoesTakesItsToolWithIt()
     handler->probe(path, 1);
     QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(path).size(), 1, longWait);
     delete handler.data();
-    QVERIFY(!faketools::isAlive(faketools::calls(path)[0].processId));
+    QVERIFY(!faketools::isAlive(faketools::calls(path).value(0).processId));
     QCOMPARE(result.count(), 0);
 }
 

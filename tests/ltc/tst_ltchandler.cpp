@@ -31,6 +31,7 @@ private:
 
     QScopedPointer<QTemporaryDir> folder;
     QByteArray searchPath; ///< restored after each test
+    QStringList reported;  ///< files that readers of the running test have reported
 };
 
 namespace
@@ -54,6 +55,7 @@ void TestLTCHandler::init()
 {
     folder.reset(new QTemporaryDir);
     searchPath = qgetenv("PATH");
+    reported.clear();
 }
 
 void TestLTCHandler::cleanup()
@@ -201,7 +203,7 @@ void TestLTCHandler::aHandlerThatGoesTakesItsReaderWithIt()
     handler->readTimecode(path, false);
     QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(path).size(), 1, longWait);
     delete handler;
-    QVERIFY(!faketools::isAlive(faketools::calls(path)[0].processId));
+    QVERIFY(!faketools::isAlive(faketools::calls(path).value(0).processId));
     QCOMPARE(result.count(), 0);
 }
 
@@ -211,12 +213,10 @@ void TestLTCHandler::manyReadersRunSideBySide()
     faketools::setDefaultPlan(folder->path(), {{"read", QJsonObject{{"waitFor", "gate"}}}});
 
     QObject owner;
-    QStringList reported;
     for (int i = 0; i < readers; ++i) {
         auto *const handler = new LTCHandler(&owner);
-        connect(
-            handler, &LTCHandler::ltcReaderResult, this,
-            [&reported](LTCHandler *, const QJsonObject &, const QString &path, int) { reported += path; });
+        connect(handler, &LTCHandler::ltcReaderResult, this,
+                [this](LTCHandler *, const QJsonObject &, const QString &path, int) { reported += path; });
         handler->readTimecode(makeFile(QString("%1.wav").arg(i)), false);
     }
     const auto running = [this] {
