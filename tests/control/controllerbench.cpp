@@ -21,12 +21,20 @@ void makeEmptyFile(const QString &path)
 
 } // namespace
 
-ControllerBench::ControllerBench()
+ControllerBench::ControllerBench() : realTemporaryPath(qgetenv("TMPDIR"))
 {
     registerRecordTypes();
     qputenv("TMPDIR", QFile::encodeName(system.path()));
     qputenv("OSTREL_FAKE_LOG", QFile::encodeName(system.filePath("tools.log")));
     restart();
+}
+
+ControllerBench::~ControllerBench()
+{
+    if (realTemporaryPath.isNull())
+        qunsetenv("TMPDIR");
+    else
+        qputenv("TMPDIR", realTemporaryPath);
 }
 
 void ControllerBench::restart()

@@ -19,6 +19,7 @@ class ControllerBench : public QObject
 
 public:
     ControllerBench();
+    ~ControllerBench() override;
 
     /// Makes the controller as a start of the program would; the one before is destroyed first.
     void restart();
@@ -63,6 +64,7 @@ public:
 private:
     void writeDown();
 
+    QByteArray realTemporaryPath; ///< of the system, given back at the end
     QTemporaryDir media;
     QTemporaryDir system; ///< the system's temporary folder of this test
     std::unique_ptr<MainControl> controller;

@@ -1,0 +1,458 @@
+// SPDX-License-Identifier: MIT
+#include "tests/control/controllerbench.h"
+
+#include "tests/fakes/faketools.h"
+
+#include <QDir>
+#include <QFile>
+#include <QHash>
+#include <QJsonArray>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QStandardPaths>
+#include <QTest>
+#include <QThread>
+
+#include <csignal>
+#include <cstdio>
+
+#include <sys/types.h>
+
+// What tools, disks and files may do to the controller. Whatever it is: each operation comes to its end, each
+// file gets an answer, and no process and no temporary file is left.
+
+namespace
+{
+
+constexpr int longWait = 60'000; // [ms]
+
+QJsonObject plan(const QString &job, const QJsonObject &part)
+{
+    return {{job, part}};
+}
+
+/// Has only some of the fake tools in the program search path, for as long as it lives.
+class OnlyTools
+{
+public:
+    explicit OnlyTools(const QStringList &tools) : searchPath(qgetenv("PATH"))
+    {
+        for (const QString &tool : tools) {
+            const QString fake = QStandardPaths::findExecutable(tool);
+            if (fake.isEmpty() || !QFile::link(fake, folder.filePath(tool)))
+                qFatal("no fake %s", qPrintable(tool));
+        }
+        qputenv("PATH", QFile::encodeName(folder.path()));
+    }
+    ~OnlyTools() { qputenv("PATH", searchPath); }
+    Q_DISABLE_COPY(OnlyTools)
+
+private:
+    QByteArray searchPath;
+    QTemporaryDir folder;
+};
+
+int openFiles()
+{
+    return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
+}
+
+/// Process ids of the children of this program, ended ones that nobody has asked after included.
+QStringList childProcesses()
+{
+    QFile file(QString("/proc/self/task/%1/children").arg(QCoreApplication::applicationPid()));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("cannot list child processes");
+    return QString(file.readAll()).split(' ', Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+class TestFaults : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void aMissingToolFailsItsJob_data();
+    void aMissingToolFailsItsJob();
+    void anImportWithoutAnyToolIsReady();
+    void anExportWithoutItsToolFailsEveryFile();
+    void anExportWithoutItsToolCanBeCancelled();
+    void aToolThatDiesFailsItsJob_data();
+    void aToolThatDiesFailsItsJob();
+    void aStoppedToolHoldsUpNothingElse();
+    void aVanishedSourceFailsItsNextJob_data();
+    void aVanishedSourceFailsItsNextJob();
+    void anExportFolderRemovedInMidBatchFailsTheRest();
+    void withoutATemporaryFolderEveryExtractionFails();
+    void twoInstancesDoNotDisturbEachOther();
+    void oddNamesGoAllTheWay_data();
+    void oddNamesGoAllTheWay();
+    void aNameThatIsNoTextIsAFailedProbe();
+    void theSourcesStayAsTheyWere();
+    void endingTheThreadEndsTheTools();
+    void manyFilesLeaveNothingBehind();
+
+private:
+    ExportOptions options() const;
+
+    std::unique_ptr<ControllerBench> bench;
+};
+
+void TestFaults::init()
+{
+    bench = std::make_unique<ControllerBench>();
+    QVERIFY(QDir().mkpath(bench->mediaPath("out")));
+}
+
+void TestFaults::cleanup()
+{
+    bench.reset();
+    QCOMPARE(childProcesses(), QStringList());
+}
+
+ExportOptions TestFaults::options() const
+{
+    ExportOptions options;
+    options.exportDir = bench->mediaPath("out");
+    options.videoType = 5;
+    return options;
+}
+
+void TestFaults::aMissingToolFailsItsJob_data()
+{
+    QTest::addColumn<QStringList>("tools");
+    QTest::addColumn<QString>("event");
+    QTest::addColumn<QString>("end");
+    QTest::newRow("no probe tool") << QStringList{"ffmpeg.exe", "LTCReader.exe"} << "probed 0: 1000"
+                                   << "importReady";
+    QTest::newRow("no transcoding tool")
+        << QStringList{"ffprobe.exe", "LTCReader.exe"} << "read 0 stream -1: 2001 nothing"
+        << "importReady";
+    QTest::newRow("no reader") << QStringList{"ffprobe.exe", "ffmpeg.exe"} << "read 0 stream 1: 204 nothing"
+                               << "importReady";
+}
+
+void TestFaults::aMissingToolFailsItsJob()
+{
+    QFETCH(QStringList, tools);
+    QFETCH(QString, event);
+    QFETCH(QString, end);
+    const OnlyTools only(tools);
+    bench->actAsFileTable();
+    bench->makeFile("a.mov");
+    bench->control().onIterateThroughDir({bench->mediaUrl()});
+    QTRY_COMPARE(bench->events.value(bench->events.size() - 1), end);
+    QCOMPARE(bench->count(event), 1);
+    QTRY_COMPARE(bench->handlers(), 0);
+}
+
+void TestFaults::anImportWithoutAnyToolIsReady()
+{
+    const OnlyTools none({});
+    bench->actAsFileTable();
+    bench->makeFiles(100);
+    bench->control().onIterateThroughDir({bench->mediaUrl()});
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
+    QCOMPARE(bench->eventsOf("probed ").filter(": 1000").size(), 100);
+    QTRY_COMPARE(bench->handlers(), 0);
+}
+
+void TestFaults::anExportWithoutItsToolFailsEveryFile()
+{
+    const OnlyTools none({});
+    bench->control().onExportReq(bench->makeFiles(95), options());
+    QVERIFY(bench->eventsOf("exportReady").isEmpty());
+    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("exportReady").size(), 1, longWait);
+    QVERIFY(bench->events.last().startsWith("exportReady 2 ["));
+    QCOMPARE(bench->events.last().count(".mov"), 95);
+    QCOMPARE(bench->count("export 1425/1425 exporting files..."), 2); // the units add up all the same
+    QTRY_COMPARE(bench->handlers(), 0);
+}
+
+void TestFaults::anExportWithoutItsToolCanBeCancelled()
+{
+    const OnlyTools none({});
+    bench->control().onExportReq(bench->makeFiles(95), options());
+    bench->control().onExportCancel();
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
+    QCOMPARE(bench->eventsOf("exportReady").size(), 1);
+    QVERIFY(bench->eventsOf("exportReady").first().startsWith("exportReady 1 ["));
+}
+
+void TestFaults::aToolThatDiesFailsItsJob_data()
+{
+    QTest::addColumn<QString>("job");
+    QTest::addColumn<QString>("event");
+    QTest::newRow("probe") << "probe"
+                           << "probed 0: 1000";
+    QTest::newRow("extraction") << "extract"
+                                << "read 0 stream -1: 2001 nothing";
+    QTest::newRow("reader") << "read"
+                            << "read 0 stream 1: 9 nothing"; // the number of the signal
+}
+
+void TestFaults::aToolThatDiesFailsItsJob()
+{
+    QFETCH(QString, job);
+    QFETCH(QString, event);
+    bench->actAsFileTable();
+    bench->makeFile("a.mov", plan(job, {{"hang", true}}));
+    bench->makeFile("b.mov");
+    bench->control().onIterateThroughDir({bench->mediaUrl("a.mov"), bench->mediaUrl("b.mov")});
+    QTRY_VERIFY(bench->startedTools().contains(job + " a.mov"));
+    QTRY_COMPARE(bench->handlers(), 1);
+    const auto processes = bench->control().findChildren<QProcess *>();
+    for (const QProcess *process : processes) {
+        if (process->processId() > 0)
+            QCOMPARE(kill(static_cast<pid_t>(process->processId()), SIGKILL), 0);
+    }
+    QTRY_VERIFY(bench->events.contains("importReady"));
+    QCOMPARE(bench->count(event), 1);
+    QVERIFY(bench->events.contains("read 1 stream 1: 0 10:00:00:00"));
+    QVERIFY(!bench->hasTemporaryFolder() || job == "extract");
+}
+
+void TestFaults::aStoppedToolHoldsUpNothingElse()
+{
+    bench->actAsFileTable();
+    bench->makeFiles(20);
+    bench->makeFile("slow.mov", plan("probe", {{"waitFor", "gate"}}));
+    bench->control().onIterateThroughDir({bench->mediaUrl()});
+    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("read ").size(), 20, longWait);
+    QTRY_COMPARE(bench->handlers(), 1);
+    const auto processes = bench->control().findChildren<QProcess *>();
+    for (const QProcess *process : processes) {
+        if (process->processId() > 0)
+            QCOMPARE(kill(static_cast<pid_t>(process->processId()), SIGSTOP), 0);
+    }
+    bench->openGate();
+    bench->control().onExportReq({bench->makeFile("clip0.mov")}, options());
+    QTRY_VERIFY(bench->events.contains("exportReady 0 []"));
+    QVERIFY(!bench->events.contains("importReady"));
+    QCOMPARE(bench->handlers(), 1);
+    for (const QProcess *process : processes) {
+        if (process->processId() > 0)
+            QCOMPARE(kill(static_cast<pid_t>(process->processId()), SIGCONT), 0);
+    }
+    QTRY_VERIFY(bench->events.contains("importReady"));
+    QCOMPARE(bench->eventsOf("read ").size(), 21);
+}
+
+void TestFaults::aVanishedSourceFailsItsNextJob_data()
+{
+    QTest::addColumn<QString>("held");
+    QTest::addColumn<QString>("event");
+    QTest::newRow("before its probe") << "probe"
+                                      << "probed 0: 1000";
+    QTest::newRow("before its extraction") << "extract"
+                                           << "read 0 stream -1: 2001 nothing";
+    QTest::newRow("before it is read") << "read"
+                                       << "read 0 stream 1: 0 10:00:00:00"; // from what was extracted
+}
+
+void TestFaults::aVanishedSourceFailsItsNextJob()
+{
+    QFETCH(QString, held);
+    QFETCH(QString, event);
+    bench->actAsFileTable();
+    bench->makeFile("a.mov", plan(held, {{"waitFor", "gate"}}));
+    bench->control().onIterateThroughDir({bench->mediaUrl()});
+    QTRY_VERIFY(bench->startedTools().contains(held + " a.mov"));
+    QVERIFY(QFile::remove(bench->mediaPath("a.mov")));
+    bench->openGate();
+    QTRY_VERIFY(bench->events.contains("importReady"));
+    QCOMPARE(bench->count(event), 1);
+
+    FileData gone;
+    gone.fileName = "a.mov";
+    gone.absoluteFilePath = bench->mediaPath("a.mov");
+    bench->control().onExportReq({gone, bench->makeFile("b.mov")}, options());
+    QTRY_VERIFY(bench->events.contains("exportReady 2 [a.mov]"));
+}
+
+void TestFaults::anExportFolderRemovedInMidBatchFailsTheRest()
+{
+    const QVector<FileData> files = bench->makeFiles(60, plan("export", {{"waitFor", "gate"}}));
+    const FileData good = bench->makeFile("good.mov", plan("export", QJsonObject()));
+    bench->control().onExportReq(QVector<FileData>{good} + files, options());
+    QTRY_VERIFY(QFileInfo::exists(bench->mediaPath("out/good.MOV")));
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 45, longWait);
+    QVERIFY(QDir(bench->mediaPath("out")).removeRecursively());
+    bench->openGate();
+    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("exportReady").size(), 1, longWait);
+    QVERIFY(bench->events.last().startsWith("exportReady 2 ["));
+    QCOMPARE(bench->events.last().count("clip"), 60);
+    QVERIFY(!bench->events.last().contains("good.mov"));
+}
+
+void TestFaults::withoutATemporaryFolderEveryExtractionFails()
+{
+    const QString place = bench->mediaPath("temporary");
+    QVERIFY(QDir().mkdir(place));
+    qputenv("TMPDIR", QFile::encodeName(place));
+    bench->restart();
+    QVERIFY(QDir().rename(place, place + " elsewhere"));
+    bench->actAsFileTable();
+    bench->makeFiles(3);
+    bench->control().onIterateThroughDir({bench->mediaUrl()});
+    QTRY_VERIFY(bench->events.contains("importReady"));
+    QCOMPARE(bench->eventsOf("read ").filter("stream -1: 2001").size(), 3);
+    QVERIFY(!QFileInfo::exists(place));
+    QVERIFY(QDir().rename(place + " elsewhere", place));
+}
+
+void TestFaults::twoInstancesDoNotDisturbEachOther()
+{
+    const FileData file = bench->makeFile("a.mov", plan("read", {{"waitFor", "gate"}}), 0);
+    bench->control().onUpdateAudioTCInfo({file}, automaticReading());
+    QTRY_VERIFY(bench->startedTools().contains("read a.mov"));
+    {
+        MainControl other;
+        QSignalSpy finished(&other, &MainControl::readingFinished);
+        other.onUpdateAudioTCInfo({bench->makeFile("b.mov", {}, 0)}, automaticReading());
+        QTRY_COMPARE(finished.size(), 1);
+    }
+    QVERIFY(QFileInfo::exists(bench->temporaryPath() + "/a/a_1_0.wav"));
+    bench->openGate();
+    QTRY_VERIFY(bench->events.contains("readingFinished"));
+    QCOMPARE(bench->eventsOf("read "), QStringList{"read 0 stream 1: 0 10:00:00:00"});
+}
+
+void TestFaults::oddNamesGoAllTheWay_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("blanks") << "take  1 .mov";
+    QTest::newRow("quotes") << "\"it's\" `x`.mov";
+    QTest::newRow("percent signs") << "100%1 %2 %s %.mov";
+    QTest::newRow("line break") << "two\nlines.mov";
+    QTest::newRow("leading dash") << "-i.mov";
+    QTest::newRow("numbers like those of extracted audio") << "clip_1_99.mov";
+    QTest::newRow("shell characters") << "$(rm -rf x);&|<>*?[a]{b}!.mov";
+    QTest::newRow("backslash") << "a\\b.mov";
+    QTest::newRow("beyond the basic plane") << QString::fromUtf8("\xF0\x9F\x8E\xAC \xC3\xA4\xCC\x88.mov");
+    QTest::newRow("nothing before the dot") << ".mov";
+    QTest::newRow("many dots") << "a..b.mov";
+    QTest::newRow("240 characters") << QString(240, 'x') + ".mov";
+}
+
+void TestFaults::oddNamesGoAllTheWay()
+{
+    QFETCH(QString, name);
+    bench->actAsFileTable();
+    const FileData file = bench->makeFile("card/" + name);
+    bench->control().onIterateThroughDir({QUrl::fromLocalFile(file.absoluteFilePath)});
+    QTRY_VERIFY(bench->events.contains("importReady"));
+    QCOMPARE(bench->eventsOf("read "), QStringList{"read 0 stream 1: 0 10:00:00:00"});
+    QVERIFY(!bench->hasTemporaryFolder());
+
+    bench->control().onExportReq({file}, options());
+    QTRY_VERIFY(bench->events.contains("exportReady 0 []"));
+    QCOMPARE(QDir(bench->mediaPath("out")).entryList(QDir::Files | QDir::Hidden).size(), 1);
+    for (const auto &call : faketools::calls(file.absoluteFilePath))
+        QVERIFY(call.job == "read" || call.arguments.contains(file.absoluteFilePath));
+}
+
+void TestFaults::aNameThatIsNoTextIsAFailedProbe()
+{
+    const QByteArray name = QFile::encodeName(bench->mediaPath("card")) + "/\xFF\xFE.mov";
+    QVERIFY(QDir().mkpath(bench->mediaPath("card")));
+    FILE *file = std::fopen(name.constData(), "w");
+    QVERIFY(file);
+    std::fclose(file);
+    bench->actAsFileTable();
+    bench->makeFile("card/good.mov");
+    bench->control().onIterateThroughDir({bench->mediaUrl("card")});
+    QTRY_VERIFY(bench->events.contains("importReady"));
+    QCOMPARE(bench->eventsOf("probed ").filter(": 0").size(), 1);
+    QCOMPARE(bench->eventsOf("probed ").size(), bench->eventsOf("found ").size());
+    QCOMPARE(std::remove(name.constData()), 0); // nobody else could
+}
+
+void TestFaults::theSourcesStayAsTheyWere()
+{
+    bench->actAsFileTable();
+    QVector<FileData> files;
+    QHash<QString, QByteArray> before;
+    for (int row = 0; row < 12; ++row) {
+        const QString job = QStringList{"probe", "extract", "read", "export"}.at(row % 4);
+        files += bench->makeFile(QString("clip%1.mov").arg(row), plan(job, {{"exitCode", 1 + row}}), row);
+        QFile source(files.last().absoluteFilePath);
+        QVERIFY(source.open(QIODevice::WriteOnly));
+        before[source.fileName()] = QByteArray(1000 + row, static_cast<char>('a' + row));
+        source.write(before[source.fileName()]);
+    }
+    bench->control().onIterateThroughDir({bench->mediaUrl()});
+    QTRY_VERIFY(bench->events.contains("importReady"));
+    ExportOptions besideTheSources = options();
+    besideTheSources.exportDir = bench->mediaPath(".");
+    besideTheSources.videoType = 0; // the sources' own suffix
+    bench->control().onExportReq(files, besideTheSources);
+    QTRY_COMPARE(bench->eventsOf("exportReady 2").size(), 1);
+    bench->control().onExportReq(files, besideTheSources);
+    bench->control().onExportCancel();
+    QTRY_COMPARE(bench->eventsOf("exportReady 1").size(), 1);
+    for (auto source = before.cbegin(); source != before.cend(); ++source) {
+        QFile file(source.key());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), source.value());
+    }
+}
+
+void TestFaults::endingTheThreadEndsTheTools()
+{
+    const QVector<FileData> probes = bench->makeFiles(60, plan("probe", {{"hang", true}}));
+    const QVector<FileData> exports{bench->makeFile("e.mov", plan("export", {{"hang", true}}))};
+    const QVector<FileData> reads{bench->makeFile("r.mov", plan("extract", {{"hang", true}}), 0)};
+    QThread thread;
+    auto *control = new MainControl; // beside that of the bench
+    control->moveToThread(&thread);
+    connect(&thread, &QThread::finished, control, &MainControl::shutDown);
+    connect(&thread, &QThread::finished, control, &QObject::deleteLater);
+    thread.start();
+    QMetaObject::invokeMethod(control, [&] {
+        control->onExportReq(exports, options());
+        control->onUpdateAudioTCInfo(reads, automaticReading());
+        for (const FileData &file : probes)
+            control->onFFProbeFile(file, file.rowNumber);
+    });
+    QTRY_COMPARE_WITH_TIMEOUT(bench->startedTools().size(), 45, longWait);
+    const QString folder = bench->temporaryPath() + '-' + QString::number(QCoreApplication::applicationPid());
+    QVERIFY(QFileInfo::exists(folder));
+    thread.quit();
+    QVERIFY(thread.wait(5'000)); // what the program allows
+    QCOMPARE(childProcesses(), QStringList());
+    QVERIFY(!QFileInfo::exists(folder));
+}
+
+void TestFaults::manyFilesLeaveNothingBehind()
+{
+    bench->actAsFileTable();
+    const QVector<FileData> files = bench->makeFiles(60);
+    int filesAfterFirstRound = 0;
+    for (int round = 0; round < 2; ++round) {
+        bench->events.clear();
+        bench->control().onIterateThroughDir({bench->mediaUrl()});
+        QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
+        bench->control().onUpdateAudioTCInfo(files, automaticReading());
+        QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
+        bench->control().onExportReq(files, options());
+        QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("exportReady 0 []").size(), 1, longWait);
+        QTRY_COMPARE(bench->handlers(), 0);
+        QCOMPARE(childProcesses(), QStringList());
+        QVERIFY(!bench->hasTemporaryFolder());
+        if (round == 0)
+            filesAfterFirstRound = openFiles();
+        else
+            QCOMPARE(openFiles(), filesAfterFirstRound);
+        QVERIFY(QDir(bench->mediaPath("out")).removeRecursively());
+        QVERIFY(QDir().mkpath(bench->mediaPath("out")));
+    }
+    QVERIFY(bench->mostToolsAtOnce() <= 45);
+}
+
+QTEST_GUILESS_MAIN(TestFaults)
+#include "tst_faults.moc"
