@@ -1,0 +1,241 @@
+// SPDX-License-Identifier: MIT
+// What the main window tells: status line, progress, streams and message boxes; and how it ends.
+#include "app/mainwindow.h"
+#include "app/missingtools.h"
+#include "app/versionnotice.h"
+#include "app/windowtexts.h"
+#include "control/maincontrol.h"
+#include "ffmpeg/exportwindow.h"
+#include "filelist/filelist.h"
+#include "update/versiondescriptor.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDesktopServices>
+#include <QEventLoop>
+#include <QLabel>
+#include <QListWidget>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTimer>
+
+namespace
+{
+
+enum ExportResult { AllExported = 0, Cancelled = 1, SomeFailed = 2 };
+
+/// Whether \a status is one of an import or a reading that goes on.
+bool tellsOfReading(const QString &status)
+{
+    for (const char *running :
+         {"importing files...", "prepare files for reading...", "reading audio TC..."}) {
+        if (status.endsWith(running))
+            return true;
+    }
+    return false;
+}
+
+void openWebLink(const QString &link)
+{
+    if (mayOpenLink(QUrl(link)))
+        QDesktopServices::openUrl(QUrl(link));
+}
+
+} // namespace
+
+void MainWindow::statusProgressUpdate(int current, int all, QString statusMsg)
+{
+    progressBar->setRange(0, qMax(all, 1)); // a range of nothing would show an endless animation
+    progressBar->setValue(current);
+    statusLabel->setText(cancelling ? tr("Status: cancelling export...") : tr("Status: ") + statusMsg);
+}
+
+void MainWindow::importReady()
+{
+    progressBar->setValue(0);
+    statusLabel->setText(tr("Status: import ready"));
+}
+
+void MainWindow::readingFinished()
+{
+    progressBar->setValue(0);
+    statusLabel->setText(tr("Status: read finished"));
+    fileList->readingFinished();
+}
+
+void MainWindow::onImportBusyChanged(bool busy)
+{
+    if (busy && !exportRunning) {
+        // The first result of a large folder may be a while away.
+        statusLabel->setText(tr("Status: ") + "importing files...");
+    } else if (!busy && tellsOfReading(statusLabel->text())) {
+        // The import has ended without a word, so nothing must look as if it went on.
+        statusLabel->setText(tr("Status:"));
+        progressBar->setValue(0);
+    }
+}
+
+void MainWindow::onExportStart()
+{
+    setExportRunning(true);
+    cancelButton->show();
+}
+
+void MainWindow::setExportRunning(bool running)
+{
+    exportRunning = running;
+    // A second export would overwrite the count of the first.
+    exportAction->setEnabled(!running);
+    exportAllAction->setEnabled(!running);
+    exportWindow->setEnabled(!running);
+}
+
+bool MainWindow::confirmed(const QString &title, const QString &question)
+{
+    const auto answer = QMessageBox::question(this, title, question, QMessageBox::Yes | QMessageBox::No,
+                                              QMessageBox::NoButton);
+    return answer == QMessageBox::Yes;
+}
+
+void MainWindow::startCancelling()
+{
+    emit cancelExport();
+    cancelButton->hide();
+}
+
+void MainWindow::onCancelExportButtonClicked()
+{
+    // The export may end while the question stands.
+    if (!confirmed(tr("Cancel Export"), tr("Are you sure you want to cancel?")) || !exportRunning)
+        return;
+    cancelling = true;
+    statusLabel->setText(tr("Status: cancelling export..."));
+    startCancelling();
+}
+
+void MainWindow::exportReady(int exportResult, QStringList exportErrorFileNameList)
+{
+    cancelling = false;
+    if (exportResult == AllExported) {
+        showExportResult(tr("Ostrel did the job!"));
+        statusLabel->setText(tr("Status:"));
+    } else if (exportResult == Cancelled) {
+        statusLabel->setText(tr("Status: export cancelled"));
+    } else if (exportResult == SomeFailed) {
+        showExportResult(windowtexts::failedExports(exportErrorFileNameList));
+        statusLabel->setText(tr("Status:"));
+    }
+    progressBar->setValue(0);
+    cancelButton->hide();
+    setExportRunning(false);
+    if (quitPending)
+        exitApplication();
+}
+
+void MainWindow::showExportResult(const QString &text)
+{
+    if (sessionEnding)
+        return;
+    QMessageBox box(QMessageBox::Information, tr("Export Result"), text, QMessageBox::Ok, this);
+    box.setTextFormat(Qt::PlainText); // file names may look like markup
+    box.exec();
+}
+
+void MainWindow::updateFileInfo(FileData fileData)
+{
+    streamInfoList->clear();
+    streamInfoList->addItems(windowtexts::streamLines(fileData));
+}
+
+void MainWindow::onAboutMenuClicked()
+{
+    QMessageBox box(this);
+    box.setWindowTitle(tr("About"));
+    box.setTextFormat(Qt::RichText);
+    box.setText(windowtexts::about());
+    box.exec();
+}
+
+void MainWindow::versionInfoCheck(uint majorVersion, uint minorVersion, QString description,
+                                  QUrl downloadLink)
+{
+    if (!isNewerVersion(majorVersion, minorVersion))
+        return;
+    QMessageBox box(QMessageBox::NoIcon, tr("New Version Available"), {}, QMessageBox::Ok, this);
+    box.setTextFormat(Qt::RichText);
+    box.setText(versionNotice(downloadLink, description));
+    // The text comes from the network: its links must not start what is on this machine.
+    if (auto *label = box.findChild<QLabel *>("qt_msgbox_label")) {
+        label->setOpenExternalLinks(false);
+        connect(label, &QLabel::linkActivated, &box, openWebLink);
+    }
+    box.exec();
+}
+
+void MainWindow::reportMissingTools()
+{
+    const QStringList missing = missingTools();
+    if (missing.isEmpty())
+        return;
+    auto *box = new QMessageBox(QMessageBox::Warning, windowTitle(), windowtexts::missingTools(missing),
+                                QMessageBox::Ok, this);
+    box->setTextFormat(Qt::PlainText);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setModal(false);
+    box->show();
+}
+
+bool MainWindow::mayQuitNow()
+{
+    if (!exportRunning)
+        return true;
+    if (sessionEnding)
+        return false; // the windows close when the export has been wound up
+    if (!confirmed(tr("Quit Application"),
+                   tr("Are you sure you want to quit\n(and cancel the export process)?")))
+        return false;
+    if (!exportRunning)
+        return true; // it has ended while the question stood
+    quitPending = true;
+    startCancelling();
+    return false;
+}
+
+void MainWindow::exitApplication()
+{
+    if (mayQuitNow())
+        QApplication::closeAllWindows();
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    if (mayQuitNow()) {
+        QApplication::closeAllWindows();
+        event->accept();
+    } else {
+        event->ignore();
+    }
+}
+
+void MainWindow::quitWithoutAsking()
+{
+    sessionEnding = true;
+    if (!exportRunning) {
+        QApplication::closeAllWindows();
+        return;
+    }
+    quitPending = true;
+    startCancelling();
+}
+
+void MainWindow::onSessionEnd(QSessionManager &)
+{
+    constexpr int longestWait = 5000; // [ms] what a session usually grants
+    quitWithoutAsking();
+    QEventLoop loop;
+    QTimer::singleShot(longestWait, &loop, &QEventLoop::quit);
+    connect(mainControl, &MainControl::exportReady, &loop, &QEventLoop::quit);
+    if (exportRunning)
+        loop.exec();
+}
