@@ -11,7 +11,7 @@ namespace
 
 double toSeconds(const std::string &text)
 {
-    return std::max(0.0, std::strtod(text.c_str(), nullptr)); // "N/A" gives 0
+    return std::strtod(text.c_str(), nullptr); // "N/A" gives 0
 }
 
 void readStreamKey(Stream &stream, std::string_view key, const std::string &value)
@@ -30,6 +30,8 @@ void readStreamKey(Stream &stream, std::string_view key, const std::string &valu
         stream.baseRate = FrameRate::fromText(value);
     else if (key == "avg_frame_rate")
         stream.averageRate = FrameRate::fromText(value);
+    else if (key == "start_time")
+        stream.start = toSeconds(value);
     else if (key == "duration")
         stream.duration = toSeconds(value);
     else if (key == "DISPOSITION:attached_pic")
@@ -40,7 +42,9 @@ void readStreamKey(Stream &stream, std::string_view key, const std::string &valu
 
 void readFormatKey(Source &source, std::string_view key, const std::string &value)
 {
-    if (key == "duration")
+    if (key == "start_time")
+        source.start = toSeconds(value);
+    else if (key == "duration")
         source.duration = toSeconds(value);
     else if (key == "TAG:timecode")
         source.timecode = value;
@@ -78,8 +82,10 @@ std::vector<std::string> probeArguments(const std::string &path)
     return {"-v",
             "error",
             "-show_entries",
-            "stream=index,codec_type,codec_name,channels,channel_layout,r_frame_rate,avg_frame_rate,duration"
-            ":stream_disposition=attached_pic:stream_tags=timecode:format=duration:format_tags=timecode",
+            "stream=index,codec_type,codec_name,channels,channel_layout,r_frame_rate,avg_frame_rate,start_"
+            "time,duration"
+            ":stream_disposition=attached_pic:stream_tags=timecode:format=start_time,duration:format_tags="
+            "timecode",
             "-i",
             path};
 }

@@ -21,6 +21,7 @@ struct Stream {
     std::string layout;             ///< channel layout; empty or "unknown" where the file names none
     FrameRate baseRate;             ///< the lowest rate that all time stamps fit, for pictures
     FrameRate averageRate;          ///< for pictures
+    double start = 0.0;             ///< [s] time stamp of the first frame
     double duration = 0.0;          ///< [s]; 0 where the file does not tell
     std::string timecode;           ///< start timecode; empty where the stream has none
 };
@@ -28,6 +29,7 @@ struct Stream {
 /// What the probe tool says of one media file.
 struct Source {
     std::vector<Stream> streams; ///< by stream index
+    double start = 0.0;          ///< [s] time stamp of what comes first in the file
     double duration = 0.0;       ///< [s] of the longest stream; 0 where the file does not tell
     std::string timecode;        ///< start timecode of the file as a whole; empty where it has none
 

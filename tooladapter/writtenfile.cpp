@@ -14,10 +14,12 @@ namespace
 /// Headers round, and coders pad the last block: so much may be missing from a complete file.
 constexpr double toleratedSeconds = 0.1; // [s]
 
-double lengthOf(const Source &source, int stream)
+/// When \a stream ends, counted from the beginning of the file [s]; 0 where the file does not tell. Compared
+/// rather than lengths, since a picture cannot be copied before its first whole frame.
+double endOf(const Source &file, int stream)
 {
-    const double own = source.streams[static_cast<std::size_t>(stream)].duration;
-    return own > 0.0 ? own : source.duration;
+    const Stream &own = file.streams[static_cast<std::size_t>(stream)];
+    return own.duration > 0.0 ? own.start - file.start + own.duration : file.duration;
 }
 
 std::string secondsText(double seconds)
@@ -27,7 +29,7 @@ std::string secondsText(double seconds)
     return text;
 }
 
-void checkLength(const std::string &what, double written, double expected, double tolerated)
+void checkEnd(const std::string &what, double written, double expected, double tolerated)
 {
     if (expected > 0.0 && written < expected - tolerated)
         throw Refusal("the written " + what + " ends after " + secondsText(written) +
@@ -44,8 +46,8 @@ void checkWrittenFile(const Export &job, const Source &source, const Source &wri
             throw Refusal("the written file has no picture");
         const FrameRate rate = source.streams[static_cast<std::size_t>(job.pictureStream)].averageRate;
         const double twoFrames = rate.isValid() ? 2.0 / rate.perSecond() : 0.0;
-        checkLength("picture", lengthOf(written, picture), lengthOf(source, job.pictureStream),
-                    std::max(toleratedSeconds, twoFrames));
+        checkEnd("picture", endOf(written, picture), endOf(source, job.pictureStream),
+                 std::max(toleratedSeconds, twoFrames));
     }
     const std::vector<int> audio = written.audioStreams();
     if (audio.size() != job.audio.size())
@@ -56,8 +58,7 @@ void checkWrittenFile(const Export &job, const Source &source, const Source &wri
         if (stream.channels != job.audio[i].channels)
             throw Refusal("a written audio stream has " + std::to_string(stream.channels) +
                           " channels instead of " + std::to_string(job.audio[i].channels));
-        checkLength("sound", lengthOf(written, audio[i]), lengthOf(source, job.audio[i].stream),
-                    toleratedSeconds);
+        checkEnd("sound", endOf(written, audio[i]), endOf(source, job.audio[i].stream), toleratedSeconds);
     }
     if (!job.timecode.empty() && written.startTimecode() != job.timecode)
         throw Refusal("the written file starts at \"" + written.startTimecode() + "\" instead of " +

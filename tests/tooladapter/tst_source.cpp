@@ -24,7 +24,7 @@ void TestSource::streamsAreRead()
         parseProbe("[STREAM]\nindex=0\ncodec_name=mjpeg\ncodec_type=video\n"
                    "DISPOSITION:attached_pic=1\n[/STREAM]\n"
                    "[STREAM]\nindex=1\ncodec_name=h264\ncodec_type=video\nr_frame_rate=50/1\n"
-                   "avg_frame_rate=25/1\nduration=2.000000\nDISPOSITION:attached_pic=0\n"
+                   "avg_frame_rate=25/1\nstart_time=1.400000\nduration=2.000000\nDISPOSITION:attached_pic=0\n"
                    "TAG:timecode=10:11:12:13\n[/STREAM]\n"
                    "[STREAM]\nindex=2\ncodec_name=pcm_s24le\ncodec_type=audio\nchannels=4\n"
                    "channel_layout=4.0\nr_frame_rate=0/0\n[/STREAM]\n"
@@ -34,6 +34,7 @@ void TestSource::streamsAreRead()
     QVERIFY(source.audioStreams() == std::vector<int>{2});
     QCOMPARE(source.streams[1].baseRate.nominal(), 50);
     QCOMPARE(source.streams[1].averageRate.nominal(), 25);
+    QCOMPARE(source.streams[1].start, 1.4);
     QCOMPARE(source.streams[1].duration, 2.0);
     QCOMPARE(source.startTimecode(), std::string("10:11:12:13"));
     QCOMPARE(source.streams[2].codec, std::string("pcm_s24le"));
@@ -58,7 +59,6 @@ void TestSource::missingAndUnknownValuesLeaveTheDefaults_data()
     QTest::addColumn<QByteArray>("text");
     QTest::newRow("nothing") << QByteArray();
     QTest::newRow("no last line end") << QByteArray("[FORMAT]\nduration=N/A\n[/FORMAT]");
-    QTest::newRow("negative") << QByteArray("[FORMAT]\nduration=-1\n[/FORMAT]\n");
     QTest::newRow("outside of a section") << QByteArray("duration=5\nTAG:timecode=10:00:00:00\n");
 }
 
