@@ -30,9 +30,6 @@ struct Export {
 /// A path that the tools take for a file of that name and nothing else.
 std::string filePath(const std::string &path);
 
-/// The codec for a track of \a container that was asked to be \a asked and comes from \a source.
-std::string codecFor(Container container, const std::string &asked, const Stream &source);
-
 /// The export that \a plan means for \a source. \a timecodeRate is the frame rate of the audio timecode as
 /// the application knows it, for lists that carry none. Throws Refusal where no right file could come of it.
 Export exportOf(ExportPlan plan, const Source &source, const FrameRate &timecodeRate = {});
