@@ -6,11 +6,23 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
 
 namespace
 {
 
 constexpr int limit = 60 * 1000; // [ms]
+
+/// Whether a process, other than this one, has \a word in its command line.
+bool isProcessRunningWith(const QByteArray &word)
+{
+    for (const QString &process : QDir("/proc").entryList({"[1-9]*"}, QDir::Dirs)) {
+        QFile commandLine("/proc/" + process + "/cmdline");
+        if (commandLine.open(QIODevice::ReadOnly) && commandLine.readAll().contains(word))
+            return true;
+    }
+    return false;
+}
 
 const QStringList copied{"-vcodec", "copy"};
 const QStringList coded{"-vcodec", "mpeg2video", "-b:v", "50M", "-pix_fmt", "yuv422p", "-s", "1920x1080"};
@@ -32,6 +44,8 @@ private slots:
     void filesInOddFoldersAreWritten_data();
     void filesInOddFoldersAreWritten();
     void everyExtractedFileEndsAfterThreeSeconds();
+    void killingAnExportLeavesNoProcess_data();
+    void killingAnExportLeavesNoProcess();
 
 private:
     /// Runs \a program in the test's folder and returns its exit code, -1 where it does not end by itself.
@@ -162,6 +176,28 @@ void TestRealExports::everyExtractedFileEndsAfterThreeSeconds()
         0);
     QCOMPARE(durationOf("first.wav"), 3.0);
     QCOMPARE(durationOf("second.wav"), 3.0);
+}
+
+void TestRealExports::killingAnExportLeavesNoProcess_data()
+{
+    QTest::addColumn<int>("moment"); // [ms] after the start
+    for (const int moment : {0, 5, 20, 60, 120, 250, 500})
+        QTest::addRow("after %d ms", moment) << moment;
+}
+
+void TestRealExports::killingAnExportLeavesNoProcess()
+{
+    QFETCH(int, moment);
+    QProcess process;
+    process.setWorkingDirectory(folder.path());
+    process.start("ffmpeg.exe",
+                  QStringList{"-y", "-i", folder.filePath("whole.mov"), "-acodec", "pcm_s16le"} + coded +
+                      QStringList{"-timecode", "10:11:12:13", "-r", "25", "killed.MXF"});
+    QVERIFY(process.waitForStarted());
+    QThread::msleep(static_cast<unsigned long>(moment)); // whatever it is doing then
+    process.kill();
+    QVERIFY(process.waitForFinished(limit));
+    QTRY_VERIFY_WITH_TIMEOUT(!isProcessRunningWith(QFile::encodeName(folder.path())), limit);
 }
 
 QTEST_GUILESS_MAIN(TestRealExports)
