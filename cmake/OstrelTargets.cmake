@@ -45,21 +45,28 @@ function(ostrel_add_program target)
         OUTPUT_NAME "${ARG_OUTPUT}" RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 endfunction()
 
-# ostrel_add_test(<name> [SOURCES ...] [LIBS ...] [FAKES] [TOOLS] [TIMEOUT <seconds>]) adds the test <name> from
-# <name>.cpp. Any Qt warning fails it. FAKES puts the fake tools first in PATH, TOOLS the programs that we build.
+# ostrel_add_test(<name> [SOURCES ...] [LIBS ...] [FAKES] [TOOLS] [DISPLAY] [TIMEOUT <seconds>]) adds the test <name>
+# from <name>.cpp. Any Qt warning fails it. FAKES puts the fake tools first in PATH, TOOLS the programs that we build.
+# DISPLAY gives it a virtual display with a window manager, as windows of a fixed size need.
 function(ostrel_add_test name)
-    cmake_parse_arguments(ARG "FAKES;TOOLS" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+    cmake_parse_arguments(ARG "FAKES;TOOLS;DISPLAY" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 120)
     endif()
     add_executable(${name} ${name}.cpp ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE Ostrel::flags Qt5::Test ${ARG_LIBS})
-    add_test(NAME ${name} COMMAND ${name})
+    set(platform offscreen)
+    set(wrapper "")
+    if(ARG_DISPLAY)
+        set(platform xcb)
+        set(wrapper "${PROJECT_SOURCE_DIR}/tests/support/with-display.sh")
+    endif()
+    add_test(NAME ${name} COMMAND ${wrapper} $<TARGET_FILE:${name}>)
     # Qt warns where no private runtime folder is set, as in containers.
     set(runtime "${CMAKE_BINARY_DIR}/runtime")
     file(MAKE_DIRECTORY "${runtime}")
     file(CHMOD "${runtime}" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
-    set(environment QT_QPA_PLATFORM=offscreen QT_FATAL_WARNINGS=1 LC_ALL=C.UTF-8 "XDG_RUNTIME_DIR=${runtime}")
+    set(environment QT_QPA_PLATFORM=${platform} QT_FATAL_WARNINGS=1 LC_ALL=C.UTF-8 "XDG_RUNTIME_DIR=${runtime}")
     set(path "$ENV{PATH}")
     if(ARG_TOOLS)
         set(path "${CMAKE_BINARY_DIR}/bin:${path}")

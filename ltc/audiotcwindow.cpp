@@ -58,6 +58,8 @@ void AudioTCWindow::layOut()
     constexpr int lastMargin = 6;     // [pixels] sets the button off from the choices
 
     auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(lastMargin, lastMargin, lastMargin, lastMargin);
+    column->setSpacing(0); // the rows bring their own margins; more would not fit into the fixed height
     const auto addRow = [column](QLabel *label, QComboBox *combo, int bottomMargin) {
         auto *row = new QHBoxLayout;
         row->setContentsMargins(margin, margin, margin, bottomMargin);

@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# Runs a command on a virtual display of its own, with a window manager. Ends with the command's exit code.
+# Usage: with-display.sh COMMAND [ARGUMENT...]
+set -euo pipefail
+
+work=$(mktemp -d)
+pids=()
+end() {
+    for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
+    wait 2>/dev/null || true
+    rm -rf "$work"
+}
+trap end EXIT
+
+until_true() { # COMMAND...: waits at most 30 s
+    for _ in $(seq 300); do
+        if "$@" >/dev/null 2>&1; then return; fi
+        sleep 0.1
+    done
+    echo "with-display: waited in vain for: $*" >&2
+    exit 1
+}
+
+Xvfb -displayfd 3 -screen 0 1600x1000x24 -nolisten tcp 3>"$work/display" >/dev/null 2>&1 &
+pids+=($!)
+until_true test -s "$work/display"
+DISPLAY=:$(cat "$work/display")
+export DISPLAY
+
+openbox --sm-disable >/dev/null 2>&1 3>&- &
+pids+=($!)
+until_true sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 0x'
+
+"$@"
