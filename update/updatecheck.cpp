@@ -42,8 +42,8 @@ void UpdateCheck::requestVersionInfo()
     // A compressed body could unfold to any size behind the limit's back.
     request.setRawHeader("Accept-Encoding", "identity");
     QNetworkReply *reply = networkManager->get(request);
-    connect(reply, &QNetworkReply::downloadProgress, reply, [reply](qint64 received) {
-        if (received > longestDescriptor)
+    connect(reply, &QNetworkReply::readyRead, reply, [reply] {
+        if (reply->bytesAvailable() > longestDescriptor)
             reply->abort();
     });
 }
