@@ -28,7 +28,7 @@ void MainControl::shutDown()
         process->kill();
     const auto handlers = findChildren<QObject *>(QString(), Qt::FindDirectChildrenOnly);
     for (QObject *handler : handlers)
-        handler->disconnect(this);
+        handler->disconnect(this); // the end of its tool is no result any more
     qDeleteAll(handlers);
 
     temporaryFolder.release();

@@ -13,6 +13,8 @@
 namespace
 {
 
+const QLatin1String lockSuffix(".lock");
+
 QString folderIn(const QString &parentPath)
 {
     return QDir::toNativeSeparators(parentPath) + QDir::separator() + "OstrelSyncTemp";
@@ -42,23 +44,65 @@ void makePrivateFolder(const QString &path)
 #endif
 }
 
+void removeFolder(const QString &path)
+{
+    if (QFileInfo(path).isSymLink())
+        QFile::remove(path);
+    else
+        QDir(path).removeRecursively();
+}
+
+/// The lock of the folder at \a path; null when the folder is not to be used or another instance has it.
+std::unique_ptr<QLockFile> lockFolder(const QString &path)
+{
+    if (!isOursToUse(path))
+        return nullptr;
+    auto lock = std::make_unique<QLockFile>(path + lockSuffix);
+    lock->setStaleLockTime(0); // only the end of its process frees a lock, not its age
+    return lock->tryLock() ? std::move(lock) : nullptr;
+}
+
+/// Removes the folders of instances that took a private name beside \a sharedPath and have not removed it.
+void removeLeftOvers(const QString &sharedPath)
+{
+    const QFileInfo shared(sharedPath);
+    const auto names =
+        shared.dir().entryList({shared.fileName() + "-*"}, QDir::Dirs | QDir::Files | QDir::NoDotAndDotDot);
+    for (QString name : names) {
+        if (name.endsWith(lockSuffix))
+            name.chop(lockSuffix.size());
+        const QString path = shared.dir().filePath(name);
+        if (const auto lock = lockFolder(path))
+            removeFolder(path);
+    }
+}
+
 } // namespace
 
-TemporaryFolder::TemporaryFolder(const QString &parentPath)
-    : folderPath(folderIn(parentPath)), lock(folderPath + ".lock")
+TemporaryFolder::TemporaryFolder(const QString &parentPath) : sharedPath(folderIn(parentPath))
 {
-    lock.setStaleLockTime(0); // only the end of its process frees a lock, not its age
-    if (!lock.tryLock() || !isOursToUse(folderPath))
-        usePrivateName();
+    removeLeftOvers(sharedPath);
+    if (!claim(sharedPath))
+        claimPrivateName();
     remove();
 }
 
-void TemporaryFolder::usePrivateName()
+bool TemporaryFolder::claim(const QString &path)
 {
-    lock.unlock();
-    folderPath += '-' + QString::number(QCoreApplication::applicationPid());
-    while (!isOursToUse(folderPath))
-        folderPath += '-'; // somebody has guessed the process id
+    auto free = lockFolder(path);
+    if (!free)
+        return false;
+    lock = std::move(free);
+    folderPath = path;
+    return true;
+}
+
+void TemporaryFolder::claimPrivateName()
+{
+    constexpr int tries = 10; // somebody may have guessed the process id
+    folderPath = sharedPath + '-' + QString::number(QCoreApplication::applicationPid());
+    for (int i = 0; i < tries && !claim(folderPath); ++i)
+        folderPath += '-';
 }
 
 QString TemporaryFolder::subFolder(const QString &baseName) const
@@ -69,7 +113,7 @@ QString TemporaryFolder::subFolder(const QString &baseName) const
 QString TemporaryFolder::createSubFolder(const QString &baseName)
 {
     if (!isOursToUse(folderPath))
-        usePrivateName(); // between two stages there is no folder, so somebody else may have made one
+        claimPrivateName(); // between two stages there is no folder, so somebody else may have made one
     makePrivateFolder(folderPath);
     const QString path = subFolder(baseName);
     QDir().mkdir(path);
@@ -78,14 +122,11 @@ QString TemporaryFolder::createSubFolder(const QString &baseName)
 
 void TemporaryFolder::remove()
 {
-    if (QFileInfo(folderPath).isSymLink())
-        QFile::remove(folderPath);
-    else
-        QDir(folderPath).removeRecursively();
+    removeFolder(folderPath);
 }
 
 void TemporaryFolder::release()
 {
     remove();
-    lock.unlock();
+    lock.reset();
 }

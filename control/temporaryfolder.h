@@ -5,11 +5,14 @@
 #include <QLockFile>
 #include <QString>
 
+#include <memory>
+
 /// The folder into which audio is extracted, with one sub-folder for each source file's base name.
 ///
 /// Private to this user and to this instance of the program: a lock file beside the folder tells other
 /// instances that it is taken. Where the folder is taken, is another user's or is a link, its name gets "-"
-/// and the process id appended.
+/// and the process id appended. What instances have left that ended without removing theirs, the next
+/// removes.
 class TemporaryFolder
 {
 public:
@@ -33,8 +36,10 @@ public:
     void release();
 
 private:
-    void usePrivateName();
+    bool claim(const QString &path);
+    void claimPrivateName();
 
+    QString sharedPath; ///< the name without a process id
     QString folderPath;
-    QLockFile lock;
+    std::unique_ptr<QLockFile> lock; ///< of folderPath
 };

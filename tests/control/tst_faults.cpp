@@ -94,6 +94,7 @@ private slots:
     void aNameThatIsNoTextIsAFailedProbe();
     void theSourcesStayAsTheyWere();
     void endingTheThreadEndsTheTools();
+    void endingTheThreadEndsTheWalk();
     void manyFilesLeaveNothingBehind();
 
 private:
@@ -426,6 +427,28 @@ void TestFaults::endingTheThreadEndsTheTools()
     QVERIFY(thread.wait(5'000)); // what the program allows
     QCOMPARE(childProcesses(), QStringList());
     QVERIFY(!QFileInfo::exists(folder));
+}
+
+void TestFaults::endingTheThreadEndsTheWalk()
+{
+    for (int i = 0; i < 1'000; ++i)
+        bench->makeFile(QString("huge/foreign%1.txt").arg(i));
+    QList<QUrl> urls;
+    for (int i = 0; i < 5'000; ++i) // five million entries
+        urls += bench->mediaUrl("huge");
+
+    QThread thread;
+    auto *control = new MainControl;
+    control->moveToThread(&thread);
+    connect(&thread, &QThread::finished, control, &MainControl::shutDown);
+    connect(&thread, &QThread::finished, control, &QObject::deleteLater);
+    QSignalSpy idle(control, &MainControl::importIdle);
+    thread.start();
+    QMetaObject::invokeMethod(
+        control, [&] { control->onIterateThroughDir(urls); }, Qt::BlockingQueuedConnection);
+    thread.quit();
+    QVERIFY(thread.wait(5'000)); // what the program allows
+    QCOMPARE(idle.size(), 0);    // given up in the middle
 }
 
 void TestFaults::manyFilesLeaveNothingBehind()

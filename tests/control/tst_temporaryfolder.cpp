@@ -14,6 +14,29 @@
 #include <unistd.h>
 #endif
 
+namespace
+{
+
+void write(const QString &path)
+{
+    QVERIFY(QFile(path).open(QIODevice::WriteOnly));
+}
+
+/// Writes the lock file of an instance that has ended without removing it.
+void writeDeadLock(const QString &path)
+{
+    QProcess dead;
+    dead.start("true", {});
+    QVERIFY(dead.waitForStarted());
+    const QByteArray processId = QByteArray::number(dead.processId());
+    QVERIFY(dead.waitForFinished());
+    QFile lock(path);
+    QVERIFY(lock.open(QIODevice::WriteOnly));
+    lock.write(processId + "\nostrel-timecode-tool\n" + QSysInfo::machineHostName().toUtf8() + '\n');
+}
+
+} // namespace
+
 class TestTemporaryFolder : public QObject
 {
     Q_OBJECT
@@ -29,6 +52,7 @@ private slots:
     void aSecondInstanceTakesAnotherName();
     void theNameIsFreeAgainAfterTheFirstInstance();
     void aLockOfADeadInstanceDoesNotCount();
+    void whatADeadInstanceHasLeftIsRemoved();
     void aLinkOfTheNameIsNeitherUsedNorFollowed();
     void aLinkThatAppearsLaterIsNotUsed();
     void aFileOfTheNameIsLeftAlone();
@@ -41,7 +65,6 @@ private:
     {
         return mainPath() + '-' + QString::number(QCoreApplication::applicationPid());
     }
-    static void write(const QString &path) { QVERIFY(QFile(path).open(QIODevice::WriteOnly)); }
 
     std::unique_ptr<QTemporaryDir> parent;
 };
@@ -154,17 +177,25 @@ void TestTemporaryFolder::theNameIsFreeAgainAfterTheFirstInstance()
 
 void TestTemporaryFolder::aLockOfADeadInstanceDoesNotCount()
 {
-    QProcess dead;
-    dead.start("true", {});
-    QVERIFY(dead.waitForStarted());
-    const qint64 processId = dead.processId();
-    QVERIFY(dead.waitForFinished());
-    QFile lock(mainPath() + ".lock");
-    QVERIFY(lock.open(QIODevice::WriteOnly));
-    lock.write(QByteArray::number(processId) + "\nostrel-timecode-tool\n" +
-               QSysInfo::machineHostName().toUtf8() + "\n");
-    lock.close();
+    writeDeadLock(mainPath() + ".lock");
     QCOMPARE(TemporaryFolder(parent->path()).path(), mainPath());
+}
+
+void TestTemporaryFolder::whatADeadInstanceHasLeftIsRemoved()
+{
+    TemporaryFolder first(parent->path());
+    TemporaryFolder second(parent->path());
+    second.createSubFolder("clip");
+    QVERIFY(QDir().mkpath(mainPath() + "-1/clip")); // nobody has its lock
+    writeDeadLock(mainPath() + "-2.lock");
+    QVERIFY(QDir().mkpath(parent->filePath("Other-1")));
+    const TemporaryFolder third(parent->path());
+    QCOMPARE(third.path(), privatePath() + '-'); // the second one has the process id's name here
+    QVERIFY(!QFileInfo::exists(mainPath() + "-1"));
+    QVERIFY(!QFileInfo::exists(mainPath() + "-1.lock"));
+    QVERIFY(!QFileInfo::exists(mainPath() + "-2.lock"));
+    QVERIFY(QFileInfo::exists(second.subFolder("clip")));
+    QVERIFY(QFileInfo::exists(parent->filePath("Other-1")));
 }
 
 void TestTemporaryFolder::aLinkOfTheNameIsNeitherUsedNorFollowed()
