@@ -115,7 +115,7 @@ QString TemporaryFolder::createSubFolder(const QString &baseName)
     if (!isOursToUse(folderPath))
         claimPrivateName(); // between two stages there is no folder, so somebody else may have made one
     makePrivateFolder(folderPath);
-    const QString path = subFolder(baseName);
+    QString path = subFolder(baseName);
     QDir().mkdir(path);
     return path;
 }

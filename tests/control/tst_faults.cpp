@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QHash>
 #include <QJsonArray>
+#include <QMap>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QStandardPaths>
@@ -16,6 +17,7 @@
 #include <csignal>
 #include <cstdio>
 
+#include <sys/resource.h>
 #include <sys/types.h>
 
 // What tools, disks and files may do to the controller. Whatever it is: each operation comes to its end, each
@@ -31,16 +33,17 @@ QJsonObject plan(const QString &job, const QJsonObject &part)
     return {{job, part}};
 }
 
-/// Has only some of the fake tools in the program search path, for as long as it lives.
+/// Has only these tools in the program search path, for as long as it lives.
 class OnlyTools
 {
 public:
-    explicit OnlyTools(const QStringList &tools) : searchPath(qgetenv("PATH"))
+    /// Each tool by its name and the program that plays it, a fake or one of the machine.
+    explicit OnlyTools(const QMap<QString, QString> &tools) : searchPath(qgetenv("PATH"))
     {
-        for (const QString &tool : tools) {
-            const QString fake = QStandardPaths::findExecutable(tool);
-            if (fake.isEmpty() || !QFile::link(fake, folder.filePath(tool)))
-                qFatal("no fake %s", qPrintable(tool));
+        for (auto tool = tools.cbegin(); tool != tools.cend(); ++tool) {
+            const QString program = QStandardPaths::findExecutable(tool.value());
+            if (program.isEmpty() || !QFile::link(program, folder.filePath(tool.key())))
+                qFatal("no program %s", qPrintable(tool.value()));
         }
         qputenv("PATH", QFile::encodeName(folder.path()));
     }
@@ -51,6 +54,42 @@ private:
     QByteArray searchPath;
     QTemporaryDir folder;
 };
+
+const QMap<QString, QString> realMediaTools{
+    {"ffprobe.exe", "ffprobe"}, {"ffmpeg.exe", "ffmpeg"}, {"LTCReader.exe", "LTCReader.exe"}};
+
+/// Lets no file grow beyond \a bytes, in child processes too, as a full disk would. Ends with its life.
+class FullDisk
+{
+public:
+    explicit FullDisk(rlim_t bytes) : earlierHandler(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        getrlimit(RLIMIT_FSIZE, &earlier);
+        const rlimit limit{bytes, earlier.rlim_max};
+        if (setrlimit(RLIMIT_FSIZE, &limit) != 0)
+            qFatal("cannot limit the size of files");
+    }
+    ~FullDisk()
+    {
+        setrlimit(RLIMIT_FSIZE, &earlier);
+        std::signal(SIGXFSZ, earlierHandler);
+    }
+    Q_DISABLE_COPY(FullDisk)
+
+private:
+    rlimit earlier{};
+    sighandler_t earlierHandler;
+};
+
+/// Makes a real media file with ten seconds of a tone.
+void makeTone(const QString &path)
+{
+    QProcess tool;
+    tool.start("ffmpeg", {"-v", "error", "-f", "lavfi", "-i", "sine=duration=10:sample_rate=48000", "-c:a",
+                          "pcm_s16le", "-y", path});
+    if (!tool.waitForFinished() || tool.exitCode() != 0)
+        qFatal("ffmpeg: %s", tool.readAllStandardError().constData());
+}
 
 int openFiles()
 {
@@ -92,6 +131,8 @@ private slots:
     void oddNamesGoAllTheWay_data();
     void oddNamesGoAllTheWay();
     void aNameThatIsNoTextIsAFailedProbe();
+    void brokenFilesHoldUpNothingElse();
+    void aFullDiskFailsExtractionsAndExports();
     void theSourcesStayAsTheyWere();
     void endingTheThreadEndsTheTools();
     void endingTheThreadEndsTheWalk();
@@ -120,33 +161,37 @@ ExportOptions TestFaults::options() const
     ExportOptions options;
     options.exportDir = bench->mediaPath("out");
     options.videoType = 5;
+    options.audioType = 1;
     return options;
 }
 
 void TestFaults::aMissingToolFailsItsJob_data()
 {
-    QTest::addColumn<QStringList>("tools");
+    QTest::addColumn<QString>("missing");
     QTest::addColumn<QString>("event");
-    QTest::addColumn<QString>("end");
-    QTest::newRow("no probe tool") << QStringList{"ffmpeg.exe", "LTCReader.exe"} << "probed 0: 1000"
-                                   << "importReady";
-    QTest::newRow("no transcoding tool")
-        << QStringList{"ffprobe.exe", "LTCReader.exe"} << "read 0 stream -1: 2001 nothing"
-        << "importReady";
-    QTest::newRow("no reader") << QStringList{"ffprobe.exe", "ffmpeg.exe"} << "read 0 stream 1: 204 nothing"
-                               << "importReady";
+    QTest::newRow("no probe tool") << "ffprobe.exe"
+                                   << "probed 0: 1000";
+    QTest::newRow("no transcoding tool") << "ffmpeg.exe"
+                                         << "read 0 stream -1: 2001 nothing";
+    QTest::newRow("no reader") << "LTCReader.exe"
+                               << "read 0 stream 1: 204 nothing";
 }
 
 void TestFaults::aMissingToolFailsItsJob()
 {
-    QFETCH(QStringList, tools);
+    QFETCH(QString, missing);
     QFETCH(QString, event);
-    QFETCH(QString, end);
-    const OnlyTools only(tools);
+    QMap<QString, QString> tools;
+    for (const QString tool : {"ffprobe.exe", "ffmpeg.exe", "LTCReader.exe"}) {
+        if (tool != missing)
+            tools[tool] = tool;
+    }
+    const OnlyTools others(tools);
     bench->actAsFileTable();
     bench->makeFile("a.mov");
     bench->control().onIterateThroughDir({bench->mediaUrl()});
-    QTRY_COMPARE(bench->events.value(bench->events.size() - 1), end);
+    QTRY_VERIFY(bench->events.contains("importReady"));
+    QCOMPARE(bench->events.last(), QString("importReady"));
     QCOMPARE(bench->count(event), 1);
     QTRY_COMPARE(bench->handlers(), 0);
 }
@@ -371,6 +416,72 @@ void TestFaults::aNameThatIsNoTextIsAFailedProbe()
     QCOMPARE(bench->eventsOf("probed ").filter(": 0").size(), 1);
     QCOMPARE(bench->eventsOf("probed ").size(), bench->eventsOf("found ").size());
     QCOMPARE(std::remove(name.constData()), 0); // nobody else could
+}
+
+void TestFaults::brokenFilesHoldUpNothingElse()
+{
+    makeTone(bench->mediaPath("sound.wav"));
+    makeTone(bench->mediaPath("good.mov"));
+    const OnlyTools real(realMediaTools);
+    QFile good(bench->mediaPath("sound.wav"));
+    QVERIFY(good.open(QIODevice::ReadOnly));
+    const QByteArray wave = good.readAll();
+    QFile movie(bench->mediaPath("good.mov"));
+    QVERIFY(movie.open(QIODevice::ReadOnly));
+    const QMap<QString, QByteArray> contents{
+        {"empty.mov", ""},
+        {"empty.wav", ""},
+        {"zeros.mxf", QByteArray(100'000, 0)},
+        {"text.mp4", "no film\n"},
+        {"header only.wav", wave.left(44)},
+        {"truncated sound.wav", wave.left(100'001)},
+        {"truncated.mov", movie.read(50'000)},
+        {"half a header.wav", wave.left(20)},
+        {"other suffix.mts", wave},
+        {"json.mov", R"({"streams": [{"codec_type": "audio"}], "format": {}})"},
+    };
+    for (auto content = contents.cbegin(); content != contents.cend(); ++content) {
+        QFile file(bench->mediaPath(content.key()));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content.value());
+    }
+    bench->actAsFileTable();
+    bench->control().onIterateThroughDir({bench->mediaUrl()});
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady") || bench->events.contains("importIdle"),
+                             longWait);
+    QTRY_COMPARE(bench->handlers(), 0);
+    QCOMPARE(bench->eventsOf("probed ").size(), contents.size() + 2);
+    QCOMPARE(bench->eventsOf("probed ").filter(": 0").size() +
+                 bench->eventsOf("probed ").filter(": 1000").size(),
+             contents.size() + 2);
+    // Each file that was described is also answered by a reader or for its extraction.
+    QCOMPARE(bench->eventsOf("read ").size(), bench->eventsOf("probed ").filter(": 0").size());
+    QVERIFY(bench->eventsOf("read ").filter("10:00:00:00").size() >= 2);
+}
+
+void TestFaults::aFullDiskFailsExtractionsAndExports()
+{
+    makeTone(bench->mediaPath("a.mov"));
+    makeTone(bench->mediaPath("b.mov"));
+    const OnlyTools real(realMediaTools);
+    bench->actAsFileTable();
+    QVector<FileData> files(2);
+    files[0].fileName = "a.mov";
+    files[1].fileName = "b.mov";
+    for (FileData &file : files)
+        file.absoluteFilePath = bench->mediaPath(file.fileName);
+    {
+        const FullDisk disk(100'000);
+        bench->control().onIterateThroughDir({bench->mediaUrl()});
+        QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
+        QCOMPARE(bench->eventsOf("read ").filter("stream -1: 2001").size(), 2);
+        bench->control().onExportReq(files, options());
+        QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("exportReady").size(), 1, longWait);
+        QCOMPARE(bench->events.last().section(' ', 0, 1), QString("exportReady 2"));
+        QCOMPARE(bench->events.last().count(".mov"), 2);
+    }
+    bench->control().onExportReq(files, options()); // there is room again
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("exportReady 0 []"), longWait);
 }
 
 void TestFaults::theSourcesStayAsTheyWere()
