@@ -45,6 +45,12 @@ QPixmap logo()
     return {};
 }
 
+/// The controller is never deleted: it ends with the process, as its thread may have had to be terminated.
+MainControl *newControllerOfTheProcess()
+{
+    return new MainControl;
+}
+
 } // namespace
 
 // Resources of a static library are only there once they are asked for, from outside of any namespace.
@@ -55,6 +61,7 @@ static void initializeImages()
 
 MainWindow::MainWindow(QWidget *parent)
     : QMainWindow(parent),
+      workerThread(this),
       centralWidget(new QWidget),
       exportWindow(new ExportWindow),
       audioTCWindow(new AudioTCWindow),
@@ -67,7 +74,7 @@ MainWindow::MainWindow(QWidget *parent)
       readAudioTCAction(new QAction(tr("&Read Audio TC"), this)),
       aboutMenu(new QMenu(tr("&About"), this)),
       aboutAction(new QAction(tr("&About"), this)),
-      mainControl(new MainControl),
+      mainControl(newControllerOfTheProcess()),
       fileList(new FileList(mainControl)),
       streamInfoList(new QListWidget),
       logoLabel(new QLabel),

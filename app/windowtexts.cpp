@@ -73,14 +73,14 @@ QString about()
 QString missingTools(const QStringList &programs)
 {
     QString text = translated("These tools were not found:") + "\n\n";
-    for (const QString &program : programs)
-        text += "    " + program + '\n';
-    text +=
-        '\n' +
-        translated("Files cannot be read or exported without them. Install the package \"ffmpeg\" of your "
-                   "system, and put the missing programs beside this application or into a folder of the "
-                   "search path (PATH). Then start the application again.");
-    return text;
+    for (const QString &program : programs) {
+        const QString remedy =
+            program.endsWith(".exe")
+                ? translated("put it beside this application, or install this application again")
+                : translated("install the package \"ffmpeg\" of your system");
+        text += "    " + program + ": " + remedy + '\n';
+    }
+    return text + '\n' + translated("Files cannot be read or exported without them.");
 }
 
 } // namespace windowtexts

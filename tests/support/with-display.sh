@@ -4,6 +4,8 @@
 set -euo pipefail
 
 work=$(mktemp -d)
+mkdir "$work/tmp"
+export TMPDIR="$work/tmp" # no test meets the temporary files of another
 pids=()
 end() {
     for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
@@ -21,7 +23,7 @@ until_true() { # COMMAND...: waits at most 30 s
     exit 1
 }
 
-Xvfb -displayfd 3 -screen 0 1600x1000x24 -nolisten tcp 3>"$work/display" >/dev/null 2>&1 &
+Xvfb -displayfd 3 -screen 0 1600x1000x24 -nolisten tcp -noreset 3>"$work/display" >/dev/null 2>&1 &
 pids+=($!)
 until_true test -s "$work/display"
 DISPLAY=:$(cat "$work/display")

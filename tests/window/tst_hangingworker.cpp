@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#include "app/recordtypes.h"
+#include "tests/window/windowbench.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+
+namespace
+{
+
+constexpr int patience = 60000; // [ms]
+
+} // namespace
+
+class TestHangingWorker : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void aWorkerThatHangsDoesNotKeepTheWindow();
+};
+
+void TestHangingWorker::initTestCase()
+{
+    registerRecordTypes();
+    // Qt warns of the thread that is terminated in the middle of an event, which is what this is about.
+    qunsetenv("QT_FATAL_WARNINGS");
+}
+
+void TestHangingWorker::aWorkerThatHangsDoesNotKeepTheWindow()
+{
+#ifdef __SANITIZE_ADDRESS__
+    QSKIP("the address sanitizer takes the stack of a terminated thread for a fault");
+#endif
+    auto bench = std::make_unique<WindowBench>();
+    auto *worker = bench->window->findChild<QThread *>("workerThread");
+    QVERIFY(worker && worker->isRunning());
+    QAtomicInt hangs = 0;
+    auto *inWorker = new QObject;
+    inWorker->moveToThread(worker);
+    QMetaObject::invokeMethod(inWorker, [&hangs] {
+        hangs = 1;
+        QThread::sleep(3600);
+    });
+    QTRY_COMPARE_WITH_TIMEOUT(hangs.loadAcquire(), 1, patience);
+    QElapsedTimer timer;
+    timer.start();
+    bench.reset();
+    QVERIFY2(timer.elapsed() >= 5000, "the worker is given five seconds");
+    QVERIFY2(timer.elapsed() < patience, "and no more");
+}
+
+QTEST_MAIN(TestHangingWorker)
+#include "tst_hangingworker.moc"

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#include "tests/window/windowbench.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QDropEvent>
+#include <QFile>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QTest>
+#include <QUrl>
+
+namespace
+{
+
+constexpr int patience = 60000; // [ms] the machine may be busy
+
+} // namespace
+
+WindowBench::WindowBench()
+    : media(folder.filePath("media")),
+      target(folder.filePath("target")),
+      window(std::make_unique<MainWindow>()),
+      fileList(child<QTableWidget>("fileList")),
+      streamInfoList(child<QListWidget>("streamInfoList")),
+      statusLabel(child<QLabel>("statusLabel")),
+      progressBar(child<QProgressBar>("progressBar")),
+      cancelButton(child<QPushButton>("cancelButton"))
+{
+    if (!QDir().mkpath(media) || !QDir().mkpath(target))
+        qFatal("cannot make folders");
+    window->show();
+    if (!QTest::qWaitForWindowActive(window.get(), patience))
+        qFatal("the window does not become active");
+}
+
+QString WindowBench::addFile(const QString &name)
+{
+    QFile file(QDir(media).filePath(name));
+    if (!file.open(QIODevice::WriteOnly))
+        qFatal("cannot write %s", qPrintable(name));
+    return file.fileName();
+}
+
+void WindowBench::drop(const QStringList &paths)
+{
+    QMimeData data;
+    QList<QUrl> urls;
+    for (const QString &path : paths)
+        urls += QUrl::fromLocalFile(path);
+    data.setUrls(urls);
+    const QPoint place = fileList->viewport()->rect().center();
+    QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(fileList->viewport(), &enter);
+    QDropEvent event(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(fileList->viewport(), &event);
+}
+
+void WindowBench::dropFolder()
+{
+    drop({media});
+}
+
+bool WindowBench::import()
+{
+    dropFolder();
+    return QTest::qWaitFor([this] { return status() == "Status: import ready"; }, patience);
+}
+
+void WindowBench::startExport()
+{
+    child<QAction>("exportAllAction")->trigger();
+    QWidget *dialog = topLevel("exportWindow");
+    dialog->findChild<QLineEdit *>("exportDirEdit")->setText(target);
+    QTest::mouseClick(dialog->findChild<QPushButton *>("exportButton"), Qt::LeftButton);
+}
+
+QStringList WindowBench::exportedFiles() const
+{
+    return QDir(target).entryList(QDir::Files, QDir::Name);
+}
+
+QStringList WindowBench::streamLines() const
+{
+    QStringList lines;
+    for (int i = 0; i < streamInfoList->count(); ++i)
+        lines += streamInfoList->item(i)->text();
+    return lines;
+}
+
+QStringList WindowBench::column(int number) const
+{
+    QStringList texts;
+    for (int row = 0; row < fileList->rowCount(); ++row)
+        texts += fileList->item(row, number)->text();
+    return texts;
+}
+
+QWidget *topLevel(const char *objectName)
+{
+    const auto widgets = QApplication::topLevelWidgets();
+    for (QWidget *widget : widgets) {
+        if (widget->objectName() == objectName)
+            return widget;
+    }
+    qFatal("there is no window %s", objectName);
+}
