@@ -13,6 +13,7 @@
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMimeData>
+#include <QMouseEvent>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTableWidget>
@@ -89,14 +90,34 @@ bool WindowDriver::waitForStatus(const QString &status, const QString &halfWay)
     });
 }
 
+void WindowDriver::clickRow(const QString &fileName)
+{
+    const int row = rowNumber(fileName);
+    if (row < 0)
+        return;
+    QWidget *target = fileList->viewport();
+    const QPointF position = fileList->visualItemRect(fileList->item(row, 0)).center();
+    for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+        const Qt::MouseButtons held = type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton;
+        QMouseEvent click(type, position, target->mapToGlobal(position.toPoint()), Qt::LeftButton, held,
+                          Qt::NoModifier);
+        QApplication::sendEvent(target, &click);
+    }
+}
+
+void WindowDriver::lookAtReadingDialog()
+{
+    QWidget *dialog = openDialog("readAudioTCAction", "Read audio timecode");
+    if (dialog == nullptr)
+        return;
+    dialog->grab().save(QDir(screenshotFolder).filePath("reading-dialog.png"));
+    dialog->close();
+}
+
 QString WindowDriver::exportAll(const QString &folder, const QString &videoType, const QString &audioType)
 {
-    auto *action = window.findChild<QAction *>("exportAllAction");
-    if (action == nullptr)
-        return {};
-    action->trigger();
-    QWidget *dialog = nullptr;
-    if (!waitFor([&] { return (dialog = findWindow("Export all files")) != nullptr; }))
+    QWidget *dialog = openDialog("exportAllAction", "Export all files");
+    if (dialog == nullptr)
         return {};
 
     auto *directory = dialog->findChild<QLineEdit *>();
@@ -124,20 +145,33 @@ QString WindowDriver::exportAll(const QString &folder, const QString &videoType,
 
 QStringList WindowDriver::row(const QString &fileName) const
 {
-    for (int row = 0; row < fileList->rowCount(); ++row) {
-        if (fileList->item(row, 0)->text() != fileName)
-            continue;
-        QStringList texts;
-        for (int column = 0; column < fileList->columnCount(); ++column)
-            texts += fileList->item(row, column)->text();
-        return texts;
-    }
-    return {};
+    const int row = rowNumber(fileName);
+    QStringList texts;
+    for (int column = 0; row >= 0 && column < fileList->columnCount(); ++column)
+        texts += fileList->item(row, column)->text();
+    return texts;
 }
 
 void WindowDriver::takeScreenshot(const QString &name)
 {
     window.grab().save(QDir(screenshotFolder).filePath(name + ".png"));
+}
+
+int WindowDriver::rowNumber(const QString &fileName) const
+{
+    const QList<QTableWidgetItem *> found = fileList->findItems(fileName, Qt::MatchExactly);
+    return found.isEmpty() ? -1 : found.first()->row();
+}
+
+QWidget *WindowDriver::openDialog(const char *actionName, const QString &title)
+{
+    auto *action = window.findChild<QAction *>(actionName);
+    if (action == nullptr)
+        return nullptr;
+    action->trigger();
+    QWidget *dialog = nullptr;
+    waitFor([&] { return (dialog = findWindow(title)) != nullptr; });
+    return dialog;
 }
 
 // A message box runs an event loop of its own inside this one; the clicker closes it.

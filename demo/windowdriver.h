@@ -29,6 +29,12 @@ public:
     /// passed the middle.
     bool waitForStatus(const QString &status, const QString &halfWay);
 
+    /// Clicks on the row whose first cell is \a fileName.
+    void clickRow(const QString &fileName);
+
+    /// Opens the dialog for reading again, takes a screenshot of it and closes it.
+    void lookAtReadingDialog();
+
     /// Opens the export dialog for all files, fills it in and presses "Export"; then waits for the message
     /// with the result. Returns that message, empty when none came.
     QString exportAll(const QString &folder, const QString &videoType, const QString &audioType);
@@ -39,6 +45,8 @@ public:
     void takeScreenshot(const QString &name);
 
 private:
+    int rowNumber(const QString &fileName) const;
+    QWidget *openDialog(const char *actionName, const QString &title);
     bool waitFor(const std::function<bool()> &condition);
     bool isHalfWay() const;
 

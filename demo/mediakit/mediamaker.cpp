@@ -118,7 +118,7 @@ QString writeMovie(const Recording &recording, const QString &path)
     QStringList outputArguments = pictureArguments(recording);
     for (int i = 0; i < recording.tracks.size(); ++i) {
         const QString trackPath = tracksFolder.filePath(QString("track%1.wav").arg(i));
-        const QString problem = writeTrack(recording.tracks.at(i), recording, trackPath);
+        QString problem = writeTrack(recording.tracks.at(i), recording, trackPath);
         if (!problem.isEmpty())
             return problem;
         arguments += {"-i", trackPath};
@@ -186,7 +186,7 @@ QString make(const Recording &recording, const QString &folder)
 QString makeAll(const QVector<Recording> &recordings, const QString &folder)
 {
     for (const Recording &recording : recordings) {
-        const QString problem = make(recording, folder);
+        QString problem = make(recording, folder);
         if (!problem.isEmpty())
             return problem;
     }

@@ -130,7 +130,7 @@ QString writeSampleKit(const QString &folder)
 
     const QVector<Sample> samples = sampleKit();
     for (const Sample &sample : samples) {
-        const QString problem = make(sample.recording, folder);
+        QString problem = make(sample.recording, folder);
         if (!problem.isEmpty())
             return problem;
     }

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+#include <QtTest>
+
+/// The demo as people start it, on the offscreen platform.
+class TestDemo : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void mainJobComesOutRight();
+    void timecodeThatIsOneFrameOffIsNoticed();
+    void helpIsPrinted();
+    void callWithoutFolderFails();
+};
+
+namespace
+{
+
+constexpr int demoLimit = 10 * 60 * 1000; // [ms] with sanitizers, on a busy machine
+
+struct Run {
+    int exitCode = -1;
+    QString output;
+    QString errors;
+};
+
+Run runDemo(const QStringList &arguments, const QString &firstToolFolder = {})
+{
+    QProcess demo;
+    if (!firstToolFolder.isEmpty()) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("PATH", firstToolFolder + QDir::listSeparator() + environment.value("PATH"));
+        demo.setProcessEnvironment(environment);
+    }
+    demo.start(DEMO, arguments);
+    if (!demo.waitForFinished(demoLimit))
+        return {};
+    return {demo.exitCode(), QString::fromUtf8(demo.readAllStandardOutput()),
+            QString::fromUtf8(demo.readAllStandardError())};
+}
+
+// The lines of the table that are judged wrong.
+QStringList wrongLines(const QString &output)
+{
+    return output.split('\n').filter("WRONG");
+}
+
+} // namespace
+
+void TestDemo::mainJobComesOutRight()
+{
+    const QTemporaryDir folder;
+    const Run run = runDemo({folder.path()});
+    QVERIFY2(run.exitCode == 0, qPrintable(run.output + run.errors));
+    QCOMPARE(wrongLines(run.output), QStringList());
+    QCOMPARE(run.output.count("right to the frame"), 10);
+    QCOMPARE(run.output.count("right to the sample"), 3);
+    const QStringList screenshots = QDir(folder.filePath("screenshots")).entryList({"*.png"});
+    for (const QString name : {"1-before", "3-imported", "4-export-dialog", "6-export-result", "7-after"})
+        QVERIFY2(screenshots.contains(name + ".png"), qPrintable(name));
+}
+
+void TestDemo::timecodeThatIsOneFrameOffIsNoticed()
+{
+    const QTemporaryDir folder;
+    const Run run = runDemo({folder.path()}, WRONG_READER_FOLDER);
+    QCOMPARE(run.exitCode, 1);
+    const QStringList wrong = wrongLines(run.output);
+    QCOMPARE(wrong.size(), 1);
+    QVERIFY(wrong.first().contains("10:11:12:14"));
+    QVERIFY(wrong.first().contains("should start at 10:11:12:13"));
+}
+
+void TestDemo::helpIsPrinted()
+{
+    const Run run = runDemo({"--help"});
+    QCOMPARE(run.exitCode, 0);
+    QVERIFY(run.output.contains("folder"));
+}
+
+void TestDemo::callWithoutFolderFails()
+{
+    const Run run = runDemo({});
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.errors, QString("ostrel-demo: give one folder; see --help\n"));
+}
+
+QTEST_APPLESS_MAIN(TestDemo)
+#include "tst_demo.moc"
