@@ -18,8 +18,15 @@ QJsonObject exporting(const QJsonObject &part)
     return {{"export", part}};
 }
 
-const QJsonObject waiting = exporting({{"waitFor", "gate"}});
-const QJsonObject failing = exporting({{"exitCode", 1}});
+QJsonObject waiting()
+{
+    return exporting({{"waitFor", "gate"}});
+}
+
+QJsonObject failing()
+{
+    return exporting({{"exitCode", 1}});
+}
 
 } // namespace
 
@@ -87,7 +94,7 @@ void TestExportFlow::anExportOfNothingSaysNothing()
     startExport({});
     QCoreApplication::processEvents();
     QCOMPARE(bench->events, QStringList());
-    startExport({bench->makeFile("a.mov", failing), bench->makeFile("b.mov")});
+    startExport({bench->makeFile("a.mov", failing()), bench->makeFile("b.mov")});
     QTRY_COMPARE(exportsEnded(), 1);
     const int before = bench->events.size();
     startExport({});
@@ -110,7 +117,7 @@ void TestExportFlow::aBatchThatSucceedsEndsReady()
 
 void TestExportFlow::everyHandlerGetsFifteenSteps()
 {
-    startExport({bench->makeFile("a.mov", failing)});
+    startExport({bench->makeFile("a.mov", failing())});
     QTRY_COMPARE(exportsEnded(), 1);
     QCOMPARE(bench->events, (QStringList{"export 0/1 exporting files...", "exportStarted",
                                          "export 15/15 exporting files...", // the handler's
@@ -120,7 +127,8 @@ void TestExportFlow::everyHandlerGetsFifteenSteps()
 
 void TestExportFlow::aBatchWithAFailureNamesTheFile()
 {
-    startExport({bench->makeFile("a.mov"), bench->makeFile("take.2.mov", failing), bench->makeFile("c.mov")});
+    startExport(
+        {bench->makeFile("a.mov"), bench->makeFile("take.2.mov", failing()), bench->makeFile("c.mov")});
     QTRY_COMPARE(exportsEnded(), 1);
     QCOMPARE(lastEvents(3), (QStringList{"export 45/45 exporting files...", "export 3/3 ready",
                                          "exportReady 2 [take.2.mov]"}));
@@ -135,7 +143,7 @@ void TestExportFlow::aCrashIsAFailure()
 
 void TestExportFlow::aFailedFileDoesNotStopTheBatch()
 {
-    startExport({bench->makeFile("a.mov", failing), bench->makeFile("b.mov", waiting)});
+    startExport({bench->makeFile("a.mov", failing()), bench->makeFile("b.mov", waiting())});
     QTRY_VERIFY(bench->events.contains("export 15/30 exporting files..."));
     QCOMPARE(exportsEnded(), 0);
     bench->openGate();
@@ -147,7 +155,7 @@ void TestExportFlow::progressIsCountedInFifteenUnitsAFile()
 {
     bench->control().onExportProgress(4); // of no batch
     QCOMPARE(bench->events, QStringList{"export 4/0 "});
-    startExport({bench->makeFile("a.mov", waiting), bench->makeFile("b.mov", waiting)});
+    startExport({bench->makeFile("a.mov", waiting()), bench->makeFile("b.mov", waiting())});
     bench->control().onExportProgress(7);
     bench->control().onExportProgress(0);
     bench->control().onExportProgress(3);
@@ -159,7 +167,7 @@ void TestExportFlow::progressIsCountedInFifteenUnitsAFile()
 
 void TestExportFlow::ninetyFiveExportsRunAtMostFortyFiveAtOnce()
 {
-    startExport(bench->makeFiles(95, waiting));
+    startExport(bench->makeFiles(95, waiting()));
     QCOMPARE(bench->handlers(), 45);
     QTRY_COMPARE_WITH_TIMEOUT(bench->startedTools().size(), 45, longWait);
     bench->openGate();
@@ -177,7 +185,7 @@ void TestExportFlow::cancellingReportsBeforeItReachesTheHandlers()
     QCOMPARE(bench->events, (QStringList{"export 0/0 cancelling export...", "cancelExportReq"}));
     bench->events.clear();
 
-    startExport({bench->makeFile("a.mov", waiting)});
+    startExport({bench->makeFile("a.mov", waiting())});
     bench->control().onExportProgress(6);
     bench->events.clear();
     bench->control().onExportCancel();
@@ -187,7 +195,7 @@ void TestExportFlow::cancellingReportsBeforeItReachesTheHandlers()
 
 void TestExportFlow::cancellingNinetyFiveExportsEndsOnce()
 {
-    startExport(bench->makeFiles(95, waiting));
+    startExport(bench->makeFiles(95, waiting()));
     QTRY_COMPARE_WITH_TIMEOUT(bench->startedTools().size(), 45, longWait);
     bench->events.clear();
     bench->control().onExportCancel();
@@ -198,7 +206,7 @@ void TestExportFlow::cancellingNinetyFiveExportsEndsOnce()
     QCOMPARE(bench->startedTools().size(), 45); // none of those that waited
     const QStringList ended = bench->eventsOf("exportReady 1 [");
     QCOMPARE(ended.size(), 1);
-    QCOMPARE(ended.first().count(".mov"), 45); // killed, so they failed
+    QCOMPARE(ended.constFirst().count(".mov"), 45); // killed, so they failed
     QCOMPARE(bench->count("export 95/95 cancelling export..."), 1);
     // One signal for the cancelling, then for each handler that ends one of its progress and one of its end,
     // and one for each file dropped from the queue; the first end drops all fifty.
@@ -206,8 +214,8 @@ void TestExportFlow::cancellingNinetyFiveExportsEndsOnce()
     QCOMPARE(counted.size(), 1 + 45 * 2 + 50);
     for (int i = 3; i < 53; ++i)
         QCOMPARE(counted.at(i), QString("export 15/1425 cancelling export..."));
-    QCOMPARE(lastEvents(3).first(), QString("export 95/95 cancelling export..."));
-    QCOMPARE(lastEvents(2).first(), QString("export 0/1 export cancelled"));
+    QCOMPARE(lastEvents(3).at(0), QString("export 95/95 cancelling export..."));
+    QCOMPARE(lastEvents(2).at(0), QString("export 0/1 export cancelled"));
     QCOMPARE(QDir(output("")).entryList({"*.MOV"}).size(), 0);
 }
 
@@ -247,7 +255,7 @@ void TestExportFlow::aCancelledBatchEndsInTheOrderOfItsPath()
         for (const FileData &file : probes)
             bench->control().onFFProbeFile(file, file.rowNumber);
     }
-    startExport({bench->makeFile("a.mov", waiting)});
+    startExport({bench->makeFile("a.mov", waiting())});
     bench->control().onExportCancel();
     QTRY_COMPARE(exportsEnded(), runs ? 1 : 0);
     bench->openGate(); // the first probe that ends lets the export queue be served
@@ -288,7 +296,7 @@ void TestExportFlow::theOutputOfACancelledExportIsDeleted()
 
 void TestExportFlow::theNextBatchIsNotCancelled()
 {
-    startExport({bench->makeFile("a.mov", waiting)});
+    startExport({bench->makeFile("a.mov", waiting())});
     bench->control().onExportCancel();
     QTRY_COMPARE(exportsEnded(), 1);
     bench->events.clear();
@@ -302,7 +310,7 @@ void TestExportFlow::theNextBatchIsNotCancelled()
 void TestExportFlow::exportsRunBesideAnImport()
 {
     bench->actAsFileTable();
-    startExport({bench->makeFile("a.mov", waiting)});
+    startExport({bench->makeFile("a.mov", waiting())});
     bench->makeFile("b.mov");
     bench->control().onIterateThroughDir({bench->mediaUrl("b.mov")});
     QTRY_VERIFY(bench->events.contains("importReady"));
@@ -318,8 +326,8 @@ void TestExportFlow::exportsRunBesideAnImport()
 void TestExportFlow::filesOfOneNameGetOutputsOfTheirOwn()
 {
     QVector<FileData> files;
-    for (const QString card : {"card1", "card2", "card3"})
-        files += bench->makeFile(card + "/clip.mov");
+    for (const char *card : {"card1", "card2", "card3"})
+        files += bench->makeFile(QString(card) + "/clip.mov");
     startExport(files);
     QTRY_COMPARE(exportsEnded(), 1);
     QCOMPARE(bench->events.last(), QString("exportReady 0 []"));
@@ -327,7 +335,7 @@ void TestExportFlow::filesOfOneNameGetOutputsOfTheirOwn()
              (QStringList{"clip.MOV", "clip_1.MOV", "clip_2.MOV"}));
 
     // A name whose export has ended without a file is free again.
-    startExport({bench->makeFile("x/other.mov", failing)});
+    startExport({bench->makeFile("x/other.mov", failing())});
     QTRY_COMPARE(exportsEnded(), 2);
     startExport({bench->makeFile("y/other.mov")});
     QTRY_COMPARE(exportsEnded(), 3);
@@ -336,8 +344,8 @@ void TestExportFlow::filesOfOneNameGetOutputsOfTheirOwn()
 
 void TestExportFlow::aSecondBatchTakesOverTheCounters()
 {
-    startExport({bench->makeFile("a.mov", waiting), bench->makeFile("b.mov", waiting)});
-    startExport({bench->makeFile("c.mov", waiting)});
+    startExport({bench->makeFile("a.mov", waiting()), bench->makeFile("b.mov", waiting())});
+    startExport({bench->makeFile("c.mov", waiting())});
     bench->events.clear();
     bench->openGate();
     QTRY_COMPARE(exportsEnded(), 3); // one file is all that the second batch counts

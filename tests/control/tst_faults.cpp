@@ -55,8 +55,10 @@ private:
     QTemporaryDir folder;
 };
 
-const QMap<QString, QString> realMediaTools{
-    {"ffprobe.exe", "ffprobe"}, {"ffmpeg.exe", "ffmpeg"}, {"LTCReader.exe", "LTCReader.exe"}};
+QMap<QString, QString> realMediaTools()
+{
+    return {{"ffprobe.exe", "ffprobe"}, {"ffmpeg.exe", "ffmpeg"}, {"LTCReader.exe", "LTCReader.exe"}};
+}
 
 /// Lets no file grow beyond \a bytes, in child processes too, as a full disk would. Ends with its life.
 class FullDisk
@@ -182,7 +184,7 @@ void TestFaults::aMissingToolFailsItsJob()
     QFETCH(QString, missing);
     QFETCH(QString, event);
     QMap<QString, QString> tools;
-    for (const QString tool : {"ffprobe.exe", "ffmpeg.exe", "LTCReader.exe"}) {
+    for (const char *tool : {"ffprobe.exe", "ffmpeg.exe", "LTCReader.exe"}) {
         if (tool != missing)
             tools[tool] = tool;
     }
@@ -226,7 +228,7 @@ void TestFaults::anExportWithoutItsToolCanBeCancelled()
     bench->control().onExportCancel();
     QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
     QCOMPARE(bench->eventsOf("exportReady").size(), 1);
-    QVERIFY(bench->eventsOf("exportReady").first().startsWith("exportReady 1 ["));
+    QVERIFY(bench->eventsOf("exportReady").constFirst().startsWith("exportReady 1 ["));
 }
 
 void TestFaults::aToolThatDiesFailsItsJob_data()
@@ -398,7 +400,8 @@ void TestFaults::oddNamesGoAllTheWay()
     bench->control().onExportReq({file}, options());
     QTRY_VERIFY(bench->events.contains("exportReady 0 []"));
     QCOMPARE(QDir(bench->mediaPath("out")).entryList(QDir::Files | QDir::Hidden).size(), 1);
-    for (const auto &call : faketools::calls(file.absoluteFilePath))
+    const auto calls = faketools::calls(file.absoluteFilePath);
+    for (const auto &call : calls)
         QVERIFY(call.job == "read" || call.arguments.contains(file.absoluteFilePath));
 }
 
@@ -422,7 +425,7 @@ void TestFaults::brokenFilesHoldUpNothingElse()
 {
     makeTone(bench->mediaPath("sound.wav"));
     makeTone(bench->mediaPath("good.mov"));
-    const OnlyTools real(realMediaTools);
+    const OnlyTools real(realMediaTools());
     QFile good(bench->mediaPath("sound.wav"));
     QVERIFY(good.open(QIODevice::ReadOnly));
     const QByteArray wave = good.readAll();
@@ -463,7 +466,7 @@ void TestFaults::aFullDiskFailsExtractionsAndExports()
 {
     makeTone(bench->mediaPath("a.mov"));
     makeTone(bench->mediaPath("b.mov"));
-    const OnlyTools real(realMediaTools);
+    const OnlyTools real(realMediaTools());
     bench->actAsFileTable();
     QVector<FileData> files(2);
     files[0].fileName = "a.mov";

@@ -13,9 +13,20 @@ namespace
 
 constexpr int longWait = 60'000; // [ms]
 
-const QJsonObject waitingProbe{{"probe", QJsonObject{{"waitFor", "gate"}}}};
-const QJsonObject failingProbe{{"probe", QJsonObject{{"exitCode", 1}}}};
-const QJsonObject silentProbe{{"probe", QJsonObject{{"json", QJsonObject()}}}};
+QJsonObject waitingProbe()
+{
+    return {{"probe", QJsonObject{{"waitFor", "gate"}}}};
+}
+
+QJsonObject failingProbe()
+{
+    return {{"probe", QJsonObject{{"exitCode", 1}}}};
+}
+
+QJsonObject silentProbe()
+{
+    return {{"probe", QJsonObject{{"json", QJsonObject()}}}};
+}
 
 } // namespace
 
@@ -110,19 +121,19 @@ void TestImportFlow::aGoodProbeFillsTheRecord()
     bench->control().onFFProbeFile(file, 4711);
     QTRY_COMPARE(bench->events, (QStringList{"import 1/0 importing files...", "probed 4711: 0"}));
 
-    const FileData probed = bench->probedFiles.first();
+    const FileData probed = bench->probedFiles.constFirst();
     QCOMPARE(probed.fileTC, QString("10:00:00.500"));
     QCOMPARE(probed.duration, 61.5);
     QCOMPARE(probed.audioChannelCount, 4);
     QCOMPARE(probed.audioStreamMap, QByteArray(1, 0));
     QVERIFY(probed.fileName.isNull()); // the table knows the file by its row
     QCOMPARE(faketools::calls(file.absoluteFilePath).size(), 1);
-    QCOMPARE(faketools::calls(file.absoluteFilePath).first().arguments.last(), file.absoluteFilePath);
+    QCOMPARE(faketools::calls(file.absoluteFilePath).constFirst().arguments.last(), file.absoluteFilePath);
 }
 
 void TestImportFlow::aFailedProbeIsWorthThreeUnits()
 {
-    bench->control().onFFProbeFile(bench->makeFile("a.mov", failingProbe), 0);
+    bench->control().onFFProbeFile(bench->makeFile("a.mov", failingProbe()), 0);
     QTRY_COMPARE(bench->events, (QStringList{"import 1/0 importing files...", "probed 0: 1000"}));
     bench->control().onFFProbeFile(bench->makeFile("b.mov"), 1);
     QTRY_COMPARE(bench->events.mid(2), (QStringList{"import 4/0 importing files...", "probed 1: 0"}));
@@ -130,7 +141,7 @@ void TestImportFlow::aFailedProbeIsWorthThreeUnits()
 
 void TestImportFlow::anEmptyProbeIsWorthOneUnit()
 {
-    bench->control().onFFProbeFile(bench->makeFile("a.mov", silentProbe), 0);
+    bench->control().onFFProbeFile(bench->makeFile("a.mov", silentProbe()), 0);
     QTRY_COMPARE(bench->events, (QStringList{"import 1/0 importing files...", "probed 0: 1001"}));
     bench->control().onFFProbeFile(bench->makeFile("b.mov"), 1);
     QTRY_COMPARE(bench->events.mid(2), (QStringList{"import 2/0 importing files...", "probed 1: 0"}));
@@ -144,18 +155,18 @@ void TestImportFlow::aCrashingProbeIsAFailedProbe()
 
 void TestImportFlow::theRecordOfAFailedProbeIsADefaultOne()
 {
-    FileData file = bench->makeFile("a.mov", failingProbe);
+    FileData file = bench->makeFile("a.mov", failingProbe());
     file.setFileTC("01:00:00:00");
     bench->control().onFFProbeFile(file, 0);
     QTRY_COMPARE(bench->probedFiles.size(), 1);
-    QVERIFY(bench->probedFiles.first().absoluteFilePath.isNull());
-    QVERIFY(!bench->probedFiles.first().hasFileTC);
-    QCOMPARE(bench->probedFiles.first().rowNumber, -1);
+    QVERIFY(bench->probedFiles.constFirst().absoluteFilePath.isNull());
+    QVERIFY(!bench->probedFiles.constFirst().hasFileTC);
+    QCOMPARE(bench->probedFiles.constFirst().rowNumber, -1);
 }
 
 void TestImportFlow::theFortyFifthProbeStartsAndTheFortySixthWaits()
 {
-    const QVector<FileData> files = bench->makeFiles(46, waitingProbe);
+    const QVector<FileData> files = bench->makeFiles(46, waitingProbe());
     for (int row = 0; row < 44; ++row)
         bench->control().onFFProbeFile(files.at(row), row);
     QCOMPARE(bench->handlers(), 44);
@@ -172,7 +183,7 @@ void TestImportFlow::theFortyFifthProbeStartsAndTheFortySixthWaits()
 
 void TestImportFlow::ninetyFiveProbesRunAtMostFortyFiveAtOnce()
 {
-    const QVector<FileData> files = bench->makeFiles(95, waitingProbe);
+    const QVector<FileData> files = bench->makeFiles(95, waitingProbe());
     for (int row = 0; row < files.size(); ++row)
         bench->control().onFFProbeFile(files.at(row), row);
     QTRY_COMPARE_WITH_TIMEOUT(bench->startedTools().size(), 45, longWait);
@@ -188,7 +199,7 @@ void TestImportFlow::ninetyFiveProbesRunAtMostFortyFiveAtOnce()
 
 void TestImportFlow::waitingProbesStartInOrder()
 {
-    const QVector<FileData> files = bench->makeFiles(45, waitingProbe);
+    const QVector<FileData> files = bench->makeFiles(45, waitingProbe());
     for (int row = 0; row < files.size(); ++row)
         bench->control().onFFProbeFile(files.at(row), row);
     QStringList waiting;
@@ -210,7 +221,7 @@ void TestImportFlow::theCountOfRunningJobsStaysAtZero()
 {
     for (int i = 0; i < 3; ++i)
         bench->control().onFFProbeReady(nullptr, {}, 0, 1);
-    const QVector<FileData> files = bench->makeFiles(46, waitingProbe);
+    const QVector<FileData> files = bench->makeFiles(46, waitingProbe());
     for (int row = 0; row < files.size(); ++row)
         bench->control().onFFProbeFile(files.at(row), row);
     QCOMPARE(bench->handlers(), 45); // as ever
@@ -277,9 +288,9 @@ void TestImportFlow::anImportThatEndsWithAFailedProbeIsReady()
 void TestImportFlow::anImportWithAnEmptyProbeEndsInSilence()
 {
     bench->actAsFileTable();
-    bench->makeFile("a.mov", silentProbe);
+    bench->makeFile("a.mov", silentProbe());
     bench->makeFile("b.mov");
-    bench->makeFile("c.mov", failingProbe);
+    bench->makeFile("c.mov", failingProbe());
     bench->control().onIterateThroughDir({bench->mediaUrl()});
     QTRY_VERIFY(bench->events.contains("importIdle"));
     QVERIFY(!bench->events.contains("importReady"));
@@ -299,7 +310,7 @@ void TestImportFlow::aDropWithNothingUsableEndsInSilence()
 
 void TestImportFlow::anImportDoesNotEndWhileAFileIsUnanswered()
 {
-    const FileData silent = bench->makeFile("a.mov", silentProbe);
+    const FileData silent = bench->makeFile("a.mov", silentProbe());
     const FileData good = bench->makeFile("b.mov");
     bench->control().onIterateThroughDir({bench->mediaUrl("a.mov"), bench->mediaUrl("b.mov")});
     bench->control().onFFProbeFile(silent, 0);
@@ -321,7 +332,7 @@ void TestImportFlow::anImportDoesNotEndWhileAFileIsUnanswered()
 void TestImportFlow::theNextImportCountsFromZero()
 {
     bench->actAsFileTable();
-    bench->makeFile("a.mov", silentProbe);
+    bench->makeFile("a.mov", silentProbe());
     bench->control().onIterateThroughDir({bench->mediaUrl("a.mov")});
     QTRY_VERIFY(bench->events.contains("importIdle"));
     bench->events.clear();
@@ -394,7 +405,7 @@ void TestImportFlow::shuttingDownKillsTheToolsAndRemovesTheTemporaryFolder()
     const QVector<FileData> files = bench->makeFiles(
         50, {{"extract", QJsonObject{{"hang", true}}}, {"probe", QJsonObject{{"hang", true}}}});
     bench->control().onIterateThroughDir({bench->mediaUrl()});
-    bench->control().onInitAudioTCInfo(files.first(), 0);
+    bench->control().onInitAudioTCInfo(files.constFirst(), 0);
     QTRY_COMPARE_WITH_TIMEOUT(bench->startedTools().size(), 45, longWait);
     const QStringList before = bench->events;
 

@@ -194,9 +194,9 @@ void TestProbedRecord::theDurationIsANumberOfSeconds_data()
 void TestProbedRecord::theDurationIsANumberOfSeconds()
 {
     QFETCH(QString, text);
-    for (const QString name : {"wav", "mov"}) {
+    for (const char *name : {"wav", "mov"}) {
         const QString json = R"({"format": {"format_name": "%1", "duration": %2}})";
-        QTEST(probed(json.arg(name, text).toUtf8().constData()).duration, "seconds");
+        QTEST(probed(json.arg(QString(name), text).toUtf8().constData()).duration, "seconds");
     }
 }
 

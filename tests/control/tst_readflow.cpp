@@ -18,9 +18,15 @@ QJsonObject plan(const QString &job, const QJsonObject &part)
     return {{job, part}};
 }
 
-const QJsonObject failing{{"exitCode", 1}};
-const QJsonObject waiting{{"waitFor", "gate"}};
-const QJsonObject writingNothing{{"actions", QJsonArray()}};
+QJsonObject failing()
+{
+    return {{"exitCode", 1}};
+}
+
+QJsonObject waiting()
+{
+    return {{"waitFor", "gate"}};
+}
 
 } // namespace
 
@@ -183,9 +189,9 @@ void TestReadFlow::anImportReadsWithAutomaticSettings()
     bench->control().onInitAudioTCInfo(camera, 0);
     bench->control().onInitAudioTCInfo(other, 1);
     QTRY_COMPARE(bench->eventsOf("read ").size(), 2);
-    QCOMPARE(faketools::calls(camera.absoluteFilePath, "read").first().arguments.mid(1),
+    QCOMPARE(faketools::calls(camera.absoluteFilePath, "read").constFirst().arguments.mid(1),
              QStringList{"-aSLOPE"});
-    QCOMPARE(faketools::calls(other.absoluteFilePath, "read").first().arguments,
+    QCOMPARE(faketools::calls(other.absoluteFilePath, "read").constFirst().arguments,
              QStringList{QDir(bench->temporaryPath()).filePath("other/other_1_1.wav")});
 }
 
@@ -198,7 +204,7 @@ void TestReadFlow::aReReadPassesItsOptions()
     const FileData file = makeSound("a.mov", 4, "\x01");
     bench->control().onUpdateAudioTCInfo({file}, options);
     QTRY_VERIFY(bench->events.contains("readingFinished"));
-    QCOMPARE(faketools::calls(file.absoluteFilePath, "read").first().arguments.mid(1),
+    QCOMPARE(faketools::calls(file.absoluteFilePath, "read").constFirst().arguments.mid(1),
              (QStringList{"-c3", "-f29.97", "-aMID"}));
     QCOMPARE(faketools::calls(file.absoluteFilePath, "extract").size(), 1);
 }
@@ -206,7 +212,7 @@ void TestReadFlow::aReReadPassesItsOptions()
 void TestReadFlow::aFailedExtractionIsReported_data()
 {
     QTest::addColumn<QJsonObject>("part");
-    QTest::newRow("exit code") << failing;
+    QTest::newRow("exit code") << failing();
     QTest::newRow("crash") << QJsonObject{{"crash", true}};
 }
 
@@ -234,7 +240,7 @@ void TestReadFlow::aReReadThatEndsWithAFailedExtractionIsAnImportReady()
 
 void TestReadFlow::aFailedExtractionAtTheEndLeavesTheFractionAndTheFolder()
 {
-    reRead({makeSound("bad.mov", 0, "\x01", plan("extract", failing))});
+    reRead({makeSound("bad.mov", 0, "\x01", plan("extract", failing()))});
     QTRY_VERIFY(bench->events.contains("importReady"));
     QVERIFY(bench->hasTemporaryFolder());
     QTRY_COMPARE(bench->handlers(), 0);
@@ -253,7 +259,7 @@ void TestReadFlow::aFailedExtractionAtTheEndLeavesTheFractionAndTheFolder()
 
 void TestReadFlow::theNextStageRemovesTheFolderFirst()
 {
-    reRead({makeSound("bad.mov", 0, "\x01", plan("extract", failing))});
+    reRead({makeSound("bad.mov", 0, "\x01", plan("extract", failing()))});
     QTRY_VERIFY(bench->events.contains("importReady"));
     QTRY_COMPARE(bench->handlers(), 0);
     const QString leftOver = bench->temporaryPath() + "/good";
@@ -276,7 +282,7 @@ void TestReadFlow::progressNeverRepeatsAFraction()
     for (int row = 0; row < 30; ++row) {
         const QByteArray streams = QByteArray("\x01\x02\x03\x04").left(1 + row % 4);
         files += makeSound(QString("clip%1.mov").arg(row), row, streams,
-                           row % 7 == 0 ? plan("extract", failing) : QJsonObject());
+                           row % 7 == 0 ? plan("extract", failing()) : QJsonObject());
     }
     reRead(files);
     QTRY_VERIFY_WITH_TIMEOUT(
@@ -296,7 +302,7 @@ void TestReadFlow::progressNeverRepeatsAFraction()
 void TestReadFlow::extractedAudioStaysUntilTheEndOfTheStage()
 {
     const QDir temporary(bench->temporaryPath());
-    reRead({makeSound("a.mov", 0, "\x01"), makeSound("b.mov", 1, "\x01", plan("read", waiting))});
+    reRead({makeSound("a.mov", 0, "\x01"), makeSound("b.mov", 1, "\x01", plan("read", waiting()))});
     QTRY_VERIFY(bench->events.contains("read 0 stream 1: 0 10:00:00:00"));
     QVERIFY(temporary.exists("a/a_1_0.wav"));
     bench->openGate();
@@ -333,7 +339,7 @@ void TestReadFlow::everyFileInTheSubFolderIsRead()
                       plan("extract", {{"actions", QJsonArray{QJsonObject{{"waitFor", "gate"}},
                                                               QJsonObject{{"work", true}}}}}))});
     QVERIFY(folder.mkpath("folder_1_7.wav"));
-    for (const QString name : {".hidden_3_7.wav", "strange.txt", "other_1_8.wav"})
+    for (const char *name : {".hidden_3_7.wav", "strange.txt", "other_1_8.wav"})
         QVERIFY(QFile(folder.filePath(name)).open(QIODevice::WriteOnly));
     bench->openGate();
     QTRY_VERIFY(bench->events.contains("readingFinished"));
@@ -359,8 +365,8 @@ void TestReadFlow::extractionsBeyondTheLimitKeepTheirRow()
 void TestReadFlow::readersOfOneFileStartTogetherBeyondTheLimit()
 {
     startWaitingProbes(43);
-    bench->control().onInitAudioTCInfo(makeSound("a.mov", -1, "\x01\x02\x03\x04\x05", plan("read", waiting)),
-                                       1);
+    bench->control().onInitAudioTCInfo(
+        makeSound("a.mov", -1, "\x01\x02\x03\x04\x05", plan("read", waiting())), 1);
     QCOMPARE(bench->handlers(), 44);
     QTRY_COMPARE(bench->handlers(), 43 + 5);
     bench->control().onFFProbeFile(bench->makeFile("b.mov"), 2);
@@ -445,7 +451,7 @@ void TestReadFlow::stagesThatCannotCompleteEndInSilence()
 void TestReadFlow::aReReadWaitsForTheImportUnderWay()
 {
     bench->actAsFileTable();
-    bench->makeFile("a.mov", plan("probe", waiting));
+    bench->makeFile("a.mov", plan("probe", waiting()));
     bench->control().onIterateThroughDir({bench->mediaUrl("a.mov")});
     const FileData other = makeSound("b.mov", 8, "\x01");
     reRead({other});
@@ -462,7 +468,7 @@ void TestReadFlow::aReReadWaitsForTheImportUnderWay()
 void TestReadFlow::aDropWaitsForTheReReadUnderWay()
 {
     bench->actAsFileTable();
-    reRead({makeSound("a.mov", 8, "\x01", plan("read", waiting))});
+    reRead({makeSound("a.mov", 8, "\x01", plan("read", waiting()))});
     bench->makeFile("b.mov");
     bench->control().onIterateThroughDir({bench->mediaUrl("b.mov")});
     QTRY_COMPARE(bench->startedTools(), (QStringList{"extract a.mov", "read a.mov"}));
@@ -487,15 +493,17 @@ void TestReadFlow::aReReadWaitsForTheReReadUnderWay()
     bench->control().onUpdateAudioTCInfo({second}, options);
     bench->openGate();
     QTRY_COMPARE(bench->count("readingFinished"), 2);
-    QCOMPARE(faketools::calls(first.absoluteFilePath, "read").first().arguments.size(), 1); // its own options
-    QCOMPARE(faketools::calls(second.absoluteFilePath, "read").first().arguments.mid(1), QStringList{"-c5"});
+    QCOMPARE(faketools::calls(first.absoluteFilePath, "read").constFirst().arguments.size(),
+             1); // its own options
+    QCOMPARE(faketools::calls(second.absoluteFilePath, "read").constFirst().arguments.mid(1),
+             QStringList{"-c5"});
 }
 
 void TestReadFlow::aDropDuringAnImportRunsAtOnce()
 {
     bench->actAsFileTable();
-    bench->makeFile("a.mov", plan("probe", waiting));
-    bench->makeFile("b.mov", plan("read", waiting));
+    bench->makeFile("a.mov", plan("probe", waiting()));
+    bench->makeFile("b.mov", plan("read", waiting()));
     bench->control().onIterateThroughDir({bench->mediaUrl("a.mov")});
     reRead({makeSound("c.mov", 9, "\x01")}); // waits, and does not hold the drop up
     bench->control().onIterateThroughDir({bench->mediaUrl("b.mov")});
@@ -510,7 +518,7 @@ void TestReadFlow::aDropDuringAnImportRunsAtOnce()
 void TestReadFlow::whatWaitsIsServedInOrder()
 {
     bench->actAsFileTable();
-    reRead({makeSound("a.mov", 50, "\x01", plan("read", waiting))});
+    reRead({makeSound("a.mov", 50, "\x01", plan("read", waiting()))});
     bench->makeFile("b.mov");
     bench->makeFile("d.mov");
     bench->control().onIterateThroughDir({bench->mediaUrl("b.mov")});
@@ -524,7 +532,7 @@ void TestReadFlow::whatWaitsIsServedInOrder()
     QCOMPARE(bench->eventsOf("found "), (QStringList{"found b.mov", "found d.mov"}));
     QCOMPARE(bench->count("importReady"), 1); // the drops that waited make one import
     const QStringList order = bench->eventsOf("read");
-    QCOMPARE(order.first(), QString("read 50 stream 1: 0 10:00:00:00"));
+    QCOMPARE(order.constFirst(), QString("read 50 stream 1: 0 10:00:00:00"));
     QCOMPARE(order.mid(order.size() - 4),
              (QStringList{"read 60 stream 1: 0 10:00:00:00", "readingFinished",
                           "read 61 stream 1: 0 10:00:00:00", "readingFinished"}));

@@ -87,7 +87,7 @@ void TestTemporaryFolder::itIsAFolderOfTheSystemsTemporaryFolder()
 void TestTemporaryFolder::subFoldersBearTheBaseName()
 {
     TemporaryFolder folder(parent->path());
-    for (const QString name : {"clip", "take %2", "A 001", "", "\"quoted\"", "-dash"}) {
+    for (const char *name : {"clip", "take %2", "A 001", "", "\"quoted\"", "-dash"}) {
         const QString path = folder.createSubFolder(name);
         QCOMPARE(path, folder.path() + QDir::separator() + name);
         QCOMPARE(path, folder.subFolder(name));
