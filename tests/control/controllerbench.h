@@ -10,6 +10,8 @@
 
 #include <memory>
 
+constexpr int longWait = 60'000; ///< [ms] for what must come; a busy machine takes its time
+
 /// A controller under test with fake tools, a media folder and a temporary folder of its own.
 ///
 /// Writes down every signal of the controller as one line of text, in order.

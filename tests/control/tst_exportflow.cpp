@@ -11,8 +11,6 @@
 namespace
 {
 
-constexpr int longWait = 60'000; // [ms]
-
 QJsonObject exporting(const QJsonObject &part)
 {
     return {{"export", part}};
@@ -95,12 +93,12 @@ void TestExportFlow::anExportOfNothingSaysNothing()
     QCoreApplication::processEvents();
     QCOMPARE(bench->events, QStringList());
     startExport({bench->makeFile("a.mov", failing()), bench->makeFile("b.mov")});
-    QTRY_COMPARE(exportsEnded(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
     const int before = bench->events.size();
     startExport({});
     QCOMPARE(bench->events.size(), before);
     startExport({bench->makeFile("b.mov")});
-    QTRY_COMPARE(exportsEnded(), 2);
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 2, longWait);
     QCOMPARE(bench->events.last(), QString("exportReady 0 []")); // the failure is forgotten
 }
 
@@ -108,17 +106,17 @@ void TestExportFlow::aBatchThatSucceedsEndsReady()
 {
     startExport({bench->makeFile("a.mov"), bench->makeFile("b.mov")});
     QCOMPARE(bench->events, (QStringList{"export 0/1 exporting files...", "exportStarted"}));
-    QTRY_COMPARE(exportsEnded(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
     QCOMPARE(lastEvents(3),
              (QStringList{"export 30/30 exporting files...", "export 2/2 ready", "exportReady 0 []"}));
     QVERIFY(QFileInfo::exists(output("a.MOV")) && QFileInfo::exists(output("b.MOV")));
-    QTRY_COMPARE(bench->handlers(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
 }
 
 void TestExportFlow::everyHandlerGetsFifteenSteps()
 {
     startExport({bench->makeFile("a.mov", failing())});
-    QTRY_COMPARE(exportsEnded(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
     QCOMPARE(bench->events, (QStringList{"export 0/1 exporting files...", "exportStarted",
                                          "export 15/15 exporting files...", // the handler's
                                          "export 15/15 exporting files...", // the file has ended
@@ -129,7 +127,7 @@ void TestExportFlow::aBatchWithAFailureNamesTheFile()
 {
     startExport(
         {bench->makeFile("a.mov"), bench->makeFile("take.2.mov", failing()), bench->makeFile("c.mov")});
-    QTRY_COMPARE(exportsEnded(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
     QCOMPARE(lastEvents(3), (QStringList{"export 45/45 exporting files...", "export 3/3 ready",
                                          "exportReady 2 [take.2.mov]"}));
 }
@@ -137,17 +135,17 @@ void TestExportFlow::aBatchWithAFailureNamesTheFile()
 void TestExportFlow::aCrashIsAFailure()
 {
     startExport({bench->makeFile("a.mov", exporting({{"crash", true}}))});
-    QTRY_COMPARE(exportsEnded(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
     QCOMPARE(bench->events.last(), QString("exportReady 2 [a.mov]"));
 }
 
 void TestExportFlow::aFailedFileDoesNotStopTheBatch()
 {
     startExport({bench->makeFile("a.mov", failing()), bench->makeFile("b.mov", waiting())});
-    QTRY_VERIFY(bench->events.contains("export 15/30 exporting files..."));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("export 15/30 exporting files..."), longWait);
     QCOMPARE(exportsEnded(), 0);
     bench->openGate();
-    QTRY_COMPARE(exportsEnded(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
     QVERIFY(QFileInfo::exists(output("b.MOV")));
 }
 
@@ -162,7 +160,7 @@ void TestExportFlow::progressIsCountedInFifteenUnitsAFile()
     QCOMPARE(lastEvents(3), (QStringList{"export 7/30 exporting files...", "export 7/30 exporting files...",
                                          "export 10/30 exporting files..."}));
     bench->openGate();
-    QTRY_COMPARE(exportsEnded(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
 }
 
 void TestExportFlow::ninetyFiveExportsRunAtMostFortyFiveAtOnce()
@@ -190,7 +188,7 @@ void TestExportFlow::cancellingReportsBeforeItReachesTheHandlers()
     bench->events.clear();
     bench->control().onExportCancel();
     QCOMPARE(bench->events, (QStringList{"export 6/15 cancelling export...", "cancelExportReq"}));
-    QTRY_COMPARE(exportsEnded(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
 }
 
 void TestExportFlow::cancellingNinetyFiveExportsEndsOnce()
@@ -257,7 +255,7 @@ void TestExportFlow::aCancelledBatchEndsInTheOrderOfItsPath()
     }
     startExport({bench->makeFile("a.mov", waiting())});
     bench->control().onExportCancel();
-    QTRY_COMPARE(exportsEnded(), runs ? 1 : 0);
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), runs ? 1 : 0, longWait);
     bench->openGate(); // the first probe that ends lets the export queue be served
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
     QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
@@ -282,13 +280,13 @@ void TestExportFlow::theOutputOfACancelledExportIsDeleted()
     QFETCH(bool, isKilled);
     const QJsonArray actions{QJsonObject{{"work", true}}, QJsonObject{{"waitFor", "gate"}}};
     startExport({bench->makeFile("a.mov", exporting({{"actions", actions}}))});
-    QTRY_VERIFY(QFileInfo::exists(output("a.MOV")));
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(output("a.MOV")), longWait);
     if (!isKilled)
         disconnect(&bench->control(), &MainControl::cancelExportReq, nullptr, nullptr);
     bench->control().onExportCancel();
     if (!isKilled)
         bench->openGate();
-    QTRY_COMPARE(exportsEnded(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
     QTEST(bench->events.last(), "end");
     QVERIFY(!QFileInfo::exists(output("a.MOV")));
     QVERIFY(QFileInfo::exists(bench->mediaPath("a.mov")));
@@ -298,10 +296,10 @@ void TestExportFlow::theNextBatchIsNotCancelled()
 {
     startExport({bench->makeFile("a.mov", waiting())});
     bench->control().onExportCancel();
-    QTRY_COMPARE(exportsEnded(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
     bench->events.clear();
     startExport({bench->makeFile("b.mov")});
-    QTRY_COMPARE(exportsEnded(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
     QCOMPARE(bench->events.last(), QString("exportReady 0 []"));
     QVERIFY(!bench->events.filter("cancel").size());
     QVERIFY(QFileInfo::exists(output("b.MOV")));
@@ -313,13 +311,13 @@ void TestExportFlow::exportsRunBesideAnImport()
     startExport({bench->makeFile("a.mov", waiting())});
     bench->makeFile("b.mov");
     bench->control().onIterateThroughDir({bench->mediaUrl("b.mov")});
-    QTRY_VERIFY(bench->events.contains("importReady"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
     QCOMPARE(exportsEnded(), 0);
     bench->control().onUpdateAudioTCInfo({bench->makeFile("b.mov", {}, 0)}, automaticReading());
-    QTRY_VERIFY(bench->events.contains("readingFinished"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
     QCOMPARE(exportsEnded(), 0);
     bench->openGate();
-    QTRY_COMPARE(exportsEnded(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
     QCOMPARE(bench->events.last(), QString("exportReady 0 []"));
 }
 
@@ -329,16 +327,16 @@ void TestExportFlow::filesOfOneNameGetOutputsOfTheirOwn()
     for (const char *card : {"card1", "card2", "card3"})
         files += bench->makeFile(QString(card) + "/clip.mov");
     startExport(files);
-    QTRY_COMPARE(exportsEnded(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
     QCOMPARE(bench->events.last(), QString("exportReady 0 []"));
     QCOMPARE(QDir(output("")).entryList({"*.MOV"}, QDir::Files, QDir::Name),
              (QStringList{"clip.MOV", "clip_1.MOV", "clip_2.MOV"}));
 
     // A name whose export has ended without a file is free again.
     startExport({bench->makeFile("x/other.mov", failing())});
-    QTRY_COMPARE(exportsEnded(), 2);
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 2, longWait);
     startExport({bench->makeFile("y/other.mov")});
-    QTRY_COMPARE(exportsEnded(), 3);
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 3, longWait);
     QVERIFY(QFileInfo::exists(output("other.MOV")));
 }
 
@@ -348,9 +346,9 @@ void TestExportFlow::aSecondBatchTakesOverTheCounters()
     startExport({bench->makeFile("c.mov", waiting())});
     bench->events.clear();
     bench->openGate();
-    QTRY_COMPARE(exportsEnded(), 3); // one file is all that the second batch counts
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 3, longWait); // one file is all that the second batch counts
     QCOMPARE(bench->count("export 1/1 ready"), 1);
-    QTRY_COMPARE(bench->handlers(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
 }
 
 QTEST_GUILESS_MAIN(TestExportFlow)

@@ -26,8 +26,6 @@
 namespace
 {
 
-constexpr int longWait = 60'000; // [ms]
-
 QJsonObject plan(const QString &job, const QJsonObject &part)
 {
     return {{job, part}};
@@ -192,10 +190,10 @@ void TestFaults::aMissingToolFailsItsJob()
     bench->actAsFileTable();
     bench->makeFile("a.mov");
     bench->control().onIterateThroughDir({bench->mediaUrl()});
-    QTRY_VERIFY(bench->events.contains("importReady"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
     QCOMPARE(bench->events.last(), QString("importReady"));
     QCOMPARE(bench->count(event), 1);
-    QTRY_COMPARE(bench->handlers(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
 }
 
 void TestFaults::anImportWithoutAnyToolIsReady()
@@ -206,7 +204,7 @@ void TestFaults::anImportWithoutAnyToolIsReady()
     bench->control().onIterateThroughDir({bench->mediaUrl()});
     QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
     QCOMPARE(bench->eventsOf("probed ").filter(": 1000").size(), 100);
-    QTRY_COMPARE(bench->handlers(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
 }
 
 void TestFaults::anExportWithoutItsToolFailsEveryFile()
@@ -218,7 +216,7 @@ void TestFaults::anExportWithoutItsToolFailsEveryFile()
     QVERIFY(bench->events.last().startsWith("exportReady 2 ["));
     QCOMPARE(bench->events.last().count(".mov"), 95);
     QCOMPARE(bench->count("export 1425/1425 exporting files..."), 2); // the units add up all the same
-    QTRY_COMPARE(bench->handlers(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
 }
 
 void TestFaults::anExportWithoutItsToolCanBeCancelled()
@@ -251,14 +249,14 @@ void TestFaults::aToolThatDiesFailsItsJob()
     bench->makeFile("a.mov", plan(job, {{"hang", true}}));
     bench->makeFile("b.mov");
     bench->control().onIterateThroughDir({bench->mediaUrl("a.mov"), bench->mediaUrl("b.mov")});
-    QTRY_VERIFY(bench->startedTools().contains(job + " a.mov"));
-    QTRY_COMPARE(bench->handlers(), 1);
+    QTRY_VERIFY_WITH_TIMEOUT(bench->startedTools().contains(job + " a.mov"), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 1, longWait);
     const auto processes = bench->control().findChildren<QProcess *>();
     for (const QProcess *process : processes) {
         if (process->processId() > 0)
             QCOMPARE(kill(static_cast<pid_t>(process->processId()), SIGKILL), 0);
     }
-    QTRY_VERIFY(bench->events.contains("importReady"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
     QCOMPARE(bench->count(event), 1);
     QVERIFY(bench->events.contains("read 1 stream 1: 0 10:00:00:00"));
     QVERIFY(!bench->hasTemporaryFolder() || job == "extract");
@@ -271,7 +269,7 @@ void TestFaults::aStoppedToolHoldsUpNothingElse()
     bench->makeFile("slow.mov", plan("probe", {{"waitFor", "gate"}}));
     bench->control().onIterateThroughDir({bench->mediaUrl()});
     QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("read ").size(), 20, longWait);
-    QTRY_COMPARE(bench->handlers(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 1, longWait);
     const auto processes = bench->control().findChildren<QProcess *>();
     for (const QProcess *process : processes) {
         if (process->processId() > 0)
@@ -279,14 +277,14 @@ void TestFaults::aStoppedToolHoldsUpNothingElse()
     }
     bench->openGate();
     bench->control().onExportReq({bench->makeFile("clip0.mov")}, options());
-    QTRY_VERIFY(bench->events.contains("exportReady 0 []"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("exportReady 0 []"), longWait);
     QVERIFY(!bench->events.contains("importReady"));
     QCOMPARE(bench->handlers(), 1);
     for (const QProcess *process : processes) {
         if (process->processId() > 0)
             QCOMPARE(kill(static_cast<pid_t>(process->processId()), SIGCONT), 0);
     }
-    QTRY_VERIFY(bench->events.contains("importReady"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
     QCOMPARE(bench->eventsOf("read ").size(), 21);
 }
 
@@ -309,17 +307,17 @@ void TestFaults::aVanishedSourceFailsItsNextJob()
     bench->actAsFileTable();
     bench->makeFile("a.mov", plan(held, {{"waitFor", "gate"}}));
     bench->control().onIterateThroughDir({bench->mediaUrl()});
-    QTRY_VERIFY(bench->startedTools().contains(held + " a.mov"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->startedTools().contains(held + " a.mov"), longWait);
     QVERIFY(QFile::remove(bench->mediaPath("a.mov")));
     bench->openGate();
-    QTRY_VERIFY(bench->events.contains("importReady"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
     QCOMPARE(bench->count(event), 1);
 
     FileData gone;
     gone.fileName = "a.mov";
     gone.absoluteFilePath = bench->mediaPath("a.mov");
     bench->control().onExportReq({gone, bench->makeFile("b.mov")}, options());
-    QTRY_VERIFY(bench->events.contains("exportReady 2 [a.mov]"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("exportReady 2 [a.mov]"), longWait);
 }
 
 void TestFaults::anExportFolderRemovedInMidBatchFailsTheRest()
@@ -327,7 +325,7 @@ void TestFaults::anExportFolderRemovedInMidBatchFailsTheRest()
     const QVector<FileData> files = bench->makeFiles(60, plan("export", {{"waitFor", "gate"}}));
     const FileData good = bench->makeFile("good.mov", plan("export", QJsonObject()));
     bench->control().onExportReq(QVector<FileData>{good} + files, options());
-    QTRY_VERIFY(QFileInfo::exists(bench->mediaPath("out/good.MOV")));
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(bench->mediaPath("out/good.MOV")), longWait);
     QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 45, longWait);
     QVERIFY(QDir(bench->mediaPath("out")).removeRecursively());
     bench->openGate();
@@ -347,7 +345,7 @@ void TestFaults::withoutATemporaryFolderEveryExtractionFails()
     bench->actAsFileTable();
     bench->makeFiles(3);
     bench->control().onIterateThroughDir({bench->mediaUrl()});
-    QTRY_VERIFY(bench->events.contains("importReady"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
     QCOMPARE(bench->eventsOf("read ").filter("stream -1: 2001").size(), 3);
     QVERIFY(!QFileInfo::exists(place));
     QVERIFY(QDir().rename(place + " elsewhere", place));
@@ -357,16 +355,16 @@ void TestFaults::twoInstancesDoNotDisturbEachOther()
 {
     const FileData file = bench->makeFile("a.mov", plan("read", {{"waitFor", "gate"}}), 0);
     bench->control().onUpdateAudioTCInfo({file}, automaticReading());
-    QTRY_VERIFY(bench->startedTools().contains("read a.mov"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->startedTools().contains("read a.mov"), longWait);
     {
         MainControl other;
         QSignalSpy finished(&other, &MainControl::readingFinished);
         other.onUpdateAudioTCInfo({bench->makeFile("b.mov", {}, 0)}, automaticReading());
-        QTRY_COMPARE(finished.size(), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, longWait);
     }
     QVERIFY(QFileInfo::exists(bench->temporaryPath() + "/a/a_1_0.wav"));
     bench->openGate();
-    QTRY_VERIFY(bench->events.contains("readingFinished"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
     QCOMPARE(bench->eventsOf("read "), QStringList{"read 0 stream 1: 0 10:00:00:00"});
 }
 
@@ -393,12 +391,12 @@ void TestFaults::oddNamesGoAllTheWay()
     bench->actAsFileTable();
     const FileData file = bench->makeFile("card/" + name);
     bench->control().onIterateThroughDir({QUrl::fromLocalFile(file.absoluteFilePath)});
-    QTRY_VERIFY(bench->events.contains("importReady"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
     QCOMPARE(bench->eventsOf("read "), QStringList{"read 0 stream 1: 0 10:00:00:00"});
     QVERIFY(!bench->hasTemporaryFolder());
 
     bench->control().onExportReq({file}, options());
-    QTRY_VERIFY(bench->events.contains("exportReady 0 []"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("exportReady 0 []"), longWait);
     QCOMPARE(QDir(bench->mediaPath("out")).entryList(QDir::Files | QDir::Hidden).size(), 1);
     const auto calls = faketools::calls(file.absoluteFilePath);
     for (const auto &call : calls)
@@ -415,7 +413,7 @@ void TestFaults::aNameThatIsNoTextIsAFailedProbe()
     bench->actAsFileTable();
     bench->makeFile("card/good.mov");
     bench->control().onIterateThroughDir({bench->mediaUrl("card")});
-    QTRY_VERIFY(bench->events.contains("importReady"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
     QCOMPARE(bench->eventsOf("probed ").filter(": 0").size(), 1);
     QCOMPARE(bench->eventsOf("probed ").size(), bench->eventsOf("found ").size());
     QCOMPARE(std::remove(name.constData()), 0); // nobody else could
@@ -452,7 +450,7 @@ void TestFaults::brokenFilesHoldUpNothingElse()
     bench->control().onIterateThroughDir({bench->mediaUrl()});
     QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady") || bench->events.contains("importIdle"),
                              longWait);
-    QTRY_COMPARE(bench->handlers(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
     QCOMPARE(bench->eventsOf("probed ").size(), contents.size() + 2);
     QCOMPARE(bench->eventsOf("probed ").filter(": 0").size() +
                  bench->eventsOf("probed ").filter(": 1000").size(),
@@ -501,15 +499,15 @@ void TestFaults::theSourcesStayAsTheyWere()
         source.write(before[source.fileName()]);
     }
     bench->control().onIterateThroughDir({bench->mediaUrl()});
-    QTRY_VERIFY(bench->events.contains("importReady"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
     ExportOptions besideTheSources = options();
     besideTheSources.exportDir = bench->mediaPath(".");
     besideTheSources.videoType = 0; // the sources' own suffix
     bench->control().onExportReq(files, besideTheSources);
-    QTRY_COMPARE(bench->eventsOf("exportReady 2").size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("exportReady 2").size(), 1, longWait);
     bench->control().onExportReq(files, besideTheSources);
     bench->control().onExportCancel();
-    QTRY_COMPARE(bench->eventsOf("exportReady 1").size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("exportReady 1").size(), 1, longWait);
     for (auto source = before.cbegin(); source != before.cend(); ++source) {
         QFile file(source.key());
         QVERIFY(file.open(QIODevice::ReadOnly));
@@ -578,7 +576,7 @@ void TestFaults::manyFilesLeaveNothingBehind()
         QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
         bench->control().onExportReq(files, options());
         QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("exportReady 0 []").size(), 1, longWait);
-        QTRY_COMPARE(bench->handlers(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
         QCOMPARE(childProcesses(), QStringList());
         QVERIFY(!bench->hasTemporaryFolder());
         if (round == 0)

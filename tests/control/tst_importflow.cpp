@@ -11,8 +11,6 @@
 namespace
 {
 
-constexpr int longWait = 60'000; // [ms]
-
 QJsonObject waitingProbe()
 {
     return {{"probe", QJsonObject{{"waitFor", "gate"}}}};
@@ -85,7 +83,8 @@ void TestImportFlow::aDroppedFolderYieldsItsMediaFiles()
     QCOMPARE(bench->events, QStringList{"found A.MOV"});
 
     bench->control().onFFProbeFile(bench->makeFile("day/card/A.MOV"), 0);
-    QTRY_COMPARE(bench->eventsOf("import"), QStringList{"import 1/3 importing files..."}); // one file
+    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("import"), QStringList{"import 1/3 importing files..."},
+                              longWait); // one file
 }
 
 void TestImportFlow::droppedFilesKeepTheirOrder()
@@ -106,7 +105,8 @@ void TestImportFlow::filesOfSeveralDropsAddUp()
     bench->control().onIterateThroughDir({bench->mediaUrl("a.mov"), bench->mediaUrl("a.mov")});
     QCOMPARE(bench->count("found a.mov"), 3); // the same file may be dropped again
     bench->control().onFFProbeFile(file, 0);
-    QTRY_COMPARE(bench->eventsOf("import"), QStringList{"import 1/9 importing files..."});
+    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("import"), QStringList{"import 1/9 importing files..."},
+                              longWait);
 }
 
 void TestImportFlow::aGoodProbeFillsTheRecord()
@@ -119,7 +119,8 @@ void TestImportFlow::aGoodProbeFillsTheRecord()
          QJsonArray{QJsonObject{{"codec_type", "audio"}, {"channels", 4}, {"sample_rate", "48000"}}}}};
     const FileData file = bench->makeFile("a.wav", {{"probe", QJsonObject{{"json", json}}}});
     bench->control().onFFProbeFile(file, 4711);
-    QTRY_COMPARE(bench->events, (QStringList{"import 1/0 importing files...", "probed 4711: 0"}));
+    QTRY_COMPARE_WITH_TIMEOUT(bench->events, (QStringList{"import 1/0 importing files...", "probed 4711: 0"}),
+                              longWait);
 
     const FileData probed = bench->probedFiles.constFirst();
     QCOMPARE(probed.fileTC, QString("10:00:00.500"));
@@ -134,23 +135,27 @@ void TestImportFlow::aGoodProbeFillsTheRecord()
 void TestImportFlow::aFailedProbeIsWorthThreeUnits()
 {
     bench->control().onFFProbeFile(bench->makeFile("a.mov", failingProbe()), 0);
-    QTRY_COMPARE(bench->events, (QStringList{"import 1/0 importing files...", "probed 0: 1000"}));
+    QTRY_COMPARE_WITH_TIMEOUT(bench->events, (QStringList{"import 1/0 importing files...", "probed 0: 1000"}),
+                              longWait);
     bench->control().onFFProbeFile(bench->makeFile("b.mov"), 1);
-    QTRY_COMPARE(bench->events.mid(2), (QStringList{"import 4/0 importing files...", "probed 1: 0"}));
+    QTRY_COMPARE_WITH_TIMEOUT(bench->events.mid(2),
+                              (QStringList{"import 4/0 importing files...", "probed 1: 0"}), longWait);
 }
 
 void TestImportFlow::anEmptyProbeIsWorthOneUnit()
 {
     bench->control().onFFProbeFile(bench->makeFile("a.mov", silentProbe()), 0);
-    QTRY_COMPARE(bench->events, (QStringList{"import 1/0 importing files...", "probed 0: 1001"}));
+    QTRY_COMPARE_WITH_TIMEOUT(bench->events, (QStringList{"import 1/0 importing files...", "probed 0: 1001"}),
+                              longWait);
     bench->control().onFFProbeFile(bench->makeFile("b.mov"), 1);
-    QTRY_COMPARE(bench->events.mid(2), (QStringList{"import 2/0 importing files...", "probed 1: 0"}));
+    QTRY_COMPARE_WITH_TIMEOUT(bench->events.mid(2),
+                              (QStringList{"import 2/0 importing files...", "probed 1: 0"}), longWait);
 }
 
 void TestImportFlow::aCrashingProbeIsAFailedProbe()
 {
     bench->control().onFFProbeFile(bench->makeFile("a.mov", {{"probe", QJsonObject{{"crash", true}}}}), 3);
-    QTRY_VERIFY(bench->events.contains("probed 3: 1000"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("probed 3: 1000"), longWait);
 }
 
 void TestImportFlow::theRecordOfAFailedProbeIsADefaultOne()
@@ -158,7 +163,7 @@ void TestImportFlow::theRecordOfAFailedProbeIsADefaultOne()
     FileData file = bench->makeFile("a.mov", failingProbe());
     file.setFileTC("01:00:00:00");
     bench->control().onFFProbeFile(file, 0);
-    QTRY_COMPARE(bench->probedFiles.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->probedFiles.size(), 1, longWait);
     QVERIFY(bench->probedFiles.constFirst().absoluteFilePath.isNull());
     QVERIFY(!bench->probedFiles.constFirst().hasFileTC);
     QCOMPARE(bench->probedFiles.constFirst().rowNumber, -1);
@@ -194,7 +199,7 @@ void TestImportFlow::ninetyFiveProbesRunAtMostFortyFiveAtOnce()
     QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("probed").size(), 95, longWait);
     QCOMPARE(bench->startedTools().size(), 95);
     QCOMPARE(bench->mostToolsAtOnce(), 45);
-    QTRY_COMPARE(bench->handlers(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
 }
 
 void TestImportFlow::waitingProbesStartInOrder()
@@ -234,7 +239,7 @@ void TestImportFlow::anImportEndsWhenAllItsFilesAreRead()
     bench->actAsFileTable();
     bench->makeFile("a.mov");
     bench->control().onIterateThroughDir({bench->mediaUrl()});
-    QTRY_VERIFY(bench->events.contains("importReady"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
     QCOMPARE(bench->events,
              (QStringList{"found a.mov", "import 1/3 importing files...", "probed 0: 0",
                           "import 2/3 prepare files for reading...", "read 0 stream 1: 0 10:00:00:00",
@@ -258,7 +263,7 @@ void TestImportFlow::anImportThatEndsWithAFailedProbeIsReady()
     QFETCH(int, goodFiles);
     if (afterReRead) {
         bench->control().onUpdateAudioTCInfo({bench->makeFile("old.mov", {}, 99)}, automaticReading());
-        QTRY_VERIFY(bench->events.contains("readingFinished"));
+        QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
         QVERIFY(QFile::remove(bench->mediaPath("old.mov")));
     }
     bench->events.clear();
@@ -272,13 +277,13 @@ void TestImportFlow::anImportThatEndsWithAFailedProbeIsReady()
                   {"json", QJsonObject{{"streams", QJsonArray{QJsonObject{{"codec_type", "audio"}},
                                                               QJsonObject{{"codec_type", "audio"}}}}}}}}});
     bench->control().onIterateThroughDir({bench->mediaUrl()});
-    QTRY_COMPARE(bench->eventsOf("read ").size(), 2 * goodFiles);
-    QTRY_COMPARE(bench->handlers(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("read ").size(), 2 * goodFiles, longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 1, longWait);
     QVERIFY(!bench->events.contains("importReady"));
     QCOMPARE(bench->hasTemporaryFolder(), goodFiles > 0);
 
     bench->openGate();
-    QTRY_VERIFY(bench->events.contains("importReady"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
     QVERIFY(bench->events.at(bench->events.size() - 2).startsWith("probed"));
     QVERIFY(bench->events.at(bench->events.size() - 2).endsWith(": 1000"));
     QVERIFY(!bench->events.contains("importIdle") && !bench->events.contains("readingFinished"));
@@ -292,7 +297,7 @@ void TestImportFlow::anImportWithAnEmptyProbeEndsInSilence()
     bench->makeFile("b.mov");
     bench->makeFile("c.mov", failingProbe());
     bench->control().onIterateThroughDir({bench->mediaUrl()});
-    QTRY_VERIFY(bench->events.contains("importIdle"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importIdle"), longWait);
     QVERIFY(!bench->events.contains("importReady"));
     QCOMPARE(bench->eventsOf("probed").size(), 3);
     QCOMPARE(bench->eventsOf("read ").size(), 1);
@@ -303,9 +308,9 @@ void TestImportFlow::aDropWithNothingUsableEndsInSilence()
 {
     bench->makeFile("day/b.txt");
     bench->control().onIterateThroughDir({bench->mediaUrl("day"), bench->mediaUrl("day/b.txt"), QUrl()});
-    QTRY_COMPARE(bench->events, QStringList{"importIdle"});
+    QTRY_COMPARE_WITH_TIMEOUT(bench->events, QStringList{"importIdle"}, longWait);
     bench->control().onIterateThroughDir({});
-    QTRY_COMPARE(bench->count("importIdle"), 2);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->count("importIdle"), 2, longWait);
 }
 
 void TestImportFlow::anImportDoesNotEndWhileAFileIsUnanswered()
@@ -314,17 +319,17 @@ void TestImportFlow::anImportDoesNotEndWhileAFileIsUnanswered()
     const FileData good = bench->makeFile("b.mov");
     bench->control().onIterateThroughDir({bench->mediaUrl("a.mov"), bench->mediaUrl("b.mov")});
     bench->control().onFFProbeFile(silent, 0);
-    QTRY_VERIFY(bench->events.contains("probed 0: 1001"));
-    QTRY_COMPARE(bench->handlers(), 0);
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("probed 0: 1001"), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
     QVERIFY(!bench->events.contains("importIdle")); // no probe of b.mov was asked yet
 
     bench->control().onFFProbeFile(good, 1);
-    QTRY_VERIFY(bench->events.contains("probed 1: 0"));
-    QTRY_COMPARE(bench->handlers(), 0);
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("probed 1: 0"), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
     QVERIFY(!bench->events.contains("importIdle")); // its reading was not asked for yet
 
     bench->control().onInitAudioTCInfo(good, 1);
-    QTRY_VERIFY(bench->events.contains("importIdle"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importIdle"), longWait);
     QVERIFY(bench->events.contains("read 1 stream 1: 0 10:00:00:00"));
     QCOMPARE(bench->count("importIdle"), 1);
 }
@@ -334,11 +339,11 @@ void TestImportFlow::theNextImportCountsFromZero()
     bench->actAsFileTable();
     bench->makeFile("a.mov", silentProbe());
     bench->control().onIterateThroughDir({bench->mediaUrl("a.mov")});
-    QTRY_VERIFY(bench->events.contains("importIdle"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importIdle"), longWait);
     bench->events.clear();
     bench->makeFile("b.mov");
     bench->control().onIterateThroughDir({bench->mediaUrl("b.mov")});
-    QTRY_VERIFY(bench->events.contains("importReady"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
     QCOMPARE(bench->eventsOf("import "),
              (QStringList{"import 1/3 importing files...", "import 2/3 prepare files for reading...",
                           "import 3/3 reading audio TC..."}));
@@ -393,7 +398,7 @@ void TestImportFlow::destroyingTheControllerRemovesTheTemporaryFolder()
     bench->control().onInitAudioTCInfo(bench->makeFile("a.mov", {{"extract", QJsonObject{{"hang", true}}}}),
                                        0);
     QVERIFY(bench->hasTemporaryFolder());
-    QTRY_COMPARE(bench->startedTools(), QStringList{"extract a.mov"});
+    QTRY_COMPARE_WITH_TIMEOUT(bench->startedTools(), QStringList{"extract a.mov"}, longWait);
     const QString path = bench->temporaryPath();
     bench.reset();
     QVERIFY(!QFileInfo::exists(path));

@@ -11,8 +11,6 @@
 namespace
 {
 
-constexpr int longWait = 60'000; // [ms]
-
 QJsonObject plan(const QString &job, const QJsonObject &part)
 {
     return {{job, part}};
@@ -126,7 +124,7 @@ void TestReadFlow::aReReadEndsWithItsLastReader()
 {
     reRead({makeSound("a.mov", 7, "\x01")});
     QVERIFY(bench->hasTemporaryFolder());
-    QTRY_VERIFY(bench->events.contains("readingFinished"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
     QCOMPARE(bench->events,
              (QStringList{"import 1/2 prepare files for reading...", "read 7 stream 1: 0 10:00:00:00",
                           "import 2/2 reading audio TC...", "readingFinished"}));
@@ -138,7 +136,7 @@ void TestReadFlow::aReReadEndsWithItsLastReader()
 void TestReadFlow::threeStreamsAreReadByThreeReaders()
 {
     reRead({makeSound("a.mov", 7, "\x01\x02\x05")});
-    QTRY_VERIFY(bench->events.contains("readingFinished"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
     QStringList reads = bench->eventsOf("read ");
     reads.sort();
     QCOMPARE(reads, (QStringList{"read 7 stream 1: 0 10:00:00:00", "read 7 stream 2: 0 10:00:00:00",
@@ -176,7 +174,7 @@ void TestReadFlow::theReadersAnswerIsPassedOnUnchanged()
     QFETCH(QJsonObject, part);
     QFETCH(QString, event);
     reRead({makeSound("a.mov", 7, "\x01", plan("read", part))});
-    QTRY_VERIFY(bench->events.contains("readingFinished"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
     QCOMPARE(bench->eventsOf("read "), QStringList{event});
 }
 
@@ -188,7 +186,7 @@ void TestReadFlow::anImportReadsWithAutomaticSettings()
     reRead({}); // leaves the mode of a re-read behind
     bench->control().onInitAudioTCInfo(camera, 0);
     bench->control().onInitAudioTCInfo(other, 1);
-    QTRY_COMPARE(bench->eventsOf("read ").size(), 2);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("read ").size(), 2, longWait);
     QCOMPARE(faketools::calls(camera.absoluteFilePath, "read").constFirst().arguments.mid(1),
              QStringList{"-aSLOPE"});
     QCOMPARE(faketools::calls(other.absoluteFilePath, "read").constFirst().arguments,
@@ -203,7 +201,7 @@ void TestReadFlow::aReReadPassesItsOptions()
     options.frameRate = 29.97;
     const FileData file = makeSound("a.mov", 4, "\x01");
     bench->control().onUpdateAudioTCInfo({file}, options);
-    QTRY_VERIFY(bench->events.contains("readingFinished"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
     QCOMPARE(faketools::calls(file.absoluteFilePath, "read").constFirst().arguments.mid(1),
              (QStringList{"-c3", "-f29.97", "-aMID"}));
     QCOMPARE(faketools::calls(file.absoluteFilePath, "extract").size(), 1);
@@ -221,19 +219,21 @@ void TestReadFlow::aFailedExtractionIsReported()
     QFETCH(QJsonObject, part);
     bench->control().onIterateThroughDir({bench->mediaUrl("a.mov"), bench->mediaUrl("b.mov")});
     bench->control().onInitAudioTCInfo(makeSound("a.mov", -1, "\x01", plan("extract", part)), 5);
-    QTRY_COMPARE(bench->events.mid(2),
-                 (QStringList{"import 1/6 prepare files for reading...",
-                              "import 2/6 prepare files for reading...", "read 5 stream -1: 2001 nothing"}));
-    QTRY_COMPARE(bench->handlers(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(
+        bench->events.mid(2),
+        (QStringList{"import 1/6 prepare files for reading...", "import 2/6 prepare files for reading...",
+                     "read 5 stream -1: 2001 nothing"}),
+        longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
 }
 
 void TestReadFlow::aReReadThatEndsWithAFailedExtractionIsAnImportReady()
 {
     reRead({makeSound("good.mov", 0, "\x01"),
             makeSound("bad.mov", 1, "\x01", plan("extract", {{"waitFor", "gate"}, {"exitCode", 1}}))});
-    QTRY_VERIFY(bench->events.contains("read 0 stream 1: 0 10:00:00:00"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("read 0 stream 1: 0 10:00:00:00"), longWait);
     bench->openGate();
-    QTRY_VERIFY(bench->events.contains("importReady"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
     QCOMPARE(bench->events.last(), QString("importReady"));
     QCOMPARE(bench->count("readingFinished"), 0);
 }
@@ -241,33 +241,33 @@ void TestReadFlow::aReReadThatEndsWithAFailedExtractionIsAnImportReady()
 void TestReadFlow::aFailedExtractionAtTheEndLeavesTheFractionAndTheFolder()
 {
     reRead({makeSound("bad.mov", 0, "\x01", plan("extract", failing()))});
-    QTRY_VERIFY(bench->events.contains("importReady"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
     QVERIFY(bench->hasTemporaryFolder());
-    QTRY_COMPARE(bench->handlers(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
     QVERIFY(bench->hasTemporaryFolder());
 
     bench->events.clear();
     reRead({makeSound("good.mov", 0, "\x01")});
-    QTRY_VERIFY(bench->events.contains("readingFinished"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
     QCOMPARE(bench->eventsOf("import "), QStringList()); // still at 2 of 2
 
     bench->events.clear();
     reRead({makeSound("good.mov", 0, "\x01")});
-    QTRY_VERIFY(bench->events.contains("readingFinished"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
     QCOMPARE(bench->eventsOf("import ").size(), 2);
 }
 
 void TestReadFlow::theNextStageRemovesTheFolderFirst()
 {
     reRead({makeSound("bad.mov", 0, "\x01", plan("extract", failing()))});
-    QTRY_VERIFY(bench->events.contains("importReady"));
-    QTRY_COMPARE(bench->handlers(), 0);
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
     const QString leftOver = bench->temporaryPath() + "/good";
     QVERIFY(QDir().mkpath(leftOver));
     QVERIFY(QFile(leftOver + "/old_1_0.wav").open(QIODevice::WriteOnly));
     reRead({makeSound("good.mov", 0, "\x01")});
     QVERIFY(!QFileInfo::exists(leftOver + "/old_1_0.wav"));
-    QTRY_VERIFY(bench->events.contains("readingFinished"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
     QCOMPARE(bench->eventsOf("read 0 stream 1").size(), 1); // once, not the left-over too
 
     QVERIFY(QDir().mkpath(leftOver));
@@ -303,10 +303,10 @@ void TestReadFlow::extractedAudioStaysUntilTheEndOfTheStage()
 {
     const QDir temporary(bench->temporaryPath());
     reRead({makeSound("a.mov", 0, "\x01"), makeSound("b.mov", 1, "\x01", plan("read", waiting()))});
-    QTRY_VERIFY(bench->events.contains("read 0 stream 1: 0 10:00:00:00"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("read 0 stream 1: 0 10:00:00:00"), longWait);
     QVERIFY(temporary.exists("a/a_1_0.wav"));
     bench->openGate();
-    QTRY_VERIFY(bench->events.contains("readingFinished"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
     QVERIFY(!bench->hasTemporaryFolder());
 }
 
@@ -325,7 +325,7 @@ void TestReadFlow::filesOfOneBaseNameAreReadOnceEach()
 {
     reRead({makeSound("card1/clip.mov", 0, "\x01\x02"), makeSound("card2/clip.mov", 1, "\x01"),
             makeSound("card2/clip.take2.wav", 2, QByteArray(1, 0))});
-    QTRY_VERIFY(bench->events.contains("readingFinished"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
     QStringList reads = bench->eventsOf("read ");
     reads.sort();
     QCOMPARE(reads, (QStringList{"read 0 stream 1: 0 10:00:00:00", "read 0 stream 2: 0 10:00:00:00",
@@ -342,7 +342,7 @@ void TestReadFlow::everyFileInTheSubFolderIsRead()
     for (const char *name : {".hidden_3_7.wav", "strange.txt", "other_1_8.wav"})
         QVERIFY(QFile(folder.filePath(name)).open(QIODevice::WriteOnly));
     bench->openGate();
-    QTRY_VERIFY(bench->events.contains("readingFinished"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
     QStringList reads = bench->eventsOf("read ");
     reads.sort();
     // "strange" has no numbers; "other_1_8" is left to row 8.
@@ -368,12 +368,12 @@ void TestReadFlow::readersOfOneFileStartTogetherBeyondTheLimit()
     bench->control().onInitAudioTCInfo(
         makeSound("a.mov", -1, "\x01\x02\x03\x04\x05", plan("read", waiting())), 1);
     QCOMPARE(bench->handlers(), 44);
-    QTRY_COMPARE(bench->handlers(), 43 + 5);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 43 + 5, longWait);
     bench->control().onFFProbeFile(bench->makeFile("b.mov"), 2);
     QCOMPARE(bench->handlers(), 43 + 5); // it waits
     bench->openGate();
-    QTRY_COMPARE(bench->eventsOf("read ").size(), 5);
-    QTRY_VERIFY(bench->events.contains("probed 2: 0"));
+    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("read ").size(), 5, longWait);
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("probed 2: 0"), longWait);
     bench->openGate("probes");
     QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("probed ").size(), 44, longWait);
 }
@@ -430,12 +430,12 @@ void TestReadFlow::stagesThatCannotCompleteEndInSilence()
     } else {
         reRead({good, empty});
     }
-    QTRY_VERIFY(QFileInfo::exists(bench->mediaPath("extracting")));
-    QTRY_VERIFY(bench->events.contains("read 0 stream 1: 0 10:00:00:00"));
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(bench->mediaPath("extracting")), longWait);
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("read 0 stream 1: 0 10:00:00:00"), longWait);
     if (folderVanishes)
         QVERIFY(QDir(bench->temporaryPath()).removeRecursively());
     bench->openGate();
-    QTRY_VERIFY(bench->events.contains("importIdle"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importIdle"), longWait);
     QCOMPARE(bench->eventsOf("read ").size(), 1);
     QVERIFY(!bench->events.contains("importReady") && !bench->events.contains("readingFinished"));
     QVERIFY(!bench->hasTemporaryFolder());
@@ -443,7 +443,7 @@ void TestReadFlow::stagesThatCannotCompleteEndInSilence()
     // Nothing of it is left in the counters.
     bench->events.clear();
     reRead({good});
-    QTRY_VERIFY(bench->events.contains("readingFinished"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
     QCOMPARE(bench->eventsOf("import "),
              (QStringList{"import 1/2 prepare files for reading...", "import 2/2 reading audio TC..."}));
 }
@@ -455,9 +455,9 @@ void TestReadFlow::aReReadWaitsForTheImportUnderWay()
     bench->control().onIterateThroughDir({bench->mediaUrl("a.mov")});
     const FileData other = makeSound("b.mov", 8, "\x01");
     reRead({other});
-    QTRY_COMPARE(bench->startedTools(), QStringList{"probe a.mov"});
+    QTRY_COMPARE_WITH_TIMEOUT(bench->startedTools(), QStringList{"probe a.mov"}, longWait);
     bench->openGate();
-    QTRY_VERIFY(bench->events.contains("readingFinished"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
     const int importEnd = bench->events.indexOf("importReady");
     QVERIFY(importEnd > 0);
     QVERIFY(bench->events.indexOf("read 0 stream 1: 0 10:00:00:00") < importEnd);
@@ -471,10 +471,10 @@ void TestReadFlow::aDropWaitsForTheReReadUnderWay()
     reRead({makeSound("a.mov", 8, "\x01", plan("read", waiting()))});
     bench->makeFile("b.mov");
     bench->control().onIterateThroughDir({bench->mediaUrl("b.mov")});
-    QTRY_COMPARE(bench->startedTools(), (QStringList{"extract a.mov", "read a.mov"}));
+    QTRY_COMPARE_WITH_TIMEOUT(bench->startedTools(), (QStringList{"extract a.mov", "read a.mov"}), longWait);
     QCOMPARE(bench->eventsOf("found ").size(), 0);
     bench->openGate();
-    QTRY_VERIFY(bench->events.contains("importReady"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
     QVERIFY(bench->events.indexOf("readingFinished") < bench->events.indexOf("found b.mov"));
     QVERIFY(bench->events.contains("readingFinished"));
     QVERIFY(bench->events.contains("read 0 stream 1: 0 10:00:00:00"));
@@ -492,7 +492,7 @@ void TestReadFlow::aReReadWaitsForTheReReadUnderWay()
     reRead({first});
     bench->control().onUpdateAudioTCInfo({second}, options);
     bench->openGate();
-    QTRY_COMPARE(bench->count("readingFinished"), 2);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->count("readingFinished"), 2, longWait);
     QCOMPARE(faketools::calls(first.absoluteFilePath, "read").constFirst().arguments.size(),
              1); // its own options
     QCOMPARE(faketools::calls(second.absoluteFilePath, "read").constFirst().arguments.mid(1),
@@ -508,9 +508,9 @@ void TestReadFlow::aDropDuringAnImportRunsAtOnce()
     reRead({makeSound("c.mov", 9, "\x01")}); // waits, and does not hold the drop up
     bench->control().onIterateThroughDir({bench->mediaUrl("b.mov")});
     QCOMPARE(bench->events, (QStringList{"found a.mov", "found b.mov"}));
-    QTRY_VERIFY(bench->events.contains("probed 1: 0"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("probed 1: 0"), longWait);
     bench->openGate();
-    QTRY_VERIFY(bench->events.contains("readingFinished"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
     QCOMPARE(bench->count("importReady"), 1);
     QCOMPARE(bench->eventsOf("import 6/6").size(), 1);
 }
@@ -528,7 +528,7 @@ void TestReadFlow::whatWaitsIsServedInOrder()
     reRead({});
     reRead({makeSound("c.mov", 61, "\x01")});
     bench->openGate();
-    QTRY_COMPARE(bench->count("readingFinished"), 3);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->count("readingFinished"), 3, longWait);
     QCOMPARE(bench->eventsOf("found "), (QStringList{"found b.mov", "found d.mov"}));
     QCOMPARE(bench->count("importReady"), 1); // the drops that waited make one import
     const QStringList order = bench->eventsOf("read");
