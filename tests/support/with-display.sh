@@ -4,8 +4,8 @@
 set -euo pipefail
 
 work=$(mktemp -d)
-mkdir "$work/tmp"
-export TMPDIR="$work/tmp" # no test meets the temporary files of another
+mkdir -m 700 "$work/tmp" "$work/run"
+export TMPDIR="$work/tmp" XDG_RUNTIME_DIR="$work/run" # no test meets the files and sockets of another
 pids=()
 end() {
     for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done

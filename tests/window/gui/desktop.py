@@ -1,0 +1,181 @@
+# SPDX-License-Identifier: MIT
+"""Uses the program as a person does who sees the screen: finds what is there in the accessibility tree, and works it
+with real key presses, clicks and drags."""
+
+import contextlib
+import json
+import os
+import pathlib
+import signal
+import subprocess
+import time
+
+import pyatspi
+
+PATIENCE = 90  # seconds; the machine may be busy
+
+
+def wait_for(condition, what):
+    """Calls condition until it gives something; fails with what was waited for."""
+    end = time.monotonic() + PATIENCE
+    while time.monotonic() < end:
+        with contextlib.suppress(Exception):  # the tree changes while it is read
+            found = condition()
+            if found:
+                return found
+        time.sleep(0.05)
+    raise AssertionError(f"waited in vain for {what}")
+
+
+def xdotool(*arguments):
+    subprocess.run(["xdotool", *map(str, arguments)], check=True, timeout=PATIENCE)
+
+
+def press(*keys):
+    xdotool("key", "--clearmodifiers", *keys)
+
+
+def centre(node):
+    box = node.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+    return box.x + box.width // 2, box.y + box.height // 2
+
+
+def click(node):
+    x, y = centre(node)
+    xdotool("mousemove", x, y, "click", 1)
+
+
+def descendants(node):
+    for child in node:
+        if child is not None:
+            yield child
+            yield from descendants(child)
+
+
+def is_showing(node):
+    return node.getState().contains(pyatspi.STATE_SHOWING)
+
+
+class Tools:
+    """The plans and calls of the fake tools; tests/fakes/README.md tells what they do."""
+
+    def __init__(self, folder):
+        self.folder = pathlib.Path(folder)
+
+    def plan(self, name, **jobs):
+        (self.folder / f"{name}.fake.json").write_text(json.dumps(jobs), encoding="utf-8")
+
+    def open_gate(self):
+        (self.folder / "gate").touch()
+
+    def calls(self, name, job):
+        path = self.folder / f"{name}.calls"
+        lines = path.read_text(encoding="utf-8").splitlines() if path.exists() else []
+        return [call for call in map(json.loads, lines) if call["job"] == job]
+
+
+class Program:
+    """The running program and its windows."""
+
+    def __init__(self, executable, environment=None):
+        self.process = subprocess.Popen([executable], env={**os.environ, **(environment or {})})
+        self.window = wait_for(lambda: self.find_window("Ostrel Timecode Tool"), "the main window")
+        wait_for(lambda: self.window.getState().contains(pyatspi.STATE_ACTIVE), "the active main window")
+
+    def application(self):
+        for application in pyatspi.Registry.getDesktop(0):
+            if application is not None and application.get_process_id() == self.process.pid:
+                application.clear_cache()
+                return application
+        return None
+
+    def find_window(self, title):
+        for window in self.application():
+            if window is not None and window.name == title and is_showing(window):
+                return window
+        return None
+
+    def wait_window(self, title):
+        window = wait_for(lambda: self.find_window(title), f"the window {title}")
+        wait_for(lambda: window.getState().contains(pyatspi.STATE_ACTIVE), f"the active window {title}")
+        return window
+
+    def find(self, role, name=None, within=None):
+        start = within or self.window
+        self.application()
+        for node in descendants(start):
+            if node.getRoleName() == role and is_showing(node) and (name is None or node.name == name):
+                return node
+        return None
+
+    def get(self, role, name=None, within=None):
+        return wait_for(lambda: self.find(role, name, within), f"{role} {name}")
+
+    def status(self):
+        self.application()
+        for node in descendants(self.window):
+            if node.getRoleName() == "label" and node.name.startswith("Status:"):
+                return node.name
+        return None
+
+    def wait_status(self, text):
+        try:
+            wait_for(lambda: self.status() == text, f'the status "{text}"')
+        except AssertionError as error:
+            raise AssertionError(f'{error}; it is "{self.status()}"') from None
+
+    def table(self):
+        self.application()
+        return self.find("table", "Imported files").queryTable()
+
+    def rows(self):
+        table = self.table()
+        return [[table.getAccessibleAt(row, column).name for column in range(table.nColumns)]
+                for row in range(table.nRows)]
+
+    def click_row(self, row):
+        click(self.table().getAccessibleAt(row, 0))
+
+    def menu(self, mnemonic, *keys):
+        press(f"alt+{mnemonic}")
+        wait_for(lambda: self.find("popup menu") or self.find("menu item"), "an open menu")
+        press(*keys)
+
+    def box_text(self, box):
+        return [node.name for node in descendants(box) if node.getRoleName() == "label" and node.name]
+
+    def answer(self, title, button):
+        """Clicks a button of the message box; returns what the box said."""
+        box = self.wait_window(title)
+        text = "\n".join(self.box_text(box))
+        click(wait_for(lambda: self.find_button(button, box), f"the button {button}"))
+        wait_for(lambda: self.find_window(title) is None, f"the end of the box {title}")
+        return text
+
+    def find_button(self, name, within):
+        for node in descendants(within):
+            if node.getRoleName() == "push button" and node.name.replace("&", "") == name and is_showing(node):
+                return node
+        return None
+
+    def wait_end(self):
+        return self.process.wait(timeout=PATIENCE)
+
+    def end(self):
+        if self.process.poll() is None:
+            self.process.send_signal(signal.SIGKILL)
+            self.process.wait()
+
+
+def drag(source_program, paths, target):
+    """Drags the files out of another program and drops them on target. Returns that program, which has to stay until
+    the files have been taken, and whether the drop was accepted."""
+    source = subprocess.Popen([source_program, *map(str, paths)], stdout=subprocess.PIPE, text=True)
+    wait_for(lambda: subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "dragsource"],
+                                    capture_output=True, check=False).stdout, "the drag source")
+    x, y = centre(target)
+    xdotool("mousemove", 40, 30, "sleep", 0.2, "mousedown", 1, "sleep", 0.1)
+    for step in range(1, 11):
+        xdotool("mousemove", 40 + (x - 40) * step // 10, 30 + (y - 30) * step // 10, "sleep", 0.05)
+    xdotool("mousemove", x + 2, y + 2, "sleep", 0.3, "mouseup", 1)
+    return source, source.stdout.readline().strip() == "accepted"

@@ -1,0 +1,328 @@
+#!/usr/bin/python3
+# SPDX-License-Identifier: MIT
+"""Tests of the whole program on a screen, with fake tools. Run by ctest, which sets the environment."""
+
+import http.server
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import tempfile
+import threading
+import unittest
+
+import pyatspi
+
+import desktop
+from desktop import Program, Tools, click, descendants, drag, press, wait_for
+
+PROGRAM = os.environ["OSTREL_PROGRAM"]
+DRAG_SOURCE = os.environ["OSTREL_DRAG_SOURCE"]
+FOUND = "10:00:00:00@25.00 on ch. 1"
+INTERACTIVE = {"push button", "combo box", "check box", "text", "table", "list", "menu item", "menu", "entry"}
+
+
+class GuiTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.media = pathlib.Path(folder.name) / "media"
+        self.target = pathlib.Path(folder.name) / "target"
+        self.media.mkdir()
+        self.target.mkdir()
+        self.tools = Tools(self.media)
+        self.program = None
+
+    def start(self, **environment):
+        self.program = Program(PROGRAM, environment)
+        self.addCleanup(self.program.end)
+
+    def import_files(self, *names):
+        for name in names:
+            (self.media / name).touch()
+        self.drop()
+        self.program.wait_status("Status: import ready")
+
+    def drop(self):
+        source, accepted = drag(DRAG_SOURCE, [self.media], self.program.get("table", "Imported files"))
+        self.addCleanup(source.wait)
+        self.addCleanup(source.kill)
+        self.addCleanup(source.stdout.close)
+        self.assertTrue(accepted, "the drop is accepted")
+
+    def export_all(self):
+        self.program.menu("f", "Return")
+        dialog = self.program.wait_window("Export all files")
+        click(self.program.get("text", "Export directory", dialog))
+        press("ctrl+a")
+        desktop.xdotool("type", "--delay", 5, str(self.target))
+        press("Return")
+        wait_for(lambda: self.program.find_window("Export all files") is None, "the end of the dialog")
+
+    def start_hanging_export(self):
+        self.tools.plan("a.mov", export={"hang": True})
+        self.import_files("a.mov")
+        self.export_all()
+        self.program.get("push button", "Cancel")
+        wait_for(lambda: self.tools.calls("a.mov", "export"), "the export")
+
+    def assert_export_wound_up(self):
+        process = self.tools.calls("a.mov", "export")[0]["processId"]
+        wait_for(lambda: not alive(process), "the end of the tool")
+        wait_for(lambda: not any(self.target.iterdir()), "the removal of the unfinished file")
+
+    # -- import and table
+
+    def test_files_are_imported_by_a_drop(self):
+        self.start()
+        self.assertEqual(self.program.rows()[0][0], "Drop files here...")
+        self.import_files("a.mov", "b.wav")
+        rows = sorted(self.program.rows())
+        self.assertEqual([row[0] for row in rows], ["a.mov", "b.wav"])
+        for row in rows:
+            self.assertEqual(row[1], "00:00:10")
+            self.assertEqual(row[3], FOUND)
+        table = self.program.table()
+        headers = [table.getColumnHeader(column).name for column in range(table.nColumns)]
+        self.assertEqual(headers, ["File name", "Duration", "File TC", "Audio TC"])
+
+    def test_rows_are_deleted_by_key_but_not_during_an_import(self):
+        self.start()
+        self.tools.plan("a.mov", read={"waitFor": "gate"})
+        (self.media / "a.mov").touch()
+        self.drop()
+        wait_for(lambda: self.tools.calls("a.mov", "read"), "the reader")
+        self.program.click_row(0)
+        press("Delete")
+        self.program.wait_status("Status: ")
+        self.assertEqual(len(self.program.rows()), 1)
+        self.tools.open_gate()
+        self.program.wait_status("Status: import ready")
+        press("ctrl+a", "Delete")
+        wait_for(lambda: self.program.table().nRows == 0, "the empty table")
+
+    def test_a_click_shows_the_streams(self):
+        self.start()
+        self.import_files("a.mov")
+        self.program.click_row(0)
+        streams = self.program.get("list", "Streams of the clicked file")
+        wait_for(lambda: [item.name for item in streams][:1] == [" Streams:"], "the list of streams")
+
+    # -- reading again
+
+    def test_the_reading_dialog_reads_with_what_was_chosen(self):
+        self.start()
+        self.import_files("a.mov")
+        self.program.menu("e", "Return")
+        dialog = self.program.wait_window("Read audio timecode")
+        for combo, choice in (("Read files", "all files"), ("Reading algorithm", "HIGH"),
+                              ("Timecode channel", "channel 4"), ("Frame rate", "29.97 FPS")):
+            click(self.program.get("combo box", combo, dialog))
+            desktop.xdotool("sleep", 0.3, "type", "--delay", 30, choice)
+            press("Return")
+            wait_for(lambda name=combo, text=choice: shown_choice(self.program, dialog, name) == text, choice)
+        click(self.program.find_button("Read audio TC", dialog))
+        self.program.wait_status("Status: read finished")
+        self.assertEqual(self.tools.calls("a.mov", "read")[-1]["arguments"][1:], ["-c3", "-f29.97", "-aHIGH"])
+        self.assertIsNone(self.program.find_window("Read audio timecode"))
+
+    # -- export
+
+    def test_an_export_with_failures_names_them(self):
+        self.start()
+        self.tools.plan("b.mov", export={"exitCode": 1})
+        self.import_files("a.mov", "b.mov")
+        self.export_all()
+        text = self.program.answer("Export Result", "OK")
+        self.assertIn("Export finished.\nErrors occured with the folliwing files:\nb.mov", text)
+        self.program.wait_status("Status:")
+
+    def test_an_export_without_failures_is_told(self):
+        self.start()
+        self.import_files("a.mov")
+        self.export_all()
+        self.assertIn("Ostrel did the job!", self.program.answer("Export Result", "OK"))
+        self.assertEqual(len(list(self.target.iterdir())), 1)
+
+    def test_an_export_to_a_missing_directory_is_refused_in_words(self):
+        self.start()
+        self.program.menu("f", "Return")
+        dialog = self.program.wait_window("Export all files")
+        click(self.program.get("text", "Export directory", dialog))
+        press("ctrl+a")
+        desktop.xdotool("type", str(self.target / "missing"))
+        press("Return")
+        self.program.get("label", "Selected directory doesn't exists", dialog)
+        press("Escape")
+        wait_for(lambda: self.program.find_window("Export all files") is None, "the end of the dialog")
+
+    def test_cancelling_is_asked_for(self):
+        self.start()
+        self.start_hanging_export()
+        click(self.program.get("push button", "Cancel"))
+        self.assertIn("Are you sure you want to cancel?", self.program.answer("Cancel Export", "No"))
+        click(self.program.get("push button", "Cancel"))
+        self.program.answer("Cancel Export", "Yes")
+        self.program.wait_status("Status: export cancelled")
+        self.assert_export_wound_up()
+
+    # -- the end
+
+    def test_quitting_by_menu_during_an_export_is_asked_for(self):
+        self.quit_during_an_export(lambda: self.program.menu("f", "Up", "Return"))
+
+    def test_quitting_by_the_close_box_during_an_export_is_asked_for(self):
+        self.quit_during_an_export(lambda: press("alt+F4"))
+
+    def quit_during_an_export(self, ask_to_quit):
+        self.start()
+        self.start_hanging_export()
+        ask_to_quit()
+        self.assertIn("Are you sure you want to quit", self.program.answer("Quit Application", "No"))
+        self.assertTrue(alive(self.tools.calls("a.mov", "export")[0]["processId"]))
+        ask_to_quit()
+        self.program.answer("Quit Application", "Yes")
+        self.assertEqual(self.program.wait_end(), 0)
+        self.assert_export_wound_up()
+
+    def test_a_termination_during_an_export_winds_it_up(self):
+        self.start()
+        self.start_hanging_export()
+        self.program.process.send_signal(signal.SIGTERM)
+        self.assertEqual(self.program.wait_end(), 0)
+        self.assert_export_wound_up()
+
+    def test_the_window_closes_at_once_when_nothing_runs(self):
+        self.start()
+        press("alt+F4")
+        self.assertEqual(self.program.wait_end(), 0)
+
+    # -- messages
+
+    def test_the_about_box_has_selectable_text_and_a_link(self):
+        opened = self.media / "opened"
+        opener = self.media / "xdg-open"
+        opener.write_text(f'#!/bin/sh\necho "$1" > "{opened}"\n', encoding="utf-8")
+        opener.chmod(0o755)
+        self.start(PATH=f"{self.media}:{os.environ['PATH']}")
+        self.program.menu("a", "Return")
+        box = self.program.wait_window("About")
+        label = next(node for node in descendants(box) if "V1.00" in node.name)
+        extents = label.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+        lines = 3  # title, web page, the empty line behind it
+        first = extents.y + extents.height // (2 * lines)
+        second = extents.y + extents.height // 2
+        desktop.xdotool("mousemove", extents.x + 3, first, "mousedown", 1, "mousemove", extents.x + 90, first + 1,
+                        "mousemove", extents.x + 120, first + 1)
+        selected = wait_for(lambda: subprocess.run([DRAG_SOURCE, "--print-selection"], capture_output=True, text=True,
+                                                   check=True).stdout.strip() if released() else None,
+                            "a selection")
+        self.assertTrue("Ostrel Timecode Tool".startswith(selected[:6]), selected)
+        desktop.xdotool("mousemove", extents.x + 110, second, "sleep", 0.2, "click", 1)
+        wait_for(opened.exists, "the opened link")
+        wait_for(lambda: opened.read_text(encoding="utf-8").startswith("http"), "the address of the web page")
+        self.assertIn("Webpage: ", self.program.answer("About", "OK"))
+
+    def test_a_newer_version_is_announced(self):
+        with descriptor_server("2", "0", "Reads everything.") as port:
+            self.start(http_proxy=f"http://127.0.0.1:{port}")
+            text = self.program.answer("New Version Available", "OK")
+        self.assertIn("There is a new software version available!", text)
+        self.assertIn("Reads everything.", text)
+
+    def test_missing_tools_are_named_and_do_not_block(self):
+        beside = self.media / "program"
+        shutil.copy(PROGRAM, beside)
+        self.program = Program(str(beside), {"PATH": "/nowhere"})
+        self.addCleanup(self.program.end)
+        box = wait_for(lambda: self.program.find("alert", within=self.program.application())
+                       or self.program.find("dialog", within=self.program.application()), "the message")
+        text = " ".join(self.program.box_text(box))
+        for tool in ("ffprobe.exe", "ffmpeg.exe", "LTCReader.exe"):
+            self.assertIn(tool, text)
+        click(self.program.get("table", "Imported files"))
+        wait_for(lambda: self.program.window.getState().contains(pyatspi.STATE_ACTIVE), "the window in front")
+
+    # -- accessibility
+
+    def test_every_interactive_element_has_a_name(self):
+        self.start()
+        self.program.menu("f", "Return")
+        self.program.wait_window("Export all files")
+        press("Escape")
+        self.program.menu("f", "Return")
+        dialogs = [self.program.wait_window("Export all files")]
+        self.program.window.queryComponent()
+        self.assert_named(self.program.window)
+        self.assert_named(dialogs[0])
+        press("Escape")
+        wait_for(lambda: self.program.find_window("Export all files") is None, "the end of the dialog")
+        self.program.menu("e", "Return")
+        self.assert_named(self.program.wait_window("Read audio timecode"))
+
+    def assert_named(self, window):
+        count = 0
+        for node in descendants(window):
+            if node.getRoleName() in INTERACTIVE and is_its_own(node):
+                count += 1
+                self.assertTrue(node.name, f"{node.getRoleName()} in {window.name} has a name")
+        self.assertGreater(count, 3)
+
+
+def alive(process):
+    try:
+        with open(f"/proc/{process}/stat", encoding="utf-8") as stat:
+            return stat.read().rsplit(")", 1)[1].split()[0] != "Z"
+    except FileNotFoundError:
+        return False
+    except ProcessLookupError:
+        return False
+
+
+def is_its_own(node):
+    """Whether the element is one that people reach, not a part of another one (the list of a combo box)."""
+    return node.parent is None or node.parent.getRoleName() != "combo box"
+
+
+def released():
+    desktop.xdotool("mouseup", 1, "sleep", 0.1)
+    return True
+
+
+def shown_choice(program, dialog, name):
+    node = program.get("combo box", name, dialog)
+    with_text = [item.name for item in descendants(node) if item.getState().contains(pyatspi.STATE_SELECTED)]
+    return with_text[0] if with_text else None
+
+
+class descriptor_server:
+    """A web server on a free port that gives the version descriptor to every request."""
+
+    def __init__(self, major, minor, description):
+        body = (f"<a><MAJORVERSION>{major}</MAJORVERSION><MINORVERSION>{minor}</MINORVERSION>"
+                f"<OSTRELAPP url='http://host.invalid/a.zip'/><DESCRIPTION>{description}</DESCRIPTION></a>").encode()
+
+        class Handler(http.server.BaseHTTPRequestHandler):
+            def do_GET(self):
+                self.send_response(200)
+                self.send_header("Content-Length", str(len(body)))
+                self.end_headers()
+                self.wfile.write(body)
+
+            def log_message(self, *_):
+                pass
+
+        self.server = http.server.HTTPServer(("127.0.0.1", 0), Handler)
+
+    def __enter__(self):
+        threading.Thread(target=self.server.serve_forever, daemon=True).start()
+        return self.server.server_address[1]
+
+    def __exit__(self, *_):
+        self.server.shutdown()
+        self.server.server_close()
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2, warnings="ignore")
