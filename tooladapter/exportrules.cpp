@@ -13,12 +13,11 @@ namespace tooladapter
 namespace
 {
 
-const Option copiedPicture{"-vcodec", "copy"};
-
 bool isCopied(const ExportPlan &plan)
 {
-    return std::find(plan.pictureOptions.begin(), plan.pictureOptions.end(), copiedPicture) !=
-           plan.pictureOptions.end();
+    return std::any_of(plan.pictureOptions.begin(), plan.pictureOptions.end(), [](const Option &option) {
+        return option.name == "-vcodec" && option.value == "copy";
+    });
 }
 
 /// The rate that the coder was given; an invalid one where it was given none.

@@ -35,7 +35,8 @@ void exportAll(const SourceFile &source, const QString &folder, const Choice &ch
                const QProcessEnvironment &environment, Totals &totals, QTextStream &report)
 {
     const MadeFile made = makeSource(source, folder);
-    for (const ExportOptions &options : optionsFor(source, choice.coreOnly)) {
+    const QVector<ExportOptions> tried = optionsFor(source, choice.coreOnly);
+    for (const ExportOptions &options : tried) {
         if (totals.seen++ % choice.every != 0)
             continue;
         const Outcome outcome = runExport(made, options, environment);
@@ -73,7 +74,8 @@ int run(const QCommandLineParser &options, QTextStream &report)
     const QTemporaryDir folder;
     const Choice choice{options.isSet("core"), std::max(1, options.value("every").toInt())};
     Totals totals;
-    for (const SourceFile &source : allSources()) {
+    const QVector<SourceFile> sources = allSources();
+    for (const SourceFile &source : sources) {
         if (!options.isSet("source") || source.name == options.value("source"))
             exportAll(source, folder.path(), choice, environment, totals, report);
     }

@@ -16,7 +16,10 @@ namespace exportmatrix
 namespace
 {
 
-const QStringList coverImage{"-f", "lavfi", "-i", "color=c=red:size=64x64:rate=1:duration=1"};
+QStringList coverImage()
+{
+    return {"-f", "lavfi", "-i", "color=c=red:size=64x64:rate=1:duration=1"};
+}
 
 /// What the application's timecode reader reports of \a timecode.
 QJsonObject readerResult(const testsignals::LtcSignal &timecode)
@@ -63,7 +66,7 @@ void writeFile(const SourceFile &source, const QVector<std::vector<Samples>> &sa
             outputs += argument.contains("%1") ? argument.arg(track) : argument;
     }
     if (source.hasCover) {
-        inputs += coverImage;
+        inputs += coverImage();
         outputs +=
             {"-map", QString("%1:v").arg(input++), "-c:v:1", "mjpeg", "-disposition:v:1", "attached_pic"};
     }

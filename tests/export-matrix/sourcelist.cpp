@@ -9,8 +9,15 @@ namespace
 using mediakit::Track;
 using testsignals::LtcRate;
 
-const QStringList h264{"-c:v:0", "libx264", "-preset", "ultrafast", "-bf", "0", "-pix_fmt", "yuv420p"};
-const QStringList mpeg2{"-c:v:0", "mpeg2video", "-b:v", "4M", "-bf", "0", "-pix_fmt", "yuv420p"};
+QStringList h264()
+{
+    return {"-c:v:0", "libx264", "-preset", "ultrafast", "-bf", "0", "-pix_fmt", "yuv420p"};
+}
+
+QStringList mpeg2()
+{
+    return {"-c:v:0", "mpeg2video", "-b:v", "4M", "-bf", "0", "-pix_fmt", "yuv420p"};
+}
 
 constexpr LtcRate at25{25, false, false};
 constexpr LtcRate at24{24, false, false};
@@ -62,7 +69,7 @@ SourceFile movie(const QString &name, const QString &rate, const QVector<Track> 
     SourceFile source;
     source.name = name;
     source.pictureRate = rate;
-    source.pictureArguments = name.endsWith(".MXF") ? mpeg2 : h264;
+    source.pictureArguments = name.endsWith(".MXF") ? mpeg2() : h264();
     source.tracks = tracks;
     source.trackArguments.fill(audio, tracks.size());
     source.isCore = isCore;

@@ -12,7 +12,10 @@
 namespace
 {
 
-const QStringList exportList{"-y", "-i", "in.mov", "-vcodec", "copy", "out.MOV"};
+QStringList exportList()
+{
+    return {"-y", "-i", "in.mov", "-vcodec", "copy", "out.MOV"};
+}
 
 // What the stand-in for the probe tool says of every file.
 const char completeFile[] =
@@ -136,7 +139,7 @@ void TestAdapter::theToolTakesOverWhereNothingIsToBeWatched_data()
     QTest::newRow("an unknown list") << unknown << QStringList() << unknown;
     QTest::newRow("no argument") << QStringList() << QStringList() << QStringList();
     QTest::newRow("mending switched off")
-        << exportList << QStringList{"OSTREL_TOOL_ADAPTER=off"} << exportList;
+        << exportList() << QStringList{"OSTREL_TOOL_ADAPTER=off"} << exportList();
     QTest::newRow("extraction") << QStringList{"-y",     "-guess_layout_max",
                                                "0",      "-ss",
                                                "0",      "-i",
@@ -174,13 +177,13 @@ void TestAdapter::theToolTakesOverWhereNothingIsToBeWatched()
 void TestAdapter::errorOutputAndExitCodeComeThrough()
 {
     makeTool("ffmpeg", "#!/bin/sh\nprintf 'frame=1\\rframe=2\\r' >&2\nexit 0\n");
-    start(exportList);
+    start(exportList());
     finish();
     QCOMPARE(adapter->exitCode(), 0);
     QCOMPARE(errors, QString("frame=1\rframe=2\r"));
 
     makeTool("ffmpeg", "#!/bin/sh\nexit 69\n");
-    start(exportList);
+    start(exportList());
     finish();
     QCOMPARE(adapter->exitCode(), 69);
 }
@@ -188,7 +191,7 @@ void TestAdapter::errorOutputAndExitCodeComeThrough()
 void TestAdapter::aToolThatWasKilledIsAFailure()
 {
     makeTool("ffmpeg", "#!/bin/sh\nkill -KILL $$\n");
-    start(exportList);
+    start(exportList());
     finish();
     QCOMPARE(adapter->exitCode(), 128 + SIGKILL);
 }
@@ -199,7 +202,7 @@ void TestAdapter::anIncompleteFileIsAFailure()
     makeTool("ffprobe", QByteArray(completeFile)
                             .replace("duration=5.0", "duration='$([ \"${6#out}\" = \"$6\" ] && "
                                                      "echo 5 || echo 3)'"));
-    start(exportList);
+    start(exportList());
     finish();
     QVERIFY(adapter->exitCode() != 0);
     QVERIFY2(errors.contains("picture ends after 3.00 s, the source's after 5.00 s"), qPrintable(errors));
@@ -209,7 +212,7 @@ void TestAdapter::anUnreadableSourceIsAFailure()
 {
     makeTool("ffmpeg", "#!/bin/sh\ntouch started\n");
     makeTool("ffprobe", "#!/bin/sh\nexit 1\n");
-    start(exportList);
+    start(exportList());
     finish();
     QVERIFY(adapter->exitCode() != 0);
     QVERIFY(errors.contains("in.mov cannot be read"));
@@ -230,7 +233,7 @@ void TestAdapter::aRefusalStartsNoTool()
 void TestAdapter::killingTheAdapterKillsTheTool()
 {
     makeTool("ffmpeg", "#!/bin/sh\necho $$ > tool.part\nmv tool.part tool\nexec sleep 600\n");
-    start(exportList);
+    start(exportList());
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(folder->filePath("tool")), 30000);
     const qint64 tool = contents("tool").trimmed().toLongLong();
     QVERIFY(tool > 0 && tool != adapter->processId());

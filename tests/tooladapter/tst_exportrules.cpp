@@ -16,7 +16,8 @@ namespace
 Source sourceOf(const QString &text)
 {
     Source source;
-    for (const QString &word : text.split(' ', Qt::SkipEmptyParts)) {
+    const QStringList words = text.split(' ', Qt::SkipEmptyParts);
+    for (const QString &word : words) {
         const QStringList parts = word.split(':');
         const auto part = [&parts](int index) { return parts.value(index).toStdString(); };
         Stream stream;
@@ -47,7 +48,7 @@ Export exportFor(const QString &words, const QString &source, const QString &cha
                     FrameRate::fromText(timecodeRate.toStdString()));
 }
 
-const QString coded25 = "-vcodec dnxhd -b:v 36M -pix_fmt yuv422p -s 1920x1080 -r 25/1";
+const char coded25[] = "-vcodec dnxhd -b:v 36M -pix_fmt yuv422p -s 1920x1080 -r 25/1";
 
 } // namespace
 
@@ -266,8 +267,8 @@ void TestExportRules::thePictureKeepsItsRate_data()
         "-vcodec copy -timecode 10:11:12:24");
     row("MPEG-2 runs at the picture's rate", "50/1", "-vcodec mpeg2video -timecode 10:11:12:13 -r 25",
         "-vcodec mpeg2video -timecode 10:11:12:26");
-    row("the coder's own rate stays", "25/1", coded25 + " -timecode 10:11:12:13 -r 25",
-        coded25 + " -timecode 10:11:12:13");
+    row("the coder's own rate stays", "25/1", QString(coded25) + " -timecode 10:11:12:13 -r 25",
+        QString(coded25) + " -timecode 10:11:12:13");
     row("no timecode, the coder's own rate stays", "25/1", coded25, coded25);
     row("a copied phone recording counts at its average", "60/1:30/1",
         "-vcodec copy -timecode 10:11:12:13 -r 30", "-vcodec copy -timecode 10:11:12:13");

@@ -16,7 +16,8 @@ constexpr int limit = 60 * 1000; // [ms]
 /// Whether a process, other than this one, has \a word in its command line.
 bool isProcessRunningWith(const QByteArray &word)
 {
-    for (const QString &process : QDir("/proc").entryList({"[1-9]*"}, QDir::Dirs)) {
+    const QStringList processes = QDir("/proc").entryList({"[1-9]*"}, QDir::Dirs);
+    for (const QString &process : processes) {
         QFile commandLine("/proc/" + process + "/cmdline");
         if (commandLine.open(QIODevice::ReadOnly) && commandLine.readAll().contains(word))
             return true;
@@ -24,8 +25,15 @@ bool isProcessRunningWith(const QByteArray &word)
     return false;
 }
 
-const QStringList copied{"-vcodec", "copy"};
-const QStringList coded{"-vcodec", "mpeg2video", "-b:v", "50M", "-pix_fmt", "yuv422p", "-s", "1920x1080"};
+QStringList copied()
+{
+    return {"-vcodec", "copy"};
+}
+
+QStringList coded()
+{
+    return {"-vcodec", "mpeg2video", "-b:v", "50M", "-pix_fmt", "yuv422p", "-s", "1920x1080"};
+}
 
 } // namespace
 
@@ -110,8 +118,8 @@ void TestRealExports::aSourceThatBreaksOffIsAFailure_data()
 {
     QTest::addColumn<QStringList>("picture");
     QTest::addColumn<QString>("target");
-    QTest::newRow("copied to QuickTime") << copied << "out.MOV";
-    QTest::newRow("coded to MXF") << coded << "out.MXF";
+    QTest::newRow("copied to QuickTime") << copied() << "out.MOV";
+    QTest::newRow("coded to MXF") << coded() << "out.MXF";
 }
 
 void TestRealExports::aSourceThatBreaksOffIsAFailure()
@@ -128,10 +136,10 @@ void TestRealExports::aFullDiskIsAFailure_data()
     QTest::addColumn<QStringList>("picture");
     QTest::addColumn<QString>("target");
     QTest::addColumn<bool>("atTheEnd");
-    QTest::newRow("half-way, copied to QuickTime") << copied << "out.MOV" << false;
-    QTest::newRow("in the last kilobytes, copied to QuickTime") << copied << "out.MOV" << true;
-    QTest::newRow("half-way, coded to MXF") << coded << "out.MXF" << false;
-    QTest::newRow("in the last kilobytes, coded to MXF") << coded << "out.MXF" << true;
+    QTest::newRow("half-way, copied to QuickTime") << copied() << "out.MOV" << false;
+    QTest::newRow("in the last kilobytes, copied to QuickTime") << copied() << "out.MOV" << true;
+    QTest::newRow("half-way, coded to MXF") << coded() << "out.MXF" << false;
+    QTest::newRow("in the last kilobytes, coded to MXF") << coded() << "out.MXF" << true;
 }
 
 void TestRealExports::aFullDiskIsAFailure()
@@ -164,7 +172,7 @@ void TestRealExports::filesInOddFoldersAreWritten()
 {
     QFETCH(QString, target);
     QVERIFY(QDir(folder.path()).mkdir(target));
-    QVERIFY2(exportFile("whole.mov", copied, target + "/clip.MOV") == 0, qPrintable(errors));
+    QVERIFY2(exportFile("whole.mov", copied(), target + "/clip.MOV") == 0, qPrintable(errors));
     QVERIFY(QFileInfo(folder.filePath(target + "/clip.MOV")).size() > 0);
 }
 
@@ -191,7 +199,7 @@ void TestRealExports::killingAnExportLeavesNoProcess()
     QProcess process;
     process.setWorkingDirectory(folder.path());
     process.start("ffmpeg.exe",
-                  QStringList{"-y", "-i", folder.filePath("whole.mov"), "-acodec", "pcm_s16le"} + coded +
+                  QStringList{"-y", "-i", folder.filePath("whole.mov"), "-acodec", "pcm_s16le"} + coded() +
                       QStringList{"-timecode", "10:11:12:13", "-r", "25", "killed.MXF"});
     QVERIFY(process.waitForStarted());
     QThread::msleep(static_cast<unsigned long>(moment)); // whatever it is doing then

@@ -11,7 +11,8 @@
 inline std::vector<std::string> wordsOf(const QString &text)
 {
     std::vector<std::string> words;
-    for (const QString &word : text.split(' ', Qt::SkipEmptyParts))
+    const QStringList parts = text.split(' ', Qt::SkipEmptyParts);
+    for (const QString &word : parts)
         words.push_back(word == "''" ? std::string{} : word.toStdString());
     return words;
 }
