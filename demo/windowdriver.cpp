@@ -154,6 +154,7 @@ QStringList WindowDriver::row(const QString &fileName) const
 
 void WindowDriver::takeScreenshot(const QString &name)
 {
+    QApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest); // what was hidden just now leaves no gap
     window.grab().save(QDir(screenshotFolder).filePath(name + ".png"));
 }
 
