@@ -184,6 +184,8 @@ int run(const Options &options)
         std::cout << textOf(measureCosts(options.extent));
     if (!curves.empty())
         std::cout << summaryOf(curves);
+    if (!curves.empty() && options.extent.compare)
+        std::cout << "\n" << shortfallsOf(curves);
     std::cout << totalsOf(curves, sounds);
 
     if (!options.csv.empty())

@@ -7,6 +7,7 @@
 #include "tests/support/noise.h"
 
 #include <algorithm>
+#include <cmath>
 #include <ctime>
 
 namespace ltcbench
@@ -186,23 +187,33 @@ std::vector<CostResult> measureCosts(const Extent &extent)
     return results;
 }
 
-std::optional<double> halfPoint(const CurveResult &result, Reader reader)
+std::optional<double> halfPosition(const CurveResult &result, Reader reader)
 {
     constexpr double half = 0.5;
-    const std::vector<double> &grades = result.curve.grades;
     const auto share = [&](std::size_t grade) {
         const auto found = result.grades[grade].find(reader);
         return found == result.grades[grade].end() ? 0.0 : found->second.rightShare();
     };
     if (share(0) < half)
         return std::nullopt;
-    for (std::size_t grade = 1; grade < grades.size(); ++grade) {
+    for (std::size_t grade = 1; grade < result.grades.size(); ++grade) {
         if (share(grade) < half) {
             const double part = (share(grade - 1) - half) / (share(grade - 1) - share(grade));
-            return grades[grade - 1] + part * (grades[grade] - grades[grade - 1]);
+            return static_cast<double>(grade - 1) + part;
         }
     }
-    return grades.back();
+    return static_cast<double>(result.grades.size() - 1);
+}
+
+std::optional<double> halfPoint(const CurveResult &result, Reader reader)
+{
+    const std::optional<double> position = halfPosition(result, reader);
+    if (!position)
+        return std::nullopt;
+    const std::vector<double> &grades = result.curve.grades;
+    const auto before = static_cast<std::size_t>(*position);
+    const std::size_t after = std::min(before + 1, grades.size() - 1);
+    return std::lerp(grades[before], grades[after], *position - static_cast<double>(before));
 }
 
 std::optional<Case> recordingNamed(const std::string &name, std::uint64_t seed)

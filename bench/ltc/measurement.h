@@ -84,8 +84,11 @@ SoundResult measureSound(const testsignals::OtherSound &sound, const Extent &ext
 
 std::vector<CostResult> measureCosts(const Extent &extent);
 
-/// The grade at which half of the files are read right, between the two grades around it. None where even the
-/// first grade is below half; the last grade where all are above.
+/// Where on the curve half of the files are read right, between the two grades around it, as a number of the
+/// grade from 0 on; the last one where all grades are above half, none where even the first one is below.
+std::optional<double> halfPosition(const CurveResult &result, Reader reader);
+
+/// The grade at that place.
 std::optional<double> halfPoint(const CurveResult &result, Reader reader);
 
 } // namespace ltcbench

@@ -66,6 +66,8 @@ double largest(const std::vector<double> &values)
 
 std::string halfPointText(const CurveResult &result, Reader reader)
 {
+    if (tallyOf(result.grades.front(), reader).files() == 0)
+        return "-";
     const std::optional<double> point = halfPoint(result, reader);
     if (!point)
         return "none";
@@ -167,6 +169,20 @@ std::string summaryOf(const std::vector<CurveResult> &curves)
         text += " |\n";
     }
     return text;
+}
+
+std::string shortfallsOf(const std::vector<CurveResult> &curves)
+{
+    constexpr double margin = 0.25; // [grades]
+    std::string text;
+    for (const CurveResult &result : curves) {
+        const double ours = halfPosition(result, Reader::Ours).value_or(-1.0);
+        for (const Reader reader : {Reader::Libltc, Reader::FilteredLibltc}) {
+            if (result.curve.graded && halfPosition(result, reader).value_or(-1.0) > ours + margin)
+                text += format("%s reaches farther: %s\n", titleOf(reader), result.curve.name.c_str());
+        }
+    }
+    return text.empty() ? "libltc reaches farther on no curve\n" : text;
 }
 
 std::string csvOf(const std::vector<CurveResult> &curves, const std::vector<SoundResult> &sounds)

@@ -21,6 +21,10 @@ std::string totalsOf(const std::vector<CurveResult> &curves, const std::vector<S
 /// 50 % points of all graded curves, as a Markdown table.
 std::string summaryOf(const std::vector<CurveResult> &curves);
 
+/// The graded curves on which libltc, with or without filters, reaches farther than the decoder: by more than
+/// a quarter of the distance between two grades, which is within the chance of the draw.
+std::string shortfallsOf(const std::vector<CurveResult> &curves);
+
 /// All of it as comma-separated values with a head line, one line for each grade and reader.
 std::string csvOf(const std::vector<CurveResult> &curves, const std::vector<SoundResult> &sounds);
 
