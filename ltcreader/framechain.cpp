@@ -119,35 +119,17 @@ FrameChain describe(const std::vector<Member> &members, const FrameRate &rate)
 }
 
 /// How far the recording's speed is from \a rate, as the logarithm of the quotient.
-double speedError(const FrameChain &chain, const FrameRate &rate, int sampleRate)
+double speedError(double frameLength, const FrameRate &rate, int sampleRate)
 {
-    return std::log(sampleRate / chain.frameLength / rate.framesPerSecond());
+    return std::abs(std::log(sampleRate / frameLength / rate.framesPerSecond()));
 }
 
 /// How badly the speed fits a way of counting. Where it fits none well the user's word counts more.
 double speedPenalty(const FrameChain &chain, int sampleRate, const std::optional<FrameRate> &wanted)
 {
-    const double error = std::abs(speedError(chain, chain.rate, sampleRate));
+    const double error = speedError(chain.frameLength, chain.rate, sampleRate);
     const bool named = wanted && wanted->base == chain.rate.base;
     return named ? std::min(error, speedMatters) : error;
-}
-
-/// Decides between a whole rate and its NTSC variant by the speed that needs the smaller error.
-void chooseNtsc(FrameChain &chain, int sampleRate, const std::optional<FrameRate> &wanted)
-{
-    if (chain.rate.base == 25)
-        return;
-    FrameRate whole = chain.rate;
-    whole.ntsc = false;
-    FrameRate ntsc = chain.rate;
-    ntsc.ntsc = true;
-    const double wholeError = std::abs(speedError(chain, whole, sampleRate));
-    const double ntscError = std::abs(speedError(chain, ntsc, sampleRate));
-    chain.rate.ntsc = ntscError < wholeError;
-    if (wanted && std::min(wholeError, ntscError) > speedMatters)
-        chain.rate.ntsc = wanted->ntsc;
-    if (chain.rate.dropFrame)
-        chain.rate.ntsc = true;
 }
 
 bool majorityHasDropFlag(const std::vector<Member> &members)
@@ -159,6 +141,21 @@ bool majorityHasDropFlag(const std::vector<Member> &members)
 }
 
 } // namespace
+
+FrameRate rateBySpeed(FrameRate rate, double frameLength, int sampleRate,
+                      const std::optional<FrameRate> &wanted)
+{
+    if (rate.base == 25)
+        return rate;
+    const double wholeError = speedError(frameLength, {rate.base, false, false}, sampleRate);
+    const double ntscError = speedError(frameLength, {rate.base, true, false}, sampleRate);
+    rate.ntsc = ntscError < wholeError;
+    if (wanted && std::min(wholeError, ntscError) > speedMatters)
+        rate.ntsc = wanted->ntsc;
+    if (rate.dropFrame)
+        rate.ntsc = true;
+    return rate;
+}
 
 std::optional<FrameChain> findChain(const std::vector<Frame> &frames, int sampleRate,
                                     const std::optional<FrameRate> &wanted)
@@ -185,7 +182,7 @@ std::optional<FrameChain> findChain(const std::vector<Frame> &frames, int sample
     }
     if (!best)
         return std::nullopt;
-    chooseNtsc(*best, sampleRate, wanted);
+    best->rate = rateBySpeed(best->rate, best->frameLength, sampleRate, wanted);
     if (wanted && (wanted->base != best->rate.base || wanted->ntsc != best->rate.ntsc))
         return std::nullopt;
     best->strangers =

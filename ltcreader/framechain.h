@@ -25,6 +25,11 @@ struct FrameChain {
     bool inverted = false;    ///< its frames begin with a falling edge
 };
 
+/// \a rate with ntsc as the measured frame length [samples] tells. Where the speed fits neither of both, \a
+/// wanted decides.
+FrameRate rateBySpeed(FrameRate rate, double frameLength, int sampleRate,
+                      const std::optional<FrameRate> &wanted);
+
 /// The chain that the recording starts with: the earliest of \a frames (in order of time) that is long enough
 /// to be believed. \a wanted restricts the rate (its dropFrame is not looked at). \a sampleRate [Hz].
 std::optional<FrameChain> findChain(const std::vector<Frame> &frames, int sampleRate,

@@ -11,6 +11,8 @@ namespace
 
 constexpr double blockTime = 0.25;                    // [s]
 constexpr double windowTime = 3.25;                   // [s] what is extracted from media files, and a little
+constexpr double keptTime = 1.0;                      // [s] when the window moves on
+constexpr double searchedTime = 60.0;                 // [s] a recording whose timecode starts later is none
 constexpr std::size_t windowValues = 6 * 1024 * 1024; // of all channels together: 24 MiB
 constexpr float loudest = 1e4F;                       // [full scale] beyond it a float file holds garbage
 
@@ -39,6 +41,23 @@ bool Window::readBlock()
         }
     }
     return given > 0;
+}
+
+bool Window::moveOn()
+{
+    const std::size_t kept = std::min(static_cast<std::size_t>(keptTime * sampleRate()), capacity / 2);
+    if (size() < capacity || static_cast<double>(passed) > searchedTime * sampleRate())
+        return false;
+    const std::size_t dropped = size() - kept;
+    for (std::vector<float> &samples : held)
+        samples.erase(samples.begin(), samples.begin() + static_cast<std::ptrdiff_t>(dropped));
+    passed += dropped;
+    return readBlock();
+}
+
+std::size_t Window::offset() const
+{
+    return passed;
 }
 
 int Window::channels() const

@@ -18,6 +18,13 @@ public:
     /// Reads a further quarter of a second. False when the window is full or the recording has ended.
     bool readBlock();
 
+    /// Lets go of all but the newest second, to go on reading. False when the recording has ended or enough
+    /// of it was looked at.
+    bool moveOn();
+
+    /// [samples] between the recording's first sample and the window's.
+    std::size_t offset() const;
+
     int channels() const;
     int sampleRate() const;   ///< [Hz]
     std::size_t size() const; ///< [samples] held
@@ -30,8 +37,9 @@ public:
 
 private:
     SampleSource &source;
-    std::size_t block;    ///< [samples] of one read
-    std::size_t capacity; ///< [samples] that the window may hold
+    std::size_t block;      ///< [samples] of one read
+    std::size_t capacity;   ///< [samples] that the window may hold
+    std::size_t passed = 0; ///< [samples] let go
     std::vector<std::vector<float>> held;
     std::vector<float> interleaved;
 };

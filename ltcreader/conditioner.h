@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ltcreader/fft.h"
+
+#include <vector>
+
+namespace ltcreader
+{
+
+/// What is done to a recording before its bits are summed up.
+enum class FrontEnd {
+    Flat,     ///< nothing but a limit to the band of LTC
+    Whitened, ///< each frequency is weighed by how little else is there
+    Restored  ///< slow changes are raised: what a high-pass filter or a capacitor took away
+};
+
+/// Sound at a low rate, ready for summing.
+struct Conditioned {
+    std::vector<float> samples;
+    double sampleRate = 0.0;     ///< [Hz]
+    std::vector<double> weights; ///< of frequencies, one for each weightStep from 0 on; empty: all alike
+};
+
+constexpr double weightStep = 25.0; // [Hz]
+
+/// Prepares one recording in several ways. None of them delays it.
+class Conditioner
+{
+public:
+    /// \a samples at \a sampleRate [Hz].
+    Conditioner(const std::vector<float> &samples, int sampleRate);
+
+    /// \a frameRate [frames/s] as recorded, 0 while it is not known: lines in the spectrum that repeat with
+    /// it are the timecode's own.
+    Conditioned prepare(FrontEnd frontEnd, double frameRate = 0.0) const;
+
+private:
+    void estimateDisturbance();
+    std::vector<float> disturbance(double frameRate) const;
+    std::vector<double> meanWeights(const std::vector<float> &powers, std::size_t lowest) const;
+
+    std::size_t length;        ///< [samples]
+    double sampleRate;         ///< [Hz]
+    double binWidth = 0.0;     ///< [Hz]
+    Spectrum spectrum;         ///< of the recording, from 0 to the highest frequency that is kept
+    std::vector<float> peaks;  ///< power at each frequency, the largest of three bins
+    std::vector<float> smooth; ///< power between single lines
+    float tolerable = 0.0F;    ///< power that the timecode itself may have between its lines
+};
+
+} // namespace ltcreader

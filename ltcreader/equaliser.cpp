@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+
+// Weights that keep rumble or music out also bend the square wave: where low frequencies are missing, a half
+// bit takes something away from its neighbours, and runs of zeros shrink while runs of ones do not. Sums over
+// half bits then favour wrong bits. The weights are known, so the response of half bits to each other is
+// known too, and a short filter that inverts it (with a little held back, so that what is lost is not made of
+// noise) puts zeros and ones on an equal footing.
+
+#include "ltcreader/equaliser.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+#include <utility>
+
+namespace ltcreader
+{
+namespace
+{
+
+constexpr std::size_t reach = 10; // half bits to each side
+constexpr std::size_t taps = 2 * reach + 1;
+constexpr double heldBack = 0.1; // of the response of a half bit to itself
+
+using Response = std::array<double, taps>; // of half bits 0, 1, 2... farther on
+using Filter = std::array<double, taps>;
+
+Response responseOf(const std::vector<double> &weights, double halfBit)
+{
+    Response response{};
+    for (std::size_t step = 1; step < weights.size(); ++step) {
+        const double angle = std::numbers::pi * static_cast<double>(step) * weightStep * halfBit;
+        const double shape = std::sin(angle) / angle; // of a half bit
+        for (std::size_t lag = 0; lag < taps; ++lag) {
+            response[lag] += weights[step] * shape * shape * std::cos(2.0 * angle * static_cast<double>(lag));
+        }
+    }
+    return response;
+}
+
+/// Solves the symmetric equations by elimination; the diagonal is the largest of its row.
+Filter invert(const Response &response)
+{
+    std::array<std::array<double, taps + 1>, taps> rows{};
+    for (std::size_t row = 0; row < taps; ++row) {
+        for (std::size_t column = 0; column < taps; ++column) {
+            rows[row][column] = response[row > column ? row - column : column - row];
+        }
+        rows[row][row] += heldBack * response[0];
+        rows[row][taps] = row == reach ? response[0] : 0.0;
+    }
+    for (std::size_t pivot = 0; pivot < taps; ++pivot) {
+        for (std::size_t row = 0; row < taps; ++row) {
+            if (row == pivot)
+                continue;
+            const double factor = rows[row][pivot] / rows[pivot][pivot];
+            for (std::size_t column = pivot; column <= taps; ++column)
+                rows[row][column] -= factor * rows[pivot][column];
+        }
+    }
+    Filter filter{};
+    for (std::size_t row = 0; row < taps; ++row)
+        filter[row] = rows[row][taps] / rows[row][row];
+    return filter;
+}
+
+} // namespace
+
+HalfBits equalise(const HalfBits &halfBits, const Conditioned &sound, double halfBit)
+{
+    const Response response = responseOf(sound.weights, halfBit);
+    if (!(response[0] > 0.0))
+        return halfBits;
+    const Filter filter = invert(response);
+    const std::vector<float> &from = halfBits.values;
+    HalfBits result;
+    result.values.resize(from.size());
+    double squares = 0.0;
+    for (std::size_t i = 0; i < from.size(); ++i) {
+        double sum = 0.0;
+        for (std::size_t tap = 0; tap < taps; ++tap) {
+            if (i + tap >= reach && i + tap - reach < from.size())
+                sum += filter[tap] * static_cast<double>(from[i + tap - reach]);
+        }
+        result.values[i] = static_cast<float>(sum);
+        squares += sum * sum;
+    }
+    const double scale = squares > 0.0 ? std::sqrt(static_cast<double>(from.size()) / squares) : 0.0;
+    for (float &value : result.values)
+        value *= static_cast<float>(scale);
+    return result;
+}
+
+} // namespace ltcreader

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+#include "ltcreader/finding.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace ltcreader
+{
+namespace
+{
+
+// Rows of frames. In noise and in other sounds no two frames ever counted up together, so these are generous.
+constexpr int sureFrames = 10;          // unbroken, with a return of the frame number
+constexpr int believableFrames = 5;     // with gaps
+constexpr int unbrokenFrames = 3;       // in short recordings
+constexpr double sureDeviation = 0.1;   // [bits] edges this close to their places leave no doubt about bits
+constexpr double believableShare = 0.6; // of the frames in its span that a row must hold
+constexpr double toleratedStrangers = 0.1; // frames that say something else, as a share of the row's
+constexpr double sureConfidence = 0.999999;
+constexpr double believableConfidence = 0.999;
+
+// Joint readings. Among thousands of readings no wrong one reached half of these.
+constexpr double leastMargin = 10.0;
+constexpr double leastSignificance = 14.0;
+constexpr double leastShareOfSync = 0.5; // a waveform that is all sync word is none
+
+double spanInFrames(const FrameChain &chain)
+{
+    return std::max(1.0, std::round((chain.last - chain.first) / chain.frameLength));
+}
+
+} // namespace
+
+bool isSure(const FrameChain &chain)
+{
+    return chain.frames >= sureFrames && chain.wraps > 0 && chain.strangers == 0 &&
+           chain.deviation < sureDeviation && chain.frames >= spanInFrames(chain) - 0.5;
+}
+
+bool isBelievable(const FrameChain &chain)
+{
+    const double share = chain.frames / spanInFrames(chain);
+    const bool unbroken = share > 0.99 && chain.frames >= unbrokenFrames && chain.deviation < sureDeviation;
+    const bool longRow = chain.frames >= believableFrames && share >= believableShare;
+    return (unbroken || longRow) && chain.strangers <= toleratedStrangers * chain.frames;
+}
+
+bool isBelievable(const JointReading &reading)
+{
+    const JointDecision &decision = reading.decision;
+    return decision.margin >= leastMargin && decision.significance >= leastSignificance &&
+           decision.amplitude >= leastShareOfSync * decision.syncAmplitude &&
+           decision.syncAmplitude >= leastShareOfSync * decision.amplitude;
+}
+
+Finding toFinding(const FrameChain &chain, Algorithm algorithm, int channel, const Window &window)
+{
+    Finding finding;
+    finding.rate = chain.rate;
+    finding.startCount = chain.startCount;
+    finding.frameLength = chain.frameLength;
+    finding.channel = channel;
+    finding.level = window.level(channel, chain.first, chain.last);
+    finding.confidence = isSure(chain) ? sureConfidence : believableConfidence;
+    finding.frames = chain.frames;
+    finding.bits = chain.bits;
+    finding.algorithm = algorithm;
+    finding.inverted = chain.inverted;
+    return finding;
+}
+
+Finding toFinding(const JointReading &reading, int channel)
+{
+    Finding finding;
+    finding.rate = reading.rate;
+    finding.startCount = reading.startCount;
+    finding.frameLength = reading.frameLength;
+    finding.channel = channel;
+    finding.level = reading.level;
+    finding.confidence = 1.0 - std::exp(-reading.decision.margin);
+    finding.frames = reading.frames;
+    finding.bits = reading.decision.bits;
+    finding.algorithm = Algorithm::Automatic;
+    finding.inverted = reading.inverted;
+    return finding;
+}
+
+Reading toReading(const Finding &finding, double offset, int sampleRate)
+{
+    constexpr double silence = 1e-9; // [full scale] keeps the logarithm finite
+    const double startCount = finding.startCount - offset / finding.frameLength;
+    Reading reading;
+    reading.start = labelAt(std::llround(startCount), finding.rate);
+    reading.dropFrame = finding.rate.dropFrame;
+    reading.ntsc = finding.rate.ntsc;
+    reading.baseRate = finding.rate.base;
+    reading.channel = finding.channel;
+    reading.samplesSinceMidnight = samplesAt(startCount, finding.rate, sampleRate);
+    reading.confidence = finding.confidence;
+    reading.measuredRate = sampleRate / finding.frameLength;
+    reading.rateError = 1e6 * (reading.measuredRate / finding.rate.framesPerSecond() - 1.0);
+    reading.level = 20.0 * std::log10(std::max(finding.level, silence));
+    reading.phase = startCount - std::floor(startCount);
+    reading.framesUsed = finding.frames;
+    reading.userBits = userBitsOf(finding.bits);
+    reading.algorithm = finding.algorithm;
+    reading.inverted = finding.inverted;
+    return reading;
+}
+
+} // namespace ltcreader

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ltcreader/decoder.h"
+#include "ltcreader/framechain.h"
+#include "ltcreader/jointreader.h"
+#include "ltcreader/window.h"
+
+namespace ltcreader
+{
+
+/// A timecode that was found in one channel of a window.
+struct Finding {
+    FrameRate rate;
+    double startCount = 0.0;  ///< [frames] since midnight at the first sample of the window, any sign
+    double frameLength = 0.0; ///< [samples] as recorded
+    int channel = 0;          ///< from 0
+    double level = 0.0;       ///< [full scale] RMS of the timecode
+    double confidence = 0.0;  ///< 0 to 1
+    int frames = 0;           ///< that it rests on
+    FrameBits bits = 0;       ///< of one of them
+    Algorithm algorithm = Algorithm::Automatic;
+    bool inverted = false;
+};
+
+/// True when \a chain leaves no doubt, so that nothing else needs to be looked at.
+bool isSure(const FrameChain &chain);
+
+/// True when \a chain may be reported where nothing better is found.
+bool isBelievable(const FrameChain &chain);
+
+/// True when \a reading may be reported.
+bool isBelievable(const JointReading &reading);
+
+Finding toFinding(const FrameChain &chain, Algorithm algorithm, int channel, const Window &window);
+Finding toFinding(const JointReading &reading, int channel);
+
+/// \a finding in a window that begins \a offset [samples] after the recording's first one.
+Reading toReading(const Finding &finding, double offset, int sampleRate);
+
+} // namespace ltcreader

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#include "ltcreader/halfbits.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace ltcreader
+{
+
+HalfBits sumHalfBits(const Conditioned &sound, const Clock &clock, double shift)
+{
+    const auto length = static_cast<double>(sound.samples.size());
+    std::vector<double> sums(sound.samples.size() + 1);
+    for (std::size_t i = 0; i < sound.samples.size(); ++i) {
+        sums[i + 1] = sums[i] + static_cast<double>(sound.samples[i]);
+    }
+    // A sample stands for the time from half a sample before it to half a sample after it.
+    const auto sumUpTo = [&](double position) {
+        const double place = std::clamp(position + 0.5, 0.0, length);
+        const auto index = std::min(static_cast<std::size_t>(place), sound.samples.size() - 1);
+        return sums[index] + (place - static_cast<double>(index)) * (sums[index + 1] - sums[index]);
+    };
+    HalfBits result;
+    const auto count = static_cast<std::size_t>(2.0 * (length / clock.bitLength + 2.0));
+    result.values.reserve(count);
+    double before = sumUpTo(clock.position(shift));
+    double squares = 0.0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const double after = sumUpTo(clock.position(shift + 0.5 * static_cast<double>(i + 1)));
+        result.values.push_back(static_cast<float>(after - before));
+        squares += (after - before) * (after - before);
+        before = after;
+    }
+    const double scale = squares > 0.0 ? std::sqrt(static_cast<double>(count) / squares) : 0.0;
+    for (float &value : result.values)
+        value *= static_cast<float>(scale);
+    return result;
+}
+
+} // namespace ltcreader

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ltcreader/syncsearch.h"
+
+#include <optional>
+#include <vector>
+
+namespace ltcreader
+{
+
+/// The timecode that explains all frames of a grid together best.
+struct JointDecision {
+    FrameRate rate;             ///< base and dropFrame; ntsc is left to the speed
+    std::int64_t count = 0;     ///< [frames] since midnight of frame 0 of the grid
+    FrameBits bits = 0;         ///< of frame 0, without its phase correction bit
+    double margin = 0.0;        ///< log-likelihood ratio against the best other timecode
+    double significance = 0.0;  ///< fit in standard deviations of what one fixed guess has in noise
+    double amplitude = 0.0;     ///< of the timecode in half bits of mean square 1, 0 to 1
+    double syncAmplitude = 0.0; ///< the same, from the sync words alone
+    std::vector<float> levels;  ///< of all half bits of the grid, 1 or -1 (0 where not known), as decided
+};
+
+/// Decides on \a grid, whose frames follow each other at \a measuredRate [frames/s]. \a wanted restricts the
+/// base.
+std::optional<JointDecision> decideTimecode(const FrameGrid &grid, double measuredRate,
+                                            const std::optional<FrameRate> &wanted);
+
+} // namespace ltcreader

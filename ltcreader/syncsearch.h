@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ltcreader/frame.h"
+#include "ltcreader/halfbits.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace ltcreader
+{
+
+constexpr int halvesPerFrame = 2 * bitsPerFrame;
+constexpr int dataHalves = 2 * dataBits;
+
+/// The half bits of a recording, cut into frames. Frames at both ends may be incomplete; what is missing is
+/// 0.
+struct FrameGrid {
+    int firstHalf = 0;         ///< index among the half bits of the first half of frame 0, from -159 to 0
+    int frames = 0;            ///< complete and incomplete ones
+    double score = 0.0;        ///< of the sync words, in standard deviations of what chance brings
+    std::vector<float> halves; ///< halvesPerFrame for each frame
+    std::vector<float> syncs; ///< of each frame: how much its end resembles a sync word; sign is its polarity
+
+    const float *frame(int number) const { return halves.data() + std::ptrdiff_t{number} * halvesPerFrame; }
+};
+
+/// Finds where frames begin.
+FrameGrid findFrames(const HalfBits &halfBits);
+
+} // namespace ltcreader
