@@ -16,6 +16,8 @@
 
 #include "ltcreader/conditioner.h"
 
+#include "ltcreader/restoration.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -31,17 +33,17 @@ constexpr double lowestRate = 20000.0; // [Hz] of the conditioned sound: eight s
 constexpr double taperTime = 0.01;     // [s] of fading at both ends, against the edges' own spectrum
 constexpr double smoothing = 30.0;     // [Hz] to each side, over which the floor is averaged
 constexpr float lineExcess = 10.0F;    // a bin this far above the floor is a line, not chance
-constexpr double meanOverLogMean = 1.781; // of exponentially distributed power: exp(Euler's constant)
-constexpr double bandFrom = 600.0;        // [Hz] most of what tells bits apart lies between here
-constexpr double bandTo = 4500.0;         // [Hz] and here
-constexpr double quietPart = 0.25;        // of that band is taken for free of disturbances
-constexpr float tolerated = 4.0F;         // times the power there: what LTC's own spectrum reaches
-constexpr double lineWidth = 0.8;         // [Hz] to each side of a line of the timecode itself
-constexpr double ownPart = 0.75;          // of the timecode's lines are weaker than this one,
-constexpr float ownExcess = 8.0F;         // and none is so many times stronger
-constexpr double evenTime = 0.02;         // [s] to each side, over which power is taken
-constexpr double quietShare = 0.1;        // of the mean power: quieter moments are not raised further
-constexpr double restoredCorner = 400.0;  // [Hz] below it the restoring front end raises no more
+constexpr double meanOverLogMean = 1.781;  // of exponentially distributed power: exp(Euler's constant)
+constexpr double bandFrom = 600.0;         // [Hz] most of what tells bits apart lies between here
+constexpr double bandTo = 4500.0;          // [Hz] and here
+constexpr double quietPart = 0.25;         // of that band is taken for free of disturbances
+constexpr float tolerated = 4.0F;          // times the power there: what LTC's own spectrum reaches
+constexpr double lineWidth = 0.8;          // [Hz] to each side of a line of the timecode itself
+constexpr double ownPart = 0.75;           // of the timecode's lines are weaker than this one,
+constexpr float ownExcess = 8.0F;          // and none is so many times stronger
+constexpr double evenTime = 0.02;          // [s] to each side, over which power is taken
+constexpr double quietShare = 0.1;         // of the mean power: quieter moments are not raised further
+constexpr double restorationReach = 150.0; // [Hz] to each side, over which power is taken to tell filters by
 
 /// Multiplies \a samples by raised cosines at both ends.
 float taper(std::size_t i, std::size_t length, std::size_t width)
@@ -182,6 +184,23 @@ std::vector<double> Conditioner::meanWeights(const std::vector<float> &powers, s
     return sums;
 }
 
+std::vector<double> Conditioner::meanPowers() const
+{
+    std::vector<double> sums(spectrum.size() + 1);
+    for (std::size_t bin = 0; bin < spectrum.size(); ++bin)
+        sums[bin + 1] = sums[bin] + static_cast<double>(std::norm(spectrum[bin]));
+    const auto reach = std::max<std::size_t>(1, static_cast<std::size_t>(restorationReach / binWidth));
+    std::vector<double> powers;
+    for (std::size_t step = 0;; ++step) {
+        const auto bin = static_cast<std::size_t>(static_cast<double>(step) * restorationStep / binWidth);
+        if (bin >= spectrum.size())
+            return powers;
+        const std::size_t from = bin > reach ? bin - reach : 0;
+        const std::size_t to = std::min(spectrum.size(), bin + reach + 1);
+        powers.push_back((sums[to] - sums[from]) / static_cast<double>(to - from));
+    }
+}
+
 Conditioned Conditioner::prepare(FrontEnd frontEnd, double frameRate) const
 {
     std::size_t size = powerOfTwoFrom(length);
@@ -193,16 +212,15 @@ Conditioned Conditioner::prepare(FrontEnd frontEnd, double frameRate) const
     Spectrum values(size);
     const std::vector<float> powers =
         frontEnd == FrontEnd::Whitened ? disturbance(frameRate) : std::vector<float>();
+    const std::vector<std::complex<float>> gains =
+        frontEnd == FrontEnd::Restored ? restoringGains(meanPowers()) : std::vector<std::complex<float>>();
     const auto lowest = static_cast<std::size_t>(lowestFrequency / binWidth);
     for (std::size_t bin = lowest; bin < std::min(spectrum.size(), size / 2); ++bin) {
         std::complex<float> weight = 1.0F;
         if (frontEnd == FrontEnd::Whitened)
             weight = 1.0F / powers[bin];
-        if (frontEnd == FrontEnd::Restored) {
-            const double frequency = static_cast<double>(bin) * binWidth;
-            weight = std::complex<float>(std::complex<double>(1.0) /
-                                         std::complex<double>(restoredCorner, frequency));
-        }
+        if (frontEnd == FrontEnd::Restored)
+            weight = gains[static_cast<std::size_t>(static_cast<double>(bin) * binWidth / restorationStep)];
         values[bin] = spectrum[bin] * weight;
     }
     Fft::ofSize(size).backward(values);

@@ -12,7 +12,7 @@ namespace ltcreader
 enum class FrontEnd {
     Flat,     ///< nothing but a limit to the band of LTC
     Whitened, ///< each frequency is weighed by how little else is there
-    Restored  ///< slow changes are raised: what a high-pass filter or a capacitor took away
+    Restored  ///< what filters did to the spectrum of LTC is undone
 };
 
 /// Sound at a low rate, ready for summing.
@@ -38,6 +38,7 @@ public:
 private:
     void estimateDisturbance();
     std::vector<float> disturbance(double frameRate) const;
+    std::vector<double> meanPowers() const;
     std::vector<double> meanWeights(const std::vector<float> &powers, std::size_t lowest) const;
 
     std::size_t length;        ///< [samples]
