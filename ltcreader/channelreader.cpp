@@ -45,7 +45,7 @@ std::optional<Finding> ChannelReader::readThoroughly() const
     const std::vector<float> &samples = window.channel(channel);
     auto best = chainOf(edges);
     Algorithm bestAlgorithm = firstTried(algorithm);
-    if (algorithm == Algorithm::Automatic) {
+    if (algorithm == Algorithm::Automatic && !(best && isClear(*best))) {
         for (const Algorithm other : {Algorithm::Slope, Algorithm::High, Algorithm::Low}) {
             EdgeReader reader(other, window.sampleRate());
             reader.process(samples.data(), samples.size());
@@ -56,7 +56,7 @@ std::optional<Finding> ChannelReader::readThoroughly() const
             }
         }
     }
-    if (best && isSure(*best))
+    if (best && (isSure(*best) || isClear(*best)))
         return toFinding(*best, bestAlgorithm, channel, window);
     // Spikes are what recordings with a steep high-pass filter consist of; summing reads them where slopes
     // cannot.

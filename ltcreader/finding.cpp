@@ -14,6 +14,7 @@ constexpr int sureFrames = 10;          // unbroken, with a return of the frame 
 constexpr int believableFrames = 5;     // with gaps
 constexpr int unbrokenFrames = 3;       // in short recordings
 constexpr double sureDeviation = 0.1;   // [bits] edges this close to their places leave no doubt about bits
+constexpr double clearDeviation = 0.06; // [bits] of edges that cannot be mistaken
 constexpr double believableShare = 0.6; // of the frames in its span that a row must hold
 constexpr double toleratedStrangers = 0.1; // frames that say something else, as a share of the row's
 constexpr double sureConfidence = 0.999999;
@@ -35,6 +36,12 @@ bool isSure(const FrameChain &chain)
 {
     return chain.frames >= sureFrames && chain.wraps > 0 && chain.strangers == 0 &&
            chain.deviation < sureDeviation && chain.frames >= spanInFrames(chain) - 0.5;
+}
+
+bool isClear(const FrameChain &chain)
+{
+    return chain.frames >= unbrokenFrames && chain.strangers == 0 && chain.deviation < clearDeviation &&
+           chain.frames >= spanInFrames(chain) - 0.5;
 }
 
 bool isBelievable(const FrameChain &chain)

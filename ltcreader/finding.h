@@ -26,6 +26,9 @@ struct Finding {
 /// True when \a chain leaves no doubt, so that nothing else needs to be looked at.
 bool isSure(const FrameChain &chain);
 
+/// True when \a chain is right as far as it goes, though the recording holds more that is not part of it.
+bool isClear(const FrameChain &chain);
+
 /// True when \a chain may be reported where nothing better is found.
 bool isBelievable(const FrameChain &chain);
 

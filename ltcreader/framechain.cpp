@@ -13,15 +13,19 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <complex>
 #include <map>
+#include <numbers>
 
 namespace ltcreader
 {
 namespace
 {
 
-constexpr int shortestChain = 3;       // [frames] fewer could agree by chance
-constexpr double speedMatters = 0.003; // a larger speed error says nothing about 1000 / 1001
+constexpr std::size_t shortestChain = 3; // [frames] fewer could agree by chance
+constexpr std::size_t longChain = 6;     // [frames] enough without any other sign
+constexpr double clearDeviation = 0.06;  // [bits] of edges that cannot be mistaken
+constexpr double speedMatters = 0.003;   // a larger speed error says nothing about 1000 / 1001
 
 struct Member {
     const Frame *frame;
@@ -41,29 +45,47 @@ double medianLength(const std::vector<Frame> &frames)
     return *middle;
 }
 
-/// The frames that agree on one offset between count and place; of several such groups the earliest long one.
+/// Where in a frame's time frames begin [samples], as the mean of all; single false frames move it little.
+double meanPhase(const std::vector<Frame> &frames, double length)
+{
+    std::complex<double> sum = 0.0;
+    for (const Frame &frame : frames)
+        sum += std::polar(1.0, 2.0 * std::numbers::pi * frame.start / length);
+    return std::arg(sum) / (2.0 * std::numbers::pi) * length;
+}
+
+/// Whether \a earlier is timecode of its own, which ends where \a later begins.
+bool isJumpedFrom(const std::vector<Member> &earlier, const std::vector<Member> &later)
+{
+    return earlier.size() >= longChain && earlier.back().place < later.front().place;
+}
+
+/// The frames that agree on one offset between count and place: the largest of several such groups, or the
+/// earliest from which the timecode jumped there.
 std::vector<Member> agreeingFrames(const std::vector<Frame> &frames, const FrameRate &rate, double length)
 {
     std::map<std::int64_t, std::vector<Member>> groups;
     const std::int64_t day = framesPerDay(rate);
+    const double phase = meanPhase(frames, length);
     for (const Frame &frame : frames) {
         const auto label = labelOf(frame.bits);
         if (!label || !isLabel(*label, rate))
             continue;
-        const std::int64_t place = std::llround((frame.start - frames.front().start) / length);
+        const std::int64_t place = std::llround((frame.start - phase) / length);
         const std::int64_t count = frameCount(*label, rate);
         groups[((count - place) % day + day) % day].push_back({&frame, place, count});
     }
-    std::vector<Member> best;
-    for (auto &[offset, group] : groups) {
-        const bool longEnough = group.size() >= 2 * shortestChain;
-        const bool bestLongEnough = best.size() >= 2 * shortestChain;
-        const bool better = longEnough && bestLongEnough ? group.front().place < best.front().place
-                                                         : group.size() > best.size();
-        if (better)
-            best = std::move(group);
+    if (groups.empty())
+        return {};
+    const auto largest = std::max_element(groups.begin(), groups.end(), [](const auto &a, const auto &b) {
+        return a.second.size() < b.second.size();
+    });
+    const std::vector<Member> *chosen = &largest->second;
+    for (const auto &[offset, group] : groups) {
+        if (isJumpedFrom(group, largest->second) && group.front().place < chosen->front().place)
+            chosen = &group;
     }
-    return best;
+    return *chosen;
 }
 
 /// Least squares line through the frame starts.
@@ -132,6 +154,42 @@ double speedPenalty(const FrameChain &chain, int sampleRate, const std::optional
     return named ? std::min(error, speedMatters) : error;
 }
 
+constexpr std::array<FrameRate, 4> waysOfCounting{
+    FrameRate{24, false, false}, {25, false, false}, {30, false, false}, {30, true, true}};
+
+/// Whether \a next follows \a frame without a gap, its number one higher.
+bool follows(const Frame &frame, const Frame &next)
+{
+    const auto label = labelOf(frame.bits);
+    const auto nextLabel = labelOf(next.bits);
+    const double gap = std::abs(next.start - frame.end) / (frame.end - frame.start);
+    if (!label || !nextLabel || gap > clearDeviation / bitsPerFrame)
+        return false;
+    return std::any_of(waysOfCounting.begin(), waysOfCounting.end(), [&](const FrameRate &way) {
+        return isLabel(*label, way) && labelAt(frameCount(*label, way) + 1, way) == *nextLabel;
+    });
+}
+
+/// The first frames that count up without a gap and with edges that cannot be mistaken; empty when there are
+/// none.
+std::vector<Frame> firstClearRun(const std::vector<Frame> &frames)
+{
+    std::vector<Frame> run;
+    for (const Frame &frame : frames) {
+        const bool clear = frame.meanDeviation < clearDeviation;
+        if (clear && !run.empty() && follows(run.back(), frame)) {
+            run.push_back(frame);
+            continue;
+        }
+        if (run.size() >= shortestChain)
+            return run;
+        run.clear();
+        if (clear)
+            run.push_back(frame);
+    }
+    return run.size() >= shortestChain ? run : std::vector<Frame>();
+}
+
 bool majorityHasDropFlag(const std::vector<Member> &members)
 {
     const auto flagged = std::count_if(members.begin(), members.end(), [](const Member &member) {
@@ -162,12 +220,10 @@ std::optional<FrameChain> findChain(const std::vector<Frame> &frames, int sample
 {
     if (frames.size() < shortestChain)
         return std::nullopt;
-    constexpr std::array<FrameRate, 4> ways{
-        FrameRate{24, false, false}, {25, false, false}, {30, false, false}, {30, true, true}};
     const double length = medianLength(frames);
     std::optional<FrameChain> best;
     double leastError = 0.0;
-    for (const FrameRate &way : ways) {
+    for (const FrameRate &way : waysOfCounting) {
         const std::vector<Member> members = agreeingFrames(frames, way, length);
         if (members.size() < shortestChain)
             continue;
@@ -180,6 +236,10 @@ std::optional<FrameChain> findChain(const std::vector<Frame> &frames, int sample
             leastError = error;
         }
     }
+    const std::vector<Frame> run = firstClearRun(frames);
+    const bool ownTimecode = !run.empty() && run.size() < frames.size();
+    if (ownTimecode && (!best || run.back().start < best->first))
+        return findChain(run, sampleRate, wanted);
     if (!best)
         return std::nullopt;
     best->rate = rateBySpeed(best->rate, best->frameLength, sampleRate, wanted);
