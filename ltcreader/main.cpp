@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/commandline.h"
 #include "ltcreader/decoder.h"
+#include "ltcreader/diagnosis.h"
 #include "ltcreader/report.h"
 #include "ltcreader/soundfile.h"
 
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -48,6 +50,24 @@ int answer(Question question)
     return print(question == Question::Help ? help : "LTCReader " LTCREADER_VERSION "\n");
 }
 
+/// What was read, or why nothing was, with a picture of the channels concerned.
+int describe(const Run &run, const std::optional<Reading> &reading)
+{
+    SoundFileError error = SoundFileError::None;
+    const auto file = SoundFile::open(run.path, error);
+    if (!file)
+        return fail(ExitCode::CannotOpen, "cannot open " + run.path);
+    std::string text = reading ? toText(*reading) : std::string();
+    const std::vector<Diagnosis> channels = diagnose(*file);
+    const int only = reading ? reading->channel : run.settings.channel;
+    for (int channel = 0; channel < static_cast<int>(channels.size()); ++channel) {
+        if (only < 0 || channel == only)
+            text += toText(channels[static_cast<std::size_t>(channel)], channel, reading.has_value());
+    }
+    const int printed = print(text);
+    return reading ? printed : fail(ExitCode::NotFound, "no timecode found in " + run.path);
+}
+
 int readFile(const Run &run)
 {
     SoundFileError error = SoundFileError::None;
@@ -62,9 +82,11 @@ int readFile(const Run &run)
                     run.path + " has " + std::to_string(file->channels()) + " channels, counted from 0");
     }
     const auto reading = readTimecode(*file, run.settings);
+    if (run.format == OutputFormat::Text)
+        return describe(run, reading);
     if (!reading)
         return fail(ExitCode::NotFound, "no timecode found in " + run.path);
-    return print(run.format == OutputFormat::Json ? toJson(*reading) : toText(*reading));
+    return print(toJson(*reading));
 }
 
 int runProgram(const std::vector<std::string> &arguments)

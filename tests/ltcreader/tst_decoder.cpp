@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/decoder.h"
 #include "tests/support/biphasemark.h"
+#include "tests/support/impairments.h"
 #include "tests/support/ltcsignal.h"
+#include "tests/support/noise.h"
 
 #include <QTest>
 
@@ -27,6 +29,9 @@ private slots:
     void theSlopeReadsThroughHum();
     void spikesAreRead_data();
     void spikesAreRead();
+    void timecodeIsReadOutOfNoise_data();
+    void timecodeIsReadOutOfNoise();
+    void lateTimecodeOfALongRecordingIsFound();
     void theTimecodeIsFoundOnEveryChannel_data();
     void theTimecodeIsFoundOnEveryChannel();
     void theLouderOfTwoChannelsWins();
@@ -270,6 +275,68 @@ void TestDecoder::spikesAreRead()
     LtcSignal signal = signalAt(pal);
     signal.level = level;
     QCOMPARE(textOf(read(differentiated(testsignals::ltcAudio(signal), tau, 48000), 48000)), startOf(signal));
+}
+
+void TestDecoder::timecodeIsReadOutOfNoise_data()
+{
+    QTest::addColumn<QString>("noise");
+    QTest::addColumn<double>("ratio");    // [dB]
+    QTest::addColumn<double>("duration"); // [s]
+    QTest::newRow("white noise, -18 dB, 3 s") << "white" << -18.0 << 3.0;
+    QTest::newRow("white noise, -13 dB, 1 s") << "white" << -13.0 << 1.0;
+    QTest::newRow("white noise, -6 dB, 0.2 s") << "white" << -6.0 << 0.2;
+    QTest::newRow("pink noise, -12 dB") << "pink" << -12.0 << 3.0;
+    QTest::newRow("hum, -40 dB") << "hum" << -40.0 << 3.0;
+    QTest::newRow("wind, -50 dB") << "wind" << -50.0 << 3.0;
+    QTest::newRow("music, -14 dB") << "music" << -14.0 << 3.0;
+    QTest::newRow("speech, -14 dB") << "speech" << -14.0 << 3.0;
+}
+
+void TestDecoder::timecodeIsReadOutOfNoise()
+{
+    QFETCH(QString, noise);
+    QFETCH(double, ratio);
+    QFETCH(double, duration);
+    constexpr int recordings = 3;
+    int right = 0;
+    for (int recording = 0; recording < recordings; ++recording) {
+        testsignals::Random random(100 + static_cast<std::uint64_t>(recording));
+        LtcSignal signal = signalAt(recording % 2 == 0 ? pal : drop);
+        signal.duration = duration;
+        signal.level = -30.0;
+        signal.start.minutes += recording;
+        signal.offset = 0.13 * recording;
+        signal.userBits = 0x0F1E2D3CU * static_cast<unsigned>(recording);
+        testsignals::Samples samples = testsignals::ltcAudio(signal);
+        const std::size_t count = samples.size();
+        const testsignals::Samples disturbance =
+            noise == "white"   ? testsignals::whiteNoise(random, count)
+            : noise == "pink"  ? testsignals::pinkNoise(random, count, 48000)
+            : noise == "hum"   ? testsignals::hum(random, count, 48000)
+            : noise == "wind"  ? testsignals::windNoise(random, count, 48000)
+            : noise == "music" ? testsignals::musicLike(random, count, 48000)
+                               : testsignals::speechLike(random, count, 48000);
+        testsignals::addAtRatio(samples, disturbance, ratio);
+        const auto reading = read(samples, 48000);
+        if (!reading)
+            continue;
+        QCOMPARE(textOf(reading), startOf(signal));
+        QVERIFY(std::abs(reading->samplesSinceMidnight - testsignals::samplesSinceMidnight(signal)) <= 10);
+        QVERIFY(reading->confidence >= 0.999);
+        ++right;
+    }
+    QVERIFY2(2 * right >= recordings, qPrintable(QString("%1 of %2 read").arg(right).arg(recordings)));
+}
+
+void TestDecoder::lateTimecodeOfALongRecordingIsFound()
+{
+    LtcSignal signal = signalAt(pal);
+    signal.duration = 12.0;
+    std::vector<float> samples = testsignals::ltcAudio(signal);
+    std::fill_n(samples.begin(), 9 * 48000, 0.0F);
+    const auto reading = read(samples, 48000);
+    QCOMPARE(textOf(reading), startOf(signal));
+    QVERIFY(std::abs(reading->samplesSinceMidnight - testsignals::samplesSinceMidnight(signal)) <= 10);
 }
 
 void TestDecoder::theTimecodeIsFoundOnEveryChannel_data()

@@ -10,6 +10,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <cmath>
+
 class TestLtcReaderProgram : public QObject
 {
     Q_OBJECT
@@ -22,6 +24,8 @@ private slots:
     void failuresHaveTheirCodeAndOneLine();
     void helpAndVersionAreAnswered();
     void peopleGetText();
+    void peopleAreToldWhyNothingWasFound_data();
+    void peopleAreToldWhyNothingWasFound();
     void whatFfmpegWritesToAPipeIsRead();
     void anyBytesAreSurvived();
 
@@ -135,6 +139,50 @@ void TestLtcReaderProgram::peopleGetText()
     QCOMPARE(answer.code, 0);
     QVERIFY(answer.out.startsWith("Timecode:"));
     QVERIFY(answer.out.contains("10:00:00;00"));
+    QVERIFY(answer.out.contains("Waveform"));
+    QVERIFY(answer.out.contains("Time between edges"));
+}
+
+void TestLtcReaderProgram::peopleAreToldWhyNothingWasFound_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("reason");
+    const auto write = [this](const char *name, const std::vector<float> &samples) {
+        testsignals::WavFile wav;
+        wav.channels = {samples};
+        testsignals::writeWav(pathOf(name).toStdString(), wav);
+    };
+    std::vector<float> random(144000);
+    std::vector<float> tone(144000);
+    std::vector<float> zeros(144000);
+    QRandomGenerator generator(5);
+    for (std::size_t i = 0; i < random.size(); ++i) {
+        random[i] = static_cast<float>(generator.generateDouble() - 0.5);
+        tone[i] = 0.4F * std::sin(0.06F * static_cast<float>(i));
+        zeros[i] = i / 24 % 2 == 0 ? 0.4F : -0.4F;
+    }
+    write("noise.wav", random);
+    write("tone.wav", tone);
+    write("zeros.wav", zeros);
+    QTest::newRow("silence") << "silence.wav"
+                             << "silence";
+    QTest::newRow("noise") << "noise.wav"
+                           << "noise";
+    QTest::newRow("programme") << "tone.wav"
+                               << "programme sound only";
+    QTest::newRow("biphase code without sync words") << "zeros.wav"
+                                                     << "without sync words";
+}
+
+void TestLtcReaderProgram::peopleAreToldWhyNothingWasFound()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, reason);
+    const Answer answer = run({folder.filePath(file), "-oTEXT"});
+    QCOMPARE(answer.code, 205);
+    QCOMPARE(answer.err.count('\n'), 1);
+    QVERIFY2(answer.out.contains("No timecode: ") && answer.out.contains(reason.toUtf8()),
+             answer.out.constData());
 }
 
 void TestLtcReaderProgram::whatFfmpegWritesToAPipeIsRead()
