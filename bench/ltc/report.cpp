@@ -68,11 +68,11 @@ std::string halfPointText(const CurveResult &result, Reader reader)
 {
     if (tallyOf(result.grades.front(), reader).files() == 0)
         return "-";
-    const std::optional<double> point = halfPoint(result, reader);
-    if (!point)
+    const std::optional<double> position = halfPosition(result, reader);
+    if (!position)
         return "none";
-    const Tally &last = tallyOf(result.grades.back(), reader);
-    return format("%s%.4g", last.rightShare() >= 0.5 ? "beyond " : "", *point);
+    const bool allAbove = *position >= static_cast<double>(result.curve.grades.size() - 1);
+    return format("%s%.4g", allAbove ? "beyond " : "", *halfPoint(result, reader));
 }
 
 std::string textOfAnswer(const Answer &answer)
