@@ -5,6 +5,10 @@
 
 #include <QTest>
 
+#include <algorithm>
+#include <map>
+#include <stdexcept>
+
 using namespace ltcbench;
 
 Q_DECLARE_METATYPE(ltcbench::Curve)
@@ -17,8 +21,55 @@ constexpr std::uint64_t seed = 20; // another than the benchmark's own
 /// The grade of each curve up to which every recording must be read, well inside of what the decoder reaches.
 /// Nothing is demanded of curves that are not named here but that no answer is wrong.
 const std::map<std::string, double> readUpTo{
-    {"white noise, 3 s, 23.976", 8}, {"white noise, 3 s, 24", 8},         {"white noise, 3 s, 25", 8},
-    {"white noise, 3 s, 29.97", 8},  {"white noise, 3 s, 29.97 drop", 8}, {"white noise, 3 s, 30", 8},
+    {"white noise, 3 s, 23.976", -14},
+    {"white noise, 3 s, 24", -14},
+    {"white noise, 3 s, 25", -14},
+    {"white noise, 3 s, 29.97", -14},
+    {"white noise, 3 s, 29.97 drop", -14},
+    {"white noise, 3 s, 30", -14},
+    {"white noise, 1 s, 25", -8},
+    {"white noise, 0.2 s, 25", 0},
+    {"pink noise", -8},
+    {"hum", -20},
+    {"wind", -35},
+    {"radio channel", 12},
+    {"speech bleed", -10},
+    {"music bleed", -8},
+    {"level, 16 bit with dither", 2},
+    {"overdriven with noise at 6 dB", 60},
+    {"automatic gain, speech at 6 dB", 40},
+    {"low-pass", 2400},
+    {"high-pass", 5000},
+    {"spikes, -50 to -1 dBFS", 20},
+    {"spikes by level", -60},
+    {"spikes in white noise", -4},
+    {"constant offset, timecode at -20 dBFS", 0.9},
+    {"asymmetry", 20},
+    {"polarity", 1},
+    {"slow machine", 10},
+    {"fast machine", 10},
+    {"wow, 0.4 to 2 Hz", 2},
+    {"flutter, 6 to 30 Hz", 2},
+    {"dropouts of 5 to 100 ms", 40},
+    {"late start in 3 s", 0.3},
+    {"early end in 3 s", 0.3},
+    {"jump in 3 s", 1},
+    {"clean", 5},
+    {"sample rates", 192000},
+    {"sample rates, white noise of -4 dB at 48 kHz", 16000},
+    {"sample sizes", 33},
+    {"durations", 0.2},
+    {"across midnight", 5},
+    {"across full minutes", 5},
+    {"user bits like sync words", 5},
+    {"odd bits", 2},
+    {"odd bits in white noise", 8},
+    {"channels", 16},
+    {"leak into a second channel", 3},
+    {"foreign timecode in the channel", 9},
+    {"leak alone, below speech", -6},
+    {"line into microphone input", 4},
+    {"long cable", 2},
 };
 
 const Curve &curveNamed(const std::string &name)
@@ -72,7 +123,7 @@ void TestLtcBenchmark::cleanTimecodeIsReadToTheSample()
     QFETCH(int, rate);
     QFETCH(int, sampleRate);
     Random random = Random::forCase(seed, "clean", static_cast<std::uint64_t>(rate * sampleRate));
-    for (const double duration : {3.0, 1.0, 0.3}) {
+    for (const double duration : {3.0, 0.5}) {
         LtcSignal signal = anySignal(random, allRates()[static_cast<std::size_t>(rate)]);
         signal.sampleRate = sampleRate;
         signal.duration = duration;
@@ -97,18 +148,23 @@ void TestLtcBenchmark::impairedTimecodeIsReadOrRefusedButNeverWrong_data()
 void TestLtcBenchmark::impairedTimecodeIsReadOrRefusedButNeverWrong()
 {
     QFETCH(Curve, curve);
+    // The demanded grade and two that are harder; all of them where none is harder than another.
     const auto demanded = readUpTo.find(curve.name);
-    bool mustBeRead = demanded != readUpTo.end();
-    for (std::size_t grade = 0; grade < curve.grades.size(); ++grade) {
+    const auto last = demanded == readUpTo.end()
+                          ? curve.grades.begin()
+                          : std::find(curve.grades.begin(), curve.grades.end(), demanded->second);
+    const auto demandedGrade = static_cast<std::size_t>(last - curve.grades.begin());
+    const std::size_t first = curve.graded ? demandedGrade : 0;
+    const std::size_t end = std::min(demandedGrade + 3, curve.grades.size());
+    for (std::size_t grade = first; grade < end; ++grade) {
         const Case recording = recordingOf(curve, seed, grade, 0);
         const std::optional<Answer> answer = readWithOurs(recording);
         const std::string name = nameOfRecording(curve.name, grade, 0);
         QVERIFY2(
             judge(recording, answer) != Verdict::Wrong,
             qPrintable(QString::fromStdString(textOfWrong(name, recording, *answer)) + reproduction(name)));
-        QVERIFY2(!mustBeRead || answer,
+        QVERIFY2(answer || grade > demandedGrade || demanded == readUpTo.end(),
                  qPrintable(QString("grade %1 was not read").arg(curve.grades[grade]) + reproduction(name)));
-        mustBeRead = mustBeRead && curve.grades[grade] != demanded->second;
     }
 }
 
@@ -131,7 +187,7 @@ void TestLtcBenchmark::noTimecodeIsInvented()
 {
     QFETCH(int, sound);
     const testsignals::OtherSound &kind = testsignals::otherSounds()[static_cast<std::size_t>(sound)];
-    constexpr int files = 10;
+    constexpr int files = 6;
     for (int file = 0; file < files; ++file) {
         const Case recording = recordingOf(kind, seed, file);
         const std::optional<Answer> answer = readWithOurs(recording);
