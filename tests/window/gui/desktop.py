@@ -40,8 +40,15 @@ def centre(node):
     return box.x + box.width // 2, box.y + box.height // 2
 
 
+def settled_centre(node):
+    """The window manager moves a window after it has opened; this waits until it stands still."""
+    before = centre(node)
+    time.sleep(0.3)
+    return before if centre(node) == before else None
+
+
 def click(node):
-    x, y = centre(node)
+    x, y = wait_for(lambda: settled_centre(node), f"{node} to stand still")
     xdotool("mousemove", x, y, "click", 1)
 
 
@@ -149,8 +156,11 @@ class Program:
         box = self.wait_window(title)
         text = "\n".join(self.box_text(box))
         click(wait_for(lambda: self.find_button(button, box), f"the button {button}"))
-        wait_for(lambda: self.find_window(title) is None, f"the end of the box {title}")
+        wait_for(lambda: self.is_gone(title), f"the end of the box {title}")
         return text
+
+    def is_gone(self, title):
+        return self.process.poll() is not None or self.find_window(title) is None
 
     def find_button(self, name, within):
         for node in descendants(within):
