@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the Debian package into build/package and checks it. The same sources give the same bytes in any folder.
+# Builds the Debian package into build/package and checks it. File times are those of the changelog.
 # Usage: scripts/make-package.sh
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
