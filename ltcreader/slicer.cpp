@@ -17,9 +17,7 @@ namespace ltcreader
 namespace
 {
 
-constexpr double memory = 0.008; // [s] of the extremes: some fifteen bits, less than a swell of hum
-constexpr double longestRiseTime =
-    1e-4;                              // [s] half of the shortest half bit; slower rises are not square waves
+constexpr double memory = 0.008;       // [s] of the extremes: some fifteen bits, less than a swell of hum
 constexpr float smallestSwing = 4e-5F; // [full scale] a little more than one step of 16 bit
 constexpr double slopeTime = 6e-5;     // [s] a third of the shortest half bit: the full height of soft edges
 
