@@ -415,7 +415,15 @@ private:
             decision.rate.dropFrame = false;
             decision.rate.ntsc = false;
         }
-        decision.count = frameCount(*label, decision.rate);
+        // Counted from the middle: at the ends ways of counting may differ where hardly anything of a frame
+        // is there.
+        const int middle = grid.frames / 2;
+        const auto [second, number] = placeOf(best.numbering, middle);
+        const int minutes = best.minute < 0 ? 0 : (best.second + second) / 60;
+        const int hours = best.hour < 0 ? 0 : (label->minutes + minutes) / 60;
+        const Timecode inMiddle{(label->hours + hours) % 24, (label->minutes + minutes) % 60,
+                                (best.second + second) % 60, number};
+        decision.count = frameCount(inMiddle, decision.rate) - middle;
         decision.bits = best.bits;
         decision.amplitude = static_cast<double>(bestFit) / usedHalves();
         decision.significance = static_cast<double>(bestFit) / std::sqrt(usedHalves());
