@@ -29,7 +29,7 @@ std::vector<Curve> curvesOfCodecs()
         };
         curves.push_back({"Codecs",
                           codec.name + " after pink noise",
-                          "dB below the timecode",
+                          "dB, timecode over the rest",
                           {40, 20, 10, 4, 0, -4, -8, -12},
                           true,
                           make});

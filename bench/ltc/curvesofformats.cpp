@@ -181,27 +181,27 @@ std::vector<Curve> curvesOfFormats()
 {
     const std::vector<double> ratesByNumber{0, 1, 2, 3, 4, 5};
     const std::string rateUnit = "rate: 23.976, 24, 25, 29.97, drop, 30";
-    return {
-        curve("clean", rateUnit, ratesByNumber, false, cleanAtRate),
-        curve("sample rates", "Hz",
-              {8000, 11025, 16000, 22050, 32000, 44100, 48000, 88200, 96000, 176400, 192000}, false,
-              sampleRates),
-        curve("sample rates, white noise of -4 dB at 48 kHz", "Hz",
-              {192000, 96000, 48000, 44100, 32000, 16000, 8000}, false, noisySampleRates),
-        curve("sample sizes", "bit, 33 is float", {8, 16, 24, 32, 33}, false, sampleSizes),
-        curve("durations", "s", {3, 2, 1, 0.5, 0.3, 0.25, 0.2, 0.15, 0.1}, true, durations),
-        curve("across midnight", rateUnit, ratesByNumber, false, midnight),
-        curve("across full minutes", rateUnit, ratesByNumber, false, fullMinutes),
-        curve("user bits like sync words", "pattern", ratesByNumber, false, syncLikeUserBits),
-        curve("odd bits", "0 user bits change, 1 parity wrong, 2 both", {0, 1, 2}, false, oddBits),
-        curve("odd bits in white noise", "dB below the timecode", gradesFrom(8, -20, -4), true,
-              oddBitsInNoise),
-        curve("channels", "channels", {1, 2, 4, 8, 16}, false, channels),
-        curve("leak into a second channel", "dB below the timecode", {40, 30, 20, 10, 6, 3, 1}, true, leak),
-        curve("foreign timecode in the channel", "dB below the timecode", {30, 20, 15, 12, 9, 6, 3}, true,
-              foreignTimecode),
-        curve("leak alone, below speech", "dB below the timecode", {20, 10, 0, -6, -12, -18, -24}, true,
-              leakAlone)};
+    return {curve("clean", rateUnit, ratesByNumber, false, cleanAtRate),
+            curve("sample rates", "Hz",
+                  {8000, 11025, 16000, 22050, 32000, 44100, 48000, 88200, 96000, 176400, 192000}, false,
+                  sampleRates),
+            curve("sample rates, white noise of -4 dB at 48 kHz", "Hz",
+                  {192000, 96000, 48000, 44100, 32000, 16000, 8000}, false, noisySampleRates),
+            curve("sample sizes", "bit, 33 is float", {8, 16, 24, 32, 33}, false, sampleSizes),
+            curve("durations", "s", {3, 2, 1, 0.5, 0.3, 0.25, 0.2, 0.15, 0.1}, true, durations),
+            curve("across midnight", rateUnit, ratesByNumber, false, midnight),
+            curve("across full minutes", rateUnit, ratesByNumber, false, fullMinutes),
+            curve("user bits like sync words", "pattern", ratesByNumber, false, syncLikeUserBits),
+            curve("odd bits", "0 user bits change, 1 parity wrong, 2 both", {0, 1, 2}, false, oddBits),
+            curve("odd bits in white noise", "dB, timecode over the rest", gradesFrom(8, -20, -4), true,
+                  oddBitsInNoise),
+            curve("channels", "channels", {1, 2, 4, 8, 16}, false, channels),
+            curve("leak into a second channel", "dB, timecode over the rest", {40, 30, 20, 10, 6, 3, 1}, true,
+                  leak),
+            curve("foreign timecode in the channel", "dB, timecode over the rest", {30, 20, 15, 12, 9, 6, 3},
+                  true, foreignTimecode),
+            curve("leak alone, below speech", "dB, timecode over the rest", {20, 10, 0, -6, -12, -18, -24},
+                  true, leakAlone)};
 }
 
 } // namespace ltcbench

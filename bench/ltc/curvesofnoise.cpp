@@ -15,7 +15,7 @@ namespace
 constexpr int fineBits = 24; // timecode far below a disturbance must not go under in rounding
 constexpr LtcRate pal{25, false, false};
 const std::string section = "Noise";
-const std::string ratio = "dB below the timecode";
+const std::string ratio = "dB, timecode over the rest";
 
 using MakeNoise = Samples (*)(Random &random, std::size_t count, int sampleRate);
 

@@ -124,7 +124,7 @@ std::vector<Curve> curvesOfSignals()
               highPassed),
         curve("spikes, -50 to -1 dBFS", "us time constant", {500, 300, 200, 100, 50, 30, 20}, spikes),
         curve("spikes by level", "dBFS", gradesFrom(-20, -90, -10), spikesByLevel),
-        curve("spikes in white noise", "dB below the spikes", gradesFrom(24, -24, -4), spikesInNoise),
+        curve("spikes in white noise", "dB, spikes over noise", gradesFrom(24, -24, -4), spikesInNoise),
         curve("constant offset, timecode at -20 dBFS", "of full scale", {0.05, 0.2, 0.5, 0.8, 0.9, 0.95},
               offset),
         curve("asymmetry", "dB between half-waves", {0, 3, 6, 10, 15, 20, 30}, asymmetrical),
