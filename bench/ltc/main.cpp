@@ -30,6 +30,7 @@ Measures how LTCReader's decoder reads timecode under graded impairments, and li
   --quick          5 recordings for each grade, 20 for each sound
   --ours           without libltc, for a faster run
   --csv FILE       writes all figures as comma-separated values
+  --page FILE      writes the results as a page of documentation (Markdown)
   --plots FOLDER   writes an SVG picture for each section
   --list           prints the names of all curves and sounds
   --case NAME      reads one recording by the name that a wrong answer is reported with
@@ -43,7 +44,9 @@ struct Options {
     Extent extent;
     std::vector<std::string> only;
     std::string csv;
+    std::string page;
     std::string plots;
+    std::string command = "ltc-benchmark"; ///< as it was called
     std::string caseName;
     std::string save;
     bool list = false;
@@ -84,6 +87,8 @@ Options parse(const std::vector<std::string> &arguments)
             options.extent.compare = false;
         } else if (name == "--csv") {
             options.csv = value();
+        } else if (name == "--page") {
+            options.page = value();
         } else if (name == "--plots") {
             options.plots = value();
         } else if (name == "--case") {
@@ -98,6 +103,8 @@ Options parse(const std::vector<std::string> &arguments)
             throw std::invalid_argument("unknown option \"" + name + "\"; --help lists all");
         }
     }
+    for (const std::string &argument : arguments)
+        options.command += argument.find(' ') == std::string::npos ? " " + argument : " \"" + argument + "\"";
     return options;
 }
 
@@ -180,8 +187,11 @@ int run(const Options &options)
     }
     if (!sounds.empty())
         std::cout << textOf(sounds);
-    if (isWanted(options, "Cost", "Cost"))
-        std::cout << textOf(measureCosts(options.extent));
+    std::vector<CostResult> costs;
+    if (isWanted(options, "Cost", "Cost")) {
+        costs = measureCosts(options.extent);
+        std::cout << textOf(costs);
+    }
     if (!curves.empty())
         std::cout << summaryOf(curves);
     if (!curves.empty() && options.extent.compare)
@@ -190,6 +200,8 @@ int run(const Options &options)
 
     if (!options.csv.empty())
         write(options.csv, csvOf(curves, sounds));
+    if (!options.page.empty())
+        write(options.page, pageOf(options.command, curves, sounds, costs));
     if (!options.plots.empty()) {
         std::filesystem::create_directories(options.plots);
         for (const std::string &section : sections) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
+#include <ctime>
 
 namespace ltcbench
 {
@@ -183,6 +184,24 @@ std::string shortfallsOf(const std::vector<CurveResult> &curves)
         }
     }
     return text.empty() ? "libltc reaches farther on no curve\n" : text;
+}
+
+std::string pageOf(const std::string &command, const std::vector<CurveResult> &curves,
+                   const std::vector<SoundResult> &sounds, const std::vector<CostResult> &costs)
+{
+    std::array<char, 32> date{};
+    const std::time_t now = std::time(nullptr);
+    std::strftime(date.data(), date.size(), "%d %B %Y", std::gmtime(&now));
+    std::string page = "# Results of the LTC benchmark\n\nMeasured on " + std::string(date.data()) +
+                       " with this command; [how](ltc-benchmark.md).\n\n    " + command +
+                       "\n\n## 50 % points\n" + summaryOf(curves) + "\n" + shortfallsOf(curves) +
+                       "\n## Read right, where there are no grades\n\n```";
+    for (const CurveResult &result : curves) {
+        if (!result.curve.graded)
+            page += textOf(result);
+    }
+    return page + "```\n\n## Sounds without timecode\n\n```" + textOf(sounds) + "```\n\n## CPU time\n\n```" +
+           textOf(costs) + "```\n\n## Totals\n\n```" + totalsOf(curves, sounds) + "```\n";
 }
 
 std::string csvOf(const std::vector<CurveResult> &curves, const std::vector<SoundResult> &sounds)

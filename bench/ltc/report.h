@@ -28,6 +28,11 @@ std::string shortfallsOf(const std::vector<CurveResult> &curves);
 /// All of it as comma-separated values with a head line, one line for each grade and reader.
 std::string csvOf(const std::vector<CurveResult> &curves, const std::vector<SoundResult> &sounds);
 
+/// The results as a page of documentation: \a command, the summary, the curves that are not graded, false
+/// timecodes, CPU time, totals.
+std::string pageOf(const std::string &command, const std::vector<CurveResult> &curves,
+                   const std::vector<SoundResult> &sounds, const std::vector<CostResult> &costs);
+
 /// One wrong answer in words: what was there and what was read.
 std::string textOfWrong(const std::string &name, const Case &recording, const Answer &answer);
 

@@ -19,7 +19,8 @@ namespace
 constexpr std::uint64_t seed = 20; // another than the benchmark's own
 
 /// The grade of each curve up to which every recording must be read, well inside of what the decoder reaches.
-/// Nothing is demanded of curves that are not named here but that no answer is wrong.
+/// Of curves that are not named here nothing is demanded but that no answer is wrong: of the radio channel
+/// too, where some recordings are refused at every grade.
 const std::map<std::string, double> readUpTo{
     {"white noise, 3 s, 23.976", -14},
     {"white noise, 3 s, 24", -14},
@@ -33,7 +34,7 @@ const std::map<std::string, double> readUpTo{
     {"hum", -20},
     {"wind", -35},
     {"speech bleed", -10},
-    {"music bleed", -6},
+    {"music bleed", -10},
     {"level, 16 bit with dither", 2},
     {"overdriven with noise at 6 dB", 60},
     {"automatic gain, speech at 6 dB", 40},
