@@ -34,4 +34,9 @@ QStringList timecode(const FileData &file, int videoType, outputname::Container 
 /// channel.
 QString mutedChannel(const FileData &file, const ExportOptions &options);
 
+/// The rate [frames per second] at which the audio timecode of \a file counts, as a fraction such as
+/// "30000/1001"; empty when it is not known. Accompanies the arguments, which name it for some video types
+/// only.
+QString timecodeRate(const FileData &file);
+
 } // namespace exportarguments

@@ -68,17 +68,22 @@ void FFMpegHandler::buildExportArguments(const FileData &fileData, const ExportO
     connect(exportProcess, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
             &FFMpegHandler::ffmpegExportFinished);
     connect(exportProcess, &QProcess::readyReadStandardError, this, &FFMpegHandler::ffmpegExportError);
-    setMutedChannel(exportarguments::mutedChannel(record, options));
+    setExportEnvironment();
     start(exportProcess, ffmpegPath, command.arguments);
 }
 
-void FFMpegHandler::setMutedChannel(const QString &channel)
+/// Tells the tool beside its arguments what these cannot say. What the program itself was started with never
+/// counts.
+void FFMpegHandler::setExportEnvironment()
 {
-    const QString variable = "OSTREL_TIMECODE_CHANNEL";
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.remove(variable);
-    if (!channel.isEmpty())
-        environment.insert(variable, channel);
+    const auto set = [&environment](const QString &variable, const QString &value) {
+        environment.remove(variable);
+        if (!value.isEmpty())
+            environment.insert(variable, value);
+    };
+    set("OSTREL_TIMECODE_CHANNEL", exportarguments::mutedChannel(record, options));
+    set("OSTREL_TIMECODE_RATE", exportarguments::timecodeRate(record));
     exportProcess->setProcessEnvironment(environment);
 }
 

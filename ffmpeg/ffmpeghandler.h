@@ -64,7 +64,7 @@ public slots:
 private:
     void start(QProcess *process, const QString &program, const QStringList &arguments);
     void reportFailedStart(QProcess::ProcessError error);
-    void setMutedChannel(const QString &channel);
+    void setExportEnvironment();
     bool isTaken(const QString &path) const;
     bool isWriting(const QString &path) const;
 

@@ -108,12 +108,6 @@ void fitLine(const std::vector<Member> &members, FrameChain &chain)
     chain.frameLength = products / squares;
     const double startPlace = meanPlace - meanStart / chain.frameLength;
     chain.startCount = startPlace + static_cast<double>(members.front().count - members.front().place);
-    double residual = 0.0;
-    for (const Member &member : members) {
-        const double place = static_cast<double>(member.place) - startPlace;
-        residual += std::pow(member.frame->start - place * chain.frameLength, 2.0) / n;
-    }
-    chain.fitError = std::sqrt(residual);
 }
 
 FrameChain describe(const std::vector<Member> &members, const FrameRate &rate)

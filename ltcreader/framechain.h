@@ -15,7 +15,6 @@ struct FrameChain {
     double startCount = 0.0;  ///< [frames] since midnight at the first sample of the recording, any sign
     double frameLength = 0.0; ///< [samples] as recorded
     double deviation = 0.0;   ///< [bits] root mean square deviation of the edges
-    double fitError = 0.0;    ///< [samples] root mean square distance of frame starts from even spacing
     int frames = 0;           ///< that belong to the chain
     int strangers = 0;        ///< frames within its span that do not
     int wraps = 0;            ///< times that the frame number returned to its lowest label within the chain

@@ -76,6 +76,9 @@ Outcome runExport(const MadeFile &source, const ExportOptions &options,
     const QString channel = exportarguments::mutedChannel(record, written);
     if (!channel.isEmpty())
         toolEnvironment.insert("OSTREL_TIMECODE_CHANNEL", channel);
+    const QString rate = exportarguments::timecodeRate(record);
+    if (!rate.isEmpty())
+        toolEnvironment.insert("OSTREL_TIMECODE_RATE", rate);
 
     const QString tool = QStandardPaths::findExecutable("ffmpeg.exe");
     const ToolRun run = runTool(tool, command.arguments, toolEnvironment);

@@ -95,6 +95,8 @@ int FakeJob::noteCall() const
         call["stream"] = stream;
     if (qEnvironmentVariableIsSet("OSTREL_TIMECODE_CHANNEL"))
         call["timecodeChannel"] = qEnvironmentVariable("OSTREL_TIMECODE_CHANNEL");
+    if (qEnvironmentVariableIsSet("OSTREL_TIMECODE_RATE"))
+        call["timecodeRate"] = qEnvironmentVariable("OSTREL_TIMECODE_RATE");
     call["processId"] = QCoreApplication::applicationPid();
     call["priority"] = ownPriority();
     call["oomScore"] = contentOf("/proc/self/oom_score_adj").trimmed().toInt();

@@ -46,6 +46,7 @@ QVector<Call> calls(const QString &mediaPath, const QString &job)
         call.stream = line["stream"].toInt(-1);
         call.arguments = line["arguments"].toVariant().toStringList();
         call.timecodeChannel = line["timecodeChannel"].toString(QString());
+        call.timecodeRate = line["timecodeRate"].toString(QString());
         call.processId = line["processId"].toVariant().toLongLong();
         call.priority = line["priority"].toInt();
         call.oomScore = line["oomScore"].toInt();

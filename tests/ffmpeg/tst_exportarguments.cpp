@@ -30,6 +30,8 @@ private slots:
     void theOutputSizeIsEstimated();
     void theMutedChannelIsTheTruePlace_data();
     void theMutedChannelIsTheTruePlace();
+    void theTimecodesRateAccompaniesExports_data();
+    void theTimecodesRateAccompaniesExports();
     void takenNamesAreAvoided();
 };
 
@@ -316,6 +318,30 @@ void TestExportArguments::theMutedChannelIsTheTruePlace()
     QFETCH(bool, mute);
     QFETCH(QString, expected);
     QCOMPARE(exportarguments::mutedChannel(file, chosen(5, 2, mute)), expected);
+}
+
+void TestExportArguments::theTimecodesRateAccompaniesExports_data()
+{
+    QTest::addColumn<bool>("found");
+    QTest::addColumn<int>("baseRate"); // [frames per second]
+    QTest::addColumn<bool>("ntsc");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("25") << true << 25 << false << "25/1";
+    QTest::newRow("23.976") << true << 24 << true << "24000/1001";
+    QTest::newRow("29.97") << true << 30 << true << "30000/1001";
+    QTest::newRow("a reading without a rate") << true << 0 << true << QString();
+    QTest::newRow("no timecode") << false << 25 << false << QString();
+}
+
+void TestExportArguments::theTimecodesRateAccompaniesExports()
+{
+    QFETCH(bool, found);
+    QFETCH(int, baseRate);
+    QFETCH(bool, ntsc);
+    FileData file;
+    file.hasAudioTC = found;
+    file.audioTCResult = {{"FrameRateBaseFound", baseRate}, {"NTSC", ntsc}};
+    QTEST(exportarguments::timecodeRate(file), "expected");
 }
 
 void TestExportArguments::takenNamesAreAvoided()

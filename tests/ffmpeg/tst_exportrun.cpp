@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/recordtypes.h"
+#include "ffmpeg/exportarguments.h"
 #include "ffmpeg/ffmpeghandler.h"
 #include "tests/fakes/faketools.h"
 #include "tests/ffmpeg/samplerecords.h"
@@ -77,6 +78,7 @@ QJsonObject step(const QString &what, const QJsonValue &how)
 }
 
 constexpr auto timecodeVariable = "OSTREL_TIMECODE_CHANNEL";
+constexpr auto rateVariable = "OSTREL_TIMECODE_RATE";
 
 } // namespace
 
@@ -189,6 +191,7 @@ void TestExportRun::theTimecodesPlaceAccompaniesMutedExports()
 
     // What the program itself was started with must not reach the tool.
     qputenv(timecodeVariable, "9.9");
+    qputenv(rateVariable, "99/1");
     const QString path = makeFile("clip.mov");
     FileData file = mediaFile(path, {sound("pcm_s16le", 2, "stereo")});
     if (found)
@@ -199,8 +202,10 @@ void TestExportRun::theTimecodesPlaceAccompaniesMutedExports()
     QSignalSpy result(&handler, &FFMpegHandler::ffmpegExportResult);
     handler.buildExportArguments(file, options);
     qunsetenv(timecodeVariable);
+    qunsetenv(rateVariable);
     QVERIFY(result.wait(longWait));
     QCOMPARE(faketools::calls(path).value(0).timecodeChannel, expected);
+    QCOMPARE(faketools::calls(path).value(0).timecodeRate, exportarguments::timecodeRate(file));
 }
 
 void TestExportRun::progressFollowsTheOutput()
