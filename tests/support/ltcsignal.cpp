@@ -49,13 +49,16 @@ Encoder makeEncoder(const LtcSignal &signal, double sampleRate, LtcTime first)
     time.mins = static_cast<unsigned char>(first.minutes);
     time.secs = static_cast<unsigned char>(first.seconds);
     time.frame = static_cast<unsigned char>(first.frames);
-    ltc_encoder_set_timecode(encoder.get(), &time);
-    ltc_encoder_set_user_bits(encoder.get(), signal.userBits);
-
-    // The library takes every 29.97 for drop-frame, so the flag is set here, and the parity after it.
+    // The library takes every 29.97 for drop-frame and leaves labels out by the flag, so it is set before the
+    // time.
     LTCFrame frame{};
     ltc_encoder_get_frame(encoder.get(), &frame);
     frame.dfbit = signal.rate.dropFrame ? 1U : 0U;
+    ltc_encoder_set_frame(encoder.get(), &frame);
+    ltc_encoder_set_timecode(encoder.get(), &time);
+    ltc_encoder_set_user_bits(encoder.get(), signal.userBits);
+
+    ltc_encoder_get_frame(encoder.get(), &frame);
     ltc_frame_set_parity(&frame, standardOf(signal.rate));
     ltc_encoder_set_frame(encoder.get(), &frame);
     return encoder;

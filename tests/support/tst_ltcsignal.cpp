@@ -78,6 +78,14 @@ void addSignals(std::initializer_list<int> sampleRates)
             row(QString("%1 at %2 Hz").arg(name).arg(sampleRate), {12, 34, 56, 7}, rate, sampleRate, 0, 0.0);
         row(QString("%1 over midnight").arg(name), {23, 59, 58, 11}, rate, 48000, 0x12345678, 0.3);
         row(QString("%1 over a full minute").arg(name), {0, 0, 58, 20}, rate, 48000, 0xFFFFFFFF, -0.4);
+        for (const int frames : {2, 3, 4})
+            row(QString("%1 from frame %2 of a full minute").arg(name).arg(frames), {14, 18, 0, frames}, rate,
+                48000, 0, -0.4);
+        if (!rate.dropFrame) {
+            for (const int frames : {0, 1})
+                row(QString("%1 from frame %2 of a full minute").arg(name).arg(frames), {14, 18, 0, frames},
+                    rate, 48000, 0, 0.3);
+        }
         row(QString("%1 over ten minutes").arg(name), {9, 59, 58, 20}, rate, 48000, 0xBFFCBFFC, 0.49);
     }
 }
