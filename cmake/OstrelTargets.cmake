@@ -47,13 +47,17 @@ function(ostrel_add_program target)
         OUTPUT_NAME "${ARG_OUTPUT}" RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 endfunction()
 
-# ostrel_add_test(<name> [SOURCES ...] [LIBS ...] [FAKES] [TOOLS] [DISPLAY] [TIMEOUT <seconds>]) adds the test <name>
-# from <name>.cpp. Any Qt warning fails it. FAKES puts the fake tools first in PATH, TOOLS the programs that we build.
-# DISPLAY gives it a virtual display with a window manager, as windows of a fixed size need.
+# ostrel_add_test(<name> [SOURCES ...] [LIBS ...] [FAKES] [TOOLS] [DISPLAY] [LOCALE <name>] [TIMEOUT <seconds>]) adds
+# the test <name> from <name>.cpp. Any Qt warning fails it. FAKES puts the fake tools first in PATH, TOOLS the programs
+# that we build. DISPLAY gives it a virtual display with a window manager, as windows of a fixed size need. It runs in
+# the locale C.UTF-8 where no other is named.
 function(ostrel_add_test name)
-    cmake_parse_arguments(ARG "FAKES;TOOLS;DISPLAY" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+    cmake_parse_arguments(ARG "FAKES;TOOLS;DISPLAY" "LOCALE;TIMEOUT" "SOURCES;LIBS" ${ARGN})
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 120)
+    endif()
+    if(NOT ARG_LOCALE)
+        set(ARG_LOCALE C.UTF-8)
     endif()
     add_executable(${name} ${name}.cpp ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE Ostrel::flags Qt5::Test ${ARG_LIBS})
@@ -70,7 +74,7 @@ function(ostrel_add_test name)
     set(runtime "${CMAKE_BINARY_DIR}/runtime")
     file(MAKE_DIRECTORY "${runtime}")
     file(CHMOD "${runtime}" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
-    set(environment QT_QPA_PLATFORM=${platform} QT_FATAL_WARNINGS=1 LC_ALL=C.UTF-8 "XDG_RUNTIME_DIR=${runtime}"
+    set(environment QT_QPA_PLATFORM=${platform} QT_FATAL_WARNINGS=1 LC_ALL=${ARG_LOCALE} "XDG_RUNTIME_DIR=${runtime}"
         ${OSTREL_SANITIZER_ENVIRONMENT})
     set(path "$ENV{PATH}")
     if(ARG_TOOLS)

@@ -5,8 +5,6 @@
 #include <QJsonObject>
 #include <QTest>
 
-#include <clocale>
-
 using namespace ltcreader;
 
 class TestReport : public QObject
@@ -16,7 +14,6 @@ class TestReport : public QObject
 private slots:
     void jsonHoldsWhatWasRead();
     void jsonIsOneLine();
-    void numbersDoNotFollowTheLocale();
     void peopleCountChannelsFromOne();
 };
 
@@ -77,17 +74,6 @@ void TestReport::jsonIsOneLine()
     const std::string json = toJson(Reading{});
     QCOMPARE(json.find('\n'), json.size() - 1);
     QVERIFY(json.front() == '{');
-}
-
-void TestReport::numbersDoNotFollowTheLocale()
-{
-    // Not every machine has a locale with a decimal comma; where there is none, the C locale is tested again.
-    std::setlocale(LC_ALL, "de_DE.UTF-8");
-    const QJsonObject json = parsed(dropFrameReading());
-    const std::string people = toText(dropFrameReading());
-    std::setlocale(LC_ALL, "C");
-    QCOMPARE(json.value("MeasuredFrameRate").toDouble(), 29.97);
-    QVERIFY(people.find("29.970 drop-frame") != std::string::npos);
 }
 
 void TestReport::peopleCountChannelsFromOne()
