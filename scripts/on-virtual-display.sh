@@ -11,7 +11,7 @@ end() {
 }
 trap end EXIT
 
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>"$work/display" >/dev/null 2>&1 &
+Xvfb -displayfd 3 -dpi 96 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>"$work/display" >/dev/null 2>&1 &
 server=$!
 for _ in $(seq 300); do
     [ ! -s "$work/display" ] || break

@@ -23,7 +23,8 @@ until_true() { # COMMAND...: waits at most 30 s
     exit 1
 }
 
-Xvfb -displayfd 3 -screen 0 1600x1000x24 -nolisten tcp -noreset 3>"$work/display" >/dev/null 2>&1 &
+# At 96 dots per inch a pixel of Qt is one of the screen, so that places read from the accessibility tree can be clicked.
+Xvfb -displayfd 3 -dpi 96 -screen 0 1600x1000x24 -nolisten tcp -noreset 3>"$work/display" >/dev/null 2>&1 &
 pids+=($!)
 until_true test -s "$work/display"
 DISPLAY=:$(cat "$work/display")

@@ -13,6 +13,7 @@ import time
 import pyatspi
 
 PATIENCE = 90  # seconds; the machine may be busy
+MAIN_WINDOW = "Ostrel Timecode Tool"
 
 
 def wait_for(condition, what):
@@ -63,6 +64,17 @@ def is_showing(node):
     return node.getState().contains(pyatspi.STATE_SHOWING)
 
 
+def is_active(window):
+    return window.getState().contains(pyatspi.STATE_ACTIVE)
+
+
+def labels_of(node):
+    """The texts of the labels that stand for the element, as a combo box tells only its choice by its own name."""
+    return [relation.getTarget(index).name
+            for relation in node.getRelationSet() if relation.getRelationType() == pyatspi.RELATION_LABELLED_BY
+            for index in range(relation.getNTargets())]
+
+
 class Tools:
     """The plans and calls of the fake tools; tests/fakes/README.md tells what they do."""
 
@@ -86,25 +98,33 @@ class Program:
 
     def __init__(self, executable, environment=None):
         self.process = subprocess.Popen([executable], env={**os.environ, **(environment or {})})
-        self.window = wait_for(lambda: self.find_window("Ostrel Timecode Tool"), "the main window")
-        wait_for(lambda: self.window.getState().contains(pyatspi.STATE_ACTIVE), "the active main window")
+        self.window = wait_for(lambda: self.find_window(MAIN_WINDOW, "frame"), "the main window")
+        wait_for(self.active_window, "a window in front")  # a message may have come up before the main window
 
     def application(self):
-        for application in pyatspi.Registry.getDesktop(0):
+        desktop = pyatspi.Registry.getDesktop(0)
+        desktop.clear_cache()
+        for application in desktop:
             if application is not None and application.get_process_id() == self.process.pid:
                 application.clear_cache()
                 return application
         return None
 
-    def find_window(self, title):
-        for window in self.application():
-            if window is not None and window.name == title and is_showing(window):
+    def windows(self):
+        return [window for window in self.application() if window is not None and is_showing(window)]
+
+    def find_window(self, title, role=None):
+        for window in self.windows():
+            if window.name == title and role in (None, window.getRoleName()):
                 return window
         return None
 
-    def wait_window(self, title):
-        window = wait_for(lambda: self.find_window(title), f"the window {title}")
-        wait_for(lambda: window.getState().contains(pyatspi.STATE_ACTIVE), f"the active window {title}")
+    def active_window(self):
+        return next((window for window in self.windows() if is_active(window)), None)
+
+    def wait_window(self, title, role=None):
+        window = wait_for(lambda: self.find_window(title, role), f"the window {title}")
+        wait_for(lambda: is_active(window), f"the active window {title}")
         return window
 
     def find(self, role, name=None, within=None):
@@ -158,6 +178,17 @@ class Program:
         click(wait_for(lambda: self.find_button(button, box), f"the button {button}"))
         wait_for(lambda: self.is_gone(title), f"the end of the box {title}")
         return text
+
+    def choose(self, dialog, label, choice):
+        """Clicks the combo box behind the label, and then the choice in the list that opens."""
+        combo = wait_for(lambda: next(node for node in descendants(dialog)
+                                      if node.getRoleName() == "combo box" and label in labels_of(node)),
+                         f"the choice box {label}")
+        click(combo)
+        items = combo[0]
+        wait_for(lambda: items.queryComponent().getExtents(pyatspi.DESKTOP_COORDS).height, f"the choices of {label}")
+        click(next(item for item in items if item.name == choice))
+        wait_for(lambda: self.application() and combo.name == choice, f"{choice} to be chosen")
 
     def is_gone(self, title):
         return self.process.poll() is not None or self.find_window(title) is None
