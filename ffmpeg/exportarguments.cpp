@@ -56,23 +56,6 @@ QStringList timecode(const FileData &file, int videoType, Container container)
     return arguments;
 }
 
-QString mutedChannel(const FileData &file, const ExportOptions &options)
-{
-    if (!options.muteAudioTC || file.audioStreamIndex < 0 || file.audioChannel < 0)
-        return {};
-    return QString("%1.%2").arg(file.audioStreamIndex).arg(file.audioChannel);
-}
-
-QString timecodeRate(const FileData &file)
-{
-    const int baseRate = file.audioTCResult["FrameRateBaseFound"].toInt();
-    if (!file.hasAudioTC || baseRate <= 0)
-        return {};
-    if (!file.audioTCResult["NTSC"].toBool())
-        return QString::number(baseRate) + "/1";
-    return QString::number(qint64{baseRate} * 1000) + "/1001";
-}
-
 ExportCommand build(const FileData &file, const ExportOptions &options, qint64 inputFileSize,
                     const std::function<bool(const QString &)> &isTaken)
 {

@@ -29,14 +29,4 @@ ExportCommand build(const FileData &file, const ExportOptions &options, qint64 i
 /// The arguments that write the audio timecode of \a file as start timecode; none for a file without one.
 QStringList timecode(const FileData &file, int videoType, outputname::Container container);
 
-/// Where the timecode to be left out of the export sits, as "stream.channel"; empty when none is to be left
-/// out or the place is not known. Accompanies the arguments, in which two-channel material names the other
-/// channel.
-QString mutedChannel(const FileData &file, const ExportOptions &options);
-
-/// The rate [frames per second] at which the audio timecode of \a file counts, as a fraction such as
-/// "30000/1001"; empty when it is not known. Accompanies the arguments, which name it for some video types
-/// only.
-QString timecodeRate(const FileData &file);
-
 } // namespace exportarguments

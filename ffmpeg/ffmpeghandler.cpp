@@ -4,6 +4,7 @@
 #include "app/toolprocess.h"
 #include "app/toolresolver.h"
 #include "ffmpeg/exportarguments.h"
+#include "ffmpeg/exporthints.h"
 #include "ffmpeg/exportprogress.h"
 #include "ffmpeg/toolarguments.h"
 
@@ -68,23 +69,10 @@ void FFMpegHandler::buildExportArguments(const FileData &fileData, const ExportO
     connect(exportProcess, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
             &FFMpegHandler::ffmpegExportFinished);
     connect(exportProcess, &QProcess::readyReadStandardError, this, &FFMpegHandler::ffmpegExportError);
-    setExportEnvironment();
-    start(exportProcess, ffmpegPath, command.arguments);
-}
-
-/// Tells the tool beside its arguments what these cannot say. What the program itself was started with never
-/// counts.
-void FFMpegHandler::setExportEnvironment()
-{
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    const auto set = [&environment](const QString &variable, const QString &value) {
-        environment.remove(variable);
-        if (!value.isEmpty())
-            environment.insert(variable, value);
-    };
-    set("OSTREL_TIMECODE_CHANNEL", exportarguments::mutedChannel(record, options));
-    set("OSTREL_TIMECODE_RATE", exportarguments::timecodeRate(record));
+    exporthints::insertInto(environment, record, options);
     exportProcess->setProcessEnvironment(environment);
+    start(exportProcess, ffmpegPath, command.arguments);
 }
 
 bool FFMpegHandler::isTaken(const QString &path) const

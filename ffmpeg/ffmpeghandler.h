@@ -64,7 +64,6 @@ public slots:
 private:
     void start(QProcess *process, const QString &program, const QStringList &arguments);
     void reportFailedStart(QProcess::ProcessError error);
-    void setExportEnvironment();
     bool isTaken(const QString &path) const;
     bool isWriting(const QString &path) const;
 

@@ -5,6 +5,7 @@
 #include "tooladapter/exportplan.h"
 #include "tooladapter/exportrules.h"
 #include "tooladapter/extractionrules.h"
+#include "tooladapter/fileheader.h"
 #include "tooladapter/refusal.h"
 #include "tooladapter/source.h"
 #include "tooladapter/toolsearch.h"
@@ -40,17 +41,36 @@ Source probe(const std::string &path)
     return parseProbe(output);
 }
 
+/// The source at \a path. The application has had it probed at the import and tells; another caller may not.
+Source sourceAt(const std::string &path)
+{
+    const Source told = parseProbe(environment("OSTREL_SOURCE"));
+    return told.streams.empty() ? probe(path) : told;
+}
+
+/// Throws Refusal where the file that \a job has left is not complete. A reading of its header settles that
+/// for complete files; for all others the probe tool has the last word.
+void checkWrittenFile(const Export &job, const Source &source)
+{
+    const auto header = readFileHeader(job.path);
+    if (header && faultIn(*header, job, source).empty())
+        return;
+    const std::string fault = faultIn(probe(job.path), job, source);
+    if (!fault.empty())
+        throw Refusal(fault);
+}
+
 /// The tool stays this process's child, since a tool that reports success may have left a file that ends too
 /// early.
 int runExport(const ArgumentList &list)
 {
-    const Source source = probe(filePath(list.input));
+    const Source source = sourceAt(filePath(list.input));
     const auto timecodeChannel = channelFromText(environment("OSTREL_TIMECODE_CHANNEL"));
     const auto timecodeRate = FrameRate::fromText(environment("OSTREL_TIMECODE_RATE"));
     const Export job = exportOf(planOf(list, source, timecodeChannel), source, timecodeRate);
     const int exitCode = run({toolPath("ffmpeg"), job.arguments});
     if (exitCode == 0)
-        checkWrittenFile(job, source, probe(job.path));
+        checkWrittenFile(job, source);
     return exitCode;
 }
 

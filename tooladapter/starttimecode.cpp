@@ -23,10 +23,15 @@ bool fits(char letter, char place)
 }
 
 /// Drop-frame leaves out the first numbers of every minute but each tenth: two of 30, four of 60.
+int droppedNumbers(int nominalRate)
+{
+    return nominalRate / 15;
+}
+
 bool isDropped(const StartTimecode &timecode, int nominalRate)
 {
     return timecode.dropFrame && timecode.seconds == 0 && timecode.minutes % 10 != 0 &&
-           timecode.frames < nominalRate / 15;
+           timecode.frames < droppedNumbers(nominalRate);
 }
 
 } // namespace
@@ -44,6 +49,23 @@ StartTimecode StartTimecode::fromText(const std::string &text)
     if (timecode.hours > 23 || timecode.minutes > 59 || timecode.seconds > 59)
         throw Refusal("\"" + text + "\" is no time of day");
     return timecode;
+}
+
+StartTimecode StartTimecode::fromFrameNumber(long number, int nominalRate, bool dropFrame)
+{
+    if (number < 0 || nominalRate <= 0)
+        return {};
+    if (dropFrame) {
+        const long dropped = droppedNumbers(nominalRate);
+        const long perMinute = 60L * nominalRate - dropped;
+        const long perTenMinutes = 10 * perMinute + dropped;
+        const long rest = number % perTenMinutes;
+        const long minute = rest < dropped ? 0 : (rest - dropped) / perMinute;
+        number += dropped * (number / perTenMinutes * 9 + minute);
+    }
+    const long second = number / nominalRate;
+    return {static_cast<int>(second / 3600 % 24), static_cast<int>(second / 60 % 60),
+            static_cast<int>(second % 60), static_cast<int>(number % nominalRate), dropFrame};
 }
 
 std::string StartTimecode::toText() const

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tooladapter/writtenfile.h"
 
-#include "tooladapter/refusal.h"
-
 #include <algorithm>
+#include <array>
 #include <cstdio>
 
 namespace tooladapter
@@ -14,55 +13,81 @@ namespace
 /// Headers round, and coders pad the last block: so much may be missing from a complete file.
 constexpr double toleratedSeconds = 0.1; // [s]
 
+const Stream &streamAt(const Source &file, int index)
+{
+    return file.streams[static_cast<std::size_t>(index)];
+}
+
 /// When \a stream ends, counted from the beginning of the file [s]; 0 where the file does not tell. Compared
 /// rather than lengths, since a picture cannot be copied before its first whole frame.
 double endOf(const Source &file, int stream)
 {
-    const Stream &own = file.streams[static_cast<std::size_t>(stream)];
+    const Stream &own = streamAt(file, stream);
     return own.duration > 0.0 ? own.start - file.start + own.duration : file.duration;
 }
 
 std::string secondsText(double seconds)
 {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.2f s", seconds);
-    return text;
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%.2f s", seconds);
+    return text.data();
 }
 
-void checkEnd(const std::string &what, double written, double expected, double tolerated)
+std::string faultInEnd(const std::string &what, double written, double expected, double tolerated)
 {
-    if (expected > 0.0 && written < expected - tolerated)
-        throw Refusal("the written " + what + " ends after " + secondsText(written) +
-                      ", the source's after " + secondsText(expected));
+    if (expected <= 0.0 || written >= expected - tolerated)
+        return {};
+    return "the written " + what + " ends after " + secondsText(written) + ", the source's after " +
+           secondsText(expected);
+}
+
+std::string faultInPicture(const Source &written, const Export &job, const Source &source)
+{
+    if (job.pictureStream < 0)
+        return {};
+    const int picture = written.firstPicture();
+    if (picture < 0)
+        return "the written file has no picture";
+    const FrameRate rate = streamAt(source, job.pictureStream).averageRate;
+    const double twoFrames = rate.isValid() ? 2.0 / rate.perSecond() : 0.0;
+    return faultInEnd("picture", endOf(written, picture), endOf(source, job.pictureStream),
+                      std::max(toleratedSeconds, twoFrames));
+}
+
+std::string faultInSound(const Source &written, const Export &job, const Source &source)
+{
+    const std::vector<int> streams = written.audioStreams();
+    if (streams.size() != job.audio.size())
+        return "the written file has " + std::to_string(streams.size()) + " audio streams instead of " +
+               std::to_string(job.audio.size());
+    std::string fault;
+    for (std::size_t i = 0; i < streams.size() && fault.empty(); ++i) {
+        const int channels = streamAt(written, streams[i]).channels;
+        if (channels != job.audio[i].channels)
+            fault = "a written audio stream has " + std::to_string(channels) + " channels instead of " +
+                    std::to_string(job.audio[i].channels);
+        else
+            fault = faultInEnd("sound", endOf(written, streams[i]), endOf(source, job.audio[i].stream),
+                               toleratedSeconds);
+    }
+    return fault;
+}
+
+std::string faultInTimecode(const Source &written, const Export &job)
+{
+    if (job.timecode.empty() || written.startTimecode() == job.timecode)
+        return {};
+    return "the written file starts at \"" + written.startTimecode() + "\" instead of " + job.timecode;
 }
 
 } // namespace
 
-void checkWrittenFile(const Export &job, const Source &source, const Source &written)
+std::string faultIn(const Source &written, const Export &job, const Source &source)
 {
-    if (job.pictureStream >= 0) {
-        const int picture = written.firstPicture();
-        if (picture < 0)
-            throw Refusal("the written file has no picture");
-        const FrameRate rate = source.streams[static_cast<std::size_t>(job.pictureStream)].averageRate;
-        const double twoFrames = rate.isValid() ? 2.0 / rate.perSecond() : 0.0;
-        checkEnd("picture", endOf(written, picture), endOf(source, job.pictureStream),
-                 std::max(toleratedSeconds, twoFrames));
-    }
-    const std::vector<int> audio = written.audioStreams();
-    if (audio.size() != job.audio.size())
-        throw Refusal("the written file has " + std::to_string(audio.size()) + " audio streams instead of " +
-                      std::to_string(job.audio.size()));
-    for (std::size_t i = 0; i < audio.size(); ++i) {
-        const Stream &stream = written.streams[static_cast<std::size_t>(audio[i])];
-        if (stream.channels != job.audio[i].channels)
-            throw Refusal("a written audio stream has " + std::to_string(stream.channels) +
-                          " channels instead of " + std::to_string(job.audio[i].channels));
-        checkEnd("sound", endOf(written, audio[i]), endOf(source, job.audio[i].stream), toleratedSeconds);
-    }
-    if (!job.timecode.empty() && written.startTimecode() != job.timecode)
-        throw Refusal("the written file starts at \"" + written.startTimecode() + "\" instead of " +
-                      job.timecode);
+    std::string fault = faultInPicture(written, job, source);
+    if (fault.empty())
+        fault = faultInSound(written, job, source);
+    return fault.empty() ? faultInTimecode(written, job) : fault;
 }
 
 } // namespace tooladapter

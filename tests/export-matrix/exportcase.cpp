@@ -3,6 +3,7 @@
 
 #include "app/optiontables.h"
 #include "ffmpeg/exportarguments.h"
+#include "ffmpeg/exporthints.h"
 #include "tests/export-matrix/judge.h"
 #include "tests/export-matrix/toolrun.h"
 
@@ -73,12 +74,7 @@ Outcome runExport(const MadeFile &source, const ExportOptions &options,
     const auto command = exportarguments::build(record, written, QFileInfo(record.absoluteFilePath).size(),
                                                 [](const QString &path) { return QFileInfo(path).isFile(); });
     QProcessEnvironment toolEnvironment = environment;
-    const QString channel = exportarguments::mutedChannel(record, written);
-    if (!channel.isEmpty())
-        toolEnvironment.insert("OSTREL_TIMECODE_CHANNEL", channel);
-    const QString rate = exportarguments::timecodeRate(record);
-    if (!rate.isEmpty())
-        toolEnvironment.insert("OSTREL_TIMECODE_RATE", rate);
+    exporthints::insertInto(toolEnvironment, record, written);
 
     const QString tool = QStandardPaths::findExecutable("ffmpeg.exe");
     const ToolRun run = runTool(tool, command.arguments, toolEnvironment);

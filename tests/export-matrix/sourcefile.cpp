@@ -85,8 +85,9 @@ FileData recordOf(const SourceFile &source, const QString &path)
     record.fileName = QFileInfo(path).fileName();
     record.absoluteFilePath = path;
     record.suffix = QFileInfo(path).suffix();
+    record.format = probe["format"].toObject();
     record.streams = probe["streams"].toArray();
-    record.duration = probe["format"].toObject()["duration"].toString().toDouble();
+    record.duration = record.format["duration"].toString().toDouble();
     int track = 0;
     for (int i = 0; i < record.streams.size(); ++i) {
         const QJsonObject stream = record.streams.at(i).toObject();

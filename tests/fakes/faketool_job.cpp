@@ -97,6 +97,8 @@ int FakeJob::noteCall() const
         call["timecodeChannel"] = qEnvironmentVariable("OSTREL_TIMECODE_CHANNEL");
     if (qEnvironmentVariableIsSet("OSTREL_TIMECODE_RATE"))
         call["timecodeRate"] = qEnvironmentVariable("OSTREL_TIMECODE_RATE");
+    if (qEnvironmentVariableIsSet("OSTREL_SOURCE"))
+        call["source"] = qEnvironmentVariable("OSTREL_SOURCE");
     call["processId"] = QCoreApplication::applicationPid();
     call["priority"] = ownPriority();
     call["oomScore"] = contentOf("/proc/self/oom_score_adj").trimmed().toInt();

@@ -47,6 +47,7 @@ QVector<Call> calls(const QString &mediaPath, const QString &job)
         call.arguments = line["arguments"].toVariant().toStringList();
         call.timecodeChannel = line["timecodeChannel"].toString(QString());
         call.timecodeRate = line["timecodeRate"].toString(QString());
+        call.source = line["source"].toString(QString());
         call.processId = line["processId"].toVariant().toLongLong();
         call.priority = line["priority"].toInt();
         call.oomScore = line["oomScore"].toInt();

@@ -19,6 +19,7 @@ struct Call {
     QStringList arguments;   ///< exactly as the tool got them
     QString timecodeChannel; ///< OSTREL_TIMECODE_CHANNEL of its environment; null when it is not set
     QString timecodeRate;    ///< OSTREL_TIMECODE_RATE of its environment; null when it is not set
+    QString source;          ///< OSTREL_SOURCE of its environment; null when it is not set
     qint64 processId = 0;    ///< of the tool
     int priority = 0;        ///< nice value that it ran at
     int oomScore = 0;        ///< how soon it goes when memory runs out, -1000 ... 1000

@@ -28,10 +28,6 @@ private slots:
     void filesWithoutTimecodeGetNone();
     void theOutputSizeIsEstimated_data();
     void theOutputSizeIsEstimated();
-    void theMutedChannelIsTheTruePlace_data();
-    void theMutedChannelIsTheTruePlace();
-    void theTimecodesRateAccompaniesExports_data();
-    void theTimecodesRateAccompaniesExports();
     void takenNamesAreAvoided();
 };
 
@@ -289,59 +285,6 @@ void TestExportArguments::theOutputSizeIsEstimated()
     ExportOptions options = chosen(videoType, 1, false);
     options.progressSteps = steps;
     QCOMPARE(exportarguments::build(file, options, 1'000'000'000, nothingTaken).expectedOutputSize, expected);
-}
-
-void TestExportArguments::theMutedChannelIsTheTruePlace_data()
-{
-    QTest::addColumn<FileData>("file");
-    QTest::addColumn<bool>("mute");
-    QTest::addColumn<QString>("expected");
-
-    const auto stereo = mediaFile("/a.mov", {sound("pcm_s16le", 2), sound("pcm_s16le", 2, "stereo")});
-    QTest::newRow("stereo is not turned round") << withTimecode(stereo, 2, 0) << true << "2.0";
-    QTest::newRow("right channel") << withTimecode(stereo, 2, 1) << true << "2.1";
-    QTest::newRow("not muted") << withTimecode(stereo, 2, 1) << false << QString();
-    QTest::newRow("no timecode found") << stereo << true << QString();
-
-    FileData lost = withTimecode(stereo, 2, 1);
-    lost.hasAudioTC = false;
-    QTest::newRow("still singled out by the arguments") << lost << true << "2.1";
-
-    FileData linked = stereo;
-    linked.setLinkedAudioTC(3, "10:00:00:00", {});
-    QTest::newRow("timecode of a sibling file") << linked << true << QString();
-}
-
-void TestExportArguments::theMutedChannelIsTheTruePlace()
-{
-    QFETCH(FileData, file);
-    QFETCH(bool, mute);
-    QFETCH(QString, expected);
-    QCOMPARE(exportarguments::mutedChannel(file, chosen(5, 2, mute)), expected);
-}
-
-void TestExportArguments::theTimecodesRateAccompaniesExports_data()
-{
-    QTest::addColumn<bool>("found");
-    QTest::addColumn<int>("baseRate"); // [frames per second]
-    QTest::addColumn<bool>("ntsc");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("25") << true << 25 << false << "25/1";
-    QTest::newRow("23.976") << true << 24 << true << "24000/1001";
-    QTest::newRow("29.97") << true << 30 << true << "30000/1001";
-    QTest::newRow("a reading without a rate") << true << 0 << true << QString();
-    QTest::newRow("no timecode") << false << 25 << false << QString();
-}
-
-void TestExportArguments::theTimecodesRateAccompaniesExports()
-{
-    QFETCH(bool, found);
-    QFETCH(int, baseRate);
-    QFETCH(bool, ntsc);
-    FileData file;
-    file.hasAudioTC = found;
-    file.audioTCResult = {{"FrameRateBaseFound", baseRate}, {"NTSC", ntsc}};
-    QTEST(exportarguments::timecodeRate(file), "expected");
 }
 
 void TestExportArguments::takenNamesAreAvoided()

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/recordtypes.h"
-#include "ffmpeg/exportarguments.h"
+#include "ffmpeg/exporthints.h"
 #include "ffmpeg/ffmpeghandler.h"
 #include "tests/fakes/faketools.h"
 #include "tests/ffmpeg/samplerecords.h"
@@ -30,8 +30,8 @@ private slots:
     void theToolGetsTheCommand_data();
     void theToolGetsTheCommand();
     void existingFilesAreKept();
-    void theTimecodesPlaceAccompaniesMutedExports_data();
-    void theTimecodesPlaceAccompaniesMutedExports();
+    void whatTheArgumentsCannotSayAccompaniesThem_data();
+    void whatTheArgumentsCannotSayAccompaniesThem();
     void progressFollowsTheOutput();
     void theLastStepIsKeptForTheEnd();
     void aRunThatFailsAtOnceReportsItsWholeShare_data();
@@ -79,6 +79,7 @@ QJsonObject step(const QString &what, const QJsonValue &how)
 
 constexpr auto timecodeVariable = "OSTREL_TIMECODE_CHANNEL";
 constexpr auto rateVariable = "OSTREL_TIMECODE_RATE";
+constexpr auto sourceVariable = "OSTREL_SOURCE";
 
 } // namespace
 
@@ -173,7 +174,7 @@ void TestExportRun::existingFilesAreKept()
     QCOMPARE(QFileInfo(folder->filePath("out/clip_2.MOV")).size(), 7);
 }
 
-void TestExportRun::theTimecodesPlaceAccompaniesMutedExports_data()
+void TestExportRun::whatTheArgumentsCannotSayAccompaniesThem_data()
 {
     QTest::addColumn<bool>("mute");
     QTest::addColumn<bool>("found");
@@ -183,7 +184,7 @@ void TestExportRun::theTimecodesPlaceAccompaniesMutedExports_data()
     QTest::newRow("no timecode found") << true << false << QString();
 }
 
-void TestExportRun::theTimecodesPlaceAccompaniesMutedExports()
+void TestExportRun::whatTheArgumentsCannotSayAccompaniesThem()
 {
     QFETCH(bool, mute);
     QFETCH(bool, found);
@@ -192,6 +193,7 @@ void TestExportRun::theTimecodesPlaceAccompaniesMutedExports()
     // What the program itself was started with must not reach the tool.
     qputenv(timecodeVariable, "9.9");
     qputenv(rateVariable, "99/1");
+    qputenv(sourceVariable, "index=0");
     const QString path = makeFile("clip.mov");
     FileData file = mediaFile(path, {sound("pcm_s16le", 2, "stereo")});
     if (found)
@@ -203,9 +205,11 @@ void TestExportRun::theTimecodesPlaceAccompaniesMutedExports()
     handler.buildExportArguments(file, options);
     qunsetenv(timecodeVariable);
     qunsetenv(rateVariable);
+    qunsetenv(sourceVariable);
     QVERIFY(result.wait(longWait));
     QCOMPARE(faketools::calls(path).value(0).timecodeChannel, expected);
-    QCOMPARE(faketools::calls(path).value(0).timecodeRate, exportarguments::timecodeRate(file));
+    QCOMPARE(faketools::calls(path).value(0).timecodeRate, exporthints::timecodeRate(file));
+    QCOMPARE(faketools::calls(path).value(0).source, exporthints::sourceDescription(file));
 }
 
 void TestExportRun::progressFollowsTheOutput()

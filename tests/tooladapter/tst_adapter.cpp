@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/wavfile.h"
+
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -50,8 +52,11 @@ private slots:
     void errorOutputAndExitCodeComeThrough();
     void aToolThatWasKilledIsAFailure();
     void anIncompleteFileIsAFailure();
+    void whatTheApplicationToldIsNotProbed_data();
+    void whatTheApplicationToldIsNotProbed();
     void anUnreadableSourceIsAFailure();
     void aRefusalStartsNoTool();
+    void killingTheAdapterKillsTheTool_data();
     void killingTheAdapterKillsTheTool();
 
 private:
@@ -208,6 +213,32 @@ void TestAdapter::anIncompleteFileIsAFailure()
     QVERIFY2(errors.contains("picture ends after 3.00 s, the source's after 5.00 s"), qPrintable(errors));
 }
 
+void TestAdapter::whatTheApplicationToldIsNotProbed_data()
+{
+    QTest::addColumn<QString>("duration"); // [s] of the source
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<bool>("isProbed");
+    QTest::newRow("complete") << "1.0" << 0 << false;
+    QTest::newRow("the probe tool has the last word on what looks incomplete") << "2.0" << 2 << true;
+}
+
+void TestAdapter::whatTheApplicationToldIsNotProbed()
+{
+    QFETCH(QString, duration);
+    QFETCH(int, exitCode);
+    QFETCH(bool, isProbed);
+    testsignals::WavFile written;
+    written.channels = {std::vector<float>(48000, 0.5F)};
+    testsignals::writeWav(folder->filePath("written").toStdString(), written);
+    makeTool("ffmpeg", "#!/bin/sh\ncp written out.WAV\n");
+    makeTool("ffprobe", "#!/bin/sh\ntouch probed\nexit 1\n");
+    start({"-y", "-i", "in.wav", "-write_bext", "1", "-acodec", "pcm_s16le", "out.WAV"},
+          {"OSTREL_SOURCE=index=0\ncodec_type=audio\nchannels=1\nduration=" + duration});
+    finish();
+    QVERIFY2(adapter->exitCode() == exitCode, qPrintable(errors));
+    QCOMPARE(QFile::exists(folder->filePath("probed")), isProbed);
+}
+
 void TestAdapter::anUnreadableSourceIsAFailure()
 {
     makeTool("ffmpeg", "#!/bin/sh\ntouch started\n");
@@ -230,9 +261,26 @@ void TestAdapter::aRefusalStartsNoTool()
     QVERIFY(!QFile::exists(folder->filePath("started")));
 }
 
+void TestAdapter::killingTheAdapterKillsTheTool_data()
+{
+    // What hangs once it has told its process id; every other tool ends at once.
+    constexpr auto hangs = "echo $$ > tool.part; mv tool.part tool; exec sleep 600\n";
+    QTest::addColumn<QByteArray>("ffprobe");
+    QTest::addColumn<QByteArray>("ffmpeg");
+    QTest::newRow("while it looks at the source")
+        << QByteArray("#!/bin/sh\n") + hangs << QByteArray("#!/bin/sh\n");
+    QTest::newRow("while the tool works") << QByteArray(completeFile) << QByteArray("#!/bin/sh\n") + hangs;
+    QTest::newRow("while it looks at the written file")
+        << QByteArray(completeFile) + "test -e done || exit 0\n" + hangs
+        << QByteArray("#!/bin/sh\ntouch done\n");
+}
+
 void TestAdapter::killingTheAdapterKillsTheTool()
 {
-    makeTool("ffmpeg", "#!/bin/sh\necho $$ > tool.part\nmv tool.part tool\nexec sleep 600\n");
+    QFETCH(QByteArray, ffprobe);
+    QFETCH(QByteArray, ffmpeg);
+    makeTool("ffprobe", ffprobe);
+    makeTool("ffmpeg", ffmpeg);
     start(exportList());
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(folder->filePath("tool")), 30000);
     const qint64 tool = contents("tool").trimmed().toLongLong();

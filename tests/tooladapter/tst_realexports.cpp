@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "tooladapter/source.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -51,6 +53,8 @@ private slots:
     void aFullDiskIsAFailure();
     void filesInOddFoldersAreWritten_data();
     void filesInOddFoldersAreWritten();
+    void aCompleteFileIsKnownWithoutAProbe_data();
+    void aCompleteFileIsKnownWithoutAProbe();
     void everyExtractedFileEndsAfterThreeSeconds();
     void killingAnExportLeavesNoProcess_data();
     void killingAnExportLeavesNoProcess();
@@ -174,6 +178,44 @@ void TestRealExports::filesInOddFoldersAreWritten()
     QVERIFY(QDir(folder.path()).mkdir(target));
     QVERIFY2(exportFile("whole.mov", copied(), target + "/clip.MOV") == 0, qPrintable(errors));
     QVERIFY(QFileInfo(folder.filePath(target + "/clip.MOV")).size() > 0);
+}
+
+void TestRealExports::aCompleteFileIsKnownWithoutAProbe_data()
+{
+    QTest::addColumn<QStringList>("chosen");
+    QTest::addColumn<QString>("target");
+    const QStringList timecode{"-timecode", "10:11:12:13", "-r", "25"};
+    QTest::newRow("copied to QuickTime") << copied() + timecode << "known.MOV";
+    QTest::newRow("coded to MXF") << coded() + timecode << "known.MXF";
+    QTest::newRow("sound alone") << QStringList{"-map", "0:1", "-acodec", "pcm_s16le"} << "known.WAV";
+}
+
+void TestRealExports::aCompleteFileIsKnownWithoutAProbe()
+{
+    QFETCH(QStringList, chosen);
+    QFETCH(QString, target);
+    const std::string source = folder.filePath("whole.mov").toStdString();
+    QStringList probing;
+    for (const std::string &argument : tooladapter::probeArguments(source))
+        probing += QString::fromStdString(argument);
+    QCOMPARE(run("ffprobe", probing), 0);
+
+    // An ffprobe that fails and tells that it was called
+    QVERIFY(QDir(folder.path()).mkpath("tools"));
+    QFile probe(folder.filePath("tools/ffprobe"));
+    QVERIFY(probe.open(QIODevice::WriteOnly));
+    probe.write("#!/bin/sh\ntouch probed\nexit 1\n");
+    probe.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    probe.close();
+    const QByteArray searchPath = qgetenv("PATH");
+    qputenv("PATH", QFile::encodeName(folder.filePath("tools:")) + searchPath);
+    qputenv("OSTREL_SOURCE", output);
+    const int exitCode = run("ffmpeg.exe", QStringList{"-y", "-i", QString::fromStdString(source)} + chosen +
+                                               QStringList{target});
+    qputenv("PATH", searchPath);
+    qunsetenv("OSTREL_SOURCE");
+    QVERIFY2(exitCode == 0, qPrintable(errors));
+    QVERIFY(!QFile::exists(folder.filePath("probed")));
 }
 
 void TestRealExports::everyExtractedFileEndsAfterThreeSeconds()

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+#include "ffmpeg/exporthints.h"
+
+#include <QJsonObject>
+#include <QJsonValue>
+#include <QVariant>
+
+namespace exporthints
+{
+
+namespace
+{
+
+constexpr int longestDescription = 40'000; // [characters]; the system takes 131,072 bytes, three a character
+
+QString line(const char *key, const QJsonValue &value)
+{
+    const QString text = value.toVariant().toString().simplified(); // the end of a line ends the fact
+    return text.isEmpty() ? QString() : QLatin1String(key) + QString('=' + text + '\n');
+}
+
+QString streamLines(int index, const QJsonObject &stream)
+{
+    QString lines = line("index", index);
+    for (const char *key : {"codec_type", "codec_name", "channels", "channel_layout", "r_frame_rate",
+                            "avg_frame_rate", "start_time", "duration"})
+        lines += line(key, stream[QLatin1String(key)]);
+    lines += line("DISPOSITION:attached_pic", stream["disposition"].toObject()["attached_pic"]);
+    return lines + line("TAG:timecode", stream["tags"].toObject()["timecode"]);
+}
+
+} // namespace
+
+QString mutedChannel(const FileData &file, const ExportOptions &options)
+{
+    if (!options.muteAudioTC || file.audioStreamIndex < 0 || file.audioChannel < 0)
+        return {};
+    return QString("%1.%2").arg(file.audioStreamIndex).arg(file.audioChannel);
+}
+
+QString timecodeRate(const FileData &file)
+{
+    const int baseRate = file.audioTCResult["FrameRateBaseFound"].toInt();
+    if (!file.hasAudioTC || baseRate <= 0)
+        return {};
+    if (!file.audioTCResult["NTSC"].toBool())
+        return QString::number(baseRate) + "/1";
+    return QString::number(qint64{baseRate} * 1000) + "/1001";
+}
+
+QString sourceDescription(const FileData &file)
+{
+    if (file.streams.isEmpty())
+        return {};
+    QString text;
+    for (int i = 0; i < file.streams.size(); ++i)
+        text += streamLines(i, file.streams.at(i).toObject());
+    text += "[FORMAT]\n" + line("start_time", file.format["start_time"]) +
+            line("duration", file.format["duration"]) +
+            line("TAG:timecode", file.format["tags"].toObject()["timecode"]);
+    return text.size() <= longestDescription ? text : QString();
+}
+
+void insertInto(QProcessEnvironment &environment, const FileData &file, const ExportOptions &options)
+{
+    const auto set = [&environment](const QString &variable, const QString &value) {
+        environment.remove(variable);
+        if (!value.isEmpty())
+            environment.insert(variable, value);
+    };
+    set("OSTREL_TIMECODE_CHANNEL", mutedChannel(file, options));
+    set("OSTREL_TIMECODE_RATE", timecodeRate(file));
+    set("OSTREL_SOURCE", sourceDescription(file));
+}
+
+} // namespace exporthints

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/exportoptions.h"
+#include "app/filedata.h"
+
+#include <QProcessEnvironment>
+#include <QString>
+
+/// What the tool is told beside the arguments of an export, since these cannot say it: environment variables
+/// whose names begin with "OSTREL_".
+namespace exporthints
+{
+
+/// Where the timecode to be left out of the export sits, as "stream.channel"; empty when none is to be left
+/// out or the place is not known. In two-channel material the arguments name the other channel.
+QString mutedChannel(const FileData &file, const ExportOptions &options);
+
+/// The rate [frames per second] at which the audio timecode of \a file counts, as a fraction such as
+/// "30000/1001"; empty when it is not known. The arguments name it for some video types only.
+QString timecodeRate(const FileData &file);
+
+/// What the import has learnt of \a file, in the probe tool's own words: one line "key=value" for each fact,
+/// each stream begun by its "index", the file as a whole by "[FORMAT]". Saves the tool a probe of its own.
+/// Empty where nothing is known, and where there is more than an environment variable can hold.
+QString sourceDescription(const FileData &file);
+
+/// Sets the variables for the export of \a file with \a options in \a environment. One of them that is there
+/// already never stays.
+void insertInto(QProcessEnvironment &environment, const FileData &file, const ExportOptions &options);
+
+} // namespace exporthints
