@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QTimer>
+
+namespace bench
+{
+
+/// Watches how long the event loop of its thread leaves everything else waiting.
+///
+/// A timer beats every millisecond. Between two beats the loop was in one round of slots and paintings; a key
+/// that is pressed in that time is answered after it. What slots take is so measured from outside of them.
+class EventLoopWatch : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit EventLoopWatch(QObject *parent = nullptr);
+
+    /// Begins a new measurement.
+    void restart();
+
+    /// The longest time between two beats since restart(), and up to now [ms].
+    double longestBlock() const;
+
+private:
+    void beat();
+
+    QTimer timer;
+    QElapsedTimer sinceBeat;
+    qint64 longest = 0; ///< [ns]
+};
+
+} // namespace bench

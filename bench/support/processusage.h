@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QtGlobal>
+
+namespace bench
+{
+
+/// CPU time that this process has used so far, in user and system mode [s].
+double ownCpuTime();
+
+/// CPU time that the calling thread has used so far [s].
+double threadCpuTime();
+
+/// CPU time of the child processes that have ended so far, and of theirs [s].
+double childrenCpuTime();
+
+/// Heap in use by this process [bytes].
+qint64 heapInUse();
+
+/// The most memory that this process has held at one time [bytes].
+qint64 peakMemory();
+
+/// Child processes of this process that are alive now.
+int livingChildren();
+
+} // namespace bench
