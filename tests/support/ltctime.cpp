@@ -30,12 +30,12 @@ std::int64_t framesPerDay(LtcRate rate)
     const std::int64_t labels = std::int64_t{minutesPerDay} * 60 * rate.base;
     if (!rate.dropFrame)
         return labels;
-    return labels - droppedLabels * (minutesPerDay - minutesPerDay / minutesPerDropCycle);
+    return labels - std::int64_t{droppedLabels} * (minutesPerDay - minutesPerDay / minutesPerDropCycle);
 }
 
 std::int64_t frameNumber(LtcTime time, LtcRate rate)
 {
-    const std::int64_t minutes = time.hours * 60 + time.minutes;
+    const std::int64_t minutes = std::int64_t{time.hours} * 60 + time.minutes;
     const std::int64_t labels = (minutes * 60 + time.seconds) * rate.base + time.frames;
     if (!rate.dropFrame)
         return labels;
@@ -49,7 +49,7 @@ LtcTime timeOfFrame(std::int64_t number, LtcRate rate)
     if (rate.dropFrame) {
         const std::int64_t fullMinute = std::int64_t{60} * rate.base;
         const std::int64_t cycle =
-            minutesPerDropCycle * fullMinute - droppedLabels * (minutesPerDropCycle - 1);
+            minutesPerDropCycle * fullMinute - std::int64_t{droppedLabels} * (minutesPerDropCycle - 1);
         const std::int64_t cycles = label / cycle;
         const std::int64_t inCycle = label % cycle;
         std::int64_t dropped = cycles * droppedLabels * (minutesPerDropCycle - 1);

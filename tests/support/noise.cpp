@@ -113,7 +113,10 @@ Samples pinkNoise(Random &random, std::size_t count, int sampleRate)
 {
     Samples samples = whiteNoise(random, count);
     // Poles and zeros in turn, two octaves from pole to pole, make a slope of half of a low-pass's.
-    for (double pole = 10.0; pole < 0.4 * sampleRate; pole *= 4) {
+    const double lowestPole = 10.0; // [Hz]
+    const int poles = static_cast<int>(std::ceil(std::log2(0.4 * sampleRate / lowestPole) / 2));
+    for (int i = 0; i < poles; ++i) {
+        const double pole = lowestPole * std::pow(4.0, i);
         const double poleDecay = std::exp(-turn * pole / sampleRate);
         const double zeroDecay = std::exp(-turn * 2 * pole / sampleRate);
         double previous = 0.0;

@@ -31,14 +31,15 @@ double lowPass(double x)
 /// Speed of the raised-cosine ramp of length \a ramp, as weights for points around its middle.
 std::vector<double> rampWeights(double ramp)
 {
-    const int half = static_cast<int>(std::ceil(ramp / 2 * pointsPerSample));
-    std::vector<double> weights(static_cast<std::size_t>(2 * half + 1), half == 0 ? 1.0 : 0.0);
-    double sum = half == 0 ? 1.0 : 0.0;
-    for (int i = -half; i <= half && half > 0; ++i) {
-        const double x = static_cast<double>(i) / pointsPerSample / ramp;
-        const double weight = std::abs(x) < 0.5 ? std::cos(std::numbers::pi * x) : 0.0;
-        weights[static_cast<std::size_t>(i + half)] = weight;
-        sum += weight;
+    const auto half = static_cast<std::size_t>(std::ceil(ramp / 2 * pointsPerSample));
+    if (half == 0)
+        return {1.0};
+    std::vector<double> weights(2 * half + 1);
+    double sum = 0.0;
+    for (std::size_t i = 0; i < weights.size(); ++i) {
+        const double x = (static_cast<double>(i) - static_cast<double>(half)) / pointsPerSample / ramp;
+        weights[i] = std::abs(x) < 0.5 ? std::cos(std::numbers::pi * x) : 0.0;
+        sum += weights[i];
     }
     for (double &weight : weights)
         weight /= sum;
@@ -94,11 +95,13 @@ std::vector<float> StepRenderer::render(const std::vector<double> &positions, st
     // Each level change is drawn as its difference from a sharp one; the sharp ones are added up on the way.
     double sign = 1.0;
     for (const double position : positions) {
-        const double first = std::max(0.0, std::ceil(position - halfWidth));
-        const double last = std::min(end - 1, std::floor(position + halfWidth));
-        for (double n = first; n <= last; ++n) {
-            const double sharp = n >= position ? 1.0 : 0.0;
-            sum[static_cast<std::size_t>(n)] += sign * 2 * (stepAt(n - position) - sharp);
+        const auto first = static_cast<std::size_t>(std::max(0.0, std::ceil(position - halfWidth)));
+        const auto behind =
+            static_cast<std::size_t>(std::clamp(std::floor(position + halfWidth) + 1, 0.0, end));
+        for (std::size_t n = first; n < behind; ++n) {
+            const double distance = static_cast<double>(n) - position;
+            const double sharp = distance >= 0.0 ? 1.0 : 0.0;
+            sum[n] += sign * 2 * (stepAt(distance) - sharp);
         }
         sign = -sign;
     }

@@ -16,7 +16,7 @@ namespace
 {
 
 constexpr int sampleRate = 48000;
-constexpr std::size_t threeSeconds = 3 * sampleRate;
+constexpr std::size_t threeSeconds = std::size_t{3} * sampleRate;
 
 double decibels(double powerRatio)
 {

@@ -90,6 +90,20 @@ void addSignals(std::initializer_list<int> sampleRates)
     }
 }
 
+/// \a file on disk, opened again by libsndfile; without a sound when that failed.
+struct WrittenFile {
+    explicit WrittenFile(const WavFile &file)
+    {
+        const std::string path = folder.filePath("signal.wav").toStdString();
+        writeWav(path, file);
+        sound.reset(sf_open(path.c_str(), SFM_READ, &info));
+    }
+
+    QTemporaryDir folder;
+    SF_INFO info{};
+    std::unique_ptr<SNDFILE, int (*)(SNDFILE *)> sound{nullptr, sf_close};
+};
+
 } // namespace
 
 class TestLtcSignal : public QObject
@@ -294,19 +308,13 @@ void TestLtcSignal::wavFilesKeepTheirSamples()
         signal.start.seconds = channel;
         file.channels.push_back(ltcAudio(signal));
     }
-    const QTemporaryDir folder;
-    const std::string path = folder.filePath("signal.wav").toStdString();
-    writeWav(path, file);
-
-    SF_INFO info{};
-    const std::unique_ptr<SNDFILE, int (*)(SNDFILE *)> sound(sf_open(path.c_str(), SFM_READ, &info),
-                                                             sf_close);
-    QVERIFY(sound);
-    QCOMPARE(info.channels, channels);
-    QCOMPARE(info.samplerate, 48000);
-    QCOMPARE(info.frames, sf_count_t{9600});
+    const WrittenFile written(file);
+    QVERIFY(written.sound);
+    QCOMPARE(written.info.channels, channels);
+    QCOMPARE(written.info.samplerate, 48000);
+    QCOMPARE(written.info.frames, sf_count_t{9600});
     std::vector<float> samples(9600U * static_cast<std::size_t>(channels));
-    QCOMPARE(sf_readf_float(sound.get(), samples.data(), 9600), sf_count_t{9600});
+    QCOMPARE(sf_readf_float(written.sound.get(), samples.data(), 9600), sf_count_t{9600});
     for (std::size_t i = 0; i < samples.size(); ++i) {
         const float expected = file.channels[i % file.channels.size()][i / file.channels.size()];
         QVERIFY(std::abs(samples[i] - expected) <= static_cast<float>(tolerance));
@@ -324,16 +332,11 @@ void TestLtcSignal::broadcastWavCarriesItsTimeReference()
     file.channels = {ltcAudio(signal)};
     file.timeReference = samplesSinceMidnight(signal);
     QVERIFY(*file.timeReference > 0xFFFFFFFFLL);
-    const QTemporaryDir folder;
-    const std::string path = folder.filePath("signal.wav").toStdString();
-    writeWav(path, file);
-
-    SF_INFO info{};
-    const std::unique_ptr<SNDFILE, int (*)(SNDFILE *)> sound(sf_open(path.c_str(), SFM_READ, &info),
-                                                             sf_close);
-    QVERIFY(sound);
+    const WrittenFile written(file);
+    QVERIFY(written.sound);
     SF_BROADCAST_INFO broadcast{};
-    QCOMPARE(sf_command(sound.get(), SFC_GET_BROADCAST_INFO, &broadcast, sizeof broadcast), int{SF_TRUE});
+    QCOMPARE(sf_command(written.sound.get(), SFC_GET_BROADCAST_INFO, &broadcast, sizeof broadcast),
+             int{SF_TRUE});
     const auto reference =
         static_cast<std::int64_t>(broadcast.time_reference_high) << 32 | broadcast.time_reference_low;
     QCOMPARE(reference, *file.timeReference);
