@@ -7,6 +7,10 @@ set(CMAKE_AUTOMOC ON)
 set(CMAKE_AUTORCC ON)
 set(CMAKE_AUTORCC_OPTIONS --format-version 1) # without file times: the same sources give the same program
 
+if(WIN32)
+    enable_language(RC)
+endif()
+
 option(OSTREL_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
 
 add_library(ostrel_flags INTERFACE)
@@ -18,7 +22,9 @@ target_compile_options(ostrel_flags INTERFACE
     $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>
     $<$<CONFIG:Release>:-fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>
     "$<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>")
-target_link_options(ostrel_flags INTERFACE $<$<CONFIG:Release>:-Wl,-z,relro,-z,now>)
+target_link_options(ostrel_flags INTERFACE
+    $<$<CONFIG:Release>:-fstack-protector-strong>
+    $<$<AND:$<CONFIG:Release>,$<NOT:$<PLATFORM_ID:Windows>>>:-Wl,-z,relro,-z,now>)
 target_compile_definitions(ostrel_flags INTERFACE
     QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_URL_CAST_FROM_STRING QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
     QT_DISABLE_DEPRECATED_BEFORE=0x050F00)
@@ -43,6 +49,12 @@ function(ostrel_add_program target)
     cmake_parse_arguments(ARG "" "OUTPUT" "SOURCES;LIBS" ${ARGN})
     add_executable(${target} ${ARG_SOURCES})
     target_link_libraries(${target} PRIVATE Ostrel::flags ${ARG_LIBS})
+    if(WIN32)
+        target_sources(${target} PRIVATE "${PROJECT_SOURCE_DIR}/packaging/windows/utf8.rc")
+    endif()
+    if("${ARG_OUTPUT}" MATCHES "\\.exe$")
+        set_target_properties(${target} PROPERTIES SUFFIX "") # it is part of the name, on every system
+    endif()
     set_target_properties(${target} PROPERTIES
         OUTPUT_NAME "${ARG_OUTPUT}" RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 endfunction()

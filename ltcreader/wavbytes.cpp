@@ -10,6 +10,8 @@ namespace ltcreader
 namespace
 {
 
+using FileOffset = decltype(ftello(nullptr)); // Windows calls it otherwise
+
 constexpr std::int64_t riffHeaderSize = 12; // "RIFF", a length and "WAVE"
 constexpr std::int64_t chunkHeaderSize = 8; // a name and a length
 constexpr std::int64_t longestLength = 0xFFFFFFFE;
@@ -76,14 +78,14 @@ std::int64_t WavBytes::size() const
 
 std::int64_t WavBytes::seek(std::int64_t offset, int whence)
 {
-    return fseeko(file, offset, whence) == 0 ? static_cast<std::int64_t>(ftello(file)) : -1;
+    return fseeko(file, static_cast<FileOffset>(offset), whence) == 0 ? std::int64_t{ftello(file)} : -1;
 }
 
 std::int64_t WavBytes::read(void *to, std::int64_t count)
 {
     if (count <= 0)
         return 0;
-    const auto position = static_cast<std::int64_t>(ftello(file));
+    const std::int64_t position = ftello(file);
     const auto given = static_cast<std::int64_t>(std::fread(to, 1, static_cast<std::size_t>(count), file));
     for (std::int64_t i = 0; lengthPosition >= 0 && i < 4; ++i) {
         const std::int64_t place = lengthPosition + i - position;

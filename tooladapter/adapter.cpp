@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Linux: knows its own file through /proc.
 #include "tooladapter/adapter.h"
 
 #include "tooladapter/childprocess.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// POSIX: starts and replaces processes.
 #include "tooladapter/childprocess.h"
 
 #include <array>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// POSIX: looks at files as the shell does before it starts them.
 #include "tooladapter/toolsearch.h"
 
 #include <algorithm>
