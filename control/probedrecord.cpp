@@ -27,8 +27,9 @@ bool isAudio(const QJsonObject &stream)
 
 void addAudioStream(FileData &file, int index, const QJsonObject &stream)
 {
-    file.audioStreamMap += static_cast<char>(index);
     file.audioStreams += stream;
+    if (index <= std::numeric_limits<uchar>::max()) // in a byte, a higher one would become another stream's
+        file.audioStreamMap += static_cast<char>(index);
 }
 
 void readWave(FileData &file)

@@ -4,6 +4,7 @@
 #include "app/optiontables.h"
 #include "ffmpeg/toolarguments.h"
 
+#include <algorithm>
 #include <functional>
 
 namespace audiomapping
@@ -26,9 +27,11 @@ QJsonObject streamAt(const FileData &file, int index)
     return file.streams.at(index).toObject();
 }
 
+/// Bounded, because the number is whatever the file claims, and each channel becomes an argument.
 int channelsOf(const QJsonObject &audioStream)
 {
-    return audioStream["channels"].toInt();
+    constexpr int mostChannels = 512; // the tools take no more
+    return std::clamp(audioStream["channels"].toInt(), 0, mostChannels);
 }
 
 /// Codec of the stream that the tool itself would choose: most channels, the first of equals.

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ffmpeg/exportarguments.h"
 
+#include "app/jsonnumbers.h"
 #include "ffmpeg/audiomapping.h"
 #include "ffmpeg/videocodec.h"
-
-#include <QVariant>
 
 #include <algorithm>
 
@@ -27,9 +26,11 @@ qint64 codedSize(float bitRate, double duration, uint progressSteps)
 
 QStringList waveTimecode(const QJsonObject &reading)
 {
-    const qint64 samples = reading["SamplesSinceMidnight"].toVariant().toLongLong();
+    constexpr double highestRate = 999.0; // [frames/s] three digits
+    const qint64 samples = wholeNumber(reading["SamplesSinceMidnight"]);
     const bool dropFrame = reading["DropFrame"].toBool();
-    const double found = reading["FrameRateFound"].toDouble();
+    // A text that is no number would make the field unreadable.
+    const double found = std::clamp(reading["FrameRateFound"].toDouble(), 0.0, highestRate);
     // A reader that reports the nominal rate of NTSC material means the true one.
     const bool isNominal = reading["NTSC"].toBool() && found == reading["FrameRateBaseFound"].toDouble();
     const double rate = isNominal ? found * 1000 / 1001 : found;

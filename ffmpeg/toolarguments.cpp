@@ -18,7 +18,10 @@ QStringList probe(const QString &mediaPath)
 
 QVector<int> audioStreams(const FileData &file)
 {
-    return {file.audioStreamMap.begin(), file.audioStreamMap.end()};
+    QVector<int> indexes;
+    for (const char index : file.audioStreamMap)
+        indexes += static_cast<uchar>(index);
+    return indexes;
 }
 
 QString extractedPath(const FileData &file, const QString &targetFolder, int stream)

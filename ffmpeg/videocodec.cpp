@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ffmpeg/videocodec.h"
 
+#include <QRegularExpression>
+
 #include <array>
 
 namespace videocodec
@@ -85,9 +87,11 @@ VideoCodec dnxhd(const VideoType &type, const QJsonObject &videoStream)
 
 int frameRateClass(const QJsonObject &videoStream)
 {
-    const QStringList parts = videoStream["r_frame_rate"].toString().split('/');
-    const int denominator = parts.value(1).toInt();
-    return denominator > 0 ? parts.value(0).toInt() / denominator : 0;
+    // Strictly a fraction: where the class has a codec of its own, the text goes to the tool as it is.
+    static const QRegularExpression fraction("\\A([0-9]+)/([0-9]+)\\z");
+    const auto match = fraction.match(videoStream["r_frame_rate"].toString());
+    const int denominator = match.capturedRef(2).toInt();
+    return denominator > 0 ? match.capturedRef(1).toInt() / denominator : 0;
 }
 
 VideoCodec forType(int videoType, const QJsonObject &videoStream)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "filelist/celltexts.h"
 
+#include "app/jsonnumbers.h"
+
 #include <QCoreApplication>
 #include <QStringList>
 
@@ -30,7 +32,7 @@ QStringList readerLines(const QJsonObject &result)
     const bool ntsc = result.value("NTSC").toBool();
     const QString rate = QString::number(frameRate(result), 'f', ntsc ? 3 : 2);
     const bool dropFrame = ntsc && result.value("DropFrame").toBool();
-    const auto samples = result.value("SamplesSinceMidnight").toVariant().toLongLong();
+    const qint64 samples = wholeNumber(result.value("SamplesSinceMidnight"));
     return {
         translated("Frame rate: %1 fps").arg(rate),
         dropFrame ? translated("Drop-frame: yes") : translated("Drop-frame: no"),

@@ -68,6 +68,8 @@ void collectLines(const std::vector<float> &power, double binWidth, std::size_t 
         sums[bin + 1] = sums[bin] + static_cast<double>(power[bin]);
     }
     const auto first = static_cast<std::size_t>(slowestBits / binWidth);
+    if (power.size() < reach + 2)
+        return; // recorded at a rate that holds no timecode
     const auto last = std::min(static_cast<std::size_t>(fastestBits / binWidth), power.size() - reach - 2);
     for (std::size_t bin = first; bin < last; ++bin) {
         if (power[bin] < power[bin - 1] || power[bin] < power[bin + 1])

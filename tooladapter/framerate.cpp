@@ -9,6 +9,8 @@ namespace tooladapter
 namespace
 {
 
+constexpr double fastest = 1000.0; // [frames/s] a rate beyond is damage, or the clock of the time stamps
+
 bool readNumber(std::string_view text, long &number)
 {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -25,7 +27,7 @@ FrameRate FrameRate::fromText(std::string_view text)
         return {};
     if (slash != std::string_view::npos && !readNumber(text.substr(slash + 1), rate.denominator))
         return {};
-    return rate.isValid() ? rate : FrameRate{};
+    return rate.isValid() && rate.perSecond() <= fastest ? rate : FrameRate{};
 }
 
 int FrameRate::nominal() const

@@ -11,7 +11,8 @@ struct FrameRate {
     long numerator = 0;
     long denominator = 1;
 
-    /// The rate that \a text names; an invalid rate for anything else, "0" and "0/0" included.
+    /// The rate that \a text names; an invalid rate for anything else, "0" and "0/0" included,
+    /// and for rates above 1000, which the tools print for damaged files.
     static FrameRate fromText(std::string_view text);
 
     bool isValid() const { return numerator > 0 && denominator > 0; }

@@ -9,6 +9,10 @@ namespace tooladapter
 namespace
 {
 
+// What a damaged file claims must not cost memory; the tools stop at fewer.
+constexpr std::size_t mostStreams = 10'000;
+constexpr int mostChannels = 512;
+
 double toSeconds(const std::string &text)
 {
     return std::strtod(text.c_str(), nullptr); // "N/A" gives 0
@@ -23,7 +27,7 @@ void readStreamKey(Stream &stream, std::string_view key, const std::string &valu
     else if (key == "codec_name")
         stream.codec = value;
     else if (key == "channels")
-        stream.channels = std::atoi(value.c_str());
+        stream.channels = std::clamp(std::atoi(value.c_str()), 0, mostChannels);
     else if (key == "channel_layout")
         stream.layout = value;
     else if (key == "r_frame_rate")
@@ -109,6 +113,9 @@ Source parseProbe(std::string_view text)
         if (key == "index") {
             // Transport streams list their streams twice, once by programme; the index tells which is which.
             const std::size_t index = std::strtoul(value.c_str(), nullptr, 10);
+            stream = nullptr;
+            if (index >= mostStreams)
+                continue;
             source.streams.resize(std::max(source.streams.size(), index + 1));
             stream = &source.streams[index];
         } else if (stream != nullptr) {

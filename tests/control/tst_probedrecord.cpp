@@ -34,6 +34,7 @@ private slots:
     void aGoProIsToldByAnyEncoderTag();
     void theDurationIsANumberOfSeconds_data();
     void theDurationIsANumberOfSeconds();
+    void noStreamIsMappedUnderAnothersNumber();
     void missingAndForeignValuesLeaveTheDefaults_data();
     void missingAndForeignValuesLeaveTheDefaults();
 };
@@ -187,6 +188,7 @@ void TestProbedRecord::theDurationIsANumberOfSeconds_data()
     QTest::newRow("decimal comma") << R"("59,5")" << 0.0;
     QTest::newRow("nan") << R"("nan")" << 0.0;
     QTest::newRow("infinite") << R"("inf")" << 0.0;
+    QTest::newRow("finite, but beyond all bounds") << R"("1e300")" << 1e300;
     QTest::newRow("null") << "null" << 0.0;
     QTest::newRow("a JSON number") << "12.5" << 0.0;
 }
@@ -198,6 +200,18 @@ void TestProbedRecord::theDurationIsANumberOfSeconds()
         const QString json = R"({"format": {"format_name": "%1", "duration": %2}})";
         QTEST(probed(json.arg(QString(name), text).toUtf8().constData()).duration, "seconds");
     }
+}
+
+void TestProbedRecord::noStreamIsMappedUnderAnothersNumber()
+{
+    QStringList streams;
+    for (int i = 0; i < 300; ++i)
+        streams += R"({"codec_type": "audio"})";
+    const FileData file = probed((R"({"streams": [)" + streams.join(',').toUtf8() + "]}").constData());
+    QCOMPARE(file.audioStreams.size(), 300);
+    QCOMPARE(file.audioStreamMap.size(), 256);
+    for (int i = 0; i < 256; ++i)
+        QCOMPARE(int(static_cast<uchar>(file.audioStreamMap.at(i))), i);
 }
 
 void TestProbedRecord::missingAndForeignValuesLeaveTheDefaults_data()

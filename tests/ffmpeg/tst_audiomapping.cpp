@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "ffmpeg/audiomapping.h"
+#include "ffmpeg/toolarguments.h"
 #include "tests/ffmpeg/samplerecords.h"
 
 #include <QTest>
+
+#include <limits>
 
 using samplerecords::mediaFile;
 using samplerecords::sound;
@@ -21,6 +24,7 @@ private slots:
     void withTimecodeAllSoundGoesTheToolsWay();
     void theTimecodeChannelIsLeftOut_data();
     void theTimecodeChannelIsLeftOut();
+    void aClaimOfManyChannelsIsBounded();
 };
 
 namespace
@@ -235,6 +239,19 @@ void TestAudioMapping::theTimecodeChannelIsLeftOut()
     QFETCH(QStringList, expected);
     const auto container = outputname::containerFor(file.absoluteFilePath, options.videoType);
     QCOMPARE(audiomapping::arguments(file, options, container), expected);
+}
+
+void TestAudioMapping::aClaimOfManyChannelsIsBounded()
+{
+    for (const char *path : {"/a.mov", "/a.wav"}) {
+        const FileData file = mediaFile(path, {sound("pcm_s24le", std::numeric_limits<int>::max())});
+        const auto stream = toolarguments::audioStreams(file).constFirst();
+        const auto container = outputname::containerFor(path, 5);
+        const QStringList arguments =
+            audiomapping::arguments(withTimecode(file, stream, 0), muted(5, 1), container);
+        QVERIFY(arguments.count("-map_channel") >= 511);
+        QVERIFY(arguments.count("-map_channel") <= 512);
+    }
 }
 
 QTEST_APPLESS_MAIN(TestAudioMapping)

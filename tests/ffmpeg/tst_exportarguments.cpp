@@ -214,6 +214,13 @@ void TestExportArguments::wavFilesGetATimeReference_data()
                               << "025.000-ND";
     QTest::newRow("an empty result") << QJsonObject() << "0"
                                      << "00.000-ND";
+    QJsonObject beyondAllNumbers = reading(1e308, 30, true, false);
+    beyondAllNumbers["FrameRateBaseFound"] = 1e308;
+    beyondAllNumbers["SamplesSinceMidnight"] = 1e300;
+    QTest::newRow("numbers beyond all bounds") << beyondAllNumbers << "0"
+                                               << "0999.000-ND";
+    QTest::newRow("a rate below zero") << reading(-25.0, 25, false, false, 7) << "7"
+                                       << "00.000-ND";
 }
 
 void TestExportArguments::wavFilesGetATimeReference()

@@ -67,6 +67,9 @@ void TestToolArguments::everyAudioStreamBecomesAFileOfItsOwn_data()
         << QStringList{"-map", "0:1", target + "clip_1_4.wav", "-map", "0:2", target + "clip_2_4.wav"};
     QTest::newRow("stream 0, as in WAV files")
         << QByteArray("\0", 1) << QStringList{"-map", "0:0", target + "clip_0_4.wav"};
+    QTest::newRow("more streams than a signed byte counts")
+        << QByteArray("\x80\xFF") << QStringList{"-map", "0:128", target + "clip_128_4.wav",
+                                                 "-map", "0:255", target + "clip_255_4.wav"};
 }
 
 void TestToolArguments::everyAudioStreamBecomesAFileOfItsOwn()

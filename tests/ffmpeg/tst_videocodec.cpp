@@ -38,6 +38,8 @@ void TestVideoCodec::theFrameRateIsCutToWholeFrames_data()
     QTest::newRow("denominator below 0") << QJsonValue("-2147483648/-1") << 0;
     QTest::newRow("no numbers") << QJsonValue("a/b") << 0;
     QTest::newRow("beyond 32 bits") << QJsonValue("99999999999/1") << 0;
+    QTest::newRow("more than a fraction") << QJsonValue("24/1/2") << 0;
+    QTest::newRow("blanks") << QJsonValue(" 25/1") << 0;
     QTest::newRow("missing") << QJsonValue(QJsonValue::Undefined) << 0;
 }
 

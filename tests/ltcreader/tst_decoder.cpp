@@ -44,6 +44,7 @@ private slots:
     void aJumpBelongsToTheFirstPart();
     void soundWithoutTimecodeIsRefused_data();
     void soundWithoutTimecodeIsRefused();
+    void aSampleRateThatHoldsNoTimecodeIsNoFault();
     void readingStopsWhenItIsSure();
     void furtherFactsAreReported();
 };
@@ -489,6 +490,13 @@ void TestDecoder::soundWithoutTimecodeIsRefused()
 {
     QFETCH(std::vector<float>, samples);
     QCOMPARE(textOf(read(samples, 48000)), QString("nothing"));
+}
+
+void TestDecoder::aSampleRateThatHoldsNoTimecodeIsNoFault()
+{
+    const std::vector<float> samples = sine(0.1, 0.5, 2000, 1);
+    for (const int rate : {1, 10, 100, 1000, 3000})
+        QCOMPARE(textOf(read(samples, rate)), QString("nothing"));
 }
 
 void TestDecoder::readingStopsWhenItIsSure()

@@ -12,6 +12,7 @@ class TestSource : public QObject
 private slots:
     void streamsAreRead();
     void aStreamThatIsListedTwiceIsReadOnce();
+    void claimsOfDamagedFilesAreBounded();
     void missingAndUnknownValuesLeaveTheDefaults_data();
     void missingAndUnknownValuesLeaveTheDefaults();
     void ratesAreRead_data();
@@ -54,6 +55,17 @@ void TestSource::aStreamThatIsListedTwiceIsReadOnce()
     QVERIFY(source.audioStreams() == std::vector<int>{1});
 }
 
+void TestSource::claimsOfDamagedFilesAreBounded()
+{
+    const Source source = parseProbe("[STREAM]\nindex=18446744073709551615\nchannels=2\n[/STREAM]\n"
+                                     "[STREAM]\nindex=4000000000\nchannels=2\n[/STREAM]\n"
+                                     "[STREAM]\nindex=0\nchannels=2147483647\n[/STREAM]\n"
+                                     "[STREAM]\nindex=1\nchannels=-5\n[/STREAM]\n");
+    QCOMPARE(int(source.streams.size()), 2);
+    QCOMPARE(source.streams[0].channels, 512);
+    QCOMPARE(source.streams[1].channels, 0);
+}
+
 void TestSource::missingAndUnknownValuesLeaveTheDefaults_data()
 {
     QTest::addColumn<QByteArray>("text");
@@ -88,6 +100,8 @@ void TestSource::ratesAreRead_data()
     QTest::newRow("zero") << QByteArray("0") << -1 << false;
     QTest::newRow("zero over 1001") << QByteArray("0/1001") << -1 << false;
     QTest::newRow("division by zero") << QByteArray("25/0") << -1 << false;
+    QTest::newRow("the clock of the time stamps") << QByteArray("90000/1") << -1 << false;
+    QTest::newRow("beyond all bounds") << QByteArray("2147483647/1") << -1 << false;
     QTest::newRow("text") << QByteArray("25fps") << -1 << false;
     QTest::newRow("empty") << QByteArray() << -1 << false;
 }
