@@ -12,6 +12,7 @@ if(WIN32)
 endif()
 
 option(OSTREL_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+option(OSTREL_FUZZ "Build the fuzz targets with libFuzzer; needs clang and OSTREL_SANITIZE" OFF)
 
 add_library(ostrel_flags INTERFACE)
 add_library(Ostrel::flags ALIAS ostrel_flags)
@@ -34,6 +35,12 @@ if(OSTREL_SANITIZE)
     target_link_options(ostrel_flags INTERFACE -fsanitize=address,undefined)
     set(OSTREL_SANITIZER_ENVIRONMENT
         "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/known-leaks.txt:print_suppressions=0")
+endif()
+if(OSTREL_FUZZ)
+    # Here numbers come from hostile files, so a floating-point number that no integer holds is a fault too.
+    target_compile_options(ostrel_flags INTERFACE
+        -fsanitize=fuzzer-no-link,float-cast-overflow -fno-sanitize-recover=all)
+    target_link_options(ostrel_flags INTERFACE -fsanitize=float-cast-overflow)
 endif()
 
 # ostrel_add_library(<folder part> SOURCES ... LIBS ...) makes the library ostrel_<part>, alias Ostrel::<part>.
