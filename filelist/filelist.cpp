@@ -41,13 +41,11 @@ void FileList::setUpTable()
 
     setColumnCount(ColumnCount);
     setHorizontalHeaderLabels({tr("File name"), tr("Duration"), tr("File TC"), tr("Audio TC")});
+    // The sections are light grey under every desktop theme, so their text is dark under every theme.
+    for (int column = 0; column < ColumnCount; ++column)
+        horizontalHeaderItem(column)->setForeground(Qt::black);
     verticalHeader()->setVisible(false);
     QHeaderView *header = horizontalHeader();
-    // The sections are light grey under every desktop theme, so their text is dark under every theme.
-    QPalette headerPalette = header->palette();
-    for (const auto role : {QPalette::ButtonText, QPalette::WindowText, QPalette::Text})
-        headerPalette.setColor(role, Qt::black);
-    header->setPalette(headerPalette);
     header->setStyleSheet("QHeaderView::section{background-color: lightgrey;border:none;font:normal;}"
                           "QHeaderView::section:checked{font: normal;}");
     header->setHighlightSections(false);
