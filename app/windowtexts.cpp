@@ -72,14 +72,12 @@ QString about()
 
 QString missingTools(const QStringList &programs)
 {
-    QString text = translated("These tools were not found:") + "\n\n";
-    for (const QString &program : programs) {
-        const QString remedy =
-            program.endsWith(".exe")
-                ? translated("put it beside this application, or install this application again")
-                : translated("install the package \"ffmpeg\" of your system");
-        text += "    " + program + ": " + remedy + '\n';
-    }
+    const QStringList ours = programs.filter(".exe");
+    QString text = translated("These tools were not found:") + ' ' + programs.join(", ") + ".\n\n";
+    if (ours.size() < programs.size())
+        text += translated("Install the package \"ffmpeg\" of your system.") + '\n';
+    if (!ours.isEmpty())
+        text += translated("Install this application again, or put the missing files beside it.") + '\n';
     return text + '\n' + translated("Files cannot be read or exported without them.");
 }
 

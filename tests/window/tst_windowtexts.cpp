@@ -28,6 +28,7 @@ private slots:
     void streamsAreListed_data();
     void streamsAreListed();
     void theAboutBoxShowsVersionAndWebPage();
+    void missingToolsAreNamedWithTheirRemedy_data();
     void missingToolsAreNamedWithTheirRemedy();
 };
 
@@ -104,11 +105,24 @@ void TestWindowTexts::theAboutBoxShowsVersionAndWebPage()
                        "'>" + page + "</a><br></p>");
 }
 
+void TestWindowTexts::missingToolsAreNamedWithTheirRemedy_data()
+{
+    QTest::addColumn<QStringList>("programs");
+    QTest::addColumn<QStringList>("remedies");
+    const QString package("Install the package \"ffmpeg\" of your system.");
+    const QString again("Install this application again, or put the missing files beside it.");
+    QTest::newRow("tools of the system") << QStringList{"ffprobe", "ffmpeg"} << QStringList{package};
+    QTest::newRow("our own") << QStringList{"LTCReader.exe"} << QStringList{again};
+    QTest::newRow("both") << QStringList{"ffmpeg", "LTCReader.exe"} << QStringList{package, again};
+}
+
 void TestWindowTexts::missingToolsAreNamedWithTheirRemedy()
 {
-    const QString text = windowtexts::missingTools({"ffmpeg", "LTCReader.exe"});
-    QVERIFY(text.contains("ffmpeg: install the package \"ffmpeg\""));
-    QVERIFY(text.contains("LTCReader.exe: put it beside this application"));
+    QFETCH(QStringList, programs);
+    QFETCH(QStringList, remedies);
+    QCOMPARE(windowtexts::missingTools(programs), "These tools were not found: " + programs.join(", ") +
+                                                      ".\n\n" + remedies.join('\n') +
+                                                      "\n\nFiles cannot be read or exported without them.");
 }
 
 QTEST_APPLESS_MAIN(TestWindowTexts)
