@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QAbstractItemView>
+#include <QComboBox>
 #include <QString>
 #include <QWidget>
 
@@ -11,4 +13,11 @@ Widget *named(Widget *widget, const char *objectName, const QString &accessibleN
     widget->setObjectName(objectName);
     widget->setAccessibleName(accessibleName);
     return widget;
+}
+
+/// The same for a choice box and the list that it opens.
+inline QComboBox *named(QComboBox *combo, const char *objectName, const QString &accessibleName)
+{
+    combo->view()->setAccessibleName(accessibleName);
+    return named<QComboBox>(combo, objectName, accessibleName);
 }

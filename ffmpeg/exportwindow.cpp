@@ -95,6 +95,8 @@ void ExportWindow::layOut()
     addRow({errorLabel});
     addRow({videoTypeLabel, videoTypeCombo})->setStretch(1, 1);
     addRow({audioTypeLabel, audioTypeCombo})->setStretch(1, 1);
+    for (QLabel *label : {videoTypeLabel, audioTypeLabel})
+        label->setMinimumWidth(qMax(videoTypeLabel->sizeHint().width(), audioTypeLabel->sizeHint().width()));
     addRow({muteAudioTCCheckBox});
     addRow({exportButton, cancelButton});
     setMinimumWidth(minimumDialogWidth);

@@ -4,6 +4,8 @@
 #include "app/optiontables.h"
 #include "app/widgetnames.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QBoxLayout>
 #include <QComboBox>
 #include <QLabel>
@@ -14,6 +16,14 @@ namespace
 {
 
 constexpr int allFilesIndex = 1;
+
+/// Screen readers announce the title of a dialog, but not that of a plain widget.
+QAccessibleInterface *dialogInterface(const QString &className, QObject *object)
+{
+    if (className == QLatin1String(AudioTCWindow::staticMetaObject.className()))
+        return new QAccessibleWidget(qobject_cast<QWidget *>(object), QAccessible::Dialog);
+    return nullptr;
+}
 
 } // namespace
 
@@ -30,6 +40,7 @@ AudioTCWindow::AudioTCWindow(QWidget *parent)
       channelLabel(named(new QLabel(tr("Select timecode channel:")), "channelLabel", {})),
       channelCombo(named(new QComboBox, "channelCombo", tr("Timecode channel")))
 {
+    QAccessible::installFactory(dialogInterface);
     named(this, "audioTCWindow", {});
     setWindowTitle(tr("Read audio timecode"));
     filesCombo->addItems({tr("selected files"), tr("all files")});
