@@ -26,21 +26,22 @@ namespace
 
 const char *const logoFile = "images/ostrel_LOGO_transparent";
 
-/// The logo beside the working directory or, where there is none, the one compiled into the program; on
-/// screens of high density the finer drawing at the same size.
+/// The logo beside the working directory or, where there is none, the one compiled into the program. On
+/// screens of high density it is the finer drawing, at the pixels of the screen.
 QPixmap logo()
 {
+    const double ratio = qApp->devicePixelRatio();
     for (const QString folder : {"", ":/"}) {
         const QPixmap plain(folder + logoFile + ".png");
         if (plain.isNull())
             continue;
-        QPixmap fine;
-        if (qApp->devicePixelRatio() > 1.0)
-            fine.load(folder + logoFile + "@2x.png");
-        if (fine.isNull())
+        if (ratio <= 1.0)
             return plain;
-        fine.setDevicePixelRatio(static_cast<double>(fine.width()) / plain.width());
-        return fine;
+        const QPixmap fine(folder + logoFile + "@2x.png");
+        QPixmap scaled = (fine.isNull() ? plain : fine)
+                             .scaled(plain.size() * ratio, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        scaled.setDevicePixelRatio(ratio);
+        return scaled;
     }
     return {};
 }
