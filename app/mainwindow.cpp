@@ -252,18 +252,27 @@ void MainWindow::onExportAllButtonClicked()
 void MainWindow::showExportWindow(bool all)
 {
     exportWindow->setExportAll(all);
-    if (exportWindow->isVisible())
-        exportWindow->activateWindow();
-    else
-        exportWindow->show();
+    bringUp(exportWindow);
 }
 
 void MainWindow::onReadAudioTCButtonClicked()
 {
-    if (audioTCWindow->isVisible())
-        audioTCWindow->activateWindow();
-    else
-        audioTCWindow->show();
+    bringUp(audioTCWindow);
+}
+
+/// Shows \a dialog, or brings it to the front. It opens over this window the first time, then where it was
+/// left.
+void MainWindow::bringUp(QWidget *dialog)
+{
+    if (dialog->isVisible()) {
+        dialog->activateWindow();
+        return;
+    }
+    if (!dialog->testAttribute(Qt::WA_Moved)) {
+        dialog->adjustSize();
+        dialog->move(geometry().center() - dialog->rect().center());
+    }
+    dialog->show();
 }
 
 void MainWindow::keyPressEvent(QKeyEvent *event)

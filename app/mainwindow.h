@@ -18,7 +18,6 @@ class QLabel;
 class QListWidget;
 class QProgressBar;
 class QPushButton;
-class QSessionManager;
 class QVBoxLayout;
 class UpdateCheck;
 
@@ -42,9 +41,9 @@ public:
     /// cancelled first.
     void quitWithoutAsking();
 
-    /// The same for a session that waits for its programs: returns when the export has wound up, or after 5
-    /// s.
-    void onSessionEnd(QSessionManager &manager);
+    /// The same for a session that waits for its programs: returns when the export has been wound up, or
+    /// after 5 s.
+    void onSessionEnd();
 
 signals:
     void deleteSelectedRowsSignal();
@@ -79,6 +78,7 @@ private:
     void connectWorker();
 
     void showExportWindow(bool all);
+    void bringUp(QWidget *dialog);
     void setExportRunning(bool running);
     bool confirmed(const QString &title, const QString &question);
     bool mayQuitNow();

@@ -11,6 +11,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QBoxLayout>
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QEventLoop>
@@ -67,8 +68,11 @@ void MainWindow::readingFinished()
 void MainWindow::onImportBusyChanged(bool busy)
 {
     if (busy && !exportRunning) {
-        // The first result of a large folder may be a while away.
+        // The first result of a large folder may be a while away, and its rows may come faster than the
+        // window gets to paint itself.
         statusLabel->setText(tr("Status: ") + "importing files...");
+        topLayout->activate();
+        statusLabel->repaint();
     } else if (!busy && tellsOfReading(statusLabel->text())) {
         // The import has ended without a word, so nothing must look as if it went on.
         statusLabel->setText(tr("Status:"));
@@ -227,9 +231,14 @@ void MainWindow::quitWithoutAsking()
     }
     quitPending = true;
     startCancelling();
+    // Nobody answers what is being asked, or reads what is told.
+    while (QWidget *box = QApplication::activeModalWidget()) {
+        if (!box->close())
+            break;
+    }
 }
 
-void MainWindow::onSessionEnd(QSessionManager &)
+void MainWindow::onSessionEnd()
 {
     constexpr int longestWait = 5000; // [ms] what a session usually grants
     quitWithoutAsking();
