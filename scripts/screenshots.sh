@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Takes pictures of every window and message box, in a light and a dark theme, at single and double size.
+# Takes pictures of every window and message box, in a light and a dark theme, at 1, 1.5 and 2 times the size.
 # Usage: scripts/screenshots.sh [FOLDER]   (build/screenshots when not given)
+# The pictures of the README and the manual, in docs/images, come from light-1x.
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 folder=$(readlink -m "${1:-build/screenshots}")
@@ -8,11 +9,14 @@ folder=$(readlink -m "${1:-build/screenshots}")
 scripts/install-packages.sh test
 cmake --preset dev
 cmake --build --preset dev --target ostrel_screenshots
+export PATH="$PWD/build/dev/fakes:$PATH" LC_ALL=C.UTF-8
+export QT_QPA_PLATFORM=xcb QT_XCB_GL_INTEGRATION=none QT_LOGGING_RULES=qt.qpa.xcb.warning=false
 for theme in light dark; do
-    for scale in 1 2; do
-        mkdir -p "$folder/$theme-${scale}x"
-        PATH="$PWD/build/dev/fakes:$PATH" QT_QPA_PLATFORM=xcb QT_SCALE_FACTOR=$scale LC_ALL=C.UTF-8 \
-            tests/support/with-display.sh build/dev/tests/window/ostrel_screenshots "$folder/$theme-${scale}x" "$theme"
+    for scale in 1 1.5 2; do
+        pictures="$folder/$theme-${scale}x"
+        mkdir -p "$pictures"
+        QT_SCALE_FACTOR=$scale tests/support/with-display.sh \
+            build/dev/tests/window/ostrel_screenshots "$pictures" "$theme"
     done
 done
 echo "The pictures are in $folder"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/recordtypes.h"
 #include "ffmpeg/exportwindow.h"
+#include "tests/window/dialogbench.h"
 
 #include <QAbstractItemModel>
 #include <QCheckBox>
@@ -49,14 +50,6 @@ private:
 #endif
 };
 
-QStringList texts(const QComboBox *combo)
-{
-    QStringList result;
-    for (int i = 0; i < combo->count(); ++i)
-        result += combo->itemText(i);
-    return result;
-}
-
 } // namespace
 
 class TestExportWindow : public QObject
@@ -87,12 +80,8 @@ private:
     template <typename Widget>
     Widget *child(const char *name) const
     {
-        auto *widget = dialog->findChild<Widget *>(name);
-        if (!widget)
-            qFatal("there is no %s", name);
-        return widget;
+        return childOf<Widget>(*dialog, name);
     }
-    void showDialog();
 
     std::unique_ptr<ExportWindow> dialog;
     QTemporaryDir folder;
@@ -111,13 +100,6 @@ void TestExportWindow::init()
 void TestExportWindow::cleanup()
 {
     dialog.reset();
-}
-
-void TestExportWindow::showDialog()
-{
-    dialog->show();
-    dialog->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(dialog.get()));
 }
 
 void TestExportWindow::aNewDialogOffersTheDefaults()
@@ -159,8 +141,8 @@ void TestExportWindow::choicesStandAtThePositionOfTheirCode()
                             "QuickTime - DNxHD 36/45 (1920x1080)",
                             "QuickTime - DNxHD 115/120/145 (1920x1080)",
                             "QuickTime - DNxHD 175x/185x/220 (1920x1080)"};
-    QCOMPARE(texts(child<QComboBox>("videoTypeCombo")), video);
-    QCOMPARE(texts(child<QComboBox>("audioTypeCombo")),
+    QCOMPARE(texts(*child<QComboBox>("videoTypeCombo")), video);
+    QCOMPARE(texts(*child<QComboBox>("audioTypeCombo")),
              (QStringList{"pass trough", "PCM 16 bit", "PCM 24 bit"}));
 }
 
@@ -192,7 +174,7 @@ void TestExportWindow::aBadDirectoryIsRefusedInRed()
 {
     QFETCH(QString, directory);
     QSignalSpy sent(dialog.get(), &ExportWindow::exportRequest);
-    showDialog();
+    QVERIFY(showInFront(*dialog));
     child<QLineEdit>("exportDirEdit")->setText(directory);
     {
         const WithoutSpecialRights rights;
@@ -224,7 +206,7 @@ void TestExportWindow::theChoicesAreSent()
     QFETCH(bool, mute);
     QSignalSpy sent(dialog.get(), &ExportWindow::exportRequest);
     dialog->setExportAll(all);
-    showDialog();
+    QVERIFY(showInFront(*dialog));
     const QString directory = folder.path() + "/.";
     child<QLineEdit>("exportDirEdit")->setText(directory);
     child<QComboBox>("videoTypeCombo")->setCurrentIndex(videoType);
@@ -244,7 +226,7 @@ void TestExportWindow::theChoicesAreSent()
 
 void TestExportWindow::anAcceptedExportClearsTheError()
 {
-    showDialog();
+    QVERIFY(showInFront(*dialog));
     child<QLineEdit>("exportDirEdit")->setText("");
     child<QPushButton>("exportButton")->click();
     QVERIFY(!child<QLabel>("errorLabel")->text().isEmpty());
@@ -281,7 +263,7 @@ void TestExportWindow::mxfNeedsPcm()
 void TestExportWindow::cancelClosesWithoutExport()
 {
     QSignalSpy sent(dialog.get(), &ExportWindow::exportRequest);
-    showDialog();
+    QVERIFY(showInFront(*dialog));
     QTest::mouseClick(child<QPushButton>("cancelButton"), Qt::LeftButton);
     QVERIFY(!dialog->isVisible());
     QCOMPARE(sent.count(), 0);
@@ -290,14 +272,14 @@ void TestExportWindow::cancelClosesWithoutExport()
 void TestExportWindow::keysPressExportAndClose()
 {
     QSignalSpy sent(dialog.get(), &ExportWindow::exportRequest);
-    showDialog();
+    QVERIFY(showInFront(*dialog));
     QTest::keyClick(dialog.get(), Qt::Key_Escape);
     QVERIFY(!dialog->isVisible());
     QCOMPARE(sent.count(), 0);
     child<QLineEdit>("exportDirEdit")->setText(folder.path());
     for (const char *focused : {"exportDirEdit", "videoTypeCombo", "muteAudioTCCheckBox", "exportButton"}) {
         sent.clear();
-        showDialog();
+        QVERIFY(showInFront(*dialog));
         auto *widget = child<QWidget>(focused);
         widget->setFocus();
         QTest::keyClick(widget, Qt::Key_Return);
@@ -308,18 +290,15 @@ void TestExportWindow::keysPressExportAndClose()
 
 void TestExportWindow::tabWalksInReadingOrder()
 {
-    showDialog();
-    child<QLineEdit>("exportDirEdit")->setFocus();
-    for (const char *name : {"browseButton", "videoTypeCombo", "audioTypeCombo", "muteAudioTCCheckBox",
-                             "exportButton", "cancelButton"}) {
-        QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
-        QCOMPARE(dialog->focusWidget()->objectName(), QString(name));
-    }
+    QVERIFY(showInFront(*dialog));
+    const QStringList order{"browseButton",        "videoTypeCombo", "audioTypeCombo",
+                            "muteAudioTCCheckBox", "exportButton",   "cancelButton"};
+    QCOMPARE(tabWalk(*dialog, "exportDirEdit", order.size()), order);
 }
 
 void TestExportWindow::browsingFillsInTheDirectory()
 {
-    showDialog();
+    QVERIFY(showInFront(*dialog));
     auto *edit = child<QLineEdit>("exportDirEdit");
     edit->setText("typed");
     QString title;
@@ -351,13 +330,9 @@ void TestExportWindow::browsingFillsInTheDirectory()
 
 void TestExportWindow::nothingIsCutOff()
 {
-    showDialog();
+    QVERIFY(showInFront(*dialog));
     child<QLabel>("errorLabel")->setText("Selected directory doesn't exists");
-    const auto widgets = dialog->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly);
-    for (const QWidget *widget : widgets) {
-        QVERIFY2(dialog->rect().contains(widget->geometry()), qPrintable(widget->objectName()));
-        QVERIFY2(widget->height() >= widget->minimumSizeHint().height(), qPrintable(widget->objectName()));
-    }
+    QCOMPARE(cutOffWidgets(*dialog), QStringList());
 }
 
 QTEST_MAIN(TestExportWindow)

@@ -2,6 +2,7 @@
 #include "app/recordtypes.h"
 #include "ltc/audiotcwindow.h"
 #include "ltc/readerarguments.h"
+#include "tests/window/dialogbench.h"
 
 #include <QBoxLayout>
 #include <QComboBox>
@@ -9,19 +10,6 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
-
-namespace
-{
-
-QStringList texts(const QComboBox *combo)
-{
-    QStringList result;
-    for (int i = 0; i < combo->count(); ++i)
-        result += combo->itemText(i);
-    return result;
-}
-
-} // namespace
 
 class TestAudioTCWindow : public QObject
 {
@@ -46,12 +34,8 @@ private:
     template <typename Widget>
     Widget *child(const char *name) const
     {
-        auto *widget = dialog->findChild<Widget *>(name);
-        if (!widget)
-            qFatal("there is no %s", name);
-        return widget;
+        return childOf<Widget>(*dialog, name);
     }
-    void showDialog();
     AudioTCOptions sentByTheButton();
 
     std::unique_ptr<AudioTCWindow> dialog;
@@ -70,13 +54,6 @@ void TestAudioTCWindow::init()
 void TestAudioTCWindow::cleanup()
 {
     dialog.reset();
-}
-
-void TestAudioTCWindow::showDialog()
-{
-    dialog->show();
-    dialog->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(dialog.get()));
 }
 
 AudioTCOptions TestAudioTCWindow::sentByTheButton()
@@ -98,8 +75,9 @@ void TestAudioTCWindow::aNewDialogOffersTheDefaults()
     QCOMPARE(child<QLabel>("algorithmLabel")->text(), QString("Select reading algorithm:"));
     QCOMPARE(child<QLabel>("frameRateLabel")->text(), QString("Select frame rate:"));
     QCOMPARE(child<QLabel>("channelLabel")->text(), QString("Select timecode channel:"));
-    QCOMPARE(texts(child<QComboBox>("filesCombo")), (QStringList{"selected files", "all files"}));
-    QCOMPARE(texts(child<QComboBox>("algorithmCombo")), (QStringList{"auto", "LOW", "MID", "HIGH", "SLOPE"}));
+    QCOMPARE(texts(*child<QComboBox>("filesCombo")), (QStringList{"selected files", "all files"}));
+    QCOMPARE(texts(*child<QComboBox>("algorithmCombo")),
+             (QStringList{"auto", "LOW", "MID", "HIGH", "SLOPE"}));
     for (const char *combo : {"filesCombo", "algorithmCombo", "channelCombo", "frameRateCombo"}) {
         QCOMPARE(child<QComboBox>(combo)->currentIndex(), 0);
         QVERIFY(!child<QComboBox>(combo)->accessibleName().isEmpty());
@@ -108,10 +86,10 @@ void TestAudioTCWindow::aNewDialogOffersTheDefaults()
 
 void TestAudioTCWindow::automaticHeadsBothLists()
 {
-    QCOMPARE(texts(child<QComboBox>("channelCombo")),
+    QCOMPARE(texts(*child<QComboBox>("channelCombo")),
              (QStringList{"auto", "channel 1", "channel 2", "channel 3", "channel 4", "channel 5",
                           "channel 6", "channel 7", "channel 8"}));
-    QCOMPARE(texts(child<QComboBox>("frameRateCombo")),
+    QCOMPARE(texts(*child<QComboBox>("frameRateCombo")),
              (QStringList{"auto", "23.98 FPS", "24.00 FPS", "25.00 FPS", "29.97 FPS", "30.00 FPS"}));
 }
 
@@ -132,7 +110,7 @@ void TestAudioTCWindow::theLayoutIsAsDrawn()
 
 void TestAudioTCWindow::untouchedItAsksForTheAutomaticReadingOfSelectedFiles()
 {
-    showDialog();
+    QVERIFY(showInFront(*dialog));
     const AudioTCOptions options = sentByTheButton();
     QCOMPARE(options.algorithm, 0);
     QCOMPARE(options.channel, -1);
@@ -172,12 +150,12 @@ void TestAudioTCWindow::everyChoiceReachesTheReader()
 
 void TestAudioTCWindow::choicesAreKeptBetweenOpenings()
 {
-    showDialog();
+    QVERIFY(showInFront(*dialog));
     child<QComboBox>("channelCombo")->setCurrentText("channel 8");
     child<QComboBox>("filesCombo")->setCurrentText("all files");
     QCOMPARE(sentByTheButton().channel, 7);
     QVERIFY(!dialog->isVisible());
-    showDialog();
+    QVERIFY(showInFront(*dialog));
     const AudioTCOptions options = sentByTheButton();
     QCOMPARE(options.channel, 7);
     QVERIFY(options.allFiles);
@@ -186,13 +164,13 @@ void TestAudioTCWindow::choicesAreKeptBetweenOpenings()
 void TestAudioTCWindow::keysPressTheButtonAndClose()
 {
     QSignalSpy sent(dialog.get(), &AudioTCWindow::readAudioTCReq);
-    showDialog();
+    QVERIFY(showInFront(*dialog));
     QTest::keyClick(dialog.get(), Qt::Key_Escape);
     QVERIFY(!dialog->isVisible());
     QCOMPARE(sent.count(), 0);
     for (const auto key : {Qt::Key_Return, Qt::Key_Enter}) {
         sent.clear();
-        showDialog();
+        QVERIFY(showInFront(*dialog));
         child<QComboBox>("algorithmCombo")->setFocus();
         QTest::keyClick(child<QComboBox>("algorithmCombo"), key);
         QCOMPARE(sent.count(), 1);
@@ -202,22 +180,15 @@ void TestAudioTCWindow::keysPressTheButtonAndClose()
 
 void TestAudioTCWindow::tabWalksInReadingOrder()
 {
-    showDialog();
-    child<QComboBox>("filesCombo")->setFocus();
-    for (const char *name : {"algorithmCombo", "channelCombo", "frameRateCombo", "readAudioTCButton"}) {
-        QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
-        QCOMPARE(dialog->focusWidget()->objectName(), QString(name));
-    }
+    QVERIFY(showInFront(*dialog));
+    const QStringList order{"algorithmCombo", "channelCombo", "frameRateCombo", "readAudioTCButton"};
+    QCOMPARE(tabWalk(*dialog, "filesCombo", order.size()), order);
 }
 
 void TestAudioTCWindow::nothingIsCutOff()
 {
-    showDialog();
-    const auto widgets = dialog->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly);
-    for (const QWidget *widget : widgets) {
-        QVERIFY2(dialog->rect().contains(widget->geometry()), qPrintable(widget->objectName()));
-        QVERIFY2(widget->height() >= widget->minimumSizeHint().height(), qPrintable(widget->objectName()));
-    }
+    QVERIFY(showInFront(*dialog));
+    QCOMPARE(cutOffWidgets(*dialog), QStringList());
 }
 
 QTEST_MAIN(TestAudioTCWindow)

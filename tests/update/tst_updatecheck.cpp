@@ -39,7 +39,8 @@ class TestUpdateCheck : public QObject
 private slots:
     void initTestCase();
     void theAddressIsFixed();
-    void aGoodDescriptorIsTold();
+    void usableDescriptorsAreTold_data();
+    void usableDescriptorsAreTold();
     void theRequestNamesTheProgram();
     void oneRequestIsSent();
     void failuresAreSilent_data();
@@ -65,15 +66,31 @@ void TestUpdateCheck::theAddressIsFixed()
     QVERIFY(!updateDescriptorUrl.host().isEmpty());
 }
 
-void TestUpdateCheck::aGoodDescriptorIsTold()
+void TestUpdateCheck::usableDescriptorsAreTold_data()
 {
+    QTest::addColumn<QByteArray>("numbers");
+    QTest::addColumn<uint>("majorVersion");
+    QTest::addColumn<uint>("minorVersion");
+    const auto numbers = [](const QByteArray &major, const QByteArray &minor) {
+        return "<MAJORVERSION>" + major + "</MAJORVERSION><MINORVERSION>" + minor + "</MINORVERSION>";
+    };
+    QTest::newRow("newer") << numbers("2", "5") << 2U << 5U;
+    QTest::newRow("the same") << numbers("1", "0") << 1U << 0U;
+    QTest::newRow("older") << numbers("0", "9") << 0U << 9U;
+    QTest::newRow("numbers that are none") << numbers("two", "") << 0U << 0U;
+}
+
+void TestUpdateCheck::usableDescriptorsAreTold()
+{
+    QFETCH(QByteArray, numbers);
     HttpServer server;
-    server.answer("200 OK", goodDescriptor);
+    server.answer("200 OK", "<a>" + numbers +
+                                "<OSTRELAPP url='http://host/a.zip'/><DESCRIPTION>Faster.</DESCRIPTION></a>");
     Check check(server);
     QTRY_COMPARE_WITH_TIMEOUT(check.told.count(), 1, patience);
     const QList<QVariant> told = check.told.at(0);
-    QCOMPARE(told.at(0).toUInt(), 2U);
-    QCOMPARE(told.at(1).toUInt(), 5U);
+    QTEST(told.at(0).toUInt(), "majorVersion");
+    QTEST(told.at(1).toUInt(), "minorVersion");
     QCOMPARE(told.at(2).toString(), QString("Faster."));
     QCOMPARE(told.at(3).toUrl(), QUrl("http://host/a.zip"));
 }
@@ -113,9 +130,13 @@ void TestUpdateCheck::failuresAreSilent_data()
     QTest::newRow("no content") << QByteArray("200 OK") << QByteArray() << QByteArray();
     QTest::newRow("not XML") << QByteArray("200 OK") << QByteArray("It works!") << QByteArray();
     QTest::newRow("no link") << QByteArray("200 OK")
-                             << QByteArray(
-                                    "<a><MAJORVERSION>2</MAJORVERSION><MINORVERSION>0</MINORVERSION></a>")
+                             << QByteArray("<a><MAJORVERSION>2</MAJORVERSION><MINORVERSION>0</MINORVERSION>"
+                                           "<DESCRIPTION>Faster.</DESCRIPTION></a>")
                              << QByteArray();
+    QTest::newRow("no minor number") << QByteArray("200 OK")
+                                     << QByteArray("<a><MAJORVERSION>2</MAJORVERSION>"
+                                                   "<OSTRELAPP url='http://host/a.zip'/></a>")
+                                     << QByteArray();
 }
 
 void TestUpdateCheck::failuresAreSilent()

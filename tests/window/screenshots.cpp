@@ -9,6 +9,8 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QDateTime>
+#include <QFile>
 #include <QJsonArray>
 #include <QLineEdit>
 #include <QMenu>
@@ -20,6 +22,8 @@
 
 namespace
 {
+
+constexpr int patience = 60000; // [ms]
 
 void useDarkColours()
 {
@@ -37,6 +41,80 @@ void useDarkColours()
     palette.setColor(QPalette::Link, QColor(90, 170, 255));
     QApplication::setStyle(QStyleFactory::create("Fusion"));
     QApplication::setPalette(palette);
+}
+
+/// What the table shows of one file of a day's recordings.
+struct Recording {
+    const char *name;
+    const char *duration; ///< [s]
+    const char *fileTC;   ///< empty = none
+    const char *audioTC;  ///< empty = none
+    double frameRate;     ///< [frames per second], as the reader finds it
+    bool ntsc;
+    int channel; ///< counted from 0
+};
+
+constexpr Recording recordings[] = {
+    {"A001_C001_0504AB.mov", "154.2", "10:11:02:07", "10:11:12:13", 25, false, 1},
+    {"A001_C002_0504AB.mov", "38.6", "10:19:44:00", "10:19:54:06", 25, false, 1},
+    {"A001_C003_0504AB_a very long name that does not fit into its column at all.mov", "71.9", "", "", 0,
+     false, 0},
+    {"B001_C001_0504XY.mxf", "154.6", "00:00:00:00", "10:11:12:01", 25, false, 3},
+    {"C014_second_unit.mov", "12.4", "", "13:09:59;28", 30, true, 0},
+    {"T001_boom.wav", "160.0", "", "", 0, false, 0},
+    {"T001_timecode.wav", "160.0", "", "10:11:08:22", 25, false, 0},
+};
+
+bool isSound(const Recording &recording)
+{
+    return QString(recording.name).endsWith(".wav");
+}
+
+QJsonObject probe(const Recording &recording)
+{
+    QJsonArray streams;
+    if (!isSound(recording)) {
+        streams += QJsonObject{{"codec_type", "video"},  {"codec_name", "h264"},
+                               {"r_frame_rate", "25/1"}, {"index", 0},
+                               {"width", 3840},          {"height", 2160}};
+    }
+    streams += QJsonObject{{"codec_type", "audio"},
+                           {"codec_name", "pcm_s24le"},
+                           {"channels", 2},
+                           {"channel_layout", "stereo"},
+                           {"index", isSound(recording) ? 0 : 1}};
+    QJsonObject format{{"duration", recording.duration}};
+    if (*recording.fileTC)
+        format.insert("tags", QJsonObject{{"timecode", recording.fileTC}});
+    return {{"streams", streams}, {"format", format}};
+}
+
+QJsonObject reading(const Recording &recording)
+{
+    if (!*recording.audioTC)
+        return {{"exitCode", 205}, {"actions", QJsonArray{}}};
+    return {{"json", QJsonObject{{"Timecode", recording.audioTC},
+                                 {"DropFrame", recording.ntsc},
+                                 {"NTSC", recording.ntsc},
+                                 {"FrameRateFound", recording.frameRate},
+                                 {"ChannelFound", recording.channel}}}};
+}
+
+/// Writes the files of the day; sound recorders stamp the parts of one take with one time.
+QStringList writeRecordings(WindowBench &bench)
+{
+    const QDateTime take(QDate(2024, 5, 4), QTime(10, 13, 52));
+    QStringList paths;
+    for (const Recording &recording : recordings) {
+        const QString path = bench.addFile(recording.name);
+        QFile file(path);
+        if (!file.open(QIODevice::ReadWrite) || !file.setFileTime(take, QFileDevice::FileModificationTime))
+            qFatal("cannot stamp %s", recording.name);
+        faketools::setPlan(
+            path, {{"probe", QJsonObject{{"json", probe(recording)}}}, {"read", reading(recording)}});
+        paths += path;
+    }
+    return paths;
 }
 
 class Camera
@@ -65,7 +143,7 @@ void takeDialogs(WindowBench &bench, const Camera &camera)
 {
     bench.child<QAction>("exportAllAction")->trigger();
     QWidget *exportWindow = topLevel("exportWindow");
-    exportWindow->findChild<QLineEdit *>("exportDirEdit")->setText("/missing");
+    exportWindow->findChild<QLineEdit *>("exportDirEdit")->setText("/media/day 1/export");
     camera.take(exportWindow, "export-dialog");
     exportWindow->findChild<QPushButton *>("exportButton")->click();
     camera.take(exportWindow, "export-dialog-error");
@@ -114,6 +192,7 @@ int main(int argc, char *argv[])
 {
     registerRecordTypes();
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     const QApplication application(argc, argv);
     if (argc != 3) {
         std::fputs("Usage: ostrel_screenshots FOLDER light|dark\n", stderr);
@@ -127,12 +206,8 @@ int main(int argc, char *argv[])
     const Camera camera(QString::fromLocal8Bit(argv[1]));
     WindowBench bench;
     camera.take(bench.window.get(), "empty");
-    for (const char *name : {"A001_C001_0504AB.mov", "A001_C002_0504AB.mov", "T001 mix.wav", "T001 boom.wav"})
-        bench.addFile(name);
-    const QString failing =
-        bench.addFile("A001_C003_a very long name that does not fit into its column at all.mov");
-    faketools::setPlan(failing, {{"read", QJsonObject{{"exitCode", 205}, {"actions", QJsonArray{}}}}});
-    if (!bench.import())
+    bench.drop(writeRecordings(bench));
+    if (!QTest::qWaitFor([&bench] { return bench.status() == "Status: import ready"; }, patience))
         qFatal("the import does not end");
     bench.fileList->selectRow(1);
     emit bench.fileList->cellClicked(1, 0);

@@ -1,19 +1,27 @@
 // SPDX-License-Identifier: MIT
 #include "app/recordtypes.h"
+#include "filelist/filelist.h"
 #include "tests/fakes/faketools.h"
 #include "tests/window/windowbench.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QBoxLayout>
+#include <QBuffer>
 #include <QClipboard>
 #include <QComboBox>
 #include <QDir>
+#include <QHeaderView>
+#include <QImage>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPalette>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
+
+#include <algorithm>
 
 namespace
 {
@@ -33,6 +41,23 @@ void progress(MainWindow &window, int current, int all, const QString &text)
     call(window, "statusProgressUpdate", Q_ARG(int, current), Q_ARG(int, all), Q_ARG(QString, text));
 }
 
+/// Notes what a label said when it was painted last.
+class PaintedText : public QObject
+{
+public:
+    explicit PaintedText(QLabel &label) : label(label) { label.installEventFilter(this); }
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            last = label.text();
+        return false;
+    }
+    QString last;
+
+private:
+    QLabel &label;
+};
+
 } // namespace
 
 class TestMainWindow : public QObject
@@ -47,6 +72,7 @@ private slots:
     void everyWidgetAndActionHasItsName();
     void tabWalksInReadingOrder();
     void progressIsShown();
+    void theProgressNeverGoesBackwards();
     void aProgressOfNothingStandsStill();
     void theEndsOfImportAndReadingAreShown();
     void theDialogsAreShownOrBroughtToTheFront();
@@ -55,6 +81,11 @@ private slots:
     void deleteWaitsForTheEndOfAReading();
     void aFolderIsImportedAndItsStreamsShown();
     void aDropIsAnsweredAtOnce();
+    void theStatusIsPaintedBeforeTheFolderIsWalked();
+    void rowsThatArriveMoveNothing();
+    void theHeaderIsReadableInADarkTheme();
+    void theLogoLiesBesideTheWorkingDirectory_data();
+    void theLogoLiesBesideTheWorkingDirectory();
     void aDropOfNothingUsableEndsQuietly();
     void rowsCannotBeDeletedDuringAnImport();
     void theReadingDialogReachesTheReader();
@@ -182,6 +213,28 @@ void TestMainWindow::progressIsShown()
     QCOMPARE(bench.status(), QString("Status: importing files..."));
 }
 
+void TestMainWindow::theProgressNeverGoesBackwards()
+{
+    WindowBench bench;
+    for (const char *name : {"a.mov", "b.mov", "c.wav"})
+        bench.addFile(name);
+    QVector<double> shown; // parts of the whole, since the operation began
+    connect(bench.progressBar, &QProgressBar::valueChanged, bench.window.get(), [&bench, &shown](int value) {
+        shown += static_cast<double>(value) / bench.progressBar->maximum();
+    });
+    const auto onlyGrew = [&shown] { // until it is set back at the end
+        return shown.size() > 2 && shown.takeLast() == 0.0 && std::is_sorted(shown.cbegin(), shown.cend());
+    };
+    QVERIFY(bench.import());
+    QVERIFY(onlyGrew());
+    shown.clear();
+    bench.boxes.answerNext(QMessageBox::Ok);
+    bench.startExport();
+    QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.allGiven(), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status:"), patience);
+    QVERIFY(onlyGrew());
+}
+
 void TestMainWindow::aProgressOfNothingStandsStill()
 {
     const WindowBench bench;
@@ -304,6 +357,89 @@ void TestMainWindow::aDropIsAnsweredAtOnce()
     QCOMPARE(bench.status(), QString("Status: importing files..."));
     faketools::openGate(bench.media + "/gate");
     QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), patience);
+}
+
+void TestMainWindow::theStatusIsPaintedBeforeTheFolderIsWalked()
+{
+    WindowBench bench;
+    PaintedText painted(*bench.statusLabel);
+    QString beforeTheWalk;
+    bool hasRoom = false;
+    connect(qobject_cast<FileList *>(bench.fileList), &FileList::iterateThroughDirReq, bench.window.get(),
+            [&] {
+                beforeTheWalk = painted.last;
+                hasRoom = bench.statusLabel->width() >= bench.statusLabel->sizeHint().width();
+            });
+    bench.dropFolder();
+    QCOMPARE(beforeTheWalk, QString("Status: importing files..."));
+    QVERIFY(hasRoom);
+}
+
+void TestMainWindow::rowsThatArriveMoveNothing()
+{
+    const WindowBench bench;
+    const auto addRows = [&bench](int count) {
+        for (int i = 0; i < count; ++i) {
+            QMetaObject::invokeMethod(bench.fileList, "addItemToTable",
+                                      Q_ARG(QFileInfo, QFileInfo(bench.media + "/missing.mov")));
+        }
+    };
+    constexpr int moreThanFit = 30;
+    addRows(moreThanFit);
+    bench.fileList->selectRow(moreThanFit / 2);
+    bench.fileList->verticalScrollBar()->setValue(3);
+    addRows(moreThanFit);
+    QCOMPARE(bench.fileList->verticalScrollBar()->value(), 3);
+    QCOMPARE(bench.fileList->selectionModel()->selectedRows().size(), 1);
+    QCOMPARE(bench.fileList->currentRow(), moreThanFit / 2);
+}
+
+void TestMainWindow::theHeaderIsReadableInADarkTheme()
+{
+    const QPalette light = QApplication::palette();
+    QApplication::setPalette(QPalette(QColor(45, 45, 48)));
+    const WindowBench bench;
+    const QImage header = bench.fileList->horizontalHeader()->grab().toImage();
+    QApplication::setPalette(light);
+    int darkest = 255;
+    int lightest = 0;
+    for (int x = 0; x < header.width(); ++x) {
+        for (int y = 0; y < header.height(); ++y) {
+            const int grey = qGray(header.pixel(x, y));
+            darkest = qMin(darkest, grey);
+            lightest = qMax(lightest, grey);
+        }
+    }
+    QVERIFY2(lightest - darkest > 150, qPrintable(QString("%1 on %2").arg(darkest).arg(lightest)));
+}
+
+void TestMainWindow::theLogoLiesBesideTheWorkingDirectory_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<bool>("taken");
+    QBuffer png;
+    QImage(20, 10, QImage::Format_RGB32).save(&png, "PNG");
+    QTest::newRow("a picture") << png.data() << true;
+    QTest::newRow("no picture: the one in the program") << QByteArray("text") << false;
+    QTest::newRow("none: the one in the program") << QByteArray() << false;
+}
+
+void TestMainWindow::theLogoLiesBesideTheWorkingDirectory()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(bool, taken);
+    const QTemporaryDir folder;
+    QVERIFY(QDir(folder.path()).mkdir("images"));
+    QFile picture(folder.filePath("images/ostrel_LOGO_transparent.png"));
+    if (!file.isEmpty())
+        QVERIFY(picture.open(QIODevice::WriteOnly) && picture.write(file) == file.size() && picture.flush());
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(folder.path()));
+    const WindowBench bench;
+    QVERIFY(QDir::setCurrent(before));
+    const QSize shown = bench.child<QLabel>("logoLabel")->pixmap(Qt::ReturnByValue).size();
+    QCOMPARE(shown == QSize(20, 10), taken);
+    QVERIFY(!shown.isEmpty());
 }
 
 void TestMainWindow::aDropOfNothingUsableEndsQuietly()

@@ -9,6 +9,7 @@
 #include <QMenu>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 namespace
 {
@@ -32,7 +33,19 @@ void beginExport(MainWindow &window)
     QMetaObject::invokeMethod(&window, "onExportStart");
 }
 
+/// What \a box asks; empty when it is no question that is answered with Yes or No, without a default.
+QString questionOf(const MessageBoxAnswers::Box &box)
+{
+    const bool isQuestion = box.icon == "question" && box.buttons == (QMessageBox::Yes | QMessageBox::No) &&
+                            box.defaultButton.isEmpty();
+    return isQuestion ? box.text : QString();
+}
+
+using Ending = std::function<void(WindowBench &)>;
+
 } // namespace
+
+Q_DECLARE_METATYPE(Ending)
 
 class TestMainWindowMessages : public QObject
 {
@@ -63,8 +76,11 @@ private slots:
     void theEndOfASessionWithoutExportClosesAtOnce();
     void aWholeExportIsDone();
     void anExportWithFailuresNamesThem();
-    void aCancelledExportLeavesNothing();
-    void aQuitDuringAnExportLeavesNothing();
+    void anExportThatIsEndedLeavesNothing_data();
+    void anExportThatIsEndedLeavesNothing();
+    void theEndOfASessionIsWaitedForUntilNothingIsLeft();
+    void theEndOfASessionClosesWhatStandsOpen_data();
+    void theEndOfASessionClosesWhatStandsOpen();
     void missingToolsAreNamedWithoutWaiting();
 
 private:
@@ -234,11 +250,7 @@ void TestMainWindowMessages::cancellingIsAskedFor()
     bench.boxes.answerNext(yes ? QMessageBox::Yes : QMessageBox::No);
     QTest::mouseClick(bench.cancelButton, Qt::LeftButton);
     QVERIFY(allShown(bench, {"Cancel Export"}));
-    const auto &box = bench.boxes.seen().at(0);
-    QCOMPARE(box.text, QString("Are you sure you want to cancel?"));
-    QCOMPARE(box.icon, QString("question"));
-    QCOMPARE(box.buttons, QMessageBox::Yes | QMessageBox::No);
-    QCOMPARE(box.defaultButton, QString());
+    QCOMPARE(questionOf(bench.boxes.seen().at(0)), QString("Are you sure you want to cancel?"));
     QCOMPARE(cancelled.count(), yes ? 1 : 0);
     QCOMPARE(bench.cancelButton->isVisible(), !yes);
     QCOMPARE(bench.status(), QString(yes ? "Status: cancelling export..." : "Status: exporting files..."));
@@ -294,11 +306,8 @@ void TestMainWindowMessages::quittingDuringAnExportIsAskedFor()
     else
         QVERIFY(!bench.window->close());
     QVERIFY(allShown(bench, {"Quit Application"}));
-    const auto &box = bench.boxes.seen().at(0);
-    QCOMPARE(box.text, QString("Are you sure you want to quit\n(and cancel the export process)?"));
-    QCOMPARE(box.icon, QString("question"));
-    QCOMPARE(box.buttons, QMessageBox::Yes | QMessageBox::No);
-    QCOMPARE(box.defaultButton, QString());
+    QCOMPARE(questionOf(bench.boxes.seen().at(0)),
+             QString("Are you sure you want to quit\n(and cancel the export process)?"));
     QVERIFY(bench.window->isVisible());
     QCOMPARE(cancelled.count(), yes ? 1 : 0);
     QCOMPARE(bench.cancelButton->isVisible(), !yes);
@@ -402,36 +411,80 @@ void TestMainWindowMessages::anExportWithFailuresNamesThem()
              QString("Export finished.\nErrors occured with the folliwing files:\nb.mov"));
 }
 
-void TestMainWindowMessages::aCancelledExportLeavesNothing()
+void TestMainWindowMessages::anExportThatIsEndedLeavesNothing_data()
 {
-    WindowBench bench;
-    const QString file = bench.addFile("a.mov");
-    faketools::setPlan(file, {{"export", QJsonObject{{"hang", true}}}});
-    QVERIFY(bench.import());
-    bench.startExport();
-    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(file, "export").size(), 1, patience);
-    QTRY_VERIFY_WITH_TIMEOUT(bench.cancelButton->isVisible(), patience);
-    bench.boxes.answerNext(QMessageBox::Yes);
-    QTest::mouseClick(bench.cancelButton, Qt::LeftButton);
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: export cancelled"), patience);
-    QVERIFY(!faketools::isAlive(faketools::calls(file, "export").at(0).processId));
-    QTRY_COMPARE_WITH_TIMEOUT(bench.exportedFiles(), QStringList(), patience);
+    QTest::addColumn<Ending>("end");
+    QTest::addColumn<bool>("windowStays");
+    QTest::newRow("cancelled") << Ending([](WindowBench &bench) {
+        bench.boxes.answerNext(QMessageBox::Yes);
+        QTest::mouseClick(bench.cancelButton, Qt::LeftButton);
+    }) << true;
+    QTest::newRow("quit by menu") << Ending([](WindowBench &bench) {
+        bench.boxes.answerNext(QMessageBox::Yes);
+        bench.child<QAction>("exitAction")->trigger();
+    }) << false;
+    QTest::newRow("quit by the close box") << Ending([](WindowBench &bench) {
+        bench.boxes.answerNext(QMessageBox::Yes);
+        bench.window->close();
+    }) << false;
+    QTest::newRow("terminated") << Ending([](WindowBench &bench) { bench.window->quitWithoutAsking(); })
+                                << false;
+    QTest::newRow("the session ends")
+        << Ending([](WindowBench &bench) { bench.window->onSessionEnd(); }) << false;
 }
 
-void TestMainWindowMessages::aQuitDuringAnExportLeavesNothing()
+void TestMainWindowMessages::anExportThatIsEndedLeavesNothing()
+{
+    QFETCH(Ending, end);
+    QFETCH(bool, windowStays);
+    WindowBench bench;
+    QVERIFY(bench.startHangingExport());
+    end(bench);
+    QTRY_VERIFY_WITH_TIMEOUT(!bench.child<QPushButton>("cancelButton")->isVisible(), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: export cancelled"), patience);
+    QCOMPARE(bench.exportedFiles(), QStringList());
+    QVERIFY(!faketools::isAlive(bench.hangingTool()));
+    QCOMPARE(bench.window->isVisible(), windowStays);
+}
+
+void TestMainWindowMessages::theEndOfASessionIsWaitedForUntilNothingIsLeft()
 {
     WindowBench bench;
-    const QString file = bench.addFile("a.mov");
-    faketools::setPlan(file, {{"export", QJsonObject{{"hang", true}}}});
-    QVERIFY(bench.import());
-    bench.startExport();
-    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(file, "export").size(), 1, patience);
-    QTRY_VERIFY_WITH_TIMEOUT(bench.cancelButton->isVisible(), patience);
-    bench.boxes.answerNext(QMessageBox::Yes);
-    QVERIFY(!bench.window->close());
-    QTRY_VERIFY_WITH_TIMEOUT(!bench.window->isVisible(), patience);
-    QVERIFY(!faketools::isAlive(faketools::calls(file, "export").at(0).processId));
-    QTRY_COMPARE_WITH_TIMEOUT(bench.exportedFiles(), QStringList(), patience);
+    QVERIFY(bench.startHangingExport());
+    bench.window->onSessionEnd();
+    QCOMPARE(bench.exportedFiles(), QStringList());
+    QVERIFY(!faketools::isAlive(bench.hangingTool()));
+    QVERIFY(!bench.window->isVisible());
+}
+
+void TestMainWindowMessages::theEndOfASessionClosesWhatStandsOpen_data()
+{
+    QTest::addColumn<Ending>("open");
+    QTest::newRow("the question about cancelling")
+        << Ending([](WindowBench &bench) { bench.cancelButton->click(); });
+    QTest::newRow("the question about quitting")
+        << Ending([](WindowBench &bench) { bench.child<QAction>("exitAction")->trigger(); });
+    QTest::newRow("the result of the export")
+        << Ending([](WindowBench &bench) { endExport(*bench.window, 0); });
+    QTest::newRow("the About box") << Ending(
+        [](WindowBench &bench) { bench.child<QAction>("aboutAction")->trigger(); });
+}
+
+void TestMainWindowMessages::theEndOfASessionClosesWhatStandsOpen()
+{
+    QFETCH(Ending, open);
+    WindowBench bench;
+    beginExport(*bench.window);
+    bool stoodOpen = false;
+    QTimer::singleShot(0, bench.window.get(), [&] {
+        stoodOpen = QApplication::activeModalWidget();
+        bench.window->quitWithoutAsking();
+    });
+    open(bench);
+    QVERIFY(stoodOpen);
+    QVERIFY(!QApplication::activeModalWidget());
+    endExport(*bench.window, 1);
+    QVERIFY(!bench.window->isVisible());
 }
 
 void TestMainWindowMessages::missingToolsAreNamedWithoutWaiting()

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/window/windowbench.h"
 
+#include "tests/fakes/faketools.h"
+
 #include <QAction>
 #include <QApplication>
 #include <QDir>
@@ -15,6 +17,7 @@ namespace
 {
 
 constexpr int patience = 60000; // [ms] the machine may be busy
+const char *const hangingFile = "hanging.mov";
 
 } // namespace
 
@@ -74,6 +77,21 @@ void WindowBench::startExport()
     QWidget *dialog = topLevel("exportWindow");
     dialog->findChild<QLineEdit *>("exportDirEdit")->setText(target);
     QTest::mouseClick(dialog->findChild<QPushButton *>("exportButton"), Qt::LeftButton);
+}
+
+bool WindowBench::startHangingExport()
+{
+    faketools::setPlan(addFile(hangingFile), {{"export", QJsonObject{{"hang", true}}}});
+    if (!import())
+        return false;
+    startExport();
+    return QTest::qWaitFor([this] { return hangingTool() > 0 && cancelButton->isVisible(); }, patience);
+}
+
+qint64 WindowBench::hangingTool() const
+{
+    const auto exports = faketools::calls(QDir(media).filePath(hangingFile), "export");
+    return exports.isEmpty() ? 0 : exports.first().processId;
 }
 
 QStringList WindowBench::exportedFiles() const

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/mainwindow.h"
+#include "tests/window/dialogbench.h"
 #include "tests/window/messageboxanswers.h"
 
 #include <QLabel>
@@ -29,6 +30,10 @@ public:
     bool import();
     /// Fills in the export dialog for all files and presses "Export".
     void startExport();
+    /// Imports one file and exports it with a tool that hangs; false when the export does not come that far.
+    bool startHangingExport();
+    /// The process of the tool that hangs, while it runs or afterwards.
+    qint64 hangingTool() const;
 
     QString mediaFolder() const { return media; }
     QString exportFolder() const { return target; }
@@ -37,13 +42,10 @@ public:
     QStringList streamLines() const;
     QStringList column(int number) const;
 
-    template <typename Widget>
-    Widget *child(const char *name) const
+    template <typename Child>
+    Child *child(const char *name) const
     {
-        auto *widget = window->findChild<Widget *>(name);
-        if (!widget)
-            qFatal("there is no %s", name);
-        return widget;
+        return childOf<Child>(*window, name);
     }
 
     QTemporaryDir folder;

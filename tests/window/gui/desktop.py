@@ -8,6 +8,7 @@ import os
 import pathlib
 import signal
 import subprocess
+import tempfile
 import time
 
 import pyatspi
@@ -36,21 +37,29 @@ def press(*keys):
     xdotool("key", "--clearmodifiers", *keys)
 
 
-def centre(node):
-    box = node.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
-    return box.x + box.width // 2, box.y + box.height // 2
+def extents(node):
+    return node.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
 
 
-def settled_centre(node):
-    """The window manager moves a window after it has opened; this waits until it stands still."""
-    before = centre(node)
+def settled_extents(node):
+    """The window manager moves a window after it has opened; this tells where it stands once it stands still."""
+    before = extents(node)
     time.sleep(0.3)
-    return before if centre(node) == before else None
+    after = extents(node)
+    still = (before.x, before.y, before.width, before.height) == (after.x, after.y, after.width, after.height)
+    return after if still and after.width > 0 else None
 
 
 def click(node):
-    x, y = wait_for(lambda: settled_centre(node), f"{node} to stand still")
-    xdotool("mousemove", x, y, "click", 1)
+    box = wait_for(lambda: settled_extents(node), f"{node} to stand still")
+    xdotool("mousemove", box.x + box.width // 2, box.y + box.height // 2, "click", 1)
+
+
+def click_close_box(window):
+    """Clicks the close box of the window's frame: the window manager draws it at the right end of the title bar."""
+    box = wait_for(lambda: settled_extents(window), "the window to stand still")
+    title_bar = 20  # pixels
+    xdotool("mousemove", box.x + box.width - title_bar // 2, box.y - title_bar // 2, "click", 1)
 
 
 def descendants(node):
@@ -165,7 +174,7 @@ class Program:
 
     def menu(self, mnemonic, *keys):
         press(f"alt+{mnemonic}")
-        wait_for(lambda: self.find("popup menu") or self.find("menu item"), "an open menu")
+        wait_for(lambda: self.find("popup menu"), "an open menu")
         press(*keys)
 
     def box_text(self, box):
@@ -186,7 +195,7 @@ class Program:
                          f"the choice box {label}")
         click(combo)
         items = combo[0]
-        wait_for(lambda: items.queryComponent().getExtents(pyatspi.DESKTOP_COORDS).height, f"the choices of {label}")
+        wait_for(lambda: extents(items).height, f"the choices of {label}")
         click(next(item for item in items if item.name == choice))
         wait_for(lambda: self.application() and combo.name == choice, f"{choice} to be chosen")
 
@@ -208,15 +217,31 @@ class Program:
             self.process.wait()
 
 
-def drag(source_program, paths, target):
-    """Drags the files out of another program and drops them on target. Returns that program, which has to stay until
-    the files have been taken, and whether the drop was accepted."""
-    source = subprocess.Popen([source_program, *map(str, paths)], stdout=subprocess.PIPE, text=True)
-    wait_for(lambda: subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "dragsource"],
-                                    capture_output=True, check=False).stdout, "the drag source")
-    x, y = centre(target)
-    xdotool("mousemove", 40, 30, "sleep", 0.2, "mousedown", 1, "sleep", 0.1)
-    for step in range(1, 11):
-        xdotool("mousemove", 40 + (x - 40) * step // 10, 30 + (y - 30) * step // 10, "sleep", 0.05)
-    xdotool("mousemove", x + 2, y + 2, "sleep", 0.3, "mouseup", 1)
-    return source, source.stdout.readline().strip() == "accepted"
+class Drag:
+    """Drags files out of another program and drops them on target. That program has to stay until the files have been
+    taken; end() ends it."""
+
+    def __init__(self, source_program, paths, target):
+        self.output = tempfile.TemporaryFile("w+")
+        self.source = subprocess.Popen([source_program, *map(str, paths)], stdout=self.output)
+        wait_for(lambda: subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "dragsource"],
+                                        capture_output=True, check=False).stdout, "the drag source")
+        box = wait_for(lambda: settled_extents(target), f"{target} to stand still")
+        x, y = box.x + box.width // 2, box.y + box.height // 2
+        xdotool("mousemove", 40, 30, "sleep", 0.2, "mousedown", 1, "sleep", 0.1)
+        for step in range(1, 11):
+            xdotool("mousemove", 40 + (x - 40) * step // 10, 30 + (y - 30) * step // 10, "sleep", 0.05)
+        wait_for(lambda: xdotool("mousemove_relative", "--", 1, 0, "mousemove_relative", "--", -1, 0)
+                 or "welcome" in self.told(), "the drag to be welcome")
+        xdotool("mouseup", 1)
+        wait_for(lambda: self.told()[-1] in ("accepted", "refused"), "the end of the drag")
+        self.accepted = self.told()[-1] == "accepted"
+
+    def told(self):
+        self.output.seek(0)
+        return self.output.read().split()
+
+    def end(self):
+        self.source.kill()
+        self.source.wait()
+        self.output.close()

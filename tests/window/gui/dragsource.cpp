@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
 // A program to drag files from, as a file manager is: a small window in the corner of the screen. Dragging in
-// it drags the files that are named as arguments. After the drop it prints "accepted" or "refused" and stays,
-// as the receiver asks for the files only then. With --print-selection it prints the text that is selected by
+// it drags the files that are named as arguments. It prints "welcome" when what is under the pointer would take
+// them, and after the drop "accepted" or "refused". It stays, as the receiver asks for the files only then. With --print-selection it prints the text that is selected by
 // mouse anywhere on the display instead.
 
 #include <QApplication>
@@ -17,6 +17,12 @@
 
 namespace
 {
+
+void print(const char *line)
+{
+    std::puts(line);
+    std::fflush(stdout);
+}
 
 class DragSource : public QLabel
 {
@@ -38,8 +44,11 @@ protected:
         data->setUrls(files);
         auto *drag = new QDrag(this);
         drag->setMimeData(data);
-        std::puts(drag->exec(Qt::CopyAction) == Qt::CopyAction ? "accepted" : "refused");
-        std::fflush(stdout);
+        connect(drag, &QDrag::actionChanged, this, [](Qt::DropAction action) {
+            if (action == Qt::CopyAction)
+                print("welcome");
+        });
+        print(drag->exec(Qt::CopyAction) == Qt::CopyAction ? "accepted" : "refused");
     }
 
 private:

@@ -12,15 +12,15 @@ import tempfile
 import threading
 import unittest
 
-import pyatspi
-
 import desktop
-from desktop import MAIN_WINDOW, Program, Tools, click, descendants, drag, press, wait_for
+from desktop import (MAIN_WINDOW, Drag, Program, Tools, click, click_close_box, descendants, labels_of, press,
+                     settled_extents, wait_for)
 
 PROGRAM = os.environ["OSTREL_PROGRAM"]
 DRAG_SOURCE = os.environ["OSTREL_DRAG_SOURCE"]
 FOUND = "10:00:00:00@25.00 on ch. 1"
-INTERACTIVE = {"push button", "combo box", "check box", "text", "table", "list", "menu item", "menu", "entry"}
+INTERACTIVE = {"push button", "combo box", "check box", "text", "table", "table cell", "table column header", "list",
+               "list item", "menu bar", "menu item", "popup menu", "progress bar"}
 
 
 class GuiTest(unittest.TestCase):
@@ -45,11 +45,9 @@ class GuiTest(unittest.TestCase):
         self.program.wait_status("Status: import ready")
 
     def drop(self):
-        source, accepted = drag(DRAG_SOURCE, [self.media], self.program.get("table", "Imported files"))
-        self.addCleanup(source.wait)
-        self.addCleanup(source.kill)
-        self.addCleanup(source.stdout.close)
-        self.assertTrue(accepted, "the drop is accepted")
+        drag = Drag(DRAG_SOURCE, [self.media], self.program.get("table", "Imported files"))
+        self.addCleanup(drag.end)
+        self.assertTrue(drag.accepted, "the drop is accepted")
 
     def export_all(self):
         self.program.menu("f", "Return")
@@ -99,8 +97,15 @@ class GuiTest(unittest.TestCase):
         self.assertEqual(len(self.program.rows()), 1)
         self.tools.open_gate()
         self.program.wait_status("Status: import ready")
+        self.program.click_row(0)
+        streams = self.program.get("list", "Streams of the clicked file")
+        wait_for(lambda: streams.childCount > 0, "the list of streams")
         press("ctrl+a", "Delete")
         wait_for(lambda: self.program.table().nRows == 0, "the empty table")
+        self.program.wait_status("Status: ")
+        self.assertEqual(streams.childCount, 0)
+        press("Delete")
+        self.assertEqual(self.program.table().nRows, 0)
 
     def test_a_click_shows_the_streams(self):
         self.start()
@@ -170,7 +175,7 @@ class GuiTest(unittest.TestCase):
         self.quit_during_an_export(lambda: self.program.menu("f", "Up", "Return"))
 
     def test_quitting_by_the_close_box_during_an_export_is_asked_for(self):
-        self.quit_during_an_export(lambda: press("alt+F4"))
+        self.quit_during_an_export(lambda: click_close_box(self.program.window))
 
     def quit_during_an_export(self, ask_to_quit):
         self.start()
@@ -192,7 +197,12 @@ class GuiTest(unittest.TestCase):
 
     def test_the_window_closes_at_once_when_nothing_runs(self):
         self.start()
-        press("alt+F4")
+        click_close_box(self.program.window)
+        self.assertEqual(self.program.wait_end(), 0)
+
+    def test_the_menu_ends_the_program_at_once_when_nothing_runs(self):
+        self.start()
+        self.program.menu("f", "Up", "Return")
         self.assertEqual(self.program.wait_end(), 0)
 
     # -- messages
@@ -206,27 +216,37 @@ class GuiTest(unittest.TestCase):
         self.program.menu("a", "Return")
         box = self.program.wait_window("About")
         label = next(node for node in descendants(box) if "V1.00" in node.name)
-        extents = label.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+        place = wait_for(lambda: settled_extents(label), "the box to stand still")
         lines = 3  # title, web page, the empty line behind it
-        first = extents.y + extents.height // (2 * lines)
-        second = extents.y + extents.height // 2
-        desktop.xdotool("mousemove", extents.x + 3, first, "mousedown", 1, "mousemove", extents.x + 90, first + 1,
-                        "mousemove", extents.x + 120, first + 1)
+        first = place.y + place.height // (2 * lines)
+        second = place.y + place.height // 2
+        desktop.xdotool("mousemove", place.x + 3, first, "mousedown", 1, "mousemove", place.x + 90, first + 1,
+                        "mousemove", place.x + 120, first + 1)
         selected = wait_for(lambda: subprocess.run([DRAG_SOURCE, "--print-selection"], capture_output=True, text=True,
                                                    check=True).stdout.strip() if released() else None,
                             "a selection")
         self.assertTrue("Ostrel Timecode Tool".startswith(selected[:6]), selected)
-        desktop.xdotool("mousemove", extents.x + 110, second, "sleep", 0.2, "click", 1)
+        desktop.xdotool("mousemove", place.x + 110, second, "sleep", 0.2, "click", 1)
         wait_for(opened.exists, "the opened link")
         wait_for(lambda: opened.read_text(encoding="utf-8").startswith("http"), "the address of the web page")
         self.assertIn("Webpage: ", self.program.answer("About", "OK"))
 
     def test_a_newer_version_is_announced(self):
-        with descriptor_server("2", "0", "Reads everything.") as port:
-            self.start(http_proxy=f"http://127.0.0.1:{port}")
+        with descriptor_server("2", "0", "Reads everything.") as server:
+            self.start(http_proxy=server.address())
             text = self.program.answer("New Version Available", "OK")
         self.assertIn("There is a new software version available!", text)
+        self.assertIn("http://host.invalid/a.zip", text)
         self.assertIn("Reads everything.", text)
+        self.assertEqual(len(server.user_agents), 1)
+        self.assertTrue(server.user_agents[0].startswith("Ostrel Timecode Tool V1.0 "), server.user_agents[0])
+
+    def test_the_same_version_is_not_announced(self):
+        with descriptor_server("1", "0", "Reads everything.") as server:
+            self.start(http_proxy=server.address())
+            wait_for(lambda: server.user_agents, "the request")
+            self.import_files("a.mov")
+        self.assertEqual([window.name for window in self.program.windows()], [MAIN_WINDOW])
 
     def test_missing_tools_are_named_and_do_not_block(self):
         beside = self.media / "program"
@@ -248,26 +268,24 @@ class GuiTest(unittest.TestCase):
 
     def test_every_interactive_element_has_a_name(self):
         self.start()
-        self.program.menu("f", "Return")
-        self.program.wait_window("Export all files")
-        press("Escape")
-        self.program.menu("f", "Return")
-        dialogs = [self.program.wait_window("Export all files")]
-        self.program.window.queryComponent()
-        self.assert_named(self.program.window)
-        self.assert_named(dialogs[0])
-        press("Escape")
-        wait_for(lambda: self.program.find_window("Export all files") is None, "the end of the dialog")
-        self.program.menu("e", "Return")
-        self.assert_named(self.program.wait_window("Read audio timecode"))
+        self.import_files("a.mov")
+        self.program.click_row(0)
+        self.assert_named(self.program.window, {"menu item", "table", "table cell", "list", "push button"})
+        for mnemonic, title in (("f", "Export all files"), ("e", "Read audio timecode")):
+            self.program.menu(mnemonic, "Return")
+            dialog = self.program.wait_window(title, "dialog")
+            self.assert_named(dialog, {"combo box", "list", "push button"})
+            press("Escape")
+            wait_for(lambda name=title: self.program.find_window(name) is None, "the end of the dialog")
 
-    def assert_named(self, window):
-        count = 0
-        for node in descendants(window):
-            if node.getRoleName() in INTERACTIVE and is_its_own(node):
-                count += 1
-                self.assertTrue(node.name, f"{node.getRoleName()} in {window.name} has a name")
-        self.assertGreater(count, 3)
+    def assert_named(self, window, expected):
+        """Everything that can be worked with says a name of its own; expected are roles that must be there."""
+        found = [node for node in descendants(window) if node.getRoleName() in INTERACTIVE]
+        nameless = [node.getRoleName() for node in found if not node.name]
+        self.assertEqual(nameless, [], f"in {window.name}")
+        self.assertLessEqual(expected, {node.getRoleName() for node in found})
+        for combo in (node for node in found if node.getRoleName() == "combo box"):
+            self.assertTrue(labels_of(combo), f"a label stands for the choice {combo.name}")
 
 
 def alive(process):
@@ -278,11 +296,6 @@ def alive(process):
         return False
     except ProcessLookupError:
         return False
-
-
-def is_its_own(node):
-    """Whether the element is one that people reach, not a part of another one (the list of a combo box)."""
-    return node.parent is None or node.parent.getRoleName() != "combo box"
 
 
 def released():
@@ -296,9 +309,11 @@ class descriptor_server:
     def __init__(self, major, minor, description):
         body = (f"<a><MAJORVERSION>{major}</MAJORVERSION><MINORVERSION>{minor}</MINORVERSION>"
                 f"<OSTRELAPP url='http://host.invalid/a.zip'/><DESCRIPTION>{description}</DESCRIPTION></a>").encode()
+        user_agents = self.user_agents = []  # of the requests so far
 
         class Handler(http.server.BaseHTTPRequestHandler):
             def do_GET(self):
+                user_agents.append(self.headers["User-Agent"])
                 self.send_response(200)
                 self.send_header("Content-Length", str(len(body)))
                 self.end_headers()
@@ -309,9 +324,12 @@ class descriptor_server:
 
         self.server = http.server.HTTPServer(("127.0.0.1", 0), Handler)
 
+    def address(self):
+        return f"http://127.0.0.1:{self.server.server_address[1]}"
+
     def __enter__(self):
         threading.Thread(target=self.server.serve_forever, daemon=True).start()
-        return self.server.server_address[1]
+        return self
 
     def __exit__(self, *_):
         self.server.shutdown()
