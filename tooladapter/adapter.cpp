@@ -27,7 +27,7 @@ std::string environment(const char *name)
 
 std::string toolPath(const std::string &tool)
 {
-    const std::string path = findTool(tool, environment("PATH"), "/proc/self/exe");
+    std::string path = findTool(tool, environment("PATH"), "/proc/self/exe");
     if (path.empty())
         throw ToolMissing("no program \"" + tool +
                           "\" in PATH; install it, on Debian with \"apt install ffmpeg\"");

@@ -32,10 +32,12 @@ std::uint64_t BinaryFile::bigEndian(std::uint64_t position, std::size_t count)
 
 std::uint64_t BinaryFile::littleEndian(std::uint64_t position, std::size_t count)
 {
-    const std::string block = bytes(position, count);
     std::uint64_t number = 0;
-    for (auto byte = block.rbegin(); byte != block.rend(); ++byte)
-        number = number << 8 | static_cast<unsigned char>(*byte);
+    int shift = 0;
+    for (const char byte : bytes(position, count)) {
+        number |= std::uint64_t{static_cast<unsigned char>(byte)} << shift;
+        shift += 8;
+    }
     return number;
 }
 

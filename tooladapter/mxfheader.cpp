@@ -18,9 +18,26 @@ namespace
 // What the keys begin with; the two bytes behind tell which of the kind it is.
 constexpr std::string_view partitionKey = "\x06\x0e\x2b\x34\x02\x05\x01\x01\x0d\x01\x02\x01\x01"sv;
 constexpr std::string_view setKey = "\x06\x0e\x2b\x34\x02\x53\x01\x01\x0d\x01\x01\x01\x01\x01"sv;
+
+// Partitions
 constexpr char headerKind = 0x02;
 constexpr char footerKind = 0x04;
 constexpr char indexPackKind = 0x11; // the last of a whole file
+
+// Sets of the header
+constexpr char sequenceKind = 0x0f;
+constexpr char timecodeKind = 0x14;
+constexpr char trackKind = 0x3b;
+constexpr std::string_view pictureKinds = "\x28\x29\x51"sv; // by components, by colours, compressed
+constexpr std::string_view soundKinds = "\x42\x47\x48"sv;   // of any kind, AES3, wave
+
+// Properties of the sets
+constexpr std::uint64_t lengthTag = 0x0202;      // [edit units]
+constexpr std::uint64_t startTag = 0x1501;       // [frames since midnight]
+constexpr std::uint64_t nominalRateTag = 0x1502; // [frame numbers a second]
+constexpr std::uint64_t dropFrameTag = 0x1503;
+constexpr std::uint64_t editRateTag = 0x4b01; // [edit units a second] numerator and denominator
+constexpr std::uint64_t channelsTag = 0x3d07;
 
 /// A key with its value: where that lies [bytes].
 struct Packet {
@@ -101,32 +118,22 @@ void Header::addStream(Stream::Kind kind, int channels)
 void Header::add(const Packet &set)
 {
     const Properties properties = propertiesOf(file, set);
-    switch (set.key[14]) {
-    case 0x0f: // sequence
-        length = std::min(length, number(properties, 0x0202, 8));
-        break;
-    case 0x14: // timecode component
-        found.timecode = StartTimecode::fromFrameNumber(static_cast<long>(number(properties, 0x1501, 8)),
-                                                        static_cast<int>(number(properties, 0x1502, 2)),
-                                                        number(properties, 0x1503, 1) != 0)
-                             .toText();
-        break;
-    case 0x28: // pictures: by components, by colours, compressed
-    case 0x29:
-    case 0x51:
+    const char kind = set.key[14];
+    if (kind == sequenceKind) {
+        length = std::min(length, number(properties, lengthTag, 8));
+    } else if (kind == timecodeKind) {
+        found.timecode =
+            StartTimecode::fromFrameNumber(static_cast<long>(number(properties, startTag, 8)),
+                                           static_cast<int>(number(properties, nominalRateTag, 2)),
+                                           number(properties, dropFrameTag, 1) != 0)
+                .toText();
+    } else if (kind == trackKind) {
+        editRate.numerator = static_cast<long>(number(properties, editRateTag, 4));
+        editRate.denominator = static_cast<long>(number(properties, editRateTag, 8) & 0xffffffff);
+    } else if (pictureKinds.find(kind) != std::string_view::npos) {
         addStream(Stream::Kind::Picture, 0);
-        break;
-    case 0x3b: // track
-        editRate.numerator = static_cast<long>(number(properties, 0x4b01, 4));
-        editRate.denominator = static_cast<long>(number(properties, 0x4b01, 8) & 0xffffffff);
-        break;
-    case 0x42: // sounds: of any kind, AES3, wave
-    case 0x47:
-    case 0x48:
-        addStream(Stream::Kind::Audio, static_cast<int>(number(properties, 0x3d07, 4)));
-        break;
-    default:
-        break;
+    } else if (soundKinds.find(kind) != std::string_view::npos) {
+        addStream(Stream::Kind::Audio, static_cast<int>(number(properties, channelsTag, 4)));
     }
 }
 

@@ -83,15 +83,13 @@ std::string Source::startTimecode() const
 
 std::vector<std::string> probeArguments(const std::string &path)
 {
-    return {"-v",
-            "error",
-            "-show_entries",
-            "stream=index,codec_type,codec_name,channels,channel_layout,r_frame_rate,avg_frame_rate,start_"
-            "time,duration"
-            ":stream_disposition=attached_pic:stream_tags=timecode:format=start_time,duration:format_tags="
-            "timecode",
-            "-i",
-            path};
+    const std::string entries = "stream=index,codec_type,codec_name,channels,channel_layout,r_frame_rate,"
+                                "avg_frame_rate,start_time,duration"
+                                ":stream_disposition=attached_pic"
+                                ":stream_tags=timecode"
+                                ":format=start_time,duration"
+                                ":format_tags=timecode";
+    return {"-v", "error", "-show_entries", entries, "-i", path};
 }
 
 Source parseProbe(std::string_view text)

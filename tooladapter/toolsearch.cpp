@@ -40,7 +40,7 @@ std::string findTool(const std::string &tool, std::string_view searchPath, const
         searchPath.remove_prefix(std::min(searchPath.size(), folder.size() + 1));
         if (!folder.starts_with('/'))
             continue;
-        const std::string candidate = std::string{folder} + '/' + tool;
+        std::string candidate = std::string{folder} + '/' + tool;
         struct stat found = {};
         if (!isExecutableFile(candidate, found))
             continue;

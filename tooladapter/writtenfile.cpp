@@ -63,12 +63,12 @@ std::string faultInSound(const Source &written, const Export &job, const Source 
     std::string fault;
     for (std::size_t i = 0; i < streams.size() && fault.empty(); ++i) {
         const int channels = streamAt(written, streams[i]).channels;
-        if (channels != job.audio[i].channels)
-            fault = "a written audio stream has " + std::to_string(channels) + " channels instead of " +
-                    std::to_string(job.audio[i].channels);
-        else
-            fault = faultInEnd("sound", endOf(written, streams[i]), endOf(source, job.audio[i].stream),
-                               toleratedSeconds);
+        if (channels != job.audio[i].channels) {
+            return "a written audio stream has " + std::to_string(channels) + " channels instead of " +
+                   std::to_string(job.audio[i].channels);
+        }
+        fault = faultInEnd("sound", endOf(written, streams[i]), endOf(source, job.audio[i].stream),
+                           toleratedSeconds);
     }
     return fault;
 }

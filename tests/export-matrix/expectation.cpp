@@ -31,13 +31,22 @@ bool keepsAllSound(const FileData &record, const ExportOptions &options, Contain
     return !options.muteAudioTC || (container == Container::mxf && isMxf(record));
 }
 
+/// What passes through of \a codec: PCM and the two lossy codecs that files of all kinds hold, the others as
+/// 24 bit PCM.
+QString keptCodec(const QString &codec, Container container)
+{
+    if (codec.startsWith("pcm_") || codec == "aac" || codec == "ac3")
+        return codec;
+    return container == Container::broadcastWave ? "pcm_s24le" : "pcm_s24be";
+}
+
 QString wantedCodec(const FileData &record, const ExportOptions &options, Container container,
                     const QString &own)
 {
     const QString asked = options.audioType == 2 ? "pcm_s24le" : "pcm_s16le";
     if (options.muteAudioTC && container == Container::mxf)
         return isMxf(record) ? own : asked;
-    return options.audioType == 0 ? own : asked;
+    return options.audioType == 0 ? keptCodec(own, container) : asked;
 }
 
 /// What the written kind of file can hold of \a codec.

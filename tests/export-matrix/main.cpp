@@ -81,7 +81,7 @@ int run(const QCommandLineParser &options, QTextStream &report)
     }
     report << totals.right << " right, " << totals.refused << " refused as they must be, " << totals.wrong
            << " wrong" << Qt::endl;
-    return totals.wrong == 0 && totals.right > 0 ? 0 : 1;
+    return totals.wrong == 0 && totals.right + totals.refused > 0 ? 0 : 1;
 }
 
 } // namespace

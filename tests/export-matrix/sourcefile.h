@@ -25,7 +25,7 @@ struct SourceFile {
     bool isCore = false;                 ///< one of those that each test run exports
 };
 
-constexpr double sourceDuration = 1.0; // [s]
+constexpr double sourceDuration = 0.4; // [s] ten frames at 25: coding the pictures takes most of the time
 
 /// The recording that \a source is, as far as its sound goes.
 mediakit::Recording soundOf(const SourceFile &source);

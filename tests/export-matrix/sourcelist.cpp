@@ -130,6 +130,7 @@ QVector<SourceFile> otherCameraSources()
         movie("cover.mp4", "25/1", {channels(2, 1)}, coded("aac")),
         movie("ac3.mts", "25/1", {channels(2, 0)}, coded("ac3"), true),
         movie("ac3-50.mts", "50/1", {channels(2, 1)}, coded("ac3")),
+        movie("mp2.mts", "25/1", {channels(2, 0)}, coded("mp2")),
         movie("four-mono.MXF", "25/1", single(4, 3), coded("pcm_s24le"), true),
         movie("pair.MXF", "25/1", {channels(2, 1)}, coded("pcm_s24le")),
         movie("four-mono-16.MXF", "30000/1001", single(4, 0, at2997Drop), coded("pcm_s16le")),
@@ -153,6 +154,7 @@ QVector<SourceFile> soundSources()
         sound("four.wav", channels(4, 1, at23976), coded("pcm_s24le"), true),
         sound("eight.wav", channels(8, 7), withoutLayout("pcm_s32le", 8)),
         sound("old-reference.wav", channels(2, 1), coded("pcm_s24le"), true),
+        sound("adpcm.wav", channels(2, 1), coded("adpcm_ima_wav")),
         sound("44100.wav", channels(2, 1), coded("pcm_s16le")),
     };
     for (SourceFile &source : sources) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/tooladapter/processes.h"
 #include "tooladapter/source.h"
 
 #include <QDir>
@@ -14,18 +15,6 @@ namespace
 {
 
 constexpr int limit = 60 * 1000; // [ms]
-
-/// Whether a process, other than this one, has \a word in its command line.
-bool isProcessRunningWith(const QByteArray &word)
-{
-    const QStringList processes = QDir("/proc").entryList({"[1-9]*"}, QDir::Dirs);
-    for (const QString &process : processes) {
-        QFile commandLine("/proc/" + process + "/cmdline");
-        if (commandLine.open(QIODevice::ReadOnly) && commandLine.readAll().contains(word))
-            return true;
-    }
-    return false;
-}
 
 QStringList copied()
 {
@@ -55,6 +44,8 @@ private slots:
     void filesInOddFoldersAreWritten();
     void aCompleteFileIsKnownWithoutAProbe_data();
     void aCompleteFileIsKnownWithoutAProbe();
+    void aFileThatCannotBeMadeIsAFailure_data();
+    void aFileThatCannotBeMadeIsAFailure();
     void everyExtractedFileEndsAfterThreeSeconds();
     void killingAnExportLeavesNoProcess_data();
     void killingAnExportLeavesNoProcess();
@@ -216,6 +207,31 @@ void TestRealExports::aCompleteFileIsKnownWithoutAProbe()
     qunsetenv("OSTREL_SOURCE");
     QVERIFY2(exitCode == 0, qPrintable(errors));
     QVERIFY(!QFile::exists(folder.filePath("probed")));
+}
+
+void TestRealExports::aFileThatCannotBeMadeIsAFailure_data()
+{
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("name of 256 bytes") << QString(252, 'x') + ".MOV"
+                                       << "File name too long";
+    QTest::newRow("name of 255 letters in 259 bytes")
+        << QString(251, 'x').replace(0, 4, "\u00dc\u00dc\u00dc\u00dc") + ".MOV"
+        << "File name too long";
+    QTest::newRow("the folder has gone") << "gone/clip.MOV"
+                                         << "No such file or directory";
+    QTest::newRow("a folder has the name") << "folder.MOV"
+                                           << "Is a directory";
+}
+
+void TestRealExports::aFileThatCannotBeMadeIsAFailure()
+{
+    QFETCH(QString, target);
+    QFETCH(QString, reason);
+    QVERIFY(QDir(folder.path()).mkpath("folder.MOV"));
+    const int exitCode = exportFile("whole.mov", copied(), target);
+    QVERIFY2(exitCode > 0, qPrintable(errors));
+    QVERIFY2(errors.contains(reason), qPrintable(errors));
 }
 
 void TestRealExports::everyExtractedFileEndsAfterThreeSeconds()
