@@ -77,10 +77,10 @@ QString audioTimecodeToolTip(const FileData &file)
     return lines.join('\n');
 }
 
-QString linkedTimecodeToolTip(const FileData &file, const FileData &source)
+QString linkedTimecodeToolTip(const QJsonObject &result, const QString &source)
 {
-    QStringList lines = readerLines(file.audioTCResult);
-    lines.prepend(translated("Linked to: %1").arg(source.fileName));
+    QStringList lines = readerLines(result);
+    lines.prepend(translated("Linked to: %1").arg(source));
     return lines.join('\n');
 }
 

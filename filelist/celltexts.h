@@ -26,8 +26,9 @@ QString linkedTimecode(const QString &timecode);
 /// Tool tip of a timecode that was read: what the reader knows about it, a line each.
 QString audioTimecodeToolTip(const FileData &file);
 
-/// Tool tip of a linked timecode: the same, after the name of the file that it was taken from.
-QString linkedTimecodeToolTip(const FileData &file, const FileData &source);
+/// Tool tip of a linked timecode: the same of \a result, after the name \a source of the file that it was
+/// taken from.
+QString linkedTimecodeToolTip(const QJsonObject &result, const QString &source);
 
 /// Tool tip of a failed second reading: the earlier \a timecode stays the one that an export writes.
 QString keptTimecodeToolTip(const QString &timecode);

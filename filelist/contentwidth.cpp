@@ -14,6 +14,15 @@ void ContentWidth::set(int row, int width)
     ++rowsOfWidth[width];
 }
 
+void ContentWidth::move(int from, int to)
+{
+    if (from == to)
+        return;
+    const int width = widths.at(from);
+    set(from, 0);
+    set(to, width);
+}
+
 void ContentWidth::remove(int row, int count)
 {
     const int end = qMin(row + count, widths.size());

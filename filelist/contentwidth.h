@@ -13,6 +13,10 @@ public:
     /// Notes that the cell of \a row is \a width pixels wide. Rows not noted before are 0 wide.
     void set(int row, int width);
 
+    /// Gives the width of the row \a from to the row \a to, both noted before; the row \a from is 0 wide
+    /// then.
+    void move(int from, int to);
+
     /// Forgets \a count rows from \a row on; the rows behind them move up.
     void remove(int row, int count);
 

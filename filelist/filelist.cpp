@@ -1,20 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "filelist/filelist.h"
 
-#include "filelist/celltexts.h"
+#include "filelist/linking.h"
 #include "filelist/tablecolumns.h"
-#include "filelist/tablecopy.h"
 #include "ltc/readererrors.h"
 
-#include <QClipboard>
 #include <QDropEvent>
-#include <QGuiApplication>
 #include <QHeaderView>
 #include <QMimeData>
 #include <QShortcut>
-
-#include <algorithm>
-#include <numeric>
 
 FileList::FileList(MainControl *mainControl)
     : placeholderItem(newItem(tr("Drop files here..."), false)),
@@ -118,7 +112,7 @@ void FileList::addItemToTable(QFileInfo fileInfo)
     showText(row, AudioTCColumn, initAudioTCText);
 
     fileDataVector.append(record);
-    linkIndex.add(row, record);
+    siblingLinks.append(record);
     emit ffprobeFileReq(record, row);
 }
 
@@ -128,11 +122,11 @@ void FileList::onFFProbeResult(FileData fileData, int fileNumber, int exitCode)
         return;
     showFileTC(fileNumber, fileData.fileTC);
     if (exitCode != 0) {
-        showText(fileNumber, AudioTCColumn, readerErrorText(exitCode));
+        showOwnAudioTC(fileNumber, readerErrorText(exitCode));
         return;
     }
     showDuration(fileNumber, fileData.duration);
-    FileData &record = fileDataVector[fileNumber];
+    FileData &record = currentRecord(fileNumber);
     record.format = fileData.format;
     record.audioStreams = fileData.audioStreams;
     record.streams = fileData.streams;
@@ -144,29 +138,10 @@ void FileList::onFFProbeResult(FileData fileData, int fileNumber, int exitCode)
     emit initAudioTCInfoReq(record, fileNumber);
 }
 
-void FileList::showFileTC(int row, const QString &timecode)
-{
-    if (!hasRecord(row))
-        return;
-    if (!timecode.isEmpty())
-        fileDataVector[row].setFileTC(timecode);
-    setItem(row, FileTCColumn, newItem(timecode.isEmpty() ? tr("file TC not found") : timecode, true));
-    noteWidth(row, FileTCColumn);
-    fitColumn(FileTCColumn);
-}
-
-void FileList::showDuration(int row, double seconds)
-{
-    if (!hasRecord(row))
-        return;
-    fileDataVector[row].duration = seconds;
-    setItem(row, DurationColumn, newItem(celltexts::duration(seconds), true));
-}
-
 void FileList::onCellClicked(int row)
 {
     if (!placeholderItem && hasRecord(row))
-        emit updateFileInfo(fileDataVector.at(row));
+        emit updateFileInfo(currentRecord(row));
 }
 
 void FileList::onAudioTCReadReq(AudioTCOptions audioTCOptions)
@@ -174,7 +149,7 @@ void FileList::onAudioTCReadReq(AudioTCOptions audioTCOptions)
     QVector<FileData> files;
     files.reserve(rowCount());
     for (const int row : chosenRows(audioTCOptions.allFiles)) {
-        FileData &record = fileDataVector[row];
+        FileData &record = currentRecord(row);
         record.rowNumber = row;
         record.audioTCPending = true;
         files.append(record);
@@ -193,7 +168,7 @@ void FileList::exportFiles(ExportOptions exportOptions)
     QVector<FileData> files;
     files.reserve(rowCount());
     for (const int row : chosenRows(exportOptions.exportAll)) {
-        FileData &record = fileDataVector[row];
+        FileData &record = currentRecord(row);
         record.rowNumber = row;
         // A sound file that holds nothing but the timecode would come out empty.
         const bool onlyTimecode = linking::isWave(record) && record.hasAudioTC && !record.audioTCLinked &&
@@ -202,27 +177,6 @@ void FileList::exportFiles(ExportOptions exportOptions)
             files.append(record);
     }
     emit exportFilesReq(files, exportOptions);
-}
-
-void FileList::deleteSelectedRows()
-{
-    if (importBusy)
-        return;
-    const QVector<int> rows = selectedRows();
-    // From the bottom up the rows still to be removed keep their numbers; neighbours go in one step.
-    for (int last = rows.size() - 1; last >= 0;) {
-        int first = last;
-        while (first > 0 && rows.at(first - 1) == rows.at(first) - 1)
-            --first;
-        const int count = last - first + 1;
-        model()->removeRows(rows.at(first), count);
-        fileDataVector.remove(rows.at(first), count);
-        for (ContentWidth &widths : cellWidths)
-            widths.remove(rows.at(first), count);
-        last = first - 1;
-    }
-    if (!rows.isEmpty())
-        linkIndex.rebuild(fileDataVector);
 }
 
 void FileList::importReady()
@@ -249,95 +203,4 @@ void FileList::readingFinished()
 bool FileList::hasRecord(int row) const
 {
     return row >= 0 && row < fileDataVector.size();
-}
-
-QVector<int> FileList::selectedRows() const
-{
-    QVector<int> rows;
-    const QItemSelection selection = selectionModel()->selection();
-    for (const QItemSelectionRange &range : selection) {
-        for (int row = range.top(); row <= range.bottom(); ++row) {
-            if (hasRecord(row))
-                rows.append(row);
-        }
-    }
-    std::sort(rows.begin(), rows.end());
-    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
-    return rows;
-}
-
-QVector<int> FileList::chosenRows(bool all) const
-{
-    if (!all)
-        return selectedRows();
-    QVector<int> rows(fileDataVector.size());
-    std::iota(rows.begin(), rows.end(), 0);
-    return rows;
-}
-
-void FileList::copySelectedRows()
-{
-    QStringList header;
-    for (int column = 0; column < ColumnCount; ++column)
-        header += horizontalHeaderItem(column)->text();
-    QVector<QStringList> cells;
-    for (const int row : selectedRows()) {
-        QStringList line;
-        for (int column = 0; column < ColumnCount; ++column)
-            line += item(row, column)->text();
-        cells += line;
-    }
-    if (!cells.isEmpty())
-        QGuiApplication::clipboard()->setText(tabSeparated(header, cells));
-}
-
-QTableWidgetItem *FileList::newItem(const QString &text, bool centred)
-{
-    constexpr int itemType = 1;
-    auto *item = new QTableWidgetItem(text, itemType);
-    if (centred)
-        item->setTextAlignment(Qt::AlignCenter);
-    return item;
-}
-
-void FileList::showText(int row, int column, const QString &text, const QString &toolTip)
-{
-    QTableWidgetItem *item = newItem(text, false);
-    if (!toolTip.isEmpty())
-        item->setToolTip(toolTip);
-    setItem(row, column, item);
-    noteWidth(row, column);
-}
-
-void FileList::changeEvent(QEvent *event)
-{
-    QTableWidget::changeEvent(event);
-    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
-        measureAllRows();
-}
-
-void FileList::measureAllRows()
-{
-    for (ContentWidth &widths : cellWidths)
-        widths.clear();
-    for (int row = 0; row < fileDataVector.size(); ++row) {
-        noteWidth(row, FileTCColumn);
-        noteWidth(row, AudioTCColumn);
-    }
-}
-
-void FileList::noteWidth(int row, int column)
-{
-    if (column == FileTCColumn || column == AudioTCColumn) {
-        ensurePolished();
-        cellWidths[column].set(row, sizeHintForIndex(model()->index(row, column)).width());
-    }
-}
-
-/// The same width as resizing the column to its contents gives, without a look at every cell.
-void FileList::fitColumn(int column)
-{
-    const int gridLine = showGrid() ? 1 : 0;
-    const int contents = cellWidths[column].widest() + gridLine;
-    horizontalHeader()->resizeSection(column, qMax(contents, horizontalHeader()->sectionSizeHint(column)));
 }

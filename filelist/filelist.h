@@ -5,15 +5,15 @@
 #include "app/exportoptions.h"
 #include "app/filedata.h"
 #include "filelist/contentwidth.h"
-#include "filelist/linking.h"
+#include "filelist/siblinglinks.h"
 
 #include <QFileInfo>
+#include <QHash>
 #include <QJsonObject>
+#include <QMap>
 #include <QTableWidget>
 #include <QUrl>
 #include <QVector>
-
-#include <memory>
 
 class MainControl;
 
@@ -70,27 +70,42 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
+    // in filelist.cpp
     void setUpTable();
     bool hasRecord(int row) const;
+
+    // in filelistrows.cpp
     QVector<int> selectedRows() const; ///< ascending
     QVector<int> chosenRows(bool all) const;
     void copySelectedRows();
+    void removeRows(const QVector<int> &rows);
+    int currentRowWithout(const QVector<int> &rows) const;
+    void moveRow(int from, int to);
 
+    // in filelistcells.cpp
     QTableWidgetItem *newItem(const QString &text, bool centred);
     void showText(int row, int column, const QString &text, const QString &toolTip = {});
     void showFileTC(int row, const QString &timecode);
     void showDuration(int row, double seconds);
+    void noteWidth(int row, int column, const QString &text);
+    int widthOf(const QString &text);
+    void fitColumn(int column);
+    void measureAllRows();
+
+    // in filelisttimecode.cpp
+    FileData &currentRecord(int row);
+    void setHasAudioTC(int row, bool hasAudioTC);
+    void showOwnAudioTC(int row, const QString &text, const QString &toolTip = {});
     void showFailedRead(int row, int exitCode);
     void showNoTimecode(int row);
     void showTimecode(int row, const QJsonObject &result, int streamIndex);
     void linkRow(int row, int sourceRow);
-
-    void noteWidth(int row, int column);
-    void fitColumn(int column);
-    void measureAllRows();
+    void linkSiblings(int sourceRow);
+    void leaveLink(int row);
+    void leaveAllLinks();
 
     QTableWidgetItem *placeholderItem;  ///< "Drop files here..."; null once files were dropped
-    QVector<FileData> fileDataVector;   ///< one record per row, in row order
+    QVector<FileData> fileDataVector;   ///< one record per row, in row order; see currentRecord()
     QString lastExportDir;              ///< directory of the last export request
     QString initFileTCText;             ///< File TC of a new row
     QString initAudioTCText;            ///< Audio TC of a new row
@@ -100,6 +115,7 @@ private:
     int readingsPending = 0;            ///< second readings asked for and not yet finished
     bool readingWaitsForImport = false; ///< the next end of an import is not that of a second reading
     MainControl *mainControl;           ///< answers the requests; not owned
-    linking::Index linkIndex;           ///< siblings of a row, for tables of many thousand rows
+    SiblingLinks siblingLinks;          ///< who has taken over whose timecode
     QMap<int, ContentWidth> cellWidths; ///< of the columns that are fitted to their contents
+    QHash<QString, int> measuredWidths; ///< [pixels] of cells, by their text
 };

@@ -2,8 +2,11 @@
 // What the file table does with the timecodes that the reader found, or did not find.
 #include "filelist/celltexts.h"
 #include "filelist/filelist.h"
+#include "filelist/linkeditem.h"
 #include "filelist/tablecolumns.h"
 #include "ltc/readererrors.h"
+
+#include <QSignalBlocker>
 
 namespace
 {
@@ -30,55 +33,120 @@ void FileList::onAudioTCReadReturn(QJsonObject ltcResultJson, int fileNumber, in
         showFailedRead(fileNumber, exitCode);
 }
 
+/// The record of \a row with what it has taken over from a sibling.
+FileData &FileList::currentRecord(int row)
+{
+    FileData &record = fileDataVector[row];
+    if (const auto shared = siblingLinks.linkOf(row)) {
+        const Link &link = *shared->latest;
+        record.setLinkedAudioTC(link.sourceRow, link.timecode, link.result);
+    }
+    return record;
+}
+
+void FileList::setHasAudioTC(int row, bool hasAudioTC)
+{
+    fileDataVector[row].hasAudioTC = hasAudioTC;
+    siblingLinks.setHasTimecode(row, hasAudioTC);
+}
+
+/// Shows what is the row's own, or at least no sibling changes.
+void FileList::showOwnAudioTC(int row, const QString &text, const QString &toolTip)
+{
+    currentRecord(row); // keeps what it has taken over so far
+    siblingLinks.leave(row);
+    showText(row, AudioTCColumn, text, toolTip);
+}
+
 /// The record keeps what it had; where that is a timecode, the cell says in its tool tip that it is kept.
 void FileList::showFailedRead(int row, int exitCode)
 {
-    const FileData &record = fileDataVector.at(row);
-    showText(row, AudioTCColumn, readerErrorText(exitCode),
-             record.hasAudioTC ? celltexts::keptTimecodeToolTip(record.audioTC) : QString());
+    const FileData &record = currentRecord(row);
+    showOwnAudioTC(row, readerErrorText(exitCode),
+                   record.hasAudioTC ? celltexts::keptTimecodeToolTip(record.audioTC) : QString());
 }
 
 void FileList::showNoTimecode(int row)
 {
-    const QVector<int> siblings = linkIndex.siblings(fileDataVector, row);
     // Of several siblings with a timecode the last one wins.
-    for (auto sibling = siblings.crbegin(); sibling != siblings.crend(); ++sibling) {
-        if (fileDataVector.at(*sibling).hasAudioTC) {
-            linkRow(row, *sibling);
-            break;
-        }
-    }
-    FileData &record = fileDataVector[row];
-    if (record.audioTCLinked)
+    const int source = siblingLinks.lastRowWithTimecode(row);
+    if (source >= 0)
+        linkRow(row, source);
+    if (fileDataVector.at(row).audioTCLinked)
         return;
     // The table says that there is none, so an export must not write an earlier one.
-    record.hasAudioTC = false;
-    showText(row, AudioTCColumn, tr("audio TC not found"));
+    setHasAudioTC(row, false);
+    showOwnAudioTC(row, tr("audio TC not found"));
     fitColumn(AudioTCColumn);
 }
 
 void FileList::showTimecode(int row, const QJsonObject &result, int streamIndex)
 {
-    FileData &record = fileDataVector[row];
+    FileData &record = currentRecord(row);
     const QString timecode = result.value("Timecode").toString();
+    siblingLinks.leave(row);
     record.setAudioTC(timecode, {streamIndex, result.value("ChannelFound").toInt()});
     record.audioTCResult = result;
     record.audioTCPending = false;
 
     showText(row, AudioTCColumn, celltexts::audioTimecode(result), celltexts::audioTimecodeToolTip(record));
     fitColumn(AudioTCColumn);
-
-    for (const int sibling : linkIndex.siblings(fileDataVector, row))
-        linkRow(sibling, row);
+    linkSiblings(row);
     if (!timecode.isEmpty())
-        fileDataVector[row].hasAudioTC = true;
+        setHasAudioTC(row, true);
 }
 
 void FileList::linkRow(int row, int sourceRow)
 {
+    const FileData &source = currentRecord(sourceRow);
     FileData &record = fileDataVector[row];
-    const FileData &source = fileDataVector.at(sourceRow);
+    showOwnAudioTC(row, celltexts::linkedTimecode(source.audioTC),
+                   celltexts::linkedTimecodeToolTip(source.audioTCResult, source.fileName));
     record.setLinkedAudioTC(sourceRow, source.audioTC, source.audioTCResult);
-    showText(row, AudioTCColumn, celltexts::linkedTimecode(source.audioTC),
-             celltexts::linkedTimecodeToolTip(record, source));
+    siblingLinks.setHasTimecode(row, true);
+}
+
+/// Passes the timecode of \a sourceRow on to all its siblings. Cells that follow a link already show the new
+/// one by themselves.
+void FileList::linkSiblings(int sourceRow)
+{
+    const FileData &source = fileDataVector.at(sourceRow);
+    const Link link{sourceRow, source.fileName, source.audioTC, source.audioTCResult,
+                    widthOf(celltexts::linkedTimecode(source.audioTC))};
+    const SiblingLinks::PassedOn passedOn = siblingLinks.passOn(sourceRow, link);
+    {
+        const QSignalBlocker noChangeOfCells(model());
+        for (const int row : passedOn.newFollowers) {
+            fileDataVector[row].audioTCLinked = true;
+            fileDataVector[row].hasAudioTC = true;
+            setItem(row, AudioTCColumn, new LinkedItem(siblingLinks.linkOf(row)));
+            cellWidths[AudioTCColumn].set(row, 0); // its width is that of the link
+        }
+    }
+    if (passedOn.hasFollowers)
+        emit model()->dataChanged(model()->index(0, AudioTCColumn),
+                                  model()->index(rowCount() - 1, AudioTCColumn));
+}
+
+/// What \a row has taken over stays with it from now on, in its record and its cell.
+void FileList::leaveLink(int row)
+{
+    const auto shared = siblingLinks.linkOf(row);
+    if (!shared)
+        return;
+    const Link &link = *shared->latest;
+    showOwnAudioTC(row, celltexts::linkedTimecode(link.timecode),
+                   celltexts::linkedTimecodeToolTip(link.result, link.sourceName));
+}
+
+/// The same for all rows at once. Their cells keep showing the links, which nobody changes any more.
+void FileList::leaveAllLinks()
+{
+    for (int row = 0; row < fileDataVector.size(); ++row) {
+        if (const auto shared = siblingLinks.linkOf(row)) {
+            currentRecord(row);
+            cellWidths[AudioTCColumn].set(row, shared->latest->cellWidth);
+        }
+    }
+    siblingLinks.rebuild(fileDataVector);
 }

@@ -3,3 +3,5 @@
 
 /// The columns of the file table, left to right.
 enum TableColumn { NameColumn, DurationColumn, FileTCColumn, AudioTCColumn, ColumnCount };
+
+constexpr int cellType = 1; ///< item type of all cells

@@ -94,11 +94,8 @@ void TestCellTexts::toolTipsShowWhatTheReaderKnows()
 
 void TestCellTexts::linkedToolTipsNameTheSource()
 {
-    FileData source;
-    source.fileName = "T001_mix.wav";
-    FileData file;
-    file.audioTCResult = {{"FrameRateFound", 25}, {"ChannelFound", 0}, {"SamplesSinceMidnight", 48000}};
-    QCOMPARE(celltexts::linkedTimecodeToolTip(file, source),
+    const QJsonObject result{{"FrameRateFound", 25}, {"ChannelFound", 0}, {"SamplesSinceMidnight", 48000}};
+    QCOMPARE(celltexts::linkedTimecodeToolTip(result, "T001_mix.wav"),
              QString("Linked to: T001_mix.wav\nFrame rate: 25.00 fps\nDrop-frame: no\nChannel: 1\n"
                      "Samples since midnight: 48000"));
 }

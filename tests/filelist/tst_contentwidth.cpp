@@ -32,6 +32,8 @@ void TestContentWidth::theWidestRowCounts()
     QCOMPARE(widths.widest(), 80);
     widths.set(2, 30);
     QCOMPARE(widths.widest(), 50);
+    widths.move(2, 1);
+    QCOMPARE(widths.widest(), 50);
     widths.remove(0, 1);
     QCOMPARE(widths.widest(), 30);
     widths.clear();
@@ -49,6 +51,13 @@ void TestContentWidth::itAgreesWithALookAtEveryRow()
             const int count = 1 + random.bounded(plain.size() - first);
             plain.remove(first, count);
             widths.remove(first, count);
+        } else if (!plain.isEmpty() && random.bounded(4) == 0) {
+            const int from = random.bounded(plain.size());
+            const int to = random.bounded(plain.size());
+            plain[to] = plain.at(from);
+            if (from != to)
+                plain[from] = 0;
+            widths.move(from, to);
         } else {
             const int row = random.bounded(plain.size() + 1);
             const int width = random.bounded(20);

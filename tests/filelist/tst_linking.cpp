@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "filelist/linking.h"
 
-#include <QRandomGenerator>
 #include <QTest>
 
 namespace
@@ -27,8 +26,6 @@ class TestLinking : public QObject
 private slots:
     void filesOfOneRecordingAreSiblings_data();
     void filesOfOneRecordingAreSiblings();
-    void siblingsComeInRowOrderWithoutTheRowItself();
-    void theIndexFindsWhatThePlainScanFinds();
 };
 
 void TestLinking::filesOfOneRecordingAreSiblings_data()
@@ -57,37 +54,6 @@ void TestLinking::filesOfOneRecordingAreSiblings()
     QFETCH(FileData, second);
     QTEST(linking::recordedTogether(first, second), "together");
     QTEST(linking::recordedTogether(second, first), "together");
-}
-
-void TestLinking::siblingsComeInRowOrderWithoutTheRowItself()
-{
-    const QVector<FileData> files{file("wav", 10.0), file("mov", 10.0), file("wav", 10.01), file("wav", 11.0),
-                                  file("WAV", 9.99)};
-    QCOMPARE(linking::siblings(files, 2), (QVector<int>{0, 4}));
-    QCOMPARE(linking::siblings(files, 1), QVector<int>());
-    QCOMPARE(linking::siblings(files, 3), QVector<int>());
-}
-
-void TestLinking::theIndexFindsWhatThePlainScanFinds()
-{
-    QRandomGenerator random(4711);
-    for (int table = 0; table < 200; ++table) {
-        QVector<FileData> files;
-        linking::Index index;
-        const int rows = random.bounded(40);
-        for (int row = 0; row < rows; ++row) {
-            static const QStringList suffixes{"wav", "WAV", "mov"};
-            const QDateTime modified = random.bounded(10) ? noon.addMSecs(random.bounded(3)) : QDateTime();
-            files.append(file(suffixes.at(random.bounded(3)), random.bounded(10) * 0.02, modified));
-            index.add(row, files.last());
-        }
-        if (rows > 4 && random.bounded(2)) {
-            files.remove(1, 3);
-            index.rebuild(files);
-        }
-        for (int row = 0; row < files.size(); ++row)
-            QCOMPARE(index.siblings(files, row), linking::siblings(files, row));
-    }
 }
 
 QTEST_APPLESS_MAIN(TestLinking)
