@@ -6,6 +6,7 @@
 #include "ffmpeg/ffmpeghandler.h"
 
 #include <QElapsedTimer>
+#include <QTimerEvent>
 
 // From a drop to the probed record of each of its files.
 
@@ -16,6 +17,11 @@ namespace
 // quitting are served meanwhile. A small drop is walked in one go.
 constexpr int sliceEntries = 256; // at least, files and folders
 constexpr int sliceTime = 20;     // [ms], at least
+
+// Files are found many times faster than the table takes them, and while it takes what has piled up its
+// window answers nobody. So the walk waits until a probe was asked for each file found, but not for ever.
+constexpr int sliceFiles = 256;   // at most, while a probe was not asked for each of them
+constexpr int longestPause = 100; // [ms]
 
 } // namespace
 
@@ -37,14 +43,21 @@ void MainControl::startImport(const QList<QUrl> &urls)
 
 void MainControl::walkOn()
 {
+    walkPause.stop();
     QElapsedTimer slice;
     slice.start();
+    int files = 0;
     for (int entries = 0; !walk.atEnd(); ++entries) {
+        if (files >= sliceFiles && unaskedFiles > 0) {
+            walkPause.start(longestPause, this);
+            return;
+        }
         if (entries >= sliceEntries && slice.hasExpired(sliceTime)) {
             QMetaObject::invokeMethod(this, &MainControl::walkOn, Qt::QueuedConnection);
             return;
         }
         if (const auto file = walk.step()) {
+            ++files;
             progress.addFile();
             ++unaskedFiles;
             emit gotFileFromDir(*file);
@@ -57,6 +70,14 @@ void MainControl::walkOn()
     settleStage();
 }
 
+void MainControl::timerEvent(QTimerEvent *event)
+{
+    if (event->timerId() == walkPause.timerId())
+        walkOn();
+    else
+        QObject::timerEvent(event);
+}
+
 void MainControl::onFFProbeFile(FileData fileData, int fileNumber)
 {
     if (unaskedFiles > 0)
@@ -66,6 +87,8 @@ void MainControl::onFFProbeFile(FileData fileData, int fileNumber)
         startProbe(fileData);
     else
         jobs.enqueue(JobQueues::Probe, fileData);
+    if (unaskedFiles == 0 && walkPause.isActive())
+        walkOn();
 }
 
 void MainControl::startProbe(const FileData &file)

@@ -20,6 +20,7 @@ void MainControl::shutDown()
     jobs = {};
     waitingStages.clear();
     walk = {};
+    walkPause.stop();
     closeStage();
 
     // All are killed before the first is waited for.

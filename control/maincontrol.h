@@ -9,6 +9,7 @@
 #include "control/stageprogress.h"
 #include "control/temporaryfolder.h"
 
+#include <QBasicTimer>
 #include <QFileInfo>
 #include <QJsonObject>
 #include <QList>
@@ -79,6 +80,9 @@ public slots:
     /// Connected to finished() of the controller's thread, which runs it there as the last thing.
     void shutDown();
 
+protected:
+    void timerEvent(QTimerEvent *event) override;
+
 private:
     /// The operation that the import counters and the temporary folder belong to.
     enum class Stage { None, Import, ReRead };
@@ -133,6 +137,7 @@ private:
     Stage stage = Stage::None;
     QQueue<StageRequest> waitingStages; ///< wait for the end of the stage under way
     DroppedFiles walk;                  ///< through what was dropped; at its end = none is under way
+    QBasicTimer walkPause;              ///< active while the walk waits for the file table
     uint unaskedFiles = 0;              ///< files found by a drop for which no probe was asked yet
     uint unreadFiles = 0;               ///< files probed well whose reading was not asked for yet
     StageProgress progress;             ///< of the import or re-read

@@ -56,6 +56,7 @@ private slots:
     void anImportDoesNotEndWhileAFileIsUnanswered();
     void theNextImportCountsFromZero();
     void aHugeFolderIsWalkedInSlices();
+    void theWalkWaitsForTheFileTable();
     void filesFoundLateAreCountedBeforeTheFirstProbe();
     void aStartRemovesWhatAnEarlierRunHasLeft();
     void destroyingTheControllerRemovesTheTemporaryFolder();
@@ -365,6 +366,21 @@ void TestImportFlow::aHugeFolderIsWalkedInSlices()
     // The export was served meanwhile.
     QVERIFY(bench->events.indexOf("exportReady 0 []") >= 0);
     QVERIFY(bench->events.indexOf("exportReady 0 []") < bench->events.indexOf("importIdle"));
+}
+
+void TestImportFlow::theWalkWaitsForTheFileTable()
+{
+    constexpr int fileCount = 600;
+    for (int i = 0; i < fileCount; ++i)
+        bench->makeFile(QString("day/clip%1.mov").arg(i), {{"probe", QJsonObject{{"hang", true}}}});
+    bench->control().onIterateThroughDir({bench->mediaUrl("day")});
+    const int foundAtOnce = bench->eventsOf("found ").size();
+    QVERIFY(foundAtOnce > 100 && foundAtOnce < fileCount);
+    for (int row = 0; row < foundAtOnce; ++row)
+        bench->control().onFFProbeFile(FileData(), row);
+    QVERIFY(bench->eventsOf("found ").size() > foundAtOnce); // without a pause
+    // A table that never asks does not keep the walk from its end.
+    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("found ").size(), fileCount, longWait);
 }
 
 void TestImportFlow::filesFoundLateAreCountedBeforeTheFirstProbe()
