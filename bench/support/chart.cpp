@@ -52,11 +52,12 @@ double roundedUp(double value)
 }
 
 struct Axes {
+    bool isLinear;
     double least = 1e300;  ///< of x
     double most = 0.0;     ///< of x
     double highest = 1e-9; ///< of y
 
-    explicit Axes(const Chart &chart)
+    explicit Axes(const Chart &chart) : isLinear(chart.scale == Chart::Linear)
     {
         for (const Series &series : chart.series) {
             for (const QPointF &point : series.points) {
@@ -66,15 +67,34 @@ struct Axes {
             }
         }
         highest = roundedUp(highest);
+        if (isLinear)
+            most = roundedUp(most);
     }
 
     double x(double value) const
     {
+        if (isLinear)
+            return left + plotWidth * value / most;
         const double range = std::log(most / least);
         return left + (range > 0 ? plotWidth * std::log(value / least) / range : plotWidth / 2);
     }
     double y(double value) const { return top + plotHeight * (1.0 - value / highest); }
 };
+
+/// Values along the horizontal axis that get a label.
+QVector<double> labelledValues(const Chart &chart, const Axes &axes)
+{
+    if (axes.isLinear)
+        return {0.0, axes.most / 4, axes.most / 2, axes.most * 3 / 4, axes.most};
+    QVector<double> values;
+    for (const Series &series : chart.series) {
+        for (const QPointF &point : series.points) {
+            if (!values.contains(point.x()))
+                values += point.x();
+        }
+    }
+    return values;
+}
 
 QString grid(const Chart &chart, const Axes &axes)
 {
@@ -85,15 +105,8 @@ QString grid(const Chart &chart, const Axes &axes)
         svg += line(left, axes.y(value), left + plotWidth, axes.y(value), "#ccc");
         svg += text(left - 6, axes.y(value) + 4, "end", 10, number(value));
     }
-    QVector<double> labelled;
-    for (const Series &series : chart.series) {
-        for (const QPointF &point : series.points) {
-            if (labelled.contains(point.x()))
-                continue;
-            labelled += point.x();
-            svg += text(axes.x(point.x()), axes.y(0) + 16, "middle", 10, number(point.x()));
-        }
-    }
+    for (const double value : labelledValues(chart, axes))
+        svg += text(axes.x(value), axes.y(0) + 16, "middle", 10, number(value));
     return svg + text(left + plotWidth / 2, axes.y(0) + 32, "middle", 11, chart.horizontal);
 }
 
@@ -106,9 +119,10 @@ QString cell(const Chart &chart)
         QStringList points;
         for (const QPointF &point : chart.series.at(i).points) {
             points += number(axes.x(point.x())) + ',' + number(axes.y(point.y()));
-            svg += QString(R"(<circle cx="%1" cy="%2" r="3" fill="%3"/>)")
-                       .arg(number(axes.x(point.x())), number(axes.y(point.y())), colour) +
-                   '\n';
+            if (!axes.isLinear)
+                svg += QString(R"(<circle cx="%1" cy="%2" r="3" fill="%3"/>)")
+                           .arg(number(axes.x(point.x())), number(axes.y(point.y())), colour) +
+                       '\n';
         }
         svg += QString(R"(<polyline fill="none" stroke="%1" stroke-width="2" points="%2"/>)")
                    .arg(colour, points.join(' ')) +

@@ -60,7 +60,19 @@ qint64 heapInUse()
 qint64 peakMemory()
 {
     constexpr qint64 kibi = 1024;
-    return usageOf(RUSAGE_SELF).ru_maxrss * kibi;
+    QFile file("/proc/self/status");
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    const QByteArray status = file.readAll();
+    const int entry = status.indexOf("VmHWM:");
+    return entry < 0 ? 0 : status.mid(entry).simplified().split(' ').value(1).toLongLong() * kibi;
+}
+
+void resetPeakMemory()
+{
+    QFile file("/proc/self/clear_refs");
+    if (file.open(QIODevice::WriteOnly))
+        file.write("5");
 }
 
 int livingChildren()

@@ -18,8 +18,9 @@ double childrenCpuTime();
 /// Heap in use by this process [bytes].
 qint64 heapInUse();
 
-/// The most memory that this process has held at one time [bytes].
+/// The most memory that this process has held at one time since resetPeakMemory() [bytes].
 qint64 peakMemory();
+void resetPeakMemory();
 
 /// Child processes of this process that are alive now.
 int livingChildren();

@@ -3,8 +3,8 @@
 
 #include "app/mainwindow.h"
 #include "bench/support/benchmarkprogram.h"
+#include "bench/support/droppeddata.h"
 #include "bench/support/eventloopwatch.h"
-#include "bench/window/droppeddata.h"
 #include "filelist/filelist.h"
 
 #include <QDir>

@@ -3,9 +3,9 @@
 
 #include "app/mainwindow.h"
 #include "bench/support/benchmarkprogram.h"
+#include "bench/support/droppeddata.h"
 #include "bench/support/eventloopwatch.h"
 #include "bench/support/processusage.h"
-#include "bench/window/droppeddata.h"
 #include "bench/window/resultfeeder.h"
 #include "filelist/filelist.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "bench/window/droppeddata.h"
+#include "bench/support/droppeddata.h"
 
 #include <QAbstractScrollArea>
 #include <QCoreApplication>

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#include "bench/export/exportfloor.h"
+
+#include "app/toolresolver.h"
+#include "ffmpeg/exportarguments.h"
+#include "ffmpeg/exporthints.h"
+
+#include <QFileInfo>
+#include <QProcessEnvironment>
+
+namespace bench
+{
+
+ExportFloor::ExportFloor(const QVector<FileData> &files, ExportOptions options)
+{
+    options.progressSteps = 15;
+    const auto noneIsTaken = [](const QString &) { return false; };
+    for (const FileData &file : files) {
+        const qint64 size = QFileInfo(file.absoluteFilePath).size();
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        exporthints::insertInto(environment, file, options);
+        jobs.push_back({resolveTool("ffmpeg.exe"),
+                        exportarguments::build(file, options, size, noneIsTaken).arguments,
+                        environment.toStringList()});
+    }
+}
+
+} // namespace bench

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/exportoptions.h"
+#include "app/mainwindow.h"
+#include "bench/support/eventloopwatch.h"
+
+namespace bench
+{
+
+/// The real main window, used as a person does.
+class WorkingWindow
+{
+public:
+    WorkingWindow();
+
+    /// Drops \a folder and returns when all of it has been imported. Throws Failure.
+    void import(const QString &folder);
+
+    /// Exports all files and returns when the window tells the result. Throws Failure when a file failed.
+    void exportAll(const ExportOptions &options);
+
+    /// The longest time for which the event loop answered nothing during the last work [ms].
+    double longestBlock() const { return longest; }
+
+    MainWindow &mainWindow() { return window; }
+
+private:
+    MainWindow window;
+    EventLoopWatch watch;
+    double longest = 0.0; ///< [ms]
+};
+
+} // namespace bench
