@@ -4,12 +4,13 @@
 #   SUITE    bookworm, trixie, ...
 #   FOLDER   keeps the untouched base system for the next time, and the root of the last run
 #   COMMAND  starts in the clone, /root/project
-# DEBIAN_MIRROR names the mirror (http://deb.debian.org/debian). The clone holds what is committed.
+# DEBIAN_MIRROR names the mirror (http://deb.debian.org/debian). The clone holds what is committed. The files of the
+# folder that GIVEN names are copied to /root/given.
 # Mounts and processes of the run end with it.
 set -euo pipefail
 project=$(cd "$(dirname "$(readlink -f "$0")")/.." && pwd)
 
-[ $# -ge 3 ] || { sed -n '2,8s/^# //p' "$0" >&2; exit 2; }
+[ $# -ge 3 ] || { sed -n '2,9s/^# //p' "$0" >&2; exit 2; }
 suite=$1
 folder=$(realpath -m -- "$2")
 shift 2
@@ -34,6 +35,7 @@ for path in /etc/resolv.conf /etc/apt/apt.conf.d/. /usr/local/share/ca-certifica
     [ -e "$path" ] && mkdir -p "$root$(dirname "$path")" && cp -aL "$path" "$root$path"
 done
 git clone --quiet "$project" "$root/root/project"
+[ -z "${GIVEN-}" ] || cp -r "$GIVEN" "$root/root/given"
 
 export root
 # The single quotes are meant: the inner shell expands.

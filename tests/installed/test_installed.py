@@ -1,0 +1,87 @@
+#!/usr/bin/python3
+# SPDX-License-Identifier: MIT
+"""Tests of the installed program on a screen, with the installed tools: it has to show what the demo showed, and its
+files have to start where those of the demo start, which were judged. Usage: test_installed.py DEMO_FOLDER; the
+environment is that of test_gui.py."""
+
+import json
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+
+import pyatspi
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "window" / "gui"))
+import desktop  # noqa: E402
+from desktop import Program, click, drag, press, wait_for  # noqa: E402
+
+
+def report_rows(report):
+    """The rows of the demo's table as lists of cells; the ruler under the head tells where columns begin."""
+    lines = report.read_text(encoding="utf-8").splitlines()
+    columns = [match.span() for match in re.finditer("-+", lines[1])]
+    return [[line[begin:end].rstrip() for begin, end in columns] for line in lines[2:] if line]
+
+
+def start_of(path):
+    """Where a written file starts, in the words of the demo's table."""
+    probe = subprocess.run(["ffprobe", "-v", "error", "-of", "json", "-show_format", "-show_streams", path],
+                           check=True, capture_output=True)
+    content = json.loads(probe.stdout)
+    tags = [part.get("tags", {}) for part in [content["format"], *content["streams"]]]
+    samples = next((tag["time_reference"] for tag in tags if "time_reference" in tag), None)
+    return f"sample {samples}" if samples else next((tag["timecode"] for tag in tags if "timecode" in tag), "")
+
+
+class InstalledProgramTest(unittest.TestCase):
+    demo = None
+
+    def setUp(self):
+        self.expected = report_rows(self.demo / "report.txt")
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.target = pathlib.Path(folder.name)
+        pyatspi.Registry.getDesktop(0)  # wakes the accessibility service before the program looks for it
+        self.program = Program(os.environ["OSTREL_PROGRAM"])
+        self.addCleanup(self.program.end)
+
+    def test_a_day_is_imported_and_exported_as_in_the_demo(self):
+        self.import_media()
+        shown = {row[0]: [row[2], row[3]] for row in self.program.rows()}
+        self.assertEqual(shown, {row[0]: row[1:3] for row in self.expected})
+        self.export_all()
+        self.program.wait_window("Export Result")
+        press("Return")
+
+        expected = {pathlib.Path(row[3]).stem: row[4] for row in self.expected if row[3] != "-"}
+        self.assertGreater(len(expected), 10)
+        self.assertEqual({path.stem: start_of(path) for path in self.target.iterdir()}, expected)
+
+        press("alt+F4")
+        self.assertEqual(self.program.wait_end(), 0)
+
+    def import_media(self):
+        source, accepted = drag(os.environ["OSTREL_DRAG_SOURCE"], [self.demo / "media"],
+                                self.program.get("table", "Imported files"))
+        with source:  # it gives the mouse back when it ends
+            self.assertTrue(accepted, "the drop is accepted")
+            self.program.wait_status("Status: import ready")
+            source.kill()
+
+    def export_all(self):
+        self.program.menu("f", "Return")
+        dialog = self.program.wait_window("Export all files")
+        click(self.program.get("text", "Export directory", dialog))
+        press("ctrl+a")
+        desktop.xdotool("type", "--delay", 20, str(self.target))
+        press("Return")
+        wait_for(lambda: self.program.find_window("Export all files") is None, "the end of the dialog")
+
+
+if __name__ == "__main__":
+    InstalledProgramTest.demo = pathlib.Path(sys.argv.pop(1))
+    unittest.main(verbosity=2, warnings="ignore")
