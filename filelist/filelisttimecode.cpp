@@ -3,6 +3,7 @@
 #include "filelist/celltexts.h"
 #include "filelist/filelist.h"
 #include "filelist/linkeditem.h"
+#include "filelist/linking.h"
 #include "filelist/tablecolumns.h"
 #include "ltc/readererrors.h"
 
@@ -92,8 +93,7 @@ void FileList::showTimecode(int row, const QJsonObject &result, int streamIndex)
     showText(row, AudioTCColumn, celltexts::audioTimecode(result), celltexts::audioTimecodeToolTip(record));
     fitColumn(AudioTCColumn);
     linkSiblings(row);
-    if (!timecode.isEmpty())
-        setHasAudioTC(row, true);
+    setHasAudioTC(row, !timecode.isEmpty());
 }
 
 void FileList::linkRow(int row, int sourceRow)
@@ -103,7 +103,7 @@ void FileList::linkRow(int row, int sourceRow)
     showOwnAudioTC(row, celltexts::linkedTimecode(source.audioTC),
                    celltexts::linkedTimecodeToolTip(source.audioTCResult, source.fileName));
     record.setLinkedAudioTC(sourceRow, source.audioTC, source.audioTCResult);
-    siblingLinks.setHasTimecode(row, true);
+    setHasAudioTC(row, !source.audioTC.isEmpty()); // an export would write an empty one as midnight
 }
 
 /// Passes the timecode of \a sourceRow on to all its siblings. Cells that follow a link already show the new
@@ -111,6 +111,13 @@ void FileList::linkRow(int row, int sourceRow)
 void FileList::linkSiblings(int sourceRow)
 {
     const FileData &source = fileDataVector.at(sourceRow);
+    if (source.audioTC.isEmpty()) { // they show it, but have no timecode that they could pass on
+        for (int row = 0; row < fileDataVector.size(); ++row) {
+            if (row != sourceRow && linking::recordedTogether(source, fileDataVector.at(row)))
+                linkRow(row, sourceRow);
+        }
+        return;
+    }
     const Link link{sourceRow, source.fileName, source.audioTC, source.audioTCResult,
                     widthOf(celltexts::linkedTimecode(source.audioTC))};
     const SiblingLinks::PassedOn passedOn = siblingLinks.passOn(sourceRow, link);

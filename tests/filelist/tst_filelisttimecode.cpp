@@ -68,6 +68,7 @@ private slots:
     void aSecondReadingIsTakenOnce();
     void aSecondReadingWithoutTimecodeTakesTheTimecodeAway();
     void aSecondReadingWithoutTimecodeKeepsALinkedOne();
+    void anEmptyResultIsNotExported();
     void aSecondReadingThatFailsKeepsTheTimecodeAndSaysSo();
     void linkedRowsNameTheirSourceInTheToolTip();
     void cellsKeepTheDefaultAlignment();
@@ -315,6 +316,20 @@ void TestFileListTimecode::aSecondReadingWithoutTimecodeKeepsALinkedOne()
     list->onAudioTCReadReturn({}, row, 0, 205);
     QCOMPARE(cell(row), QString("01:00:00:00@(linked)"));
     QVERIFY(record(row).hasAudioTC);
+}
+
+void TestFileListTimecode::anEmptyResultIsNotExported()
+{
+    const int row = add("a.wav", 10.0);
+    const int sibling = add("b.wav", 10.0);
+    list->onAudioTCReadReturn(result("01:00:00:00"), row, 0, 0);
+    QVERIFY(record(row).hasAudioTC && record(sibling).hasAudioTC);
+    readAgain();
+    list->onAudioTCReadReturn({}, row, 0, 0);
+    QCOMPARE(cell(row), QString("@0.00 on ch. 1"));
+    QCOMPARE(cell(sibling), QString("@(linked)"));
+    QVERIFY2(!record(row).hasAudioTC, "it would be written as an empty timecode, or as midnight");
+    QVERIFY(!record(sibling).hasAudioTC);
 }
 
 void TestFileListTimecode::aSecondReadingThatFailsKeepsTheTimecodeAndSaysSo()
