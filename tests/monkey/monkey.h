@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tests/support/random.h"
+#include "tests/window/windowbench.h"
+
+#include <QDateTime>
+#include <QHash>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <memory>
+
+class FileList;
+
+/// One sequence of random actions in the real window, with tools in random moods, and the checks after it.
+///
+/// All follows from the seed, but for the order in which processes and threads get on.
+class Monkey
+{
+public:
+    explicit Monkey(std::uint64_t seed);
+    ~Monkey();
+    Monkey(const Monkey &) = delete;
+    Monkey &operator=(const Monkey &) = delete;
+
+    /// Plays the sequence and checks. Returns what was found wrong, nothing when all is well.
+    QStringList play();
+
+    /// What was done, a line each.
+    const QStringList &actions() const { return log; }
+
+private:
+    void makeMedia();
+    QString addMedia(const QString &path);
+    void answerBoxes();
+
+    void act();
+    void drop();
+    void select();
+    void clickRow();
+    void pressDelete();
+    void readAgain();
+    void exportFiles();
+    void cancelExport();
+    void disturbTool();
+    void quit();
+    void pause(int milliseconds);
+
+    bool isBusy() const;
+    void settle();
+    void flushWorker();
+    void sendTo(int signal, const char *name);
+    void workAsUsual();
+    void closeWindow();
+    void checkSources();
+    void checkExports();
+    void checkExport(const QString &path);
+    void checkNothingIsLeft();
+    bool mayCarry(const QString &source, const QString &start) const;
+    void require(bool holds, const QString &promise);
+
+    testsignals::Random random;
+    testsignals::Random answers; ///< to message boxes, whose number follows from the tools' haste
+    QStringList log;
+    QStringList failures;
+    QTemporaryDir system; ///< the system's temporary folder of this sequence
+    std::unique_ptr<WindowBench> bench;
+    FileList *fileList = nullptr;
+    std::unique_ptr<QObject> inWorker; ///< lives in the worker's thread
+    QTimer answering;
+    QStringList sourceFolders;
+    QHash<QString, QByteArray> sources; ///< path and content of all media files
+    QString exportFolder;
+    bool importRuns = false;
+};
