@@ -237,6 +237,16 @@ void MainWindow::connectWorker()
 {
     connect(&workerThread, &QThread::finished, mainControl, &MainControl::shutDown);
     connect(fileList, &FileList::importBusyChanged, this, &MainWindow::onImportBusyChanged);
+    connect(fileList, &FileList::iterateThroughDirReq, this, &MainWindow::confirmDrop);
+}
+
+/// Lets the table know when the controller has taken the drop: the call goes through its thread and back,
+/// behind the drop and before all that comes of it.
+void MainWindow::confirmDrop()
+{
+    QMetaObject::invokeMethod(
+        mainControl, [this] { QMetaObject::invokeMethod(fileList, &FileList::dropTaken); },
+        Qt::QueuedConnection);
 }
 
 void MainWindow::onExportButtonClicked()
@@ -280,8 +290,8 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
     if (event->key() == Qt::Key_Delete) {
         streamInfoList->clear();
         statusLabel->setText(tr("Status: "));
-        // The results of a reading under way would land on the rows that moved up.
-        if (!fileList->isReading())
+        // The results of what is under way would land on the rows that moved up.
+        if (!fileList->expectsResults())
             emit deleteSelectedRowsSignal();
     }
     QMainWindow::keyPressEvent(event);

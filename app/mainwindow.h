@@ -76,6 +76,7 @@ private:
     void layOut();
     void connectAll();
     void connectWorker();
+    void confirmDrop();
 
     void showExportWindow(bool all);
     void bringUp(QWidget *dialog);

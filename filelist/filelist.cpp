@@ -89,6 +89,8 @@ void FileList::dropEvent(QDropEvent *event)
             removeRow(0);
         }
         importBusy = true;
+        importUnderWay = true;
+        ++dropsOnTheWay;
         emit importBusyChanged(true);
         emit iterateThroughDirReq(urls);
     }
@@ -182,10 +184,12 @@ void FileList::exportFiles(ExportOptions exportOptions)
 void FileList::importReady()
 {
     // A reading whose last file failed ends like an import; an import that was there first ends before it.
-    if (readingWaitsForImport)
-        readingWaitsForImport = false;
-    else
+    const bool endsReading = isReading() && !readingWaitsForImport;
+    readingWaitsForImport = false;
+    if (endsReading)
         readingFinished();
+    else if (dropsOnTheWay == 0) // otherwise it is the end of an earlier import
+        importUnderWay = false;
     importBusy = false;
     emit importBusyChanged(false);
 }
@@ -193,6 +197,16 @@ void FileList::importReady()
 bool FileList::isReading() const
 {
     return readingsPending > 0;
+}
+
+bool FileList::expectsResults() const
+{
+    return isReading() || importUnderWay;
+}
+
+void FileList::dropTaken()
+{
+    dropsOnTheWay = qMax(0, dropsOnTheWay - 1);
 }
 
 void FileList::readingFinished()

@@ -33,6 +33,13 @@ public:
     /// Whether a second reading, asked for by onAudioTCReadReq(), is waited for. Its results carry row
     /// numbers.
     bool isReading() const;
+
+    /// Whether results are still to come that carry row numbers, of a second reading or of an import. Unlike
+    /// the refusal of deleteSelectedRows(), not ended by the end of another import or reading.
+    bool expectsResults() const;
+    /// To be called when the controller has taken a drop; ends of imports that come later include it.
+    void dropTaken();
+
     /// To be called when the controller has finished a second reading.
     void readingFinished();
 
@@ -112,6 +119,8 @@ private:
     QString initDurationText;           ///< Duration of a new row
     bool exportRequested = false;       ///< an export was requested since the start
     bool importBusy = false;            ///< from a drop until the import has ended; rows stay meanwhile
+    bool importUnderWay = false;        ///< from a drop until the end of the import that it belongs to
+    int dropsOnTheWay = 0;              ///< drops that the controller has not taken yet
     int readingsPending = 0;            ///< second readings asked for and not yet finished
     bool readingWaitsForImport = false; ///< the next end of an import is not that of a second reading
     MainControl *mainControl;           ///< answers the requests; not owned

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+#include "app/recordtypes.h"
+#include "tests/fakes/faketools.h"
+#include "tests/window/windowbench.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QTest>
+#include <QThread>
+
+// Requests and results that cross between the window and its worker at an awkward moment.
+
+namespace
+{
+
+constexpr int patience = 60'000; // [ms]
+
+QJsonObject waiting(const char *job, const char *gate)
+{
+    return {{job, QJsonObject{{"waitFor", gate}}}};
+}
+
+bool hasTemporaryFolder()
+{
+    return !QDir(QDir::tempPath()).entryList({"OstrelSyncTemp*"}, QDir::Dirs).isEmpty();
+}
+
+/// Lets the worker end its import, whose last act is to remove the temporary folder, while the window sees
+/// nothing of it yet.
+bool workerEndsImportUnseen()
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (hasTemporaryFolder() && !timer.hasExpired(patience))
+        QThread::msleep(5);
+    return !hasTemporaryFolder();
+}
+
+void readAllAgain(const WindowBench &bench)
+{
+    bench.child<QAction>("readAudioTCAction")->trigger();
+    const QWidget *dialog = topLevel("audioTCWindow");
+    dialog->findChild<QComboBox *>("filesCombo")->setCurrentText("all files");
+    dialog->findChild<QPushButton *>("readAudioTCButton")->click();
+}
+
+void tryToDeleteAll(const WindowBench &bench)
+{
+    bench.fileList->selectAll();
+    QTest::keyClick(bench.fileList, Qt::Key_Delete);
+}
+
+} // namespace
+
+class TestFaultsInWindow : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { registerRecordTypes(); }
+    void aDropAtTheEndOfAnImportKeepsItsRows();
+    void aDropThatWaitsForAFailedReadingKeepsItsRows();
+};
+
+void TestFaultsInWindow::aDropAtTheEndOfAnImportKeepsItsRows()
+{
+    WindowBench bench;
+    const QString first = bench.addFile("a.mov");
+    const QString second = bench.addFile("b.mov");
+    faketools::setPlan(first, waiting("read", "gate"));
+    faketools::setPlan(second, waiting("probe", "gate2"));
+    bench.drop({first});
+    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(first, "read").size(), 1, patience);
+    QVERIFY(hasTemporaryFolder());
+    faketools::openGate(bench.media + "/gate");
+    QVERIFY(workerEndsImportUnseen());
+    bench.drop({second}); // before the end of the first import is heard of
+    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(second, "probe").size(), 1, patience);
+
+    tryToDeleteAll(bench);
+    QCOMPARE(bench.fileList->rowCount(), 2); // the probe's result would find no row, or another file's
+    faketools::openGate(bench.media + "/gate2");
+    QTRY_VERIFY_WITH_TIMEOUT(bench.column(3).value(1).startsWith("10:00:00:00@"), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), patience);
+    tryToDeleteAll(bench);
+    QCOMPARE(bench.fileList->rowCount(), 0);
+}
+
+void TestFaultsInWindow::aDropThatWaitsForAFailedReadingKeepsItsRows()
+{
+    WindowBench bench;
+    const QString first = bench.addFile("a.mov");
+    const QString second = bench.addFile("b.mov");
+    bench.drop({first});
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), patience);
+    faketools::setPlan(first, {{"extract", QJsonObject{{"waitFor", "gate"}, {"exitCode", 1}}}});
+    faketools::setPlan(second, waiting("probe", "gate2"));
+    readAllAgain(bench);
+    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(first, "extract").size(), 2, patience);
+    bench.drop({second});
+    faketools::openGate(bench.media + "/gate"); // the reading fails, and ends like an import
+    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(second, "probe").size(), 1, patience);
+
+    tryToDeleteAll(bench);
+    QCOMPARE(bench.fileList->rowCount(), 2);
+    faketools::openGate(bench.media + "/gate2");
+    QTRY_VERIFY_WITH_TIMEOUT(bench.column(3).value(1).startsWith("10:00:00:00@"), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), patience);
+    tryToDeleteAll(bench);
+    QCOMPARE(bench.fileList->rowCount(), 0);
+}
+
+QTEST_MAIN(TestFaultsInWindow)
+#include "tst_faultsinwindow.moc"
