@@ -30,16 +30,6 @@ Choice any(testsignals::Random &random, const QVector<Choice> &choices)
     return choices.at(random.integer(0, choices.size() - 1));
 }
 
-/// Lets the window do what there is to do, for \a milliseconds at least.
-void processEventsFor(int milliseconds)
-{
-    QElapsedTimer timer;
-    timer.start();
-    do {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-    } while (!timer.hasExpired(milliseconds));
-}
-
 void chooseAny(testsignals::Random &random, QComboBox *combo)
 {
     combo->setCurrentIndex(random.integer(0, combo->count() - 1));
@@ -252,7 +242,7 @@ void Monkey::pause(int milliseconds)
 {
     if (milliseconds > 0)
         log += QString("%1 ms").arg(milliseconds);
-    processEventsFor(milliseconds);
+    QTest::qWait(milliseconds);
 }
 
 /// Lets the worker do what it was asked to, and the window take what it answered.
@@ -292,7 +282,7 @@ void Monkey::settle()
         flushWorker();
         quiet = isBusy() ? 0 : quiet + 1;
         if (quiet == 0)
-            processEventsFor(2);
+            QTest::qWait(5);
     }
     require(!isBusy(), QString("everything ends, but import %1, reading %2, children %3, status \"%4\"")
                            .arg(importRuns)
