@@ -62,7 +62,7 @@ std::optional<Finding> ChannelReader::readThoroughly() const
     // cannot.
     if (algorithm == Algorithm::Automatic || algorithm == Algorithm::Slope) {
         const auto reading = readJointly(samples, window.sampleRate(), wanted);
-        if (reading && isBelievable(*reading))
+        if (reading)
             return toFinding(*reading, channel);
     }
     if (best && isBelievable(*best))

@@ -8,11 +8,11 @@
 
 #include "ltcreader/equaliser.h"
 
-#include <algorithm>
+#include "ltcreader/symmetricequations.h"
+
 #include <array>
 #include <cmath>
 #include <numbers>
-#include <utility>
 
 namespace ltcreader
 {
@@ -39,30 +39,12 @@ Response responseOf(const std::vector<double> &weights, double halfBit)
     return response;
 }
 
-/// Solves the symmetric equations by elimination; the diagonal is the largest of its row.
-Filter invert(const Response &response)
+Filter invert(Response response)
 {
-    std::array<std::array<double, taps + 1>, taps> rows{};
-    for (std::size_t row = 0; row < taps; ++row) {
-        for (std::size_t column = 0; column < taps; ++column) {
-            rows[row][column] = response[row > column ? row - column : column - row];
-        }
-        rows[row][row] += heldBack * response[0];
-        rows[row][taps] = row == reach ? response[0] : 0.0;
-    }
-    for (std::size_t pivot = 0; pivot < taps; ++pivot) {
-        for (std::size_t row = 0; row < taps; ++row) {
-            if (row == pivot)
-                continue;
-            const double factor = rows[row][pivot] / rows[pivot][pivot];
-            for (std::size_t column = pivot; column <= taps; ++column)
-                rows[row][column] -= factor * rows[pivot][column];
-        }
-    }
-    Filter filter{};
-    for (std::size_t row = 0; row < taps; ++row)
-        filter[row] = rows[row][taps] / rows[row][row];
-    return filter;
+    Filter aim{};
+    aim[reach] = response[0];
+    response[0] += heldBack * response[0];
+    return solveSymmetric(response, aim);
 }
 
 } // namespace

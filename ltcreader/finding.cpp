@@ -12,19 +12,13 @@ namespace
 // Rows of frames. Chance seldom makes even two frames that count up together, so these are strict.
 constexpr int sureFrames = 10;          // unbroken, with a return of the frame number
 constexpr int believableFrames = 5;     // with gaps
-constexpr int unbrokenFrames = 3;       // in short recordings
+constexpr int unbrokenFrames = 3;       // in short recordings and between gaps
 constexpr double sureDeviation = 0.1;   // [bits] edges this close to their places leave no doubt about bits
 constexpr double clearDeviation = 0.06; // [bits] of edges that cannot be mistaken
 constexpr double believableShare = 0.6; // of the frames in its span that a row must hold
 constexpr double toleratedStrangers = 0.1; // frames that say something else, as a share of the row's
 constexpr double sureConfidence = 0.999999;
 constexpr double believableConfidence = 0.999;
-
-// Joint readings. Chosen with the benchmark: wrong readings stay well below, what is lost is the last
-// decibel.
-constexpr double leastMargin = 10.0;
-constexpr double leastSignificance = 14.0;
-constexpr double leastShareOfSync = 0.5; // a waveform that is all sync word is none
 
 double spanInFrames(const FrameChain &chain)
 {
@@ -47,18 +41,12 @@ bool isClear(const FrameChain &chain)
 
 bool isBelievable(const FrameChain &chain)
 {
-    const double share = chain.frames / spanInFrames(chain);
-    const bool unbroken = share > 0.99 && chain.frames >= unbrokenFrames && chain.deviation < sureDeviation;
-    const bool longRow = chain.frames >= believableFrames && share >= believableShare;
-    return (unbroken || longRow) && chain.strangers <= toleratedStrangers * chain.frames;
-}
-
-bool isBelievable(const JointReading &reading)
-{
-    const JointDecision &decision = reading.decision;
-    return decision.margin >= leastMargin && decision.significance >= leastSignificance &&
-           decision.amplitude >= leastShareOfSync * decision.syncAmplitude &&
-           decision.syncAmplitude >= leastShareOfSync * decision.amplitude;
+    const bool unbroken = chain.unbroken >= unbrokenFrames && chain.deviation < sureDeviation;
+    const bool longRow =
+        chain.frames >= believableFrames && chain.frames / spanInFrames(chain) >= believableShare;
+    const bool scattered =
+        chain.frames >= unbrokenFrames && chain.strangers == 0 && chain.deviation < clearDeviation;
+    return (unbroken || longRow || scattered) && chain.strangers <= toleratedStrangers * chain.frames;
 }
 
 Finding toFinding(const FrameChain &chain, Algorithm algorithm, int channel, const Window &window)

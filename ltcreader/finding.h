@@ -32,9 +32,6 @@ bool isClear(const FrameChain &chain);
 /// True when \a chain may be reported where nothing better is found.
 bool isBelievable(const FrameChain &chain);
 
-/// True when \a reading may be reported.
-bool isBelievable(const JointReading &reading);
-
 Finding toFinding(const FrameChain &chain, Algorithm algorithm, int channel, const Window &window);
 Finding toFinding(const JointReading &reading, int channel);
 

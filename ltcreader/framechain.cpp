@@ -120,11 +120,14 @@ FrameChain describe(const std::vector<Member> &members, const FrameRate &rate)
     chain.last = members.back().frame->end;
     chain.bits = members.front().frame->bits;
     int inverted = 0;
+    int row = 0;
     for (std::size_t i = 0; i < members.size(); ++i) {
         const Member &member = members[i];
         chain.deviation += std::pow(member.frame->meanDeviation, 2.0) / chain.frames;
         if (!member.frame->startsRising)
             ++inverted;
+        row = i > 0 && member.place == members[i - 1].place + 1 ? row + 1 : 1;
+        chain.unbroken = std::max(chain.unbroken, row);
         if (i > 0 && labelOf(member.frame->bits)->frames < labelOf(members[i - 1].frame->bits)->frames) {
             ++chain.wraps;
         }

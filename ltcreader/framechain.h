@@ -16,6 +16,7 @@ struct FrameChain {
     double frameLength = 0.0; ///< [samples] as recorded
     double deviation = 0.0;   ///< [bits] root mean square deviation of the edges
     int frames = 0;           ///< that belong to the chain
+    int unbroken = 0;         ///< most of them in a row without a gap
     int strangers = 0;        ///< frames within its span that do not
     int wraps = 0;            ///< times that the frame number returned to its lowest label within the chain
     double first = 0.0;       ///< [samples] where its first frame starts

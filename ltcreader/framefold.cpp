@@ -9,6 +9,7 @@
 
 #include "ltcreader/framefold.h"
 
+#include "ltcreader/likelihood.h"
 #include "ltcreader/trellis.h"
 
 #include <algorithm>
@@ -22,12 +23,6 @@ namespace
 constexpr double syncHalves = 2.0 * syncBits;
 constexpr double least = 0.05; // amplitude below which no sync word helps
 constexpr double most = 0.95;  // amplitude above which the rest is the recording's doing, not noise
-
-double logCosh(double x)
-{
-    const double magnitude = std::abs(x);
-    return magnitude + std::log1p(std::exp(-2.0 * magnitude)) - std::log(2.0);
-}
 
 } // namespace
 
@@ -64,20 +59,11 @@ Polarities findPolarities(const FrameGrid &grid)
     return result;
 }
 
-std::pair<int, int> placeOf(const FrameNumbering &numbering, int frame)
-{
-    constexpr int dropped = 2;
-    int number = numbering.first + frame;
-    if (numbering.droppedAt >= 0 && number >= numbering.base * numbering.droppedAt)
-        number += dropped;
-    return {number / numbering.base, number % numbering.base};
-}
-
 FrameFold foldFrames(const FrameGrid &grid, const Polarities &polarities, const FrameNumbering &numbering,
                      int correctionBit)
 {
     FrameFold fold;
-    fold.seconds.resize(static_cast<std::size_t>(placeOf(numbering, grid.frames - 1).first) + 1);
+    fold.seconds.resize(static_cast<std::size_t>(secondsTouched(numbering, grid.frames)));
     for (int frame = 0; frame < grid.frames; ++frame) {
         const auto [second, number] = placeOf(numbering, frame);
         const float *halves = grid.frame(frame);

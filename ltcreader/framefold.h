@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ltcreader/numbering.h"
 #include "ltcreader/syncsearch.h"
 
 #include <array>
@@ -18,16 +19,6 @@ struct Polarities {
 
 /// Reads the polarities from the sync words of \a grid.
 Polarities findPolarities(const FrameGrid &grid);
-
-/// How the frames of a grid are numbered within their seconds.
-struct FrameNumbering {
-    int base = 25;      ///< frame numbers of a second
-    int first = 0;      ///< number of frame 0 of the grid
-    int droppedAt = -1; ///< second, counted from that of frame 0, whose numbers begin with 2; -1 = none
-};
-
-/// Second, counted from that of frame 0, and number within it of frame \a frame of the grid.
-std::pair<int, int> placeOf(const FrameNumbering &numbering, int frame);
 
 /// Where the phase correction bit may be: bit 27 at 24 and 30 frames a second, bit 59 at 25, if encoders keep
 /// to it. Bits before it take their polarity from the frame's start, bits after it from the frame's end.

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ltcreader/hypothesis.h"
 #include "ltcreader/syncsearch.h"
 
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -18,12 +20,21 @@ struct JointDecision {
     double significance = 0.0;  ///< fit in standard deviations of what one fixed guess has in noise
     double amplitude = 0.0;     ///< of the timecode in half bits of mean square 1, 0 to 1
     double syncAmplitude = 0.0; ///< the same, from the sync words alone
+    bool errorRepeats = false;  ///< most of what is not explained is the same in every frame
     std::vector<float> levels;  ///< of all half bits of the grid, 1 or -1 (0 where not known), as decided
 };
 
+/// Share of the power that is never taken for explained: filters, wandering speed.
+constexpr double leastNoise = 0.1;
+
 /// Decides on \a grid, whose frames follow each other at \a measuredRate [frames/s]. \a wanted restricts the
-/// base.
+/// base. User bits are taken to stand still.
 std::optional<JointDecision> decideTimecode(const FrameGrid &grid, double measuredRate,
                                             const std::optional<FrameRate> &wanted);
+
+/// Rate, count and bits of the timecode that the evaluated hypothesis \a best means for \a frames frames;
+/// none when it is not \a wanted.
+std::optional<JointDecision> decisionFor(const Hypothesis &best, int frames,
+                                         const std::optional<FrameRate> &wanted);
 
 } // namespace ltcreader

@@ -6,6 +6,8 @@
 
 #include "ltcreader/jointreader.h"
 
+#include "ltcreader/adaptation.h"
+#include "ltcreader/digitdecision.h"
 #include "ltcreader/equaliser.h"
 #include "ltcreader/framechain.h"
 
@@ -23,8 +25,18 @@ namespace
 constexpr std::size_t clocksPerFrontEnd = 3;
 constexpr double leastSyncScore = 5.0; // chance reaches 3.5 among 160 places
 constexpr std::size_t decidedCandidates = 4;
-constexpr double plainMargin = 60.0; // log-likelihood beyond which no other way of reading is tried
-constexpr double shortest = 0.1;     // [s] two frames
+constexpr double plainMargin = 60.0;        // log-likelihood beyond which no other way of reading is tried
+constexpr double contradictingMargin = 0.3; // of the best reading's
+constexpr double shortest = 0.1;            // [s] two frames
+constexpr double adaptedTrust = 0.67;       // in margins that a learning filter brought about
+constexpr double adaptableAmplitude = 0.25; // below it too many levels are wrong to learn from
+
+// What a reading must reach. Chosen with the benchmark: wrong readings stay well below, what is lost is the
+// last decibel.
+constexpr double leastMargin = 10.0;
+constexpr double leastSignificance = 14.0;
+constexpr double leastShareOfSync = 0.5; // a waveform that is all sync word is none
+
 constexpr int timingRounds = 3;
 constexpr double timingShift = 0.2; // [bits] to each side, on the flank of the half bits' correlation
 constexpr int framesPerPart = 5;    // whose timing is measured together
@@ -159,11 +171,48 @@ bool startsLow(const std::vector<float> &levels)
     return sum < 0.0F;
 }
 
-std::optional<JointReading> decide(const Candidate &candidate, const std::vector<float> &samples,
-                                   int sampleRate, const std::optional<FrameRate> &wanted)
+using Decide = std::optional<JointDecision> (*)(const FrameGrid &grid, double measuredRate,
+                                                const std::optional<FrameRate> &wanted);
+
+/// Decides, and where errors repeat decides again on what a filter makes of the frames that the decision
+/// tells. The filter learns again from the second decision; what is not as sure in both of them is not
+/// believed.
+std::optional<JointDecision> decideAdaptively(Decide decideOn, const FrameGrid &grid, double measuredRate,
+                                              const std::optional<FrameRate> &wanted)
+{
+    auto first = decideOn(grid, measuredRate, wanted);
+    if (!first || !first->errorRepeats || first->amplitude < adaptableAmplitude)
+        return first;
+    const auto second = decideOn(adapted(grid, first->levels), measuredRate, wanted);
+    if (!second)
+        return first;
+    auto third = decideOn(adapted(grid, second->levels), measuredRate, wanted);
+    if (!third || third->count != second->count)
+        return first;
+    third->margin = adaptedTrust * std::min(second->margin, third->margin);
+    return third->margin > first->margin ? third : first;
+}
+
+bool isBelievable(const JointReading &reading)
+{
+    const JointDecision &decision = reading.decision;
+    return decision.margin >= leastMargin && decision.significance >= leastSignificance &&
+           decision.amplitude >= leastShareOfSync * decision.syncAmplitude &&
+           decision.syncAmplitude >= leastShareOfSync * decision.amplitude;
+}
+
+/// Whether two readings of the same recording cannot both be true.
+bool contradict(const JointReading &a, const JointReading &b)
+{
+    return a.rate.base != b.rate.base || std::abs(a.startCount - b.startCount) > 0.5;
+}
+
+std::optional<JointReading> decide(Decide decideOn, const Candidate &candidate,
+                                   const std::vector<float> &samples, int sampleRate,
+                                   const std::optional<FrameRate> &wanted)
 {
     const double measuredRate = candidate.sound->sampleRate / (bitsPerFrame * candidate.clock.bitLength);
-    const auto decision = decideTimecode(candidate.grid, measuredRate, wanted);
+    const auto decision = decideAdaptively(decideOn, candidate.grid, measuredRate, wanted);
     if (!decision)
         return std::nullopt;
     JointReading reading;
@@ -192,6 +241,23 @@ std::optional<JointReading> decide(const Candidate &candidate, const std::vector
     return reading;
 }
 
+/// The reading with the greatest margin, which must be much greater than those of readings that contradict
+/// it.
+std::optional<JointReading> surest(const std::vector<JointReading> &readings)
+{
+    const auto best =
+        std::max_element(readings.begin(), readings.end(), [](const JointReading &a, const JointReading &b) {
+            return a.decision.margin < b.decision.margin;
+        });
+    if (best == readings.end())
+        return std::nullopt;
+    const bool doubted = std::any_of(readings.begin(), readings.end(), [best](const JointReading &other) {
+        return other.decision.margin > contradictingMargin * best->decision.margin &&
+               contradict(other, *best);
+    });
+    return doubted ? std::nullopt : std::optional(*best);
+}
+
 } // namespace
 
 std::optional<JointReading> readJointly(const std::vector<float> &samples, int sampleRate,
@@ -208,15 +274,21 @@ std::optional<JointReading> readJointly(const std::vector<float> &samples, int s
     }
     std::sort(candidates.begin(), candidates.end(),
               [](const Candidate &a, const Candidate &b) { return a.grid.score > b.grid.score; });
-    std::optional<JointReading> best;
-    for (std::size_t i = 0; i < std::min(decidedCandidates, candidates.size()); ++i) {
-        const auto reading = decide(candidates[i], samples, sampleRate, wanted);
-        if (reading && (!best || reading->decision.margin > best->decision.margin))
-            best = reading;
-        if (best && best->decision.margin > plainMargin)
-            break;
+    std::vector<JointReading> readings;
+    for (const Decide decideOn : {decideTimecode, decideByDigits}) {
+        for (std::size_t i = 0; i < std::min(decidedCandidates, candidates.size()); ++i) {
+            auto reading = decide(decideOn, candidates[i], samples, sampleRate, wanted);
+            if (!reading)
+                continue;
+            readings.push_back(std::move(*reading));
+            if (readings.back().decision.margin > plainMargin)
+                break;
+        }
+        const auto best = surest(readings);
+        if (best && isBelievable(*best))
+            return best;
     }
-    return best;
+    return std::nullopt;
 }
 
 } // namespace ltcreader

@@ -24,8 +24,8 @@ struct JointReading {
     FrontEnd frontEnd = FrontEnd::Flat;
 };
 
-/// Reads one channel whose edges cannot be seen. \a samples at \a sampleRate [Hz]; \a wanted restricts the
-/// rate.
+/// Reads one channel whose edges cannot be seen; nothing where the reading is not beyond reasonable doubt. \a
+/// samples at \a sampleRate [Hz]; \a wanted restricts the rate.
 std::optional<JointReading> readJointly(const std::vector<float> &samples, int sampleRate,
                                         const std::optional<FrameRate> &wanted);
 

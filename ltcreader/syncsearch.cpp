@@ -77,6 +77,14 @@ FrameGrid findFrames(const HalfBits &halfBits)
     grid.frames = (count - grid.firstHalf + halvesPerFrame - 1) / halvesPerFrame;
     grid.halves.assign(static_cast<std::size_t>(grid.frames) * halvesPerFrame, 0.0F);
     std::copy(values.begin(), values.end(), grid.halves.begin() - grid.firstHalf);
+    measureSyncs(grid);
+    return grid;
+}
+
+void measureSyncs(FrameGrid &grid)
+{
+    const std::array<float, syncHalves> levels = syncLevels();
+    grid.syncs.clear();
     for (int frame = 0; frame < grid.frames; ++frame) {
         const float *sync = grid.frame(frame) + dataHalves;
         float sum = 0.0F;
@@ -84,7 +92,6 @@ FrameGrid findFrames(const HalfBits &halfBits)
             sum += sync[half] * levels[half];
         grid.syncs.push_back(sum);
     }
-    return grid;
 }
 
 } // namespace ltcreader

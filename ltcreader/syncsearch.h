@@ -28,4 +28,7 @@ struct FrameGrid {
 /// Finds where frames begin.
 FrameGrid findFrames(const HalfBits &halfBits);
 
+/// Sets the syncs of \a grid from its half bits.
+void measureSyncs(FrameGrid &grid);
+
 } // namespace ltcreader

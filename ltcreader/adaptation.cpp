@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+
+// Filters in the recording's way, and notches against hum, let half bits run into their neighbours. The same
+// error then repeats in every frame, and adding up frames does not lessen it. A decision that is mostly right
+// tells the filter that undoes this: the one that brings the half bits nearest to the levels decided for, by
+// least squares over the whole recording. It has a few dozen degrees of freedom against thousands of half
+// bits, so it cannot learn single wrong digits: decided anew, those come out right.
+
+#include "ltcreader/adaptation.h"
+
+#include "ltcreader/symmetricequations.h"
+
+#include <array>
+#include <cmath>
+
+namespace ltcreader
+{
+namespace
+{
+
+constexpr std::size_t reach = 10; // half bits to each side
+constexpr std::size_t taps = 2 * reach + 1;
+constexpr double heldBack = 0.01; // of the power, so that nothing is made of what is not there
+
+using Filter = std::array<double, taps>;
+
+Filter bestFilter(const std::vector<float> &halves, const std::vector<float> &levels)
+{
+    Filter likeness{}; // of the half bits to themselves, some places farther on
+    Filter aim{};      // likeness to the levels
+    for (std::size_t i = 0; i + taps <= halves.size(); ++i) {
+        for (std::size_t tap = 0; tap < taps; ++tap) {
+            likeness[tap] += static_cast<double>(halves[i] * halves[i + tap]);
+            aim[tap] += static_cast<double>(levels[i + reach] * halves[i + tap]);
+        }
+    }
+    likeness[0] = (1.0 + heldBack) * likeness[0] + 1e-9;
+    return solveSymmetric(likeness, aim);
+}
+
+} // namespace
+
+FrameGrid adapted(const FrameGrid &grid, const std::vector<float> &levels)
+{
+    const Filter filter = bestFilter(grid.halves, levels);
+    FrameGrid result = grid;
+    double squares = 0.0;
+    double count = 0.0;
+    for (std::size_t i = 0; i < grid.halves.size(); ++i) {
+        if (grid.halves[i] == 0.0F)
+            continue;
+        double sum = 0.0;
+        for (std::size_t tap = 0; tap < taps; ++tap) {
+            if (i + tap >= reach && i + tap - reach < grid.halves.size())
+                sum += filter[tap] * static_cast<double>(grid.halves[i + tap - reach]);
+        }
+        result.halves[i] = static_cast<float>(sum);
+        squares += sum * sum;
+        count += 1.0;
+    }
+    const auto scale = static_cast<float>(squares > 0.0 ? std::sqrt(count / squares) : 0.0);
+    for (float &half : result.halves)
+        half *= scale;
+    measureSyncs(result);
+    return result;
+}
+
+} // namespace ltcreader

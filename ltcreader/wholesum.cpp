@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+
+// For an assumed label of the first frame the digits of every second are known, and so are the polarity
+// changes that they cause. With those undone all seconds add up to one frame in which everything else stands
+// still, and the trellis finds what that is.
+
+#include "ltcreader/wholesum.h"
+
+#include "ltcreader/trellis.h"
+
+#include <array>
+#include <optional>
+
+namespace ltcreader
+{
+namespace
+{
+
+std::optional<Digit> digitAt(int bit)
+{
+    for (std::size_t digit = 0; digit < digitCount; ++digit) {
+        if (digitFields[digit].first == bit)
+            return static_cast<Digit>(digit);
+    }
+    return std::nullopt;
+}
+
+std::optional<Digit> digitEndingAt(int bit)
+{
+    for (std::size_t digit = 0; digit < digitCount; ++digit) {
+        if (digitFields[digit].first + digitFields[digit].width - 1 == bit)
+            return static_cast<Digit>(digit);
+    }
+    return std::nullopt;
+}
+
+/// All seconds of a fold added up, as far as a hypothesis tells how.
+struct WholeSum {
+    SecondSum halves{};
+    std::array<float, digitCount> fits{}; // of the digits that the hypothesis gives
+    std::array<bool, digitCount> given{};
+};
+
+void addSecond(const SecondSum &second, const Digits &digits, int correctionBit, WholeSum &sum)
+{
+    const auto addBit = [&](int bit, float polarity) {
+        const auto half = static_cast<std::size_t>(2 * bit);
+        sum.halves[half] += polarity * second[half];
+        sum.halves[half + 1] += polarity * second[half + 1];
+    };
+    float polarity = 1.0F;
+    for (int bit = 4; bit < correctionBit; ++bit) {
+        const auto digit = digitAt(bit);
+        if (!digit || digits[*digit] < 0) {
+            addBit(bit, polarity);
+            continue;
+        }
+        const int width = digitFields[*digit].width;
+        sum.fits[*digit] += polarity * resemblance(second.data() + 2 * bit, digits[*digit], width);
+        polarity *= polarityAfter(digits[*digit], width);
+        bit += width - 1;
+    }
+    polarity = 1.0F;
+    for (int bit = dataBits - 1; bit > correctionBit; --bit) {
+        const auto ending = digitEndingAt(bit);
+        if (!ending || digits[*ending] < 0) {
+            addBit(bit, polarity);
+            continue;
+        }
+        const BitField part = digitFields[*ending];
+        polarity *= polarityAfter(digits[*ending], part.width);
+        sum.fits[*ending] +=
+            polarity * resemblance(second.data() + 2 * part.first, digits[*ending], part.width);
+        bit = part.first;
+    }
+}
+
+void walk(Trellis &trellis, const WholeSum &sum, const Allowed &allowed, int from, int to)
+{
+    for (int bit = from; bit < to; ++bit) {
+        const float *halves = sum.halves.data() + 2 * bit;
+        const auto digit = digitAt(bit);
+        if (!digit) {
+            trellis.free(bit, halves);
+            continue;
+        }
+        if (sum.given[*digit]) {
+            trellis.known(sum.fits[*digit]);
+        } else {
+            trellis.number(digitFields[*digit], halves, allowed[*digit]);
+        }
+        bit += digitFields[*digit].width - 1;
+    }
+}
+
+struct FittingBits {
+    float fit;
+    FrameBits bits;
+};
+
+/// The bits that fit best with the digits that stand still among \a allowed.
+FittingBits fittingBits(const FrameFold &fold, const WholeSum &sum, const Allowed &allowed, int correctionBit)
+{
+    Trellis beginning(true);
+    beginning.known(fold.unitsFit);
+    walk(beginning, sum, allowed, 4, 8);
+    beginning.known(fold.tensFit);
+    walk(beginning, sum, allowed, 10, correctionBit);
+    Trellis end(false);
+    walk(end, sum, allowed, correctionBit + 1, dataBits);
+    return {beginning.fit(false) + end.fit(true), beginning.bits(false) | end.bits(true)};
+}
+
+} // namespace
+
+float fitOfNumbering(const FrameFold &fold, int correctionBit)
+{
+    WholeSum sum;
+    float secondsFit = 0.0F;
+    Digits open{};
+    open.fill(-1);
+    for (const SecondSum &second : fold.seconds) {
+        addSecond(second, open, correctionBit, sum);
+        Trellis ofSecond(false);
+        for (int bit = 16; bit < correctionBit; ++bit)
+            ofSecond.free(bit, second.data() + 2 * bit);
+        secondsFit += ofSecond.fit(false);
+    }
+    Trellis beginning(true);
+    beginning.known(fold.unitsFit);
+    walk(beginning, sum, anyTime, 4, 8);
+    beginning.known(fold.tensFit);
+    walk(beginning, sum, anyTime, 10, 16);
+    Trellis end(false);
+    walk(end, sum, anyTime, correctionBit + 1, dataBits);
+    return beginning.fit(false) + secondsFit + end.fit(true);
+}
+
+void evaluate(const FrameFold &fold, Hypothesis &hypothesis)
+{
+    WholeSum sum;
+    Digits digits{};
+    for (std::size_t second = 0; second < fold.seconds.size(); ++second) {
+        digits = digitsAfter(hypothesis, static_cast<int>(second));
+        addSecond(fold.seconds[second], digits, hypothesis.correctionBit, sum);
+    }
+    for (std::size_t digit = 0; digit < digitCount; ++digit)
+        sum.given[digit] = digits[digit] >= 0;
+    FittingBits best{-1e30F, 0};
+    for (const HoursAllowed &hours : hoursAllowed) {
+        Allowed allowed = hypothesis.allowed;
+        allowed[HourTens] &= hours.tens;
+        allowed[HourUnits] &= hours.units;
+        if (!sum.given[HourTens] && (allowed[HourTens] == 0 || allowed[HourUnits] == 0))
+            continue;
+        const FittingBits bits = fittingBits(fold, sum, allowed, hypothesis.correctionBit);
+        if (bits.fit > best.fit)
+            best = bits;
+    }
+    hypothesis.fit = best.fit;
+    hypothesis.bits = best.bits;
+    putAssumedDigits(hypothesis);
+}
+
+} // namespace ltcreader

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ltcreader/framefold.h"
+#include "ltcreader/hypothesis.h"
+
+namespace ltcreader
+{
+
+/// How well the frames in \a fold fit their numbering, whatever seconds they show.
+float fitOfNumbering(const FrameFold &fold, int correctionBit);
+
+/// Sets fit and bits of \a hypothesis, by whose numbering \a fold was made.
+void evaluate(const FrameFold &fold, Hypothesis &hypothesis);
+
+} // namespace ltcreader
