@@ -291,7 +291,7 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
         streamInfoList->clear();
         statusLabel->setText(tr("Status: "));
         // The results of what is under way would land on the rows that moved up.
-        if (!fileList->expectsResults())
+        if (!fileList->mustKeepRows())
             emit deleteSelectedRowsSignal();
     }
     QMainWindow::keyPressEvent(event);

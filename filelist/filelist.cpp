@@ -199,9 +199,9 @@ bool FileList::isReading() const
     return readingsPending > 0;
 }
 
-bool FileList::expectsResults() const
+bool FileList::mustKeepRows() const
 {
-    return isReading() || importUnderWay;
+    return isReading() || (importUnderWay && !importBusy);
 }
 
 void FileList::dropTaken()

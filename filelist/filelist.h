@@ -34,9 +34,10 @@ public:
     /// numbers.
     bool isReading() const;
 
-    /// Whether results are still to come that carry row numbers, of a second reading or of an import. Unlike
-    /// the refusal of deleteSelectedRows(), not ended by the end of another import or reading.
-    bool expectsResults() const;
+    /// Whether the rows must stay although deleteSelectedRows() would not refuse: results that carry row
+    /// numbers are still to come, of a second reading, or of an import whose drop crossed the end of an
+    /// earlier one.
+    bool mustKeepRows() const;
     /// To be called when the controller has taken a drop; ends of imports that come later include it.
     void dropTaken();
 

@@ -463,8 +463,10 @@ void TestMainWindow::rowsCannotBeDeletedDuringAnImport()
     faketools::setPlan(file, {{"read", QJsonObject{{"waitFor", "gate"}}}});
     bench.dropFolder();
     QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(file, "read").size(), 1, patience);
+    const QSignalSpy asked(bench.window.get(), &MainWindow::deleteSelectedRowsSignal);
     bench.fileList->selectAll();
     QTest::keyClick(bench.fileList, Qt::Key_Delete);
+    QCOMPARE(asked.count(), 1); // the table itself refuses
     QCOMPARE(bench.fileList->rowCount(), 1);
     faketools::openGate(bench.media + "/gate");
     QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), patience);
