@@ -2,14 +2,26 @@
 #include "ffmpeg/toolarguments.h"
 
 #include <QDir>
+#include <QFile>
 
 namespace toolarguments
 {
 
 namespace
 {
+
 constexpr int extractedSeconds = 3; // [s] holds several whole timecode frames at every frame rate
+constexpr int longestName = 255;    // [bytes] on the usual file systems
+
+/// The beginning of \a name that takes at most \a bytes on the disk.
+QString shortened(QString name, int bytes)
+{
+    while (QFile::encodeName(name).size() > bytes)
+        name.chop(name.at(name.size() - 1).isLowSurrogate() ? 2 : 1);
+    return name;
 }
+
+} // namespace
 
 QStringList probe(const QString &mediaPath)
 {
@@ -26,9 +38,9 @@ QVector<int> audioStreams(const FileData &file)
 
 QString extractedPath(const FileData &file, const QString &targetFolder, int stream)
 {
-    const QString firstPart = file.fileName.section('.', 0, 0);
-    return targetFolder + QDir::separator() + firstPart + '_' + QString::number(stream) + '_' +
-           QString::number(file.rowNumber) + ".wav";
+    const QString origin = '_' + QString::number(stream) + '_' + QString::number(file.rowNumber) + ".wav";
+    const QString firstPart = shortened(file.fileName.section('.', 0, 0), longestName - origin.size());
+    return targetFolder + QDir::separator() + firstPart + origin;
 }
 
 QStringList audioExtraction(const FileData &file, const QString &targetFolder)

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/control/controllerbench.h"
-
+#include "tests/control/onlytools.h"
 #include "tests/fakes/faketools.h"
+#include "tests/support/ownprocesses.h"
 
 #include <QDir>
 #include <QFile>
@@ -10,7 +11,6 @@
 #include <QMap>
 #include <QProcess>
 #include <QSignalSpy>
-#include <QStandardPaths>
 #include <QTest>
 #include <QThread>
 
@@ -29,33 +29,6 @@ namespace
 QJsonObject plan(const QString &job, const QJsonObject &part)
 {
     return {{job, part}};
-}
-
-/// Has only these tools in the program search path, for as long as it lives.
-class OnlyTools
-{
-public:
-    /// Each tool by its name and the program that plays it, a fake or one of the machine.
-    explicit OnlyTools(const QMap<QString, QString> &tools) : searchPath(qgetenv("PATH"))
-    {
-        for (auto tool = tools.cbegin(); tool != tools.cend(); ++tool) {
-            const QString program = QStandardPaths::findExecutable(tool.value());
-            if (program.isEmpty() || !QFile::link(program, folder.filePath(tool.key())))
-                qFatal("no program %s", qPrintable(tool.value()));
-        }
-        qputenv("PATH", QFile::encodeName(folder.path()));
-    }
-    ~OnlyTools() { qputenv("PATH", searchPath); }
-    Q_DISABLE_COPY(OnlyTools)
-
-private:
-    QByteArray searchPath;
-    QTemporaryDir folder;
-};
-
-QMap<QString, QString> realMediaTools()
-{
-    return {{"ffprobe.exe", "ffprobe"}, {"ffmpeg.exe", "ffmpeg"}, {"LTCReader.exe", "LTCReader.exe"}};
 }
 
 /// Lets no file grow beyond \a bytes, in child processes too, as a full disk would. Ends with its life.
@@ -80,30 +53,6 @@ private:
     rlimit earlier{};
     sighandler_t earlierHandler;
 };
-
-/// Makes a real media file with ten seconds of a tone.
-void makeTone(const QString &path)
-{
-    QProcess tool;
-    tool.start("ffmpeg", {"-v", "error", "-f", "lavfi", "-i", "sine=duration=10:sample_rate=48000", "-c:a",
-                          "pcm_s16le", "-y", path});
-    if (!tool.waitForFinished() || tool.exitCode() != 0)
-        qFatal("ffmpeg: %s", tool.readAllStandardError().constData());
-}
-
-int openFiles()
-{
-    return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
-}
-
-/// Process ids of the children of this program, ended ones that nobody has asked after included.
-QStringList childProcesses()
-{
-    QFile file(QString("/proc/self/task/%1/children").arg(QCoreApplication::applicationPid()));
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot list child processes");
-    return QString(file.readAll()).split(' ', Qt::SkipEmptyParts);
-}
 
 } // namespace
 
@@ -134,6 +83,8 @@ private slots:
     void brokenFilesHoldUpNothingElse();
     void aFullDiskFailsExtractionsAndExports();
     void theSourcesStayAsTheyWere();
+    void noExportGoesOntoASource_data();
+    void noExportGoesOntoASource();
     void endingTheThreadEndsTheTools();
     void endingTheThreadEndsTheWalk();
     void manyFilesLeaveNothingBehind();
@@ -153,7 +104,7 @@ void TestFaults::init()
 void TestFaults::cleanup()
 {
     bench.reset();
-    QCOMPARE(childProcesses(), QStringList());
+    QCOMPARE(ownprocesses::children(), QVector<qint64>());
 }
 
 ExportOptions TestFaults::options() const
@@ -383,6 +334,9 @@ void TestFaults::oddNamesGoAllTheWay_data()
     QTest::newRow("nothing before the dot") << ".mov";
     QTest::newRow("many dots") << "a..b.mov";
     QTest::newRow("240 characters") << QString(240, 'x') + ".mov";
+    QTest::newRow("255 bytes, the most there can be") << QString(251, 'x') + ".mov";
+    QTest::newRow("254 bytes beyond the basic plane")
+        << QString::fromUtf8("\xF0\x9F\x8E\xAC").repeated(62) + "xx.mov";
 }
 
 void TestFaults::oddNamesGoAllTheWay()
@@ -515,6 +469,56 @@ void TestFaults::theSourcesStayAsTheyWere()
     }
 }
 
+void TestFaults::noExportGoesOntoASource_data()
+{
+    QTest::addColumn<QString>("folder");
+    QTest::newRow("its folder") << "card";
+    QTest::newRow("with a separator at the end") << "card/";
+    QTest::newRow("through its parent") << "card/../card/./";
+    QTest::newRow("through a link to the folder") << "link";
+    QTest::newRow("through a link to a link") << "link2";
+    QTest::newRow("through a folder beside it") << "card/sub/..";
+}
+
+/// Sources whose names differ in case only, or that are links themselves, exported as every type.
+void TestFaults::noExportGoesOntoASource()
+{
+    QFETCH(QString, folder);
+    const QStringList names{"clip.mov", "clip.MOV", "Clip.Mov", "clip.mxf",
+                            "clip.wav", "clip.WAV", "clip.mp4", "clip.mts"};
+    QVector<FileData> files;
+    for (const QString &name : names) {
+        files += bench->makeFile("card/" + name);
+        QFile source(files.last().absoluteFilePath);
+        QVERIFY(source.open(QIODevice::WriteOnly));
+        source.write("original " + name.toUtf8());
+    }
+    const FileData linked = bench->makeFile("elsewhere/linked.mov");
+    QVERIFY(QFile::link(linked.absoluteFilePath, bench->mediaPath("card/linked.mov")));
+    files += bench->makeFile("card/linked.mov");
+    QVERIFY(QDir().mkpath(bench->mediaPath("card/sub")));
+    QVERIFY(QFile::link("card", bench->mediaPath("link")));
+    QVERIFY(QFile::link("link", bench->mediaPath("link2")));
+
+    ExportOptions onto = options();
+    onto.exportDir = bench->mediaPath(folder);
+    constexpr int videoTypes = 9;
+    for (onto.videoType = 0; onto.videoType < videoTypes; ++onto.videoType) {
+        bench->events.clear();
+        bench->control().onExportReq(files, onto);
+        QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("exportReady 0 []"), longWait);
+    }
+    for (const QString &name : names) {
+        QFile source(bench->mediaPath("card/" + name));
+        QVERIFY(source.open(QIODevice::ReadOnly));
+        QCOMPARE(source.readAll(), "original " + name.toUtf8());
+    }
+    QCOMPARE(QFileInfo(linked.absoluteFilePath).size(), 0);
+    const QStringList media{"*.mov", "*.mxf", "*.wav", "*.mp4", "*.mts"};
+    QCOMPARE(QDir(bench->mediaPath("card")).entryList(media, QDir::Files).size(),
+             files.size() * (videoTypes + 1));
+}
+
 void TestFaults::endingTheThreadEndsTheTools()
 {
     const QVector<FileData> probes = bench->makeFiles(60, plan("probe", {{"hang", true}}));
@@ -537,7 +541,7 @@ void TestFaults::endingTheThreadEndsTheTools()
     QVERIFY(QFileInfo::exists(folder));
     thread.quit();
     QVERIFY(thread.wait(5'000)); // what the program allows
-    QCOMPARE(childProcesses(), QStringList());
+    QCOMPARE(ownprocesses::children(), QVector<qint64>());
     QVERIFY(!QFileInfo::exists(folder));
 }
 
@@ -577,12 +581,12 @@ void TestFaults::manyFilesLeaveNothingBehind()
         bench->control().onExportReq(files, options());
         QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("exportReady 0 []").size(), 1, longWait);
         QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
-        QCOMPARE(childProcesses(), QStringList());
+        QCOMPARE(ownprocesses::children(), QVector<qint64>());
         QVERIFY(!bench->hasTemporaryFolder());
         if (round == 0)
-            filesAfterFirstRound = openFiles();
+            filesAfterFirstRound = ownprocesses::openFiles();
         else
-            QCOMPARE(openFiles(), filesAfterFirstRound);
+            QCOMPARE(ownprocesses::openFiles(), filesAfterFirstRound);
         QVERIFY(QDir(bench->mediaPath("out")).removeRecursively());
         QVERIFY(QDir().mkpath(bench->mediaPath("out")));
     }
