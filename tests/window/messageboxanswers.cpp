@@ -50,6 +50,14 @@ void MessageBoxAnswers::answerNext(QMessageBox::StandardButton button, std::func
     answers.append({button, std::move(before)});
 }
 
+bool MessageBoxAnswers::answered(const QStringList &titles) const
+{
+    QStringList seenTitles;
+    for (const Box &box : boxes)
+        seenTitles += box.title;
+    return allGiven() && seenTitles == titles;
+}
+
 void MessageBoxAnswers::look()
 {
     auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
@@ -62,4 +70,11 @@ void MessageBoxAnswers::look()
         answer.before();
     QTest::mouseClick(box->button(answer.button), Qt::LeftButton);
     current.removeAll(box);
+}
+
+QString questionOf(const MessageBoxAnswers::Box &box)
+{
+    const bool isQuestion = box.icon == "question" && box.buttons == (QMessageBox::Yes | QMessageBox::No) &&
+                            box.defaultButton.isEmpty();
+    return isQuestion ? box.text : QString();
 }

@@ -32,11 +32,11 @@ public:
     /// The next box is answered with \a button, after \a before has been run while it stands.
     void answerNext(QMessageBox::StandardButton button, std::function<void()> before = {});
 
-    const QVector<Box> &seen() const
-    {
-        return boxes;
-    } ///< all boxes that were answered, in order of their opening
+    /// All boxes that were answered, in order of their opening.
+    const QVector<Box> &seen() const { return boxes; }
     bool allGiven() const { return answers.isEmpty(); }
+    /// Whether all answers were given, to boxes with these \a titles in this order.
+    bool answered(const QStringList &titles) const;
 
 private slots:
     void look();
@@ -51,3 +51,6 @@ private:
     QVector<Box> boxes;
     QVector<QMessageBox *> current; ///< boxes being answered; a box may open while another stands
 };
+
+/// What \a box asks; empty when it is no question that is answered with Yes or No, without a default.
+QString questionOf(const MessageBoxAnswers::Box &box);

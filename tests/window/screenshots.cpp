@@ -162,7 +162,7 @@ void takeBoxes(WindowBench &bench, const Camera &camera)
                               Q_ARG(QString, "Reads everything."),
                               Q_ARG(QUrl, QUrl("http://www.example.com/tool")));
 
-    QMetaObject::invokeMethod(bench.window.get(), "onExportStart");
+    bench.beginExport();
     QMetaObject::invokeMethod(bench.window.get(), "statusProgressUpdate", Q_ARG(int, 20), Q_ARG(int, 60),
                               Q_ARG(QString, "exporting files..."));
     camera.take(bench.window.get(), "exporting");
@@ -171,12 +171,9 @@ void takeBoxes(WindowBench &bench, const Camera &camera)
     camera.takeBox(bench, "quit", QMessageBox::No);
     bench.child<QAction>("exitAction")->trigger();
     camera.takeBox(bench, "export-failures", QMessageBox::Ok);
-    QMetaObject::invokeMethod(
-        bench.window.get(), "exportReady", Q_ARG(int, 2),
-        Q_ARG(QStringList, QStringList({"A001.mov", "A002.mov", "A003.mov", "A004.mov", "A005.mov"})));
+    bench.endExport(2, {"A001.mov", "A002.mov", "A003.mov", "A004.mov", "A005.mov"});
     camera.takeBox(bench, "export-done", QMessageBox::Ok);
-    QMetaObject::invokeMethod(bench.window.get(), "exportReady", Q_ARG(int, 0),
-                              Q_ARG(QStringList, QStringList()));
+    bench.endExport(0);
 }
 
 void takeMissingTools(WindowBench &bench, const Camera &camera)

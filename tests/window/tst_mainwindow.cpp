@@ -6,17 +6,10 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QBoxLayout>
-#include <QBuffer>
 #include <QClipboard>
 #include <QComboBox>
 #include <QDir>
-#include <QHeaderView>
-#include <QImage>
 #include <QMenu>
-#include <QMenuBar>
-#include <QPalette>
-#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
@@ -66,11 +59,6 @@ class TestMainWindow : public QObject
 
 private slots:
     void initTestCase();
-    void signalsAndSlotsStandInTheirOrder();
-    void menusHoldTheirActions();
-    void theWindowIsLaidOut();
-    void everyWidgetAndActionHasItsName();
-    void tabWalksInReadingOrder();
     void progressIsShown();
     void theProgressNeverGoesBackwards();
     void aProgressOfNothingStandsStill();
@@ -82,125 +70,15 @@ private slots:
     void aFolderIsImportedAndItsStreamsShown();
     void aDropIsAnsweredAtOnce();
     void theStatusIsPaintedBeforeTheFolderIsWalked();
-    void rowsThatArriveMoveNothing();
-    void theHeaderIsReadableInADarkTheme();
-    void theLogoLiesBesideTheWorkingDirectory_data();
-    void theLogoLiesBesideTheWorkingDirectory();
     void aDropOfNothingUsableEndsQuietly();
     void rowsCannotBeDeletedDuringAnImport();
     void theReadingDialogReachesTheReader();
-    void theWindowClosesAtOnceWhenNothingRuns();
 };
 
 void TestMainWindow::initTestCase()
 {
     registerRecordTypes();
     QGuiApplication::setQuitOnLastWindowClosed(false);
-}
-
-void TestMainWindow::signalsAndSlotsStandInTheirOrder()
-{
-    const QMetaObject &meta = MainWindow::staticMetaObject;
-    QStringList methods;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
-        methods += meta.method(i).methodSignature();
-    const QStringList expected{"deleteSelectedRowsSignal()",
-                               "cancelExport()",
-                               "onExportButtonClicked()",
-                               "onExportAllButtonClicked()",
-                               "onCancelExportButtonClicked()",
-                               "onExportStart()",
-                               "onAboutMenuClicked()",
-                               "onReadAudioTCButtonClicked()",
-                               "exportReady(int,QStringList)",
-                               "importReady()",
-                               "readingFinished()",
-                               "statusProgressUpdate(int,int,QString)",
-                               "exitApplication()",
-                               "updateFileInfo(FileData)",
-                               "versionInfoCheck(uint,uint,QString,QUrl)"};
-    QCOMPARE(methods, expected);
-}
-
-void TestMainWindow::menusHoldTheirActions()
-{
-    const WindowBench bench;
-    const auto texts = [](const QList<QAction *> &actions) {
-        QStringList result;
-        for (const QAction *action : actions)
-            result += action->isSeparator() ? QString("-") : action->text();
-        return result;
-    };
-    QCOMPARE(texts(bench.window->menuBar()->actions()), (QStringList{"&File", "&Edit", "&About"}));
-    QCOMPARE(texts(bench.child<QMenu>("fileMenu")->actions()),
-             (QStringList{"&Export All", "&Export", "-", "&Exit"}));
-    QCOMPARE(texts(bench.child<QMenu>("editMenu")->actions()), QStringList{"&Read Audio TC"});
-    QCOMPARE(texts(bench.child<QMenu>("aboutMenu")->actions()), QStringList{"&About"});
-}
-
-void TestMainWindow::theWindowIsLaidOut()
-{
-    const WindowBench bench;
-    QCOMPARE(bench.window->windowTitle(), QString("Ostrel Timecode Tool"));
-    QCOMPARE(bench.status(), QString("Status:"));
-    QVERIFY(!bench.cancelButton->isVisible());
-    QCOMPARE(bench.fileList->minimumWidth(), 700);
-    QCOMPARE(bench.streamInfoList->minimumWidth(), 200);
-    QCOMPARE(bench.streamInfoList->maximumWidth(), 300);
-    QCOMPARE(bench.streamInfoList->minimumHeight(), 100);
-    QCOMPARE(bench.streamInfoList->selectionMode(), QAbstractItemView::NoSelection);
-    const auto *logo = bench.child<QLabel>("logoLabel");
-    QVERIFY(!logo->pixmap(Qt::ReturnByValue).isNull());
-    QCOMPARE(logo->alignment(), Qt::AlignCenter);
-    QCOMPARE(logo->minimumWidth(), 200);
-    QCOMPARE(logo->maximumWidth(), 280);
-    for (const QWidget *widget :
-         std::initializer_list<const QWidget *>{bench.fileList, bench.streamInfoList, logo}) {
-        QCOMPARE(widget->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding);
-        QCOMPARE(widget->sizePolicy().verticalPolicy(), QSizePolicy::Expanding);
-    }
-
-    const auto *top = qobject_cast<QHBoxLayout *>(bench.child<QWidget>("centralWidget")->layout());
-    QVERIFY(top);
-    const auto *left = qobject_cast<QVBoxLayout *>(top->itemAt(0)->layout());
-    const auto *right = qobject_cast<QVBoxLayout *>(top->itemAt(1)->layout());
-    QVERIFY(left && right);
-    QCOMPARE(left->itemAt(0)->widget(), bench.fileList);
-    const auto *row = qobject_cast<QHBoxLayout *>(left->itemAt(1)->layout());
-    QVERIFY(row);
-    QCOMPARE(row->itemAt(0)->widget(), bench.statusLabel);
-    QCOMPARE(row->itemAt(1)->widget(), bench.progressBar);
-    QCOMPARE(row->itemAt(2)->widget(), bench.cancelButton);
-    QCOMPARE(right->contentsMargins(), QMargins(5, 5, 5, 5));
-    QCOMPARE(right->sizeConstraint(), QLayout::SetMaximumSize);
-    QCOMPARE(right->itemAt(0)->widget(), logo);
-    QCOMPARE(right->itemAt(1)->widget(), bench.streamInfoList);
-    QVERIFY(bench.window->width() <= 1280 && bench.window->height() <= 680);
-}
-
-void TestMainWindow::everyWidgetAndActionHasItsName()
-{
-    const WindowBench bench;
-    for (const char *name : {"fileList", "streamInfoList", "logoLabel", "progressBar", "cancelButton",
-                             "centralWidget", "fileMenu", "editMenu", "aboutMenu"})
-        QVERIFY2(!bench.child<QWidget>(name)->accessibleName().isEmpty(), name);
-    for (const char *name :
-         {"exportAction", "exportAllAction", "exitAction", "readAudioTCAction", "aboutAction"})
-        QVERIFY2(!bench.child<QAction>(name)->text().isEmpty(), name);
-    topLevel("exportWindow");
-    topLevel("audioTCWindow");
-}
-
-void TestMainWindow::tabWalksInReadingOrder()
-{
-    const WindowBench bench;
-    QVERIFY(bench.fileList->hasFocus());
-    QTest::keyClick(bench.fileList, Qt::Key_Tab);
-    QCOMPARE(bench.window->focusWidget()->objectName(), QString("streamInfoList"));
-    call(*bench.window, "onExportStart");
-    bench.fileList->setFocus();
-    QTest::keyClick(bench.fileList, Qt::Key_Tab);
-    QCOMPARE(bench.window->focusWidget()->objectName(), QString("cancelButton"));
 }
 
 void TestMainWindow::progressIsShown()
@@ -375,73 +253,6 @@ void TestMainWindow::theStatusIsPaintedBeforeTheFolderIsWalked()
     QVERIFY(hasRoom);
 }
 
-void TestMainWindow::rowsThatArriveMoveNothing()
-{
-    const WindowBench bench;
-    const auto addRows = [&bench](int count) {
-        for (int i = 0; i < count; ++i) {
-            QMetaObject::invokeMethod(bench.fileList, "addItemToTable",
-                                      Q_ARG(QFileInfo, QFileInfo(bench.media + "/missing.mov")));
-        }
-    };
-    constexpr int moreThanFit = 30;
-    addRows(moreThanFit);
-    bench.fileList->selectRow(moreThanFit / 2);
-    bench.fileList->verticalScrollBar()->setValue(3);
-    addRows(moreThanFit);
-    QCOMPARE(bench.fileList->verticalScrollBar()->value(), 3);
-    QCOMPARE(bench.fileList->selectionModel()->selectedRows().size(), 1);
-    QCOMPARE(bench.fileList->currentRow(), moreThanFit / 2);
-}
-
-void TestMainWindow::theHeaderIsReadableInADarkTheme()
-{
-    const QPalette light = QApplication::palette();
-    QApplication::setPalette(QPalette(QColor(45, 45, 48)));
-    const WindowBench bench;
-    const QImage header = bench.fileList->horizontalHeader()->grab().toImage();
-    QApplication::setPalette(light);
-    int darkest = 255;
-    int lightest = 0;
-    for (int x = 0; x < header.width(); ++x) {
-        for (int y = 0; y < header.height(); ++y) {
-            const int grey = qGray(header.pixel(x, y));
-            darkest = qMin(darkest, grey);
-            lightest = qMax(lightest, grey);
-        }
-    }
-    QVERIFY2(lightest - darkest > 150, qPrintable(QString("%1 on %2").arg(darkest).arg(lightest)));
-}
-
-void TestMainWindow::theLogoLiesBesideTheWorkingDirectory_data()
-{
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<bool>("taken");
-    QBuffer png;
-    QImage(20, 10, QImage::Format_RGB32).save(&png, "PNG");
-    QTest::newRow("a picture") << png.data() << true;
-    QTest::newRow("no picture: the one in the program") << QByteArray("text") << false;
-    QTest::newRow("none: the one in the program") << QByteArray() << false;
-}
-
-void TestMainWindow::theLogoLiesBesideTheWorkingDirectory()
-{
-    QFETCH(QByteArray, file);
-    QFETCH(bool, taken);
-    const QTemporaryDir folder;
-    QVERIFY(QDir(folder.path()).mkdir("images"));
-    QFile picture(folder.filePath("images/ostrel_LOGO_transparent.png"));
-    if (!file.isEmpty())
-        QVERIFY(picture.open(QIODevice::WriteOnly) && picture.write(file) == file.size() && picture.flush());
-    const QString before = QDir::currentPath();
-    QVERIFY(QDir::setCurrent(folder.path()));
-    const WindowBench bench;
-    QVERIFY(QDir::setCurrent(before));
-    const QSize shown = bench.child<QLabel>("logoLabel")->pixmap(Qt::ReturnByValue).size();
-    QCOMPARE(shown == QSize(20, 10), taken);
-    QVERIFY(!shown.isEmpty());
-}
-
 void TestMainWindow::aDropOfNothingUsableEndsQuietly()
 {
     WindowBench bench;
@@ -489,24 +300,6 @@ void TestMainWindow::theReadingDialogReachesTheReader()
     QCOMPARE(reads.size(), 2);
     QCOMPARE(reads.at(0).arguments.size(), 1);
     QCOMPARE(reads.at(1).arguments.mid(1), (QStringList{"-c3", "-f29.97", "-aHIGH"}));
-}
-
-void TestMainWindow::theWindowClosesAtOnceWhenNothingRuns()
-{
-    {
-        const WindowBench bench;
-        bench.child<QAction>("readAudioTCAction")->trigger();
-        bench.window->close();
-        QVERIFY(!bench.window->isVisible());
-        QVERIFY(!topLevel("audioTCWindow")->isVisible());
-    }
-    {
-        const WindowBench bench;
-        bench.child<QAction>("exportAllAction")->trigger();
-        bench.child<QAction>("exitAction")->trigger();
-        QVERIFY(!bench.window->isVisible());
-        QVERIFY(!topLevel("exportWindow")->isVisible());
-    }
 }
 
 QTEST_MAIN(TestMainWindow)

@@ -9,7 +9,6 @@
 #include <QMenu>
 #include <QSignalSpy>
 #include <QTest>
-#include <QTimer>
 
 namespace
 {
@@ -22,30 +21,7 @@ void progress(MainWindow &window, const QString &text)
                               Q_ARG(QString, text));
 }
 
-/// What a batch that has ended reports.
-void endExport(MainWindow &window, int result, const QStringList &failed = {})
-{
-    QMetaObject::invokeMethod(&window, "exportReady", Q_ARG(int, result), Q_ARG(QStringList, failed));
-}
-
-void beginExport(MainWindow &window)
-{
-    QMetaObject::invokeMethod(&window, "onExportStart");
-}
-
-/// What \a box asks; empty when it is no question that is answered with Yes or No, without a default.
-QString questionOf(const MessageBoxAnswers::Box &box)
-{
-    const bool isQuestion = box.icon == "question" && box.buttons == (QMessageBox::Yes | QMessageBox::No) &&
-                            box.defaultButton.isEmpty();
-    return isQuestion ? box.text : QString();
-}
-
-using Ending = std::function<void(WindowBench &)>;
-
 } // namespace
-
-Q_DECLARE_METATYPE(Ending)
 
 class TestMainWindowMessages : public QObject
 {
@@ -66,25 +42,9 @@ private slots:
     void cancellingIsAskedFor();
     void progressAfterCancellingKeepsTheText();
     void cancellingAnExportThatHasEndedDoesNothing();
-    void quittingDuringAnExportIsAskedFor_data();
-    void quittingDuringAnExportIsAskedFor();
-    void aConfirmedQuitClosesWhateverTheResult_data();
-    void aConfirmedQuitClosesWhateverTheResult();
-    void quittingAnExportThatHasEndedQuitsAtOnce_data();
-    void quittingAnExportThatHasEndedQuitsAtOnce();
-    void theEndOfASessionAsksNothing();
-    void theEndOfASessionWithoutExportClosesAtOnce();
     void aWholeExportIsDone();
     void anExportWithFailuresNamesThem();
-    void anExportThatIsEndedLeavesNothing_data();
-    void anExportThatIsEndedLeavesNothing();
-    void theEndOfASessionIsWaitedForUntilNothingIsLeft();
-    void theEndOfASessionClosesWhatStandsOpen_data();
-    void theEndOfASessionClosesWhatStandsOpen();
     void missingToolsAreNamedWithoutWaiting();
-
-private:
-    static bool allShown(const WindowBench &bench, const QStringList &titles);
 };
 
 void TestMainWindowMessages::initTestCase()
@@ -94,20 +54,12 @@ void TestMainWindowMessages::initTestCase()
     qApp->setStyleSheet("QMessageBox { messagebox-text-interaction-flags: 5; }");
 }
 
-bool TestMainWindowMessages::allShown(const WindowBench &bench, const QStringList &titles)
-{
-    QStringList shown;
-    for (const auto &box : bench.boxes.seen())
-        shown += box.title;
-    return bench.boxes.allGiven() && shown == titles;
-}
-
 void TestMainWindowMessages::theAboutBoxTellsVersionAndWebPage()
 {
     WindowBench bench;
     bench.boxes.answerNext(QMessageBox::Ok);
     bench.child<QAction>("aboutAction")->trigger();
-    QVERIFY(allShown(bench, {"About"}));
+    QVERIFY(bench.boxes.answered({"About"}));
     const auto &box = bench.boxes.seen().at(0);
     QCOMPARE(box.format, Qt::RichText);
     QVERIFY(
@@ -140,10 +92,10 @@ void TestMainWindowMessages::aNewerVersionIsAnnounced()
                               Q_ARG(uint, minorVersion), Q_ARG(QString, description),
                               Q_ARG(QUrl, QUrl("http://host/a.zip")));
     if (!announced) {
-        QVERIFY(allShown(bench, {}));
+        QVERIFY(bench.boxes.answered({}));
         return;
     }
-    QVERIFY(allShown(bench, {"New Version Available"}));
+    QVERIFY(bench.boxes.answered({"New Version Available"}));
     const auto &box = bench.boxes.seen().at(0);
     QCOMPARE(box.format, Qt::RichText);
     QCOMPARE(box.icon, QString());
@@ -156,11 +108,11 @@ void TestMainWindowMessages::aNewerVersionIsAnnounced()
 void TestMainWindowMessages::anExportThatStartsOffersToCancel()
 {
     const WindowBench bench;
-    beginExport(*bench.window);
+    bench.beginExport();
     QVERIFY(bench.cancelButton->isVisible());
     QVERIFY(!bench.child<QAction>("exportAction")->isEnabled());
     QVERIFY(!bench.child<QAction>("exportAllAction")->isEnabled());
-    endExport(*bench.window, 1);
+    bench.endExport(1);
     QVERIFY(!bench.cancelButton->isVisible());
     QVERIFY(bench.child<QAction>("exportAction")->isEnabled());
     QVERIFY(bench.child<QAction>("exportAllAction")->isEnabled());
@@ -169,14 +121,14 @@ void TestMainWindowMessages::anExportThatStartsOffersToCancel()
 void TestMainWindowMessages::aFinishedExportIsTold()
 {
     WindowBench bench;
-    beginExport(*bench.window);
+    bench.beginExport();
     progress(*bench.window, "ready");
     bench.boxes.answerNext(QMessageBox::Ok, [&bench] {
         QCOMPARE(bench.status(), QString("Status: ready"));
         QVERIFY2(!bench.child<QAction>("exportAction")->isEnabled(), "until the message has been answered");
     });
-    endExport(*bench.window, 0);
-    QVERIFY(allShown(bench, {"Export Result"}));
+    bench.endExport(0);
+    QVERIFY(bench.boxes.answered({"Export Result"}));
     const auto &box = bench.boxes.seen().at(0);
     QCOMPARE(box.text, QString("Ostrel did the job!"));
     QCOMPARE(box.icon, QString("information"));
@@ -202,10 +154,10 @@ void TestMainWindowMessages::failedFilesAreTold()
 {
     QFETCH(QStringList, names);
     WindowBench bench;
-    beginExport(*bench.window);
+    bench.beginExport();
     bench.boxes.answerNext(QMessageBox::Ok);
-    endExport(*bench.window, 2, names);
-    QVERIFY(allShown(bench, {"Export Result"}));
+    bench.endExport(2, names);
+    QVERIFY(bench.boxes.answered({"Export Result"}));
     QTEST(bench.boxes.seen().at(0).text, "text");
     QCOMPARE(bench.boxes.seen().at(0).icon, QString("information"));
     QCOMPARE(bench.boxes.seen().at(0).format, Qt::PlainText);
@@ -215,9 +167,9 @@ void TestMainWindowMessages::failedFilesAreTold()
 void TestMainWindowMessages::aCancelledExportNeedsNoMessage()
 {
     WindowBench bench;
-    beginExport(*bench.window);
-    endExport(*bench.window, 1);
-    QVERIFY(allShown(bench, {}));
+    bench.beginExport();
+    bench.endExport(1);
+    QVERIFY(bench.boxes.answered({}));
     QCOMPARE(bench.status(), QString("Status: export cancelled"));
     QCOMPARE(bench.progressBar->value(), 0);
 }
@@ -225,10 +177,10 @@ void TestMainWindowMessages::aCancelledExportNeedsNoMessage()
 void TestMainWindowMessages::anUnknownResultChangesNoText()
 {
     WindowBench bench;
-    beginExport(*bench.window);
+    bench.beginExport();
     progress(*bench.window, "exporting files...");
-    endExport(*bench.window, 3);
-    QVERIFY(allShown(bench, {}));
+    bench.endExport(3);
+    QVERIFY(bench.boxes.answered({}));
     QCOMPARE(bench.status(), QString("Status: exporting files..."));
     QVERIFY(!bench.cancelButton->isVisible());
 }
@@ -245,11 +197,11 @@ void TestMainWindowMessages::cancellingIsAskedFor()
     QFETCH(bool, yes);
     WindowBench bench;
     QSignalSpy cancelled(bench.window.get(), &MainWindow::cancelExport);
-    beginExport(*bench.window);
+    bench.beginExport();
     progress(*bench.window, "exporting files...");
     bench.boxes.answerNext(yes ? QMessageBox::Yes : QMessageBox::No);
     QTest::mouseClick(bench.cancelButton, Qt::LeftButton);
-    QVERIFY(allShown(bench, {"Cancel Export"}));
+    QVERIFY(bench.boxes.answered({"Cancel Export"}));
     QCOMPARE(questionOf(bench.boxes.seen().at(0)), QString("Are you sure you want to cancel?"));
     QCOMPARE(cancelled.count(), yes ? 1 : 0);
     QCOMPARE(bench.cancelButton->isVisible(), !yes);
@@ -259,12 +211,12 @@ void TestMainWindowMessages::cancellingIsAskedFor()
 void TestMainWindowMessages::progressAfterCancellingKeepsTheText()
 {
     WindowBench bench;
-    beginExport(*bench.window);
+    bench.beginExport();
     bench.boxes.answerNext(QMessageBox::Yes);
     bench.cancelButton->click();
     progress(*bench.window, "exporting files...");
     QCOMPARE(bench.status(), QString("Status: cancelling export..."));
-    endExport(*bench.window, 1);
+    bench.endExport(1);
     progress(*bench.window, "export cancelled");
     QCOMPARE(bench.status(), QString("Status: export cancelled"));
 }
@@ -273,115 +225,14 @@ void TestMainWindowMessages::cancellingAnExportThatHasEndedDoesNothing()
 {
     WindowBench bench;
     QSignalSpy cancelled(bench.window.get(), &MainWindow::cancelExport);
-    beginExport(*bench.window);
-    bench.boxes.answerNext(QMessageBox::Yes, [&bench] { endExport(*bench.window, 1); });
+    bench.beginExport();
+    bench.boxes.answerNext(QMessageBox::Yes, [&bench] { bench.endExport(1); });
     bench.cancelButton->click();
     QCOMPARE(cancelled.count(), 0);
     QCOMPARE(bench.status(), QString("Status: export cancelled"));
-    beginExport(*bench.window);
+    bench.beginExport();
     progress(*bench.window, "exporting files...");
     QCOMPARE(bench.status(), QString("Status: exporting files..."));
-}
-
-void TestMainWindowMessages::quittingDuringAnExportIsAskedFor_data()
-{
-    QTest::addColumn<bool>("byMenu");
-    QTest::addColumn<bool>("yes");
-    QTest::newRow("by menu, yes") << true << true;
-    QTest::newRow("by menu, no") << true << false;
-    QTest::newRow("by the close box, yes") << false << true;
-    QTest::newRow("by the close box, no") << false << false;
-}
-
-void TestMainWindowMessages::quittingDuringAnExportIsAskedFor()
-{
-    QFETCH(bool, byMenu);
-    QFETCH(bool, yes);
-    WindowBench bench;
-    QSignalSpy cancelled(bench.window.get(), &MainWindow::cancelExport);
-    beginExport(*bench.window);
-    bench.boxes.answerNext(yes ? QMessageBox::Yes : QMessageBox::No);
-    if (byMenu)
-        bench.child<QAction>("exitAction")->trigger();
-    else
-        QVERIFY(!bench.window->close());
-    QVERIFY(allShown(bench, {"Quit Application"}));
-    QCOMPARE(questionOf(bench.boxes.seen().at(0)),
-             QString("Are you sure you want to quit\n(and cancel the export process)?"));
-    QVERIFY(bench.window->isVisible());
-    QCOMPARE(cancelled.count(), yes ? 1 : 0);
-    QCOMPARE(bench.cancelButton->isVisible(), !yes);
-    endExport(*bench.window, 1);
-    QCOMPARE(bench.window->isVisible(), !yes);
-}
-
-void TestMainWindowMessages::aConfirmedQuitClosesWhateverTheResult_data()
-{
-    QTest::addColumn<int>("result");
-    QTest::newRow("all exported meanwhile") << 0;
-    QTest::newRow("cancelled") << 1;
-    QTest::newRow("some failed") << 2;
-    QTest::newRow("unknown") << 3;
-}
-
-void TestMainWindowMessages::aConfirmedQuitClosesWhateverTheResult()
-{
-    QFETCH(int, result);
-    WindowBench bench;
-    bench.child<QAction>("readAudioTCAction")->trigger();
-    beginExport(*bench.window);
-    bench.boxes.answerNext(QMessageBox::Yes);
-    bench.child<QAction>("exitAction")->trigger();
-    QVERIFY(bench.window->isVisible());
-    if (result == 0 || result == 2)
-        bench.boxes.answerNext(QMessageBox::Ok);
-    endExport(*bench.window, result);
-    QVERIFY(bench.boxes.allGiven());
-    QVERIFY(!bench.window->isVisible());
-    QVERIFY(!topLevel("audioTCWindow")->isVisible());
-}
-
-void TestMainWindowMessages::quittingAnExportThatHasEndedQuitsAtOnce_data()
-{
-    QTest::addColumn<bool>("byMenu");
-    QTest::newRow("by menu") << true;
-    QTest::newRow("by the close box") << false;
-}
-
-void TestMainWindowMessages::quittingAnExportThatHasEndedQuitsAtOnce()
-{
-    QFETCH(bool, byMenu);
-    WindowBench bench;
-    QSignalSpy cancelled(bench.window.get(), &MainWindow::cancelExport);
-    beginExport(*bench.window);
-    bench.boxes.answerNext(QMessageBox::Yes, [&bench] { endExport(*bench.window, 1); });
-    if (byMenu)
-        bench.child<QAction>("exitAction")->trigger();
-    else
-        QVERIFY(bench.window->close());
-    QVERIFY(!bench.window->isVisible());
-    QCOMPARE(cancelled.count(), 0);
-}
-
-void TestMainWindowMessages::theEndOfASessionAsksNothing()
-{
-    WindowBench bench;
-    QSignalSpy cancelled(bench.window.get(), &MainWindow::cancelExport);
-    beginExport(*bench.window);
-    bench.window->quitWithoutAsking();
-    QCOMPARE(cancelled.count(), 1);
-    QVERIFY(bench.window->isVisible());
-    QVERIFY2(!bench.window->close(), "closed by the session again, without a question");
-    endExport(*bench.window, 0);
-    QVERIFY(allShown(bench, {}));
-    QVERIFY(!bench.window->isVisible());
-}
-
-void TestMainWindowMessages::theEndOfASessionWithoutExportClosesAtOnce()
-{
-    WindowBench bench;
-    bench.window->quitWithoutAsking();
-    QVERIFY(!bench.window->isVisible());
 }
 
 void TestMainWindowMessages::aWholeExportIsDone()
@@ -409,82 +260,6 @@ void TestMainWindowMessages::anExportWithFailuresNamesThem()
     QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.allGiven(), patience);
     QCOMPARE(bench.boxes.seen().at(0).text,
              QString("Export finished.\nErrors occured with the folliwing files:\nb.mov"));
-}
-
-void TestMainWindowMessages::anExportThatIsEndedLeavesNothing_data()
-{
-    QTest::addColumn<Ending>("end");
-    QTest::addColumn<bool>("windowStays");
-    QTest::newRow("cancelled") << Ending([](WindowBench &bench) {
-        bench.boxes.answerNext(QMessageBox::Yes);
-        QTest::mouseClick(bench.cancelButton, Qt::LeftButton);
-    }) << true;
-    QTest::newRow("quit by menu") << Ending([](WindowBench &bench) {
-        bench.boxes.answerNext(QMessageBox::Yes);
-        bench.child<QAction>("exitAction")->trigger();
-    }) << false;
-    QTest::newRow("quit by the close box") << Ending([](WindowBench &bench) {
-        bench.boxes.answerNext(QMessageBox::Yes);
-        bench.window->close();
-    }) << false;
-    QTest::newRow("terminated") << Ending([](WindowBench &bench) { bench.window->quitWithoutAsking(); })
-                                << false;
-    QTest::newRow("the session ends")
-        << Ending([](WindowBench &bench) { bench.window->onSessionEnd(); }) << false;
-}
-
-void TestMainWindowMessages::anExportThatIsEndedLeavesNothing()
-{
-    QFETCH(Ending, end);
-    QFETCH(bool, windowStays);
-    WindowBench bench;
-    QVERIFY(bench.startHangingExport());
-    end(bench);
-    QTRY_VERIFY_WITH_TIMEOUT(!bench.child<QPushButton>("cancelButton")->isVisible(), patience);
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: export cancelled"), patience);
-    QCOMPARE(bench.exportedFiles(), QStringList());
-    QVERIFY(!faketools::isAlive(bench.hangingTool()));
-    QCOMPARE(bench.window->isVisible(), windowStays);
-}
-
-void TestMainWindowMessages::theEndOfASessionIsWaitedForUntilNothingIsLeft()
-{
-    WindowBench bench;
-    QVERIFY(bench.startHangingExport());
-    bench.window->onSessionEnd();
-    QCOMPARE(bench.exportedFiles(), QStringList());
-    QVERIFY(!faketools::isAlive(bench.hangingTool()));
-    QVERIFY(!bench.window->isVisible());
-}
-
-void TestMainWindowMessages::theEndOfASessionClosesWhatStandsOpen_data()
-{
-    QTest::addColumn<Ending>("open");
-    QTest::newRow("the question about cancelling")
-        << Ending([](WindowBench &bench) { bench.cancelButton->click(); });
-    QTest::newRow("the question about quitting")
-        << Ending([](WindowBench &bench) { bench.child<QAction>("exitAction")->trigger(); });
-    QTest::newRow("the result of the export")
-        << Ending([](WindowBench &bench) { endExport(*bench.window, 0); });
-    QTest::newRow("the About box") << Ending(
-        [](WindowBench &bench) { bench.child<QAction>("aboutAction")->trigger(); });
-}
-
-void TestMainWindowMessages::theEndOfASessionClosesWhatStandsOpen()
-{
-    QFETCH(Ending, open);
-    WindowBench bench;
-    beginExport(*bench.window);
-    bool stoodOpen = false;
-    QTimer::singleShot(0, bench.window.get(), [&] {
-        stoodOpen = QApplication::activeModalWidget();
-        bench.window->quitWithoutAsking();
-    });
-    open(bench);
-    QVERIFY(stoodOpen);
-    QVERIFY(!QApplication::activeModalWidget());
-    endExport(*bench.window, 1);
-    QVERIFY(!bench.window->isVisible());
 }
 
 void TestMainWindowMessages::missingToolsAreNamedWithoutWaiting()

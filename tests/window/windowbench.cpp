@@ -79,6 +79,16 @@ void WindowBench::startExport()
     QTest::mouseClick(dialog->findChild<QPushButton *>("exportButton"), Qt::LeftButton);
 }
 
+void WindowBench::beginExport() const
+{
+    QMetaObject::invokeMethod(window.get(), "onExportStart");
+}
+
+void WindowBench::endExport(int result, const QStringList &failed) const
+{
+    QMetaObject::invokeMethod(window.get(), "exportReady", Q_ARG(int, result), Q_ARG(QStringList, failed));
+}
+
 bool WindowBench::startHangingExport()
 {
     faketools::setPlan(addFile(hangingFile), {{"export", QJsonObject{{"hang", true}}}});

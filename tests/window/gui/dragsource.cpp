@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 
 // A program to drag files from, as a file manager is: a small window in the corner of the screen. Dragging in
-// it drags the files that are named as arguments. It prints "welcome" when what is under the pointer would take
-// them, and after the drop "accepted" or "refused". It stays, as the receiver asks for the files only then. With --print-selection it prints the text that is selected by
-// mouse anywhere on the display instead.
+// it drags the files that are named as arguments. It prints "welcome" when what is under the pointer would
+// take them, and after the drop "accepted" or "refused". It stays, as the receiver asks for the files only
+// then. With --print-selection it prints the text that is selected by mouse anywhere on the display instead.
 
 #include <QApplication>
 #include <QClipboard>
