@@ -77,6 +77,36 @@ std::vector<int> channelsWithout(int count, int dropped)
     return channels;
 }
 
+/// Takes what "-map" names into \a plan; an audio stream gets a group of its own in \a groups.
+void addMapped(const std::string &value, ExportPlan &plan, std::vector<ChannelGroup> &groups)
+{
+    plan.streamsAreNamed = true;
+    const auto stream = value.starts_with("0:") ? numberFrom(value.substr(2)) : std::nullopt;
+    if (stream) {
+        plan.tracks.push_back({*stream, {}, {}});
+        groups.emplace_back();
+    } else if (value == "0:v") {
+        plan.takesPicture = true;
+    } else if (value != "-0:d") { // data streams are not taken unless they are named
+        throw Refusal("the stream \"" + value + "\" is not understood");
+    }
+}
+
+/// The channels of the source's audio stream \a index that stay, by \a group and by what the application
+/// knows of the timecode's place; empty where all do.
+std::vector<int> keptChannels(const ChannelGroup &group, int index, const Stream &stream,
+                              std::optional<ChannelPosition> timecodeChannel)
+{
+    if (!group.singledOut && group.listed.empty())
+        return {};
+    const bool isKnown = timecodeChannel && timecodeChannel->first == index;
+    const int channel = isKnown ? timecodeChannel->second : group.timecodeChannel(stream);
+    if (channel < 0 || channel >= stream.channels || stream.channels < 2)
+        throw Refusal("the audio stream " + std::to_string(index) + " has no channel " +
+                      std::to_string(channel) + " beside others");
+    return channelsWithout(stream.channels, channel);
+}
+
 } // namespace
 
 Container containerOf(const std::string &path)
@@ -115,17 +145,7 @@ ExportPlan planOf(const ArgumentList &list, const Source &source,
     std::vector<ChannelGroup> groups; // one for every track
     for (const Option &option : output.options) {
         if (option.name == "-map") {
-            plan.streamsAreNamed = true;
-            const auto position =
-                option.value.starts_with("0:") ? numberFrom(option.value.substr(2)) : std::nullopt;
-            if (position) {
-                plan.tracks.push_back({*position, {}, {}});
-                groups.emplace_back();
-            } else if (option.value == "0:v") {
-                plan.takesPicture = true;
-            } else if (option.value != "-0:d") { // data streams are not taken unless they are named
-                throw Refusal("the stream \"" + option.value + "\" is not understood");
-            }
+            addMapped(option.value, plan, groups);
         } else if (option.name == "-map_channel" && !groups.empty()) {
             groups.back().add(option.value);
         } else if (option.name == "-acodec") {
@@ -144,15 +164,8 @@ ExportPlan planOf(const ArgumentList &list, const Source &source,
 
     for (std::size_t i = 0; i < groups.size(); ++i) {
         AudioTrack &track = plan.tracks[i];
-        const Stream &stream = audioStreamOf(source, track.stream);
-        if (!groups[i].singledOut && groups[i].listed.empty())
-            continue;
-        const bool isKnown = timecodeChannel && timecodeChannel->first == track.stream;
-        const int channel = isKnown ? timecodeChannel->second : groups[i].timecodeChannel(stream);
-        if (channel < 0 || channel >= stream.channels || stream.channels < 2)
-            throw Refusal("the audio stream " + std::to_string(track.stream) + " has no channel " +
-                          std::to_string(channel) + " beside others");
-        track.channels = channelsWithout(stream.channels, channel);
+        track.channels =
+            keptChannels(groups[i], track.stream, audioStreamOf(source, track.stream), timecodeChannel);
     }
     return plan;
 }

@@ -15,6 +15,8 @@ struct FrameRate {
     /// and for rates above 1000, which the tools print for damaged files.
     static FrameRate fromText(std::string_view text);
 
+    bool operator==(const FrameRate &) const = default;
+
     bool isValid() const { return numerator > 0 && denominator > 0; }
     double perSecond() const { return static_cast<double>(numerator) / static_cast<double>(denominator); }
 

@@ -24,6 +24,8 @@ struct Stream {
     double start = 0.0;             ///< [s] time stamp of the first frame
     double duration = 0.0;          ///< [s]; 0 where the file does not tell
     std::string timecode;           ///< start timecode; empty where the stream has none
+
+    bool operator==(const Stream &) const = default;
 };
 
 /// What the probe tool says of one media file.
@@ -32,6 +34,8 @@ struct Source {
     double start = 0.0;          ///< [s] time stamp of what comes first in the file
     double duration = 0.0;       ///< [s] of the longest stream; 0 where the file does not tell
     std::string timecode;        ///< start timecode of the file as a whole; empty where it has none
+
+    bool operator==(const Source &) const = default;
 
     /// Index of the first moving picture, -1 where there is none.
     int firstPicture() const;

@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "app/recordtypes.h"
+#include "ffmpeg/exporthints.h"
 #include "ffmpeg/ffmpeghandler.h"
 #include "tests/export-matrix/exportcase.h"
 #include "tests/export-matrix/sourcelist.h"
+#include "tests/export-matrix/toolrun.h"
 #include "tests/export-matrix/wantedlist.h"
 #include "tests/fakes/faketools.h"
+#include "tooladapter/source.h"
 
 #include <QDir>
+#include <QMap>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -22,6 +26,15 @@ private slots:
     void initTestCase();
     void theToolGetsTheWantedList_data();
     void theToolGetsTheWantedList();
+    void theToolIsToldWhatAProbeFinds_data();
+    void theToolIsToldWhatAProbeFinds();
+
+private:
+    void addSources();
+    MadeFile sourceOf(int index);
+
+    QTemporaryDir folder;
+    QMap<int, MadeFile> sources; ///< made so far, by their place in the list
 };
 
 void TestExportLists::initTestCase()
@@ -29,24 +42,35 @@ void TestExportLists::initTestCase()
     registerRecordTypes();
 }
 
-void TestExportLists::theToolGetsTheWantedList_data()
+void TestExportLists::addSources()
 {
     QTest::addColumn<int>("index");
-    const QVector<SourceFile> sources = allSources();
-    for (int i = 0; i < sources.size(); ++i)
-        QTest::newRow(qPrintable(sources.at(i).name)) << i;
+    const QVector<SourceFile> all = allSources();
+    for (int i = 0; i < all.size(); ++i)
+        QTest::newRow(qPrintable(all.at(i).name)) << i;
+}
+
+MadeFile TestExportLists::sourceOf(int index)
+{
+    if (!sources.contains(index))
+        sources[index] = makeSource(allSources().at(index), folder.path());
+    return sources[index];
+}
+
+void TestExportLists::theToolGetsTheWantedList_data()
+{
+    addSources();
 }
 
 void TestExportLists::theToolGetsTheWantedList()
 {
     QFETCH(int, index);
     constexpr int longWait = 60'000; // [ms]
-    const QTemporaryDir folder;
-    const MadeFile made = makeSource(allSources().at(index), folder.path());
+    const MadeFile made = sourceOf(index);
     const QVector<ExportOptions> all = optionsFor(made.source, false);
     for (int i = 0; i < all.size(); ++i) {
         ExportOptions options = all.at(i);
-        options.exportDir = folder.filePath(QString("out %1").arg(i));
+        options.exportDir = folder.filePath(QString("out %1 %2").arg(index).arg(i));
         QVERIFY(QDir().mkpath(options.exportDir));
         FFMpegHandler handler(nullptr);
         QSignalSpy result(&handler, &FFMpegHandler::ffmpegExportResult);
@@ -57,6 +81,27 @@ void TestExportLists::theToolGetsTheWantedList()
         QCOMPARE(calls.last().tool, QString("ffmpeg.exe"));
         QCOMPARE(calls.last().arguments, wantedList(made.record, options));
     }
+}
+
+void TestExportLists::theToolIsToldWhatAProbeFinds_data()
+{
+    addSources();
+}
+
+void TestExportLists::theToolIsToldWhatAProbeFinds()
+{
+    QFETCH(int, index);
+    const MadeFile made = sourceOf(index);
+    QStringList arguments;
+    for (const std::string &argument :
+         tooladapter::probeArguments(made.record.absoluteFilePath.toStdString()))
+        arguments += QString::fromStdString(argument);
+    const ToolRun probe = runTool("ffprobe", arguments);
+    const QString told = exporthints::sourceDescription(made.record);
+    QVERIFY(!told.isEmpty());
+    QVERIFY2(tooladapter::parseProbe(told.toStdString()) ==
+                 tooladapter::parseProbe(probe.output.toStdString()),
+             qPrintable(told + "\ninstead of\n" + probe.output));
 }
 
 QTEST_GUILESS_MAIN(TestExportLists)

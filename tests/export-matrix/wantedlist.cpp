@@ -46,6 +46,14 @@ private:
         return file.suffix;
     }
 
+    QVector<int> audioStreams() const
+    {
+        QVector<int> indexes;
+        for (const char byte : file.audioStreamMap)
+            indexes += static_cast<signed char>(byte);
+        return indexes;
+    }
+
     QJsonObject stream(int index) const { return file.streams.at(index).toObject(); }
     int channels(int index) const { return stream(index)["channels"].toInt(); }
 
@@ -59,7 +67,7 @@ private:
             words("pcm_s24be pcm_s24le pcm_s16be pcm_s16le pcm_s32be pcm_s32le pcm_alaw pcm_f32be pcm_f32le "
                   "pcm_f64be pcm_f64le pcm_mulaw pcm_s8 pcm_u16be pcm_u16le pcm_u24be pcm_u24le pcm_u32be "
                   "pcm_u32le pcm_u8 aac ac3");
-        const QString own = stream(index)["codec_name"].toString();
+        QString own = stream(index)["codec_name"].toString();
         if (kept.contains(own))
             return own;
         return written == "WAV" && !options.muteAudioTC ? "pcm_s24le" : "pcm_s24be";
@@ -80,7 +88,8 @@ private:
     QStringList codecForAll() const
     {
         int widest = -1;
-        for (const char index : file.audioStreamMap) {
+        const QVector<int> indexes = audioStreams();
+        for (const int index : indexes) {
             if (widest < 0 || channels(index) > channels(widest))
                 widest = index;
         }
@@ -90,11 +99,12 @@ private:
     QStringList streamsWithoutTimecode() const
     {
         QStringList list;
-        for (const char index : file.audioStreamMap) {
+        const QVector<int> indexes = audioStreams();
+        for (const int index : indexes) {
             const bool carriesTimecode = index == file.audioStreamIndex;
             if (carriesTimecode && channels(index) == 1)
                 continue;
-            list += words(QString("-map 0:%1").arg(int(index)));
+            list += words(QString("-map 0:%1").arg(index));
             if (carriesTimecode)
                 list += written == "WAV" ? channelsOfWave() : channelsOfMovie();
             list += QStringList{"-acodec", chosenCodec(index)};

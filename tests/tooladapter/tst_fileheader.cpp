@@ -175,6 +175,8 @@ QByteArray format(quint64 channels, quint64 bytesPerSecond)
                  little(1, 2) + little(channels, 2) + little(8000, 4) + little(bytesPerSecond, 4) + zeros(4));
 }
 
+constexpr quint64 tenElevenTwelve = 36672; // [s] 10:11:12
+
 /// What was read, as one text.
 QString textOf(const Source &file)
 {
@@ -244,7 +246,7 @@ void TestFileHeader::headersAreRead_data()
               "picture 86400 s");
     const QByteArray place = list("stco", 1, big(sampleAt, 4));
     quickTime("timecode", track("tmcd", second, timecodeDescription(25, false), {}, place),
-              "other 1 s from 10:11:12:13", 36672 * 25 + 13);
+              "other 1 s from 10:11:12:13", tenElevenTwelve * 25 + 13);
     quickTime("drop-frame timecode, at a place of 64 bits",
               track("tmcd", second, timecodeDescription(30, true), {}, list("co64", 1, big(sampleAt, 8))),
               "other 1 s from 00:10:00;00", 17982);
@@ -252,7 +254,8 @@ void TestFileHeader::headersAreRead_data()
         << ".mov" << longAtom("mdat", zeros(100)) + atom("moov", timeHeader("mvhd", 0, 1000) + picture)
         << "picture 2 s";
 
-    const QByteArray tracks = mxfTrack(30000, 1001) + mxfSequence(60) + mxfTimecode(36672 * 30, 30, false);
+    const QByteArray tracks =
+        mxfTrack(30000, 1001) + mxfSequence(60) + mxfTimecode(tenElevenTwelve * 30, 30, false);
     QTest::newRow("MXF") << ".MXF" << mxf(tracks + set("51", {}) + mxfSound(1) + mxfSound(3))
                          << "picture 2.002 s, 1 channels 2.002 s, 3 channels 2.002 s from 10:11:12:00";
     QTest::newRow("MXF ends with its shortest track")
