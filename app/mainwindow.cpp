@@ -238,6 +238,7 @@ void MainWindow::connectWorker()
     connect(&workerThread, &QThread::finished, mainControl, &MainControl::shutDown);
     connect(fileList, &FileList::importBusyChanged, this, &MainWindow::onImportBusyChanged);
     connect(fileList, &FileList::iterateThroughDirReq, this, &MainWindow::confirmDrop);
+    connect(fileList, &FileList::exportFilesReq, this, &MainWindow::onExportRequest);
 }
 
 /// Lets the table know when the controller has taken the drop: the call goes through its thread and back,

@@ -8,6 +8,7 @@
 #include <QStringList>
 #include <QThread>
 #include <QUrl>
+#include <QVector>
 
 class AudioTCWindow;
 class ExportWindow;
@@ -80,7 +81,9 @@ private:
 
     void showExportWindow(bool all);
     void bringUp(QWidget *dialog);
+    void onExportRequest(const QVector<FileData> &files);
     void setExportRunning(bool running);
+    void offerExports(bool offered);
     bool confirmed(const QString &title, const QString &question);
     bool mayQuitNow();
     void startCancelling();

@@ -80,6 +80,13 @@ void MainWindow::onImportBusyChanged(bool busy)
     }
 }
 
+/// The worker may be a while in taking the request; another export must not be asked for meanwhile.
+void MainWindow::onExportRequest(const QVector<FileData> &files)
+{
+    if (!files.isEmpty()) // an export of nothing never starts
+        offerExports(false);
+}
+
 void MainWindow::onExportStart()
 {
     setExportRunning(true);
@@ -89,10 +96,15 @@ void MainWindow::onExportStart()
 void MainWindow::setExportRunning(bool running)
 {
     exportRunning = running;
-    // A second export would overwrite the count of the first.
-    exportAction->setEnabled(!running);
-    exportAllAction->setEnabled(!running);
-    exportWindow->setEnabled(!running);
+    offerExports(!running);
+}
+
+/// A second export would overwrite the count of the first.
+void MainWindow::offerExports(bool offered)
+{
+    exportAction->setEnabled(offered);
+    exportAllAction->setEnabled(offered);
+    exportWindow->setEnabled(offered);
 }
 
 bool MainWindow::confirmed(const QString &title, const QString &question)

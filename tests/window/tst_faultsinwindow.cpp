@@ -7,6 +7,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QSemaphore>
 #include <QTest>
 #include <QThread>
 
@@ -62,6 +63,7 @@ private slots:
     void initTestCase() { registerRecordTypes(); }
     void aDropAtTheEndOfAnImportKeepsItsRows();
     void aDropThatWaitsForAFailedReadingKeepsItsRows();
+    void aSecondExportIsNotOfferedWhileTheFirstIsOnItsWay();
 };
 
 void TestFaultsInWindow::aDropAtTheEndOfAnImportKeepsItsRows()
@@ -110,6 +112,30 @@ void TestFaultsInWindow::aDropThatWaitsForAFailedReadingKeepsItsRows()
     QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), patience);
     tryToDeleteAll(bench);
     QCOMPARE(bench.fileList->rowCount(), 0);
+}
+
+void TestFaultsInWindow::aSecondExportIsNotOfferedWhileTheFirstIsOnItsWay()
+{
+    WindowBench bench;
+    bench.addFile("a.mov");
+    QVERIFY(bench.import());
+    const auto *exportAll = bench.child<QAction>("exportAllAction");
+    QSemaphore workerMayGoOn;
+    auto *inWorker = new QObject;
+    inWorker->moveToThread(bench.child<QThread>("workerThread"));
+    connect(bench.child<QThread>("workerThread"), &QThread::finished, inWorker, &QObject::deleteLater);
+    QMetaObject::invokeMethod(inWorker, [&workerMayGoOn] { workerMayGoOn.acquire(); });
+
+    bench.startExport();
+    const bool isOffered = exportAll->isEnabled();
+    workerMayGoOn.release();
+    QVERIFY2(!isOffered, "both would write the same files and count as one");
+    bench.boxes.answerNext(QMessageBox::Ok);
+    QTRY_VERIFY_WITH_TIMEOUT(exportAll->isEnabled(), patience);
+    QCOMPARE(bench.exportedFiles(), QStringList{"a.mov"});
+    tryToDeleteAll(bench);
+    bench.startExport(); // of nothing, which never starts
+    QVERIFY(exportAll->isEnabled());
 }
 
 QTEST_MAIN(TestFaultsInWindow)
