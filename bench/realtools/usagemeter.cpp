@@ -59,7 +59,7 @@ double Usage::mostProcesses() const
 double Usage::meanProcesses() const
 {
     const double sum = std::accumulate(processes.cbegin(), processes.cend(), 0.0,
-                                       [](double sum, const QPointF &count) { return sum + count.y(); });
+                                       [](double soFar, const QPointF &count) { return soFar + count.y(); });
     return processes.isEmpty() ? 0.0 : sum / processes.size();
 }
 

@@ -50,6 +50,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     sibling.setLinkedAudioTC(3, file.audioTC, file.audioTCResult);
     if (!timecode.isEmpty())
         exportpromises::checkExport(sibling, options, 1);
-    celltexts::linkedTimecodeToolTip(sibling, file);
+    celltexts::linkedTimecodeToolTip(sibling.audioTCResult, file.fileName);
     return 0;
 }
