@@ -73,7 +73,7 @@ QString about()
 QString missingTools(const QStringList &programs)
 {
     const QStringList ours = programs.filter(".exe");
-    QString text = translated("These tools were not found:") + ' ' + programs.join(", ") + ".\n\n";
+    QString text = translated("These tools were not found:") + '\n' + programs.join(", ") + "\n\n";
     if (ours.size() < programs.size())
         text += translated("Install the package \"ffmpeg\" of your system.") + '\n';
     if (!ours.isEmpty())

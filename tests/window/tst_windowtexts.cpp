@@ -120,8 +120,8 @@ void TestWindowTexts::missingToolsAreNamedWithTheirRemedy()
 {
     QFETCH(QStringList, programs);
     QFETCH(QStringList, remedies);
-    QCOMPARE(windowtexts::missingTools(programs), "These tools were not found: " + programs.join(", ") +
-                                                      ".\n\n" + remedies.join('\n') +
+    QCOMPARE(windowtexts::missingTools(programs), "These tools were not found:\n" + programs.join(", ") +
+                                                      "\n\n" + remedies.join('\n') +
                                                       "\n\nFiles cannot be read or exported without them.");
 }
 
