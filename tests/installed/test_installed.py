@@ -19,6 +19,8 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "window"
 import desktop  # noqa: E402
 from desktop import Program, click, drag, press, wait_for  # noqa: E402
 
+desktop.PATIENCE = 600  # seconds; real tools read and write here
+
 
 def report_rows(report):
     """The rows of the demo's table as lists of cells; the ruler under the head tells where columns begin."""
@@ -67,10 +69,12 @@ class InstalledProgramTest(unittest.TestCase):
     def import_media(self):
         source, accepted = drag(os.environ["OSTREL_DRAG_SOURCE"], [self.demo / "media"],
                                 self.program.get("table", "Imported files"))
-        with source:  # it gives the mouse back when it ends
-            self.assertTrue(accepted, "the drop is accepted")
-            self.program.wait_status("Status: import ready")
-            source.kill()
+        with source:
+            try:
+                self.assertTrue(accepted, "the drop is accepted")
+                self.program.wait_status("Status: import ready")
+            finally:
+                source.kill()  # it holds the mouse until it ends
 
     def export_all(self):
         self.program.menu("f", "Return")
