@@ -72,20 +72,23 @@ struct NumberedSum {
     FrameNumbering numbering;
     double numberFit = 0.0; ///< of the frame numbers
     std::vector<std::array<Likelihoods, digitCount>> seconds;
+    std::array<Likelihoods, digitCount> whole{}; ///< all seconds, for digits that stand still
 };
 
 NumberedSum sumUnder(const FrameNumbering &numbering, const std::vector<DigitLikelihoods> &frames)
 {
     const int count = static_cast<int>(frames.size());
-    NumberedSum sum{numbering, 0.0, {}};
+    NumberedSum sum{numbering, 0.0, {}, {}};
     sum.seconds.resize(static_cast<std::size_t>(secondsTouched(numbering, count)));
     for (int frame = 0; frame < count; ++frame) {
         const auto [second, number] = placeOf(numbering, frame);
         const DigitLikelihoods &likelihoods = frames[static_cast<std::size_t>(frame)];
         sum.numberFit += likelihoods.frameUnits[static_cast<std::size_t>(number % 10)] +
                          likelihoods.frameTens[static_cast<std::size_t>(number / 10)];
-        for (std::size_t digit = 0; digit < digitCount; ++digit)
+        for (std::size_t digit = 0; digit < digitCount; ++digit) {
             add(sum.seconds[static_cast<std::size_t>(second)][digit], likelihoods.digits[digit]);
+            add(sum.whole[digit], likelihoods.digits[digit]);
+        }
     }
     return sum;
 }
@@ -107,16 +110,12 @@ int likeliest(const Likelihoods &likelihoods, std::uint32_t allowed)
 void evaluate(const NumberedSum &sum, Hypothesis &hypothesis)
 {
     double assumedFit = sum.numberFit;
-    std::array<Likelihoods, digitCount> open{};
     Digits digits{};
     for (std::size_t second = 0; second < sum.seconds.size(); ++second) {
         digits = digitsAfter(hypothesis, static_cast<int>(second));
         for (std::size_t digit = 0; digit < digitCount; ++digit) {
-            if (digits[digit] < 0) {
-                add(open[digit], sum.seconds[second][digit]);
-            } else {
+            if (digits[digit] >= 0)
                 assumedFit += sum.seconds[second][digit][static_cast<std::size_t>(digits[digit])];
-            }
         }
     }
     hypothesis.fit = -1e30F;
@@ -130,11 +129,11 @@ void evaluate(const NumberedSum &sum, Hypothesis &hypothesis)
         for (std::size_t digit = 0; digit < digitCount; ++digit) {
             if (digits[digit] >= 0)
                 continue;
-            const int value = likeliest(open[digit], allowed[digit]);
+            const int value = likeliest(sum.whole[digit], allowed[digit]);
             possible = possible && value >= 0;
             if (!possible)
                 break;
-            fit += open[digit][static_cast<std::size_t>(value)];
+            fit += sum.whole[digit][static_cast<std::size_t>(value)];
             bits |= static_cast<FrameBits>(value) << digitFields[digit].first;
         }
         if (possible && fit > static_cast<double>(hypothesis.fit)) {

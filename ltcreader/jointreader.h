@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/conditioner.h"
 #include "ltcreader/jointdecision.h"
 
 #include <optional>
@@ -19,9 +18,6 @@ struct JointReading {
     double level = 0.0;       ///< [full scale] RMS of the timecode
     int frames = 0;           ///< complete and incomplete ones
     bool inverted = false;    ///< frames begin with a falling edge
-    double syncScore = 0.0;   ///< [standard deviations]
-    double clockStrength = 0.0;
-    FrontEnd frontEnd = FrontEnd::Flat;
 };
 
 /// Reads one channel whose edges cannot be seen; nothing where the reading is not beyond reasonable doubt. \a

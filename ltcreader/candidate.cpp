@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#include "ltcreader/candidate.h"
+
+#include "ltcreader/equaliser.h"
+#include "ltcreader/frame.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+namespace ltcreader
+{
+namespace
+{
+
+constexpr std::size_t clocksPerFrontEnd = 3;
+constexpr double leastSyncScore = 5.0; // chance reaches 3.5 among 160 places
+
+/// Cuts \a sound by \a clock in the ways that suit the front end, and keeps what shows sync words.
+void addCandidates(const Conditioner &conditioner, FrontEnd frontEnd,
+                   std::shared_ptr<const Conditioned> sound, const Clock &clock,
+                   std::vector<Candidate> &candidates)
+{
+    const auto add = [&](const HalfBits &halfBits) {
+        Candidate candidate{frontEnd, sound, clock, findFrames(halfBits)};
+        if (candidate.grid.score >= leastSyncScore)
+            candidates.push_back(std::move(candidate));
+    };
+    if (frontEnd == FrontEnd::Whitened) {
+        const double frameRate = sound->sampleRate / (bitsPerFrame * clock.bitLength);
+        sound = std::make_shared<Conditioned>(conditioner.prepare(frontEnd, frameRate));
+        const HalfBits halfBits = sumHalfBits(*sound, clock, 0.0);
+        add(halfBits);
+        add(equalise(halfBits, *sound, 0.5 * clock.bitLength / sound->sampleRate));
+    } else {
+        add(sumHalfBits(*sound, clock, 0.0));
+    }
+}
+
+} // namespace
+
+double Candidate::frameRate() const
+{
+    return sound->sampleRate / (bitsPerFrame * clock.bitLength);
+}
+
+std::vector<Candidate> findCandidates(const std::vector<float> &samples, int sampleRate)
+{
+    const Conditioner conditioner(samples, sampleRate);
+    std::vector<Candidate> candidates;
+    for (const FrontEnd frontEnd : {FrontEnd::Whitened, FrontEnd::Flat, FrontEnd::Restored}) {
+        const auto sound = std::make_shared<Conditioned>(conditioner.prepare(frontEnd));
+        for (const Clock &clock : findClocks(*sound, clocksPerFrontEnd))
+            addCandidates(conditioner, frontEnd, sound, clock, candidates);
+    }
+    std::sort(candidates.begin(), candidates.end(),
+              [](const Candidate &a, const Candidate &b) { return a.grid.score > b.grid.score; });
+    return candidates;
+}
+
+} // namespace ltcreader
