@@ -19,10 +19,14 @@ Verdict judge(const Case &recording, const std::optional<Answer> &answer)
     const LtcSignal &signal = recording.truth->signal;
     const bool label = testsignals::text(testsignals::startTime(signal), signal.rate) ==
                        testsignals::text(answer->start, answer->rate);
-    const bool ntscCounts = recording.truth->speedKnown || signal.rate.dropFrame;
-    const bool rate =
-        answer->rate.base == signal.rate.base && (!ntscCounts || answer->rate.ntsc == signal.rate.ntsc);
-    return label && rate ? Verdict::Right : Verdict::Wrong;
+    return label && isRateRight(*recording.truth, *answer) ? Verdict::Right : Verdict::Wrong;
+}
+
+bool isRateRight(const Truth &truth, const Answer &answer)
+{
+    const LtcRate rate = truth.signal.rate;
+    const bool ntscCounts = truth.speedKnown || rate.dropFrame;
+    return answer.rate.base == rate.base && (!ntscCounts || answer.rate.ntsc == rate.ntsc);
 }
 
 double positionError(const Truth &truth, const Answer &answer)

@@ -50,6 +50,10 @@ enum class Verdict {
 
 Verdict judge(const Case &recording, const std::optional<Answer> &answer);
 
+/// Whether the answer's rate class (23.976, 24, 25, 29.97, 30) is the timecode's; where the speed was
+/// changed, whether its base is.
+bool isRateRight(const Truth &truth, const Answer &answer);
+
 /// [samples] between the answer's position and the true one, across midnight the shorter way.
 double positionError(const Truth &truth, const Answer &answer);
 

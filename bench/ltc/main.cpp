@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "bench/ltc/csv.h"
 #include "bench/ltc/measurement.h"
 #include "bench/ltc/plot.h"
 #include "bench/ltc/report.h"
@@ -6,12 +7,13 @@
 #include "tests/support/othersounds.h"
 #include "tests/support/wavfile.h"
 
-#include <cstdio>
-#include <cstdlib>
+#include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <set>
+#include <sstream>
 #include <stdexcept>
 
 using namespace ltcbench;
@@ -30,6 +32,7 @@ Measures how LTCReader's decoder reads timecode under graded impairments, and li
   --quick          5 recordings for each grade, 20 for each sound
   --ours           without libltc, for a faster run
   --csv FILE       writes all figures as comma-separated values
+  --merge FILE     instead of measuring takes the figures of an earlier run's --csv; may be given several times
   --page FILE      writes the results as a page of documentation (Markdown)
   --plots FOLDER   writes an SVG picture for each section
   --list           prints the names of all curves and sounds
@@ -43,6 +46,7 @@ Exit code: 0; 1 when LTCReader gave a wrong timecode; 2 when something was wrong
 struct Options {
     Extent extent;
     std::vector<std::string> only;
+    std::vector<std::string> merged;
     std::string csv;
     std::string page;
     std::string plots;
@@ -87,6 +91,8 @@ Options parse(const std::vector<std::string> &arguments)
             options.extent.compare = false;
         } else if (name == "--csv") {
             options.csv = value();
+        } else if (name == "--merge") {
+            options.merged.push_back(value());
         } else if (name == "--page") {
             options.page = value();
         } else if (name == "--plots") {
@@ -158,60 +164,103 @@ int runCase(const Options &options)
     return wrong ? 1 : 0;
 }
 
-int run(const Options &options)
+std::string contentsOf(const std::string &path)
+{
+    std::ifstream file(path);
+    std::stringstream text;
+    text << file.rdbuf();
+    if (!file)
+        throw std::runtime_error(path + " could not be read");
+    return text.str();
+}
+
+void sayWhatIsLeftOut(const Options &options)
 {
     for (const testsignals::LossyCodec &codec : testsignals::lossyCodecs()) {
         if (isWanted(options, "Codecs", codec.name) && !testsignals::isAvailable(codec))
             std::cout << "left out: " << codec.name << " (this ffmpeg has no encoder \"" << codec.encoder
                       << "\")\n";
     }
-    int wrong = 0;
-    const ReportWrong reportWrong = [&wrong](const std::string &name, const Case &recording,
-                                             const Answer &answer) {
-        ++wrong;
+}
+
+/// Measures what is wanted and prints each result as it comes.
+Results measure(const Options &options)
+{
+    sayWhatIsLeftOut(options);
+    const ReportWrong reportWrong = [](const std::string &name, const Case &recording, const Answer &answer) {
         std::cout << textOfWrong(name, recording, answer) << std::flush;
     };
-    std::vector<CurveResult> curves;
-    std::set<std::string> sections;
+    Results results;
     for (const Curve &curve : allCurves()) {
         if (!isWanted(options, curve.section, curve.name))
             continue;
-        curves.push_back(measureCurve(curve, options.extent, reportWrong));
-        sections.insert(curve.section);
-        std::cout << textOf(curves.back()) << std::flush;
+        results.curves.push_back(measureCurve(curve, options.extent, reportWrong));
+        std::cout << textOf(results.curves.back()) << std::flush;
     }
-    std::vector<SoundResult> sounds;
     for (const testsignals::OtherSound &sound : testsignals::otherSounds()) {
         if (isWanted(options, "Without timecode", sound.name))
-            sounds.push_back(measureSound(sound, options.extent, reportWrong));
+            results.sounds.push_back(measureSound(sound, options.extent, reportWrong));
     }
-    if (!sounds.empty())
-        std::cout << textOf(sounds);
+    if (!results.sounds.empty())
+        std::cout << textOf(results.sounds);
+    return results;
+}
+
+Results merge(const std::vector<std::string> &files)
+{
+    Results results;
+    for (const std::string &file : files)
+        addCsv(contentsOf(file), results);
+    return results;
+}
+
+bool anyWrong(const Results &results)
+{
+    const auto wrong = [](const Tallies &tallies) {
+        const auto ours = tallies.find(Reader::Ours);
+        return ours != tallies.end() && ours->second.wrong > 0;
+    };
+    return std::any_of(results.curves.begin(), results.curves.end(),
+                       [&wrong](const CurveResult &result) {
+                           return std::any_of(result.grades.begin(), result.grades.end(), wrong);
+                       }) ||
+           std::any_of(results.sounds.begin(), results.sounds.end(),
+                       [&wrong](const SoundResult &result) { return wrong(result.tallies); });
+}
+
+void writePlots(const std::string &folder, const std::vector<CurveResult> &curves)
+{
+    std::set<std::string> sections;
+    for (const CurveResult &result : curves)
+        sections.insert(result.curve.section);
+    std::filesystem::create_directories(folder);
+    for (const std::string &section : sections) {
+        std::string name = "ltc-" + section + ".svg";
+        for (char &letter : name)
+            letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+        write((std::filesystem::path(folder) / name).string(), plotOf(curves, section));
+    }
+}
+
+int run(const Options &options)
+{
+    const Results results = options.merged.empty() ? measure(options) : merge(options.merged);
     std::vector<CostResult> costs;
     if (isWanted(options, "Cost", "Cost")) {
         costs = measureCosts(options.extent);
         std::cout << textOf(costs);
     }
-    if (!curves.empty())
-        std::cout << summaryOf(curves);
-    if (!curves.empty() && options.extent.compare)
-        std::cout << "\n" << shortfallsOf(curves);
-    std::cout << totalsOf(curves, sounds);
+    if (!results.curves.empty())
+        std::cout << summaryOf(results.curves) << "\n" << shortfallsOf(results.curves);
+    std::cout << totalsOf(results.curves, results.sounds) << detailsOf(results.curves);
 
     if (!options.csv.empty())
-        write(options.csv, csvOf(curves, sounds));
+        write(options.csv, csvOf(results.curves, results.sounds));
     if (!options.page.empty())
-        write(options.page, pageOf(options.command, curves, sounds, costs));
-    if (!options.plots.empty()) {
-        std::filesystem::create_directories(options.plots);
-        for (const std::string &section : sections) {
-            std::string name = "ltc-" + section + ".svg";
-            for (char &letter : name)
-                letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
-            write((std::filesystem::path(options.plots) / name).string(), plotOf(curves, section));
-        }
-    }
-    return wrong > 0 ? 1 : 0;
+        write(options.page, pageOf(options.command, results.curves, results.sounds, costs));
+    if (!options.plots.empty())
+        writePlots(options.plots, results.curves);
+    return anyWrong(results) ? 1 : 0;
 }
 
 } // namespace

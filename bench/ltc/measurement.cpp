@@ -73,7 +73,6 @@ void Tally::add(const Case &recording, const std::optional<Answer> &answer)
     switch (judge(recording, answer)) {
     case Verdict::Right:
         ++right;
-        otherChannel += answer->channel == recording.truth->channel ? 0 : 1;
         if (recording.truth->speedKnown)
             positionErrors.push_back(positionError(*recording.truth, *answer));
         break;
@@ -84,6 +83,11 @@ void Tally::add(const Case &recording, const std::optional<Answer> &answer)
         ++refused;
         break;
     }
+    if (answer && recording.truth) {
+        otherRate += isRateRight(*recording.truth, *answer) ? 0 : 1;
+        otherCount += answer->rate.dropFrame == recording.truth->signal.rate.dropFrame ? 0 : 1;
+        otherChannel += answer->channel == recording.truth->channel ? 0 : 1;
+    }
 }
 
 void Tally::add(const Tally &other)
@@ -91,6 +95,8 @@ void Tally::add(const Tally &other)
     right += other.right;
     wrong += other.wrong;
     refused += other.refused;
+    otherRate += other.otherRate;
+    otherCount += other.otherCount;
     otherChannel += other.otherChannel;
     positionErrors.insert(positionErrors.end(), other.positionErrors.begin(), other.positionErrors.end());
 }

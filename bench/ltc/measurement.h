@@ -34,9 +34,13 @@ struct Tally {
     int right = 0;
     int wrong = 0;
     int refused = 0;
-    int otherChannel = 0; ///< of the right ones: read from another channel than the timecode's own
+    // Of those that were answered, right or wrong:
+    int otherRate = 0;                  ///< with another rate class than the timecode's own
+    int otherCount = 0;                 ///< with another drop-frame flag
+    int otherChannel = 0;               ///< read from another channel
     std::vector<double> positionErrors; ///< [samples] of the right ones whose speed is the nominal one
 
+    int answers() const { return right + wrong; }
     int files() const { return right + wrong + refused; }
     double rightShare() const; ///< 0 to 1
     void add(const Case &recording, const std::optional<Answer> &answer);

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "bench/ltc/report.h"
 
+#include "bench/ltc/figures.h"
+
 #include <algorithm>
-#include <cstdarg>
-#include <cstdio>
 #include <ctime>
 
 namespace ltcbench
@@ -11,59 +11,6 @@ namespace ltcbench
 
 namespace
 {
-
-#if defined(__GNUC__)
-[[gnu::format(printf, 1, 2)]]
-#endif
-std::string
-format(const char *pattern, ...)
-{
-    std::array<char, 512> buffer{};
-    std::va_list arguments;
-    va_start(arguments, pattern);
-    std::vsnprintf(buffer.data(), buffer.size(), pattern, arguments);
-    va_end(arguments);
-    return buffer.data();
-}
-
-const char *titleOf(Reader reader)
-{
-    switch (reader) {
-    case Reader::Libltc:
-        return "libltc";
-    case Reader::FilteredLibltc:
-        return "libltc, filtered";
-    case Reader::Ours:
-        break;
-    }
-    return "LTCReader";
-}
-
-double percent(int part, int whole)
-{
-    return whole == 0 ? 0.0 : 100.0 * part / whole;
-}
-
-const Tally &tallyOf(const Tallies &tallies, Reader reader)
-{
-    static const Tally nothing;
-    const auto found = tallies.find(reader);
-    return found == tallies.end() ? nothing : found->second;
-}
-
-double median(std::vector<double> values)
-{
-    if (values.empty())
-        return 0.0;
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
-double largest(const std::vector<double> &values)
-{
-    return values.empty() ? 0.0 : *std::max_element(values.begin(), values.end());
-}
 
 std::string halfPointText(const CurveResult &result, Reader reader)
 {
@@ -102,7 +49,7 @@ std::string textOf(const CurveResult &result)
                                  percent(tally.wrong, tally.files()), percent(tally.refused, tally.files()));
         }
         const Tally &ours = tallyOf(result.grades[grade], Reader::Ours);
-        text += format(" | %.0f, %.0f", median(ours.positionErrors), largest(ours.positionErrors));
+        text += format(" | %.0f, %.0f", medianOf(ours.positionErrors), largestOf(ours.positionErrors));
         text += ours.otherChannel > 0 ? format(", other channel: %d\n", ours.otherChannel) : "\n";
     }
     if (result.curve.graded) {
@@ -157,6 +104,42 @@ std::string totalsOf(const std::vector<CurveResult> &curves, const std::vector<S
     return text;
 }
 
+std::string detailsOf(const std::vector<CurveResult> &curves)
+{
+    Tally all;
+    Tally clean;
+    Tally equalNoise;
+    Tally spikes;
+    for (const CurveResult &result : curves) {
+        for (std::size_t grade = 0; grade < result.grades.size(); ++grade) {
+            const Tally &tally = tallyOf(result.grades[grade], Reader::Ours);
+            all.add(tally);
+            const std::string &name = result.curve.name;
+            const double value = result.curve.grades[grade];
+            if (name == "clean")
+                clean.add(tally);
+            if (name.rfind("white noise, 3 s", 0) == 0 && value == 0.0)
+                equalNoise.add(tally);
+            if (name == "spikes, -50 to -1 dBFS" || (name == "spikes by level" && value >= -50.0))
+                spikes.add(tally);
+        }
+    }
+    const auto rightShare = [&all](int other) { return 100.0 - percent(other, all.answers()); };
+    const auto position = [](const char *what, const Tally &tally) {
+        return format("Position, %s: median error %.0f, largest %.0f samples (%zu files)\n", what,
+                      medianOf(tally.positionErrors), largestOf(tally.positionErrors),
+                      tally.positionErrors.size());
+    };
+    return format("\nLTCReader's %d answers: rate class right in %.2f %%, drop-frame flag in %.2f %%, "
+                  "channel in "
+                  "%.2f %%\n",
+                  all.answers(), rightShare(all.otherRate), rightShare(all.otherCount),
+                  rightShare(all.otherChannel)) +
+           position("clean", clean) + position("white noise of equal power, 3 s", equalNoise) +
+           format("Spikes of 20 to 500 us, -50 dBFS and louder: %.1f %% right (%d files)\n",
+                  percent(spikes.right, spikes.files()), spikes.files());
+}
+
 std::string summaryOf(const std::vector<CurveResult> &curves)
 {
     std::string text = "\n| Section | Impairment | Unit | LTCReader | libltc | libltc, filtered "
@@ -201,28 +184,7 @@ std::string pageOf(const std::string &command, const std::vector<CurveResult> &c
             page += textOf(result);
     }
     return page + "```\n\n## Sounds without timecode\n\n```" + textOf(sounds) + "```\n\n## CPU time\n\n```" +
-           textOf(costs) + "```\n\n## Totals\n\n```" + totalsOf(curves, sounds) + "```\n";
-}
-
-std::string csvOf(const std::vector<CurveResult> &curves, const std::vector<SoundResult> &sounds)
-{
-    std::string text =
-        "section,name,unit,grade,reader,files,right,wrong,refused,other_channel,median_error,largest_error\n";
-    const auto line = [&text](const std::string &head, const Tallies &tallies) {
-        for (const auto &[reader, tally] : tallies)
-            text += head + format(",\"%s\",%d,%d,%d,%d,%d,%.1f,%.1f\n", titleOf(reader), tally.files(),
-                                  tally.right, tally.wrong, tally.refused, tally.otherChannel,
-                                  median(tally.positionErrors), largest(tally.positionErrors));
-    };
-    for (const CurveResult &result : curves) {
-        const std::string head =
-            "\"" + result.curve.section + "\",\"" + result.curve.name + "\",\"" + result.curve.unit + "\"";
-        for (std::size_t grade = 0; grade < result.grades.size(); ++grade)
-            line(head + format(",%g", result.curve.grades[grade]), result.grades[grade]);
-    }
-    for (const SoundResult &result : sounds)
-        line("\"Without timecode\",\"" + result.name + "\",\"\",0", result.tallies);
-    return text;
+           textOf(costs) + "```\n\n## Totals\n\n```" + totalsOf(curves, sounds) + detailsOf(curves) + "```\n";
 }
 
 std::string textOfTruth(const Case &recording)

@@ -25,8 +25,9 @@ std::string summaryOf(const std::vector<CurveResult> &curves);
 /// a quarter of the distance between two grades, which is within the chance of the draw.
 std::string shortfallsOf(const std::vector<CurveResult> &curves);
 
-/// All of it as comma-separated values with a head line, one line for each grade and reader.
-std::string csvOf(const std::vector<CurveResult> &curves, const std::vector<SoundResult> &sounds);
+/// Of the decoder's answers: rates, counting and channels that are right, how exact positions are, and
+/// spikes.
+std::string detailsOf(const std::vector<CurveResult> &curves);
 
 /// The results as a page of documentation: \a command, the summary, the curves that are not graded, false
 /// timecodes, CPU time, totals.
