@@ -9,8 +9,8 @@
 #include "ltcreader/halfbits.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
+#include <numeric>
 
 namespace ltcreader
 {
@@ -20,6 +20,7 @@ namespace
 constexpr int rounds = 3;
 constexpr double timingShift = 0.2; // [bits] to each side, on the flank of the half bits' correlation
 constexpr int framesPerPart = 5;    // whose timing is measured together
+constexpr double leastFit = 1e-9;   // keeps quotients finite
 
 /// Fit of the decided levels with the half bits summed \a shift [bits] late, for each part of the recording.
 std::vector<double> fitsOfParts(const Candidate &candidate, const std::vector<float> &levels, double shift)
@@ -39,51 +40,60 @@ std::vector<double> fitsOfParts(const Candidate &candidate, const std::vector<fl
     return fits;
 }
 
-/// A line through the moments at which they fit best.
-BitLine fitOnce(const Candidate &candidate, const std::vector<float> &levels)
+/// Where a part of the recording belongs, and how much it has to say.
+struct PartTiming {
+    double weight;
+    double bit;  // number of the bit in its middle
+    double time; // [conditioned samples] where that begins
+};
+
+/// The moments at which the decided levels fit the parts of the recording best.
+std::vector<PartTiming> timingsOfParts(const Candidate &candidate, const std::vector<float> &levels)
 {
     const std::vector<double> early = fitsOfParts(candidate, levels, -timingShift);
     const std::vector<double> exact = fitsOfParts(candidate, levels, 0.0);
     const std::vector<double> late = fitsOfParts(candidate, levels, timingShift);
-    double earlySum = 0.0;
-    double exactSum = 0.0;
-    double lateSum = 0.0;
+    const double earlySum = std::accumulate(early.begin(), early.end(), 0.0);
+    const double exactSum = std::accumulate(exact.begin(), exact.end(), 0.0);
+    const double lateSum = std::accumulate(late.begin(), late.end(), 0.0);
+    // The curve of the fit has the same shape in all parts; a single part in noise would not show it.
+    const double curve = std::max(2.0 * exactSum - earlySum - lateSum, 0.05 * std::abs(exactSum) + leastFit);
+    constexpr double partBits = framesPerPart * bitsPerFrame;
+    std::vector<PartTiming> timings;
     for (std::size_t part = 0; part < exact.size(); ++part) {
-        earlySum += early[part];
-        exactSum += exact[part];
-        lateSum += late[part];
-    }
-    const double curve = std::max(2.0 * exactSum - earlySum - lateSum, 0.05 * std::abs(exactSum) + 1e-9);
-    const double partBits = framesPerPart * bitsPerFrame;
-    double weights = 0.0;
-    double meanBit = 0.0;
-    double meanTime = 0.0;
-    std::vector<std::array<double, 3>> points; // weight, bit, time
-    for (std::size_t part = 0; part < exact.size(); ++part) {
-        const double weight = std::max(0.0, exact[part]) / (std::abs(exactSum) + 1e-9);
+        const double weight = exact[part] / (std::abs(exactSum) + leastFit);
         if (weight <= 0.0)
             continue;
         const double share = exact[part] / exactSum;
         const double lateness = std::clamp(timingShift * (late[part] - early[part]) / (2.0 * curve * share),
                                            -timingShift, timingShift);
-        const double first = 0.5 * candidate.grid.firstHalf + static_cast<double>(part) * partBits;
-        const double bit = first + 0.5 * partBits;
-        const double time = candidate.clock.position(bit + lateness);
-        points.push_back({weight, bit, time});
-        weights += weight;
-        meanBit += weight * bit;
-        meanTime += weight * time;
+        const double bit = 0.5 * candidate.grid.firstHalf + (static_cast<double>(part) + 0.5) * partBits;
+        timings.push_back({weight, bit, candidate.clock.position(bit + lateness)});
     }
-    BitLine line{candidate.clock.position(0.0), candidate.clock.bitLength};
+    return timings;
+}
+
+/// The weighted least squares line through \a timings; that of \a clock where they tell nothing.
+BitLine lineThrough(const std::vector<PartTiming> &timings, const Clock &clock)
+{
+    BitLine line{clock.position(0.0), clock.bitLength};
+    double weights = 0.0;
+    double meanBit = 0.0;
+    double meanTime = 0.0;
+    for (const PartTiming &timing : timings) {
+        weights += timing.weight;
+        meanBit += timing.weight * timing.bit;
+        meanTime += timing.weight * timing.time;
+    }
     if (weights <= 0.0)
         return line;
     meanBit /= weights;
     meanTime /= weights;
     double products = 0.0;
     double squares = 0.0;
-    for (const auto &[weight, bit, time] : points) {
-        products += weight * (bit - meanBit) * (time - meanTime);
-        squares += weight * (bit - meanBit) * (bit - meanBit);
+    for (const PartTiming &timing : timings) {
+        products += timing.weight * (timing.bit - meanBit) * (timing.time - meanTime);
+        squares += timing.weight * (timing.bit - meanBit) * (timing.bit - meanBit);
     }
     if (squares > 0.0)
         line.slope = products / squares;
@@ -97,7 +107,7 @@ BitLine measureTiming(Candidate candidate, const std::vector<float> &levels)
 {
     BitLine line;
     for (int round = 0; round < rounds; ++round) {
-        line = fitOnce(candidate, levels);
+        line = lineThrough(timingsOfParts(candidate, levels), candidate.clock);
         candidate.clock.bitLength = line.slope;
         candidate.clock.knots.assign(candidate.clock.knots.size(), line.start);
     }

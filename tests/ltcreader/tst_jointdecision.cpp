@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+#include "ltcreader/adaptation.h"
+#include "ltcreader/digitdecision.h"
+#include "ltcreader/jointdecision.h"
+#include "tests/ltcreader/timecodegrid.h"
+
+#include <QTest>
+
+#include <algorithm>
+#include <random>
+
+using namespace ltcreader;
+
+Q_DECLARE_METATYPE(Timecode)
+Q_DECLARE_METATYPE(FrameRate)
+
+namespace
+{
+
+constexpr double believedMargin = 10.0;
+constexpr FrameRate pal{25, false, false};
+constexpr FrameRate drop{30, true, true};
+constexpr FrameBits allUserBits = 0xF0F0F0F0F0F0F0F0;
+
+FrameBits standingUserBits(int)
+{
+    return 0x3010'5020'7090'10A0 & allUserBits;
+}
+
+FrameBits changingUserBits(int frame)
+{
+    std::mt19937_64 engine(static_cast<std::uint64_t>(frame));
+    return engine() & allUserBits;
+}
+
+Timecode startOf(const JointDecision &decision)
+{
+    return labelAt(decision.count, decision.rate);
+}
+
+QString text(const Timecode &label)
+{
+    return QString::fromStdString(toText(label, false));
+}
+
+} // namespace
+
+class TestJointDecision : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void everyLabelIsFound_data();
+    void everyLabelIsFound();
+    void changingUserBitsNeedADecisionByDigits();
+    void noiseAloneDecidesNothing_data();
+    void noiseAloneDecidesNothing();
+    void digitsThatComeAsTheyLikeAreNoTimecode();
+    void aLearningFilterRestoresWhatRunsTogether();
+    void anotherBaseIsNotAnswered();
+};
+
+void TestJointDecision::everyLabelIsFound_data()
+{
+    QTest::addColumn<Timecode>("start");
+    QTest::addColumn<FrameRate>("rate");
+    QTest::newRow("24") << Timecode{10, 11, 12, 13} << FrameRate{24, false, false};
+    QTest::newRow("25") << Timecode{1, 2, 3, 4} << pal;
+    QTest::newRow("30") << Timecode{23, 45, 6, 29} << FrameRate{30, false, false};
+    QTest::newRow("drop-frame") << Timecode{12, 34, 56, 28} << drop;
+    QTest::newRow("drop-frame, labels left out") << Timecode{12, 34, 58, 20} << drop;
+    QTest::newRow("drop-frame, tenth minute") << Timecode{12, 39, 58, 20} << drop;
+    QTest::newRow("a full minute") << Timecode{12, 34, 58, 20} << pal;
+    QTest::newRow("a full hour") << Timecode{12, 59, 59, 0} << pal;
+    QTest::newRow("midnight") << Timecode{23, 59, 58, 10} << pal;
+}
+
+void TestJointDecision::everyLabelIsFound()
+{
+    QFETCH(Timecode, start);
+    QFETCH(FrameRate, rate);
+    FrameGrid grid = gridOfTimecode(start, rate, 75, standingUserBits);
+    addNoise(grid, 1.5);
+    for (const auto decideOn : {decideTimecode, decideByDigits}) {
+        const auto decision = decideOn(grid, rate.framesPerSecond(), std::nullopt);
+        QVERIFY(decision);
+        QCOMPARE(text(startOf(*decision)), text(start));
+        QCOMPARE(decision->rate.base, rate.base);
+        QCOMPARE(decision->rate.dropFrame, rate.dropFrame);
+        QVERIFY2(decision->margin > believedMargin, qPrintable(QString::number(decision->margin)));
+    }
+}
+
+void TestJointDecision::changingUserBitsNeedADecisionByDigits()
+{
+    const Timecode start{7, 8, 9, 10};
+    FrameGrid grid = gridOfTimecode(start, pal, 75, changingUserBits);
+    addNoise(grid, 1.0);
+    const auto together = decideTimecode(grid, 25.0, std::nullopt);
+    QVERIFY(!together || together->margin < believedMargin);
+    const auto byDigits = decideByDigits(grid, 25.0, std::nullopt);
+    QVERIFY(byDigits);
+    QCOMPARE(text(startOf(*byDigits)), text(start));
+    QVERIFY2(byDigits->margin > believedMargin, qPrintable(QString::number(byDigits->margin)));
+}
+
+void TestJointDecision::noiseAloneDecidesNothing_data()
+{
+    QTest::addColumn<int>("frames");
+    QTest::newRow("3 s") << 75;
+    QTest::newRow("0.2 s") << 5;
+}
+
+void TestJointDecision::noiseAloneDecidesNothing()
+{
+    QFETCH(int, frames);
+    FrameGrid grid = gridOfTimecode({1, 2, 3, 4}, pal, frames, standingUserBits);
+    std::fill(grid.halves.begin(), grid.halves.end(), 0.0F);
+    addNoise(grid, 100.0);
+    for (const auto decideOn : {decideTimecode, decideByDigits}) {
+        const auto decision = decideOn(grid, 25.0, std::nullopt);
+        QVERIFY(!decision || decision->margin < believedMargin);
+    }
+}
+
+void TestJointDecision::digitsThatComeAsTheyLikeAreNoTimecode()
+{
+    // Sync words are there, and each frame shows another time.
+    FrameGrid grid;
+    for (int frame = 0; frame < 75; ++frame) {
+        const Timecode label = labelAt(frame * 1234567, pal);
+        const FrameGrid single = gridOfTimecode(label, pal, 1, changingUserBits);
+        grid.halves.insert(grid.halves.end(), single.halves.begin(), single.halves.end());
+        ++grid.frames;
+    }
+    measureSyncs(grid);
+    QVERIFY(!decideByDigits(grid, 25.0, std::nullopt));
+}
+
+void TestJointDecision::aLearningFilterRestoresWhatRunsTogether()
+{
+    const Timecode start{7, 8, 9, 10};
+    const FrameGrid clean = gridOfTimecode(start, pal, 75, standingUserBits);
+    FrameGrid blurred = clean;
+    for (std::size_t i = 1; i < clean.halves.size(); ++i)
+        blurred.halves[i] = clean.halves[i] + 0.8F * clean.halves[i - 1];
+    addNoise(blurred, 0.1);
+    const auto before = decideTimecode(blurred, 25.0, std::nullopt);
+    QVERIFY(before);
+    QVERIFY(before->errorRepeats);
+    const auto after = decideTimecode(adapted(blurred, before->levels), 25.0, std::nullopt);
+    QVERIFY(after);
+    QCOMPARE(text(startOf(*after)), text(start));
+    QVERIFY2(after->margin > 2.0 * before->margin,
+             qPrintable(QString("%1 before, %2 after").arg(before->margin).arg(after->margin)));
+}
+
+void TestJointDecision::anotherBaseIsNotAnswered()
+{
+    const FrameGrid grid = gridOfTimecode({7, 8, 9, 10}, pal, 75, standingUserBits);
+    for (const auto decideOn : {decideTimecode, decideByDigits}) {
+        QVERIFY(decideOn(grid, 25.0, pal));
+        QVERIFY(!decideOn(grid, 25.0, FrameRate{24, false, false}));
+    }
+}
+
+QTEST_APPLESS_MAIN(TestJointDecision)
+
+#include "tst_jointdecision.moc"
