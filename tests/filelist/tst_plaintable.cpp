@@ -68,6 +68,7 @@ private:
     {
         const FileData from = rows.at(source).record;
         rows[row].record.setLinkedAudioTC(source, from.audioTC, from.audioTCResult);
+        rows[row].record.hasAudioTC = !from.audioTC.isEmpty();
         rows[row].audioTC = from.audioTC + "@(linked)";
     }
 
@@ -87,8 +88,7 @@ private:
             if (areSiblings(row, other))
                 link(other, row);
         }
-        if (!record.audioTC.isEmpty())
-            record.hasAudioTC = true;
+        record.hasAudioTC = !record.audioTC.isEmpty();
     }
 
     void notFound(int row)

@@ -106,6 +106,8 @@ class Program:
     """The running program and its windows."""
 
     def __init__(self, executable, environment=None):
+        # A program that starts before the accessibility bus does stays unseen.
+        wait_for(lambda: pyatspi.Registry.getDesktop(0).getRoleName(), "the accessibility bus")
         self.process = subprocess.Popen([executable], env={**os.environ, **(environment or {})})
         self.window = wait_for(lambda: self.find_window(MAIN_WINDOW, "frame"), "the main window")
         wait_for(self.active_window, "a window in front")  # a message may have come up before the main window
