@@ -73,14 +73,15 @@ void TestDocumentation::manualExplainsWhatTheWindowSays_data()
     addTexts({"Selected directory doesn't exists", "Cannot write to selected directory",
               "Are you sure you want to cancel?", "Ostrel did the job!",
               "There is a new software version available!"});
-    addTexts({firstLine(windowtexts::missingTools({})),
+    addTexts({firstLine(windowtexts::missingTools({})).section(':', 0, 0),
               windowtexts::failedExports({"a.mov"}).section('\n', 1, 1)});
 }
 
 void TestDocumentation::manualExplainsWhatTheWindowSays()
 {
     QFETCH(QString, text);
-    static const QString manual = content(PROJECT_FOLDER "/docs/manual.md");
+    static const QString manual =
+        content(PROJECT_FOLDER "/docs/manual.md").simplified(); // a line ends anywhere
     QVERIFY(manual.contains(text));
 }
 
