@@ -20,6 +20,8 @@ double toSeconds(const std::string &text)
 
 void readStreamKey(Stream &stream, std::string_view key, const std::string &value)
 {
+    if (value == "unknown") // only some of the probe tool's formats spell this out
+        return;
     if (key == "codec_type" && value == "video")
         stream.kind = Stream::Kind::Picture;
     else if (key == "codec_type" && value == "audio")

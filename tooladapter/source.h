@@ -18,7 +18,7 @@ struct Stream {
     bool isAttachedPicture = false; ///< a cover or poster image, no moving picture
     std::string codec;              ///< as the probe tool names it, for example "pcm_s24le"
     int channels = 0;               ///< audio only
-    std::string layout;             ///< channel layout; empty or "unknown" where the file names none
+    std::string layout;             ///< channel layout; empty where the file names none
     FrameRate baseRate;             ///< the lowest rate that all time stamps fit, for pictures
     FrameRate averageRate;          ///< for pictures
     double start = 0.0;             ///< [s] time stamp of the first frame

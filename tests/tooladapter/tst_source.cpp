@@ -11,6 +11,7 @@ class TestSource : public QObject
 
 private slots:
     void streamsAreRead();
+    void anUnknownLayoutIsNone();
     void aStreamThatIsListedTwiceIsReadOnce();
     void claimsOfDamagedFilesAreBounded();
     void missingAndUnknownValuesLeaveTheDefaults_data();
@@ -43,6 +44,13 @@ void TestSource::streamsAreRead()
     QCOMPARE(source.streams[2].layout, std::string("4.0"));
     QVERIFY(!source.streams[2].baseRate.isValid());
     QCOMPARE(source.duration, 2.04);
+}
+
+void TestSource::anUnknownLayoutIsNone()
+{
+    const std::string stream = "[STREAM]\nindex=0\ncodec_type=audio\nchannels=2\n";
+    QVERIFY(parseProbe(stream + "channel_layout=unknown\n") == parseProbe(stream));
+    QVERIFY(!(parseProbe(stream + "channel_layout=stereo\n") == parseProbe(stream)));
 }
 
 void TestSource::aStreamThatIsListedTwiceIsReadOnce()
