@@ -44,4 +44,18 @@ const Tally &tallyOf(const Tallies &tallies, Reader reader)
     return found == tallies.end() ? nothing : found->second;
 }
 
+double medianOf(std::vector<double> values)
+{
+    if (values.empty())
+        return 0.0;
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+double largestOf(const std::vector<double> &values)
+{
+    return values.empty() ? 0.0 : *std::max_element(values.begin(), values.end());
+}
+
 } // namespace ltcbench
