@@ -10,6 +10,7 @@ export SOURCE_DATE_EPOCH
 
 cmake --preset release -B build/package -D BUILD_TESTING=OFF
 cmake --build build/package --parallel "$(nproc)"
+scripts/check-hardening.sh --release build/package/bin/*.exe build/package/bin/ostrel-timecode-tool
 rm -f build/package/*.deb
 (umask 022 && cpack --config build/package/CPackConfig.cmake)
 package=$(ls build/package/*.deb)

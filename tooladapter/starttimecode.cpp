@@ -91,6 +91,9 @@ std::string timecodeAtRate(const StartTimecode &timecode, int nominalRate, const
 {
     const std::string text = timecode.toText();
     const int pictureRate = picture.nominal();
+    if (pictureRate < 1)
+        throw Refusal("a picture that changes less than once in two seconds has no frames to count for " +
+                      text);
     if (timecode.frames >= nominalRate)
         throw Refusal("the timecode " + text + " has no such frame at " + std::to_string(nominalRate) +
                       " frames a second");

@@ -351,6 +351,7 @@ void TestExportRules::whatCannotBeRightIsRefused_data()
     timecode("reader's rate 0/1001", "25/1", "-timecode 10:11:12:13 -r 0/1001", "is not known");
     timecode("NTSC without a rate at 25", "25/1", "-timecode 10:11:12:13", "is not known");
     timecode("picture without a rate", "0/0", "-timecode 10:11:12:13 -r 25", "picture is not known");
+    timecode("a picture a minute", "1/60", "-timecode 10:11:12:13 -r 25", "no frames to count");
     timecode("a coder's rate that is another picture's", "50/1", coded25, "does not run at the rate");
     QTest::newRow("MXF without a picture") << "audio:pcm_s24le:2"
                                            << "-acodec pcm_s24le out.MXF"

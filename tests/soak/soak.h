@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tests/window/windowbench.h"
+
+#include <QString>
+
+class FileList;
+
+/// What the process holds at one moment.
+struct Holdings {
+    qint64 memory = 0; ///< [KiB] resident
+    int openFiles = 0;
+    int children = 0;
+};
+
+/// The real window, used for many rounds of the same work.
+class Soak
+{
+public:
+    /// \a files sound files with timecode, whose names begin with \a name, in each round.
+    Soak(int files, const QString &name);
+
+    /// Imports all files, reads them again, exports them and deletes the rows. Returns what went wrong,
+    /// nothing when all is well.
+    QString round();
+
+    /// What the process holds now, between two rounds.
+    static Holdings holdings();
+
+private:
+    QString waitFor(const QString &status);
+    QString importAll();
+    QString readAll();
+    QString exportAll();
+    QString deleteAll();
+
+    int count;
+    WindowBench bench;
+    FileList *fileList;
+};
