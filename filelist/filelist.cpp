@@ -23,6 +23,10 @@ FileList::FileList(MainControl *mainControl)
     insertRow(0);
     setItem(0, NameColumn, placeholderItem);
 
+    constexpr int paintingPause = 40; // [ms]
+    linkedCellsTimer.setSingleShot(true);
+    linkedCellsTimer.setInterval(paintingPause);
+    connect(&linkedCellsTimer, &QTimer::timeout, this, &FileList::announceLinkedCells);
     connect(this, &QTableWidget::cellClicked, this, &FileList::onCellClicked);
     const auto *copyShortcut = new QShortcut(QKeySequence::Copy, this, nullptr, nullptr, Qt::WidgetShortcut);
     connect(copyShortcut, &QShortcut::activated, this, &FileList::copySelectedRows);

@@ -12,6 +12,7 @@
 #include <QJsonObject>
 #include <QMap>
 #include <QTableWidget>
+#include <QTimer>
 #include <QUrl>
 #include <QVector>
 
@@ -109,6 +110,7 @@ private:
     void showTimecode(int row, const QJsonObject &result, int streamIndex);
     void linkRow(int row, int sourceRow);
     void linkSiblings(int sourceRow);
+    void announceLinkedCells();
     void leaveLink(int row);
     void leaveAllLinks();
 
@@ -126,6 +128,7 @@ private:
     bool readingWaitsForImport = false; ///< the next end of an import is not that of a second reading
     MainControl *mainControl;           ///< answers the requests; not owned
     SiblingLinks siblingLinks;          ///< who has taken over whose timecode
+    QTimer linkedCellsTimer;            ///< until the cells that follow a link are painted anew
     QMap<int, ContentWidth> cellWidths; ///< of the columns that are fitted to their contents
     QHash<QString, int> measuredWidths; ///< [pixels] of cells, by their text
 };

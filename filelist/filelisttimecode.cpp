@@ -110,6 +110,8 @@ void FileList::linkRow(int row, int sourceRow)
 /// one by themselves.
 void FileList::linkSiblings(int sourceRow)
 {
+    if (!siblingLinks.mayHaveSiblings(sourceRow))
+        return;
     const FileData &source = fileDataVector.at(sourceRow);
     if (source.audioTC.isEmpty()) { // they show it, but have no timecode that they could pass on
         for (int row = 0; row < fileDataVector.size(); ++row) {
@@ -130,7 +132,14 @@ void FileList::linkSiblings(int sourceRow)
             cellWidths[AudioTCColumn].set(row, 0); // its width is that of the link
         }
     }
-    if (passedOn.hasFollowers)
+    if (passedOn.hasFollowers && !linkedCellsTimer.isActive())
+        linkedCellsTimer.start();
+}
+
+/// Has all cells painted that follow a link. Not at each link: results may come faster than anybody can look.
+void FileList::announceLinkedCells()
+{
+    if (rowCount() > 0)
         emit model()->dataChanged(model()->index(0, AudioTCColumn),
                                   model()->index(rowCount() - 1, AudioTCColumn));
 }

@@ -52,7 +52,7 @@ void SiblingLinks::setDuration(int row, double duration)
     Row &entry = at(row);
     if (!entry.moment)
         return;
-    if (entry.hasSiblings()) {
+    if (entry.hasTwins()) {
         entry.twins->second.ownRows.erase(row);
         entry.twins->second.rowsWithTimecode.erase(row);
     }
@@ -78,7 +78,7 @@ void SiblingLinks::setHasTimecode(int row, bool hasTimecode)
 {
     Row &entry = at(row);
     entry.hasTimecode = hasTimecode;
-    if (!entry.hasSiblings())
+    if (!entry.hasTwins())
         return;
     if (hasTimecode)
         entry.twins->second.rowsWithTimecode.insert(row);
@@ -89,7 +89,7 @@ void SiblingLinks::setHasTimecode(int row, bool hasTimecode)
 int SiblingLinks::lastRowWithTimecode(int row) const
 {
     int last = -1;
-    if (!at(row).hasSiblings())
+    if (!at(row).hasTwins())
         return last;
     visitReach(*at(row).moment, at(row).twins, [&](const Twins &twins) {
         auto candidate = twins.rowsWithTimecode.crbegin();
@@ -101,10 +101,23 @@ int SiblingLinks::lastRowWithTimecode(int row) const
     return last;
 }
 
+bool SiblingLinks::mayHaveSiblings(int row) const
+{
+    const Row &entry = at(row);
+    if (!entry.hasTwins())
+        return false;
+    const auto isClose = [&entry](Moment::const_iterator other) {
+        return linking::areClose(other->first, entry.twins->first);
+    };
+    const auto next = std::next(entry.twins);
+    return entry.twins->second.rowCount() > 1 || (next != entry.moment->end() && isClose(next)) ||
+           (entry.twins != entry.moment->begin() && isClose(std::prev(entry.twins)));
+}
+
 SiblingLinks::PassedOn SiblingLinks::passOn(int row, const Link &link)
 {
     PassedOn result;
-    if (!at(row).hasSiblings())
+    if (!at(row).hasTwins())
         return result;
     const auto latest = std::make_shared<const Link>(link);
     visitReach(*at(row).moment, at(row).twins, [&](Twins &twins) {
@@ -115,11 +128,13 @@ SiblingLinks::PassedOn SiblingLinks::passOn(int row, const Link &link)
             follow(own, twins);
             result.newFollowers += own;
         }
+        if (twins.followers == 0)
+            return;
+        result.hasFollowers = true;
         if (!twins.link)
             twins.link = std::make_shared<SharedLink>();
         twins.link->latest = latest;
         noteWidth(twins);
-        result.hasFollowers |= twins.followers > 0;
     });
     return result;
 }

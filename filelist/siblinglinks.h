@@ -50,6 +50,9 @@ public:
     /// The last sibling of \a row that carries a timecode; -1 = none.
     int lastRowWithTimecode(int row) const;
 
+    /// Whether \a row has siblings, as far as a look at its neighbours tells; false is certain.
+    bool mayHaveSiblings(int row) const;
+
     struct PassedOn {
         bool hasFollowers = false; ///< there are siblings
         QVector<int> newFollowers; ///< siblings that followed no link before
@@ -74,17 +77,19 @@ private:
         std::shared_ptr<SharedLink> link; ///< null until there is one
         std::set<int> ownRows = {};       ///< rows that follow no link
         std::set<int> rowsWithTimecode = {};
-        int followers = 0;
+        std::size_t followers = 0;
+
+        std::size_t rowCount() const { return ownRows.size() + followers; }
     };
     using Moment = std::map<double, Twins>; ///< of one modification time, by duration [s]
 
     struct Row {
         Moment *moment = nullptr; ///< null = no sound file, so without siblings
-        Moment::iterator twins;   ///< the moment's end = the duration is no number, so without siblings
+        Moment::iterator twins;   ///< its own among them; the moment's end = the duration is no number
         bool hasTimecode = false;
         bool follows = false;
 
-        bool hasSiblings() const { return moment && twins != moment->end(); }
+        bool hasTwins() const { return moment && twins != moment->end(); }
     };
 
     Row &at(int row) { return rows.at(static_cast<std::size_t>(row)); }

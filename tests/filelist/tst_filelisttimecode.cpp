@@ -10,6 +10,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -63,6 +65,7 @@ private slots:
     void aSoundFileWithoutTimecodeTakesThatOfItsSibling();
     void theLastSourceWins();
     void aFoundTimecodeIsPassedOnToTheSiblings();
+    void cellsThatFollowALinkArePaintedAnew();
     void siblingsWithTheirOwnTimecodeAreOverwritten();
     void aLateResultIsDropped();
     void aSecondReadingIsTakenOnce();
@@ -255,6 +258,24 @@ void TestFileListTimecode::aFoundTimecodeIsPassedOnToTheSiblings()
     QCOMPARE(cell(longer), QString("init audio TC"));
     QCOMPARE(cell(picture), QString("init audio TC"));
     QVERIFY(!record(row).audioTCLinked);
+}
+
+void TestFileListTimecode::cellsThatFollowALinkArePaintedAnew()
+{
+    const int first = add("a.wav", 10.0);
+    const int second = add("b.wav", 10.0);
+    const auto tells = [this, second](const QSignalSpy &changes) {
+        return std::any_of(changes.cbegin(), changes.cend(), [this, second](const QList<QVariant> &change) {
+            const QItemSelectionRange range(change.at(0).toModelIndex(), change.at(1).toModelIndex());
+            return range.contains(list->model()->index(second, audioColumn));
+        });
+    };
+    for (const char *timecode : {"10:00:00:00", "11:00:00:00"}) { // a new link, then another in its place
+        readAgain();
+        QSignalSpy changes(list->model(), &QAbstractItemModel::dataChanged);
+        list->onAudioTCReadReturn(result(timecode), first, 0, 0);
+        QTRY_VERIFY(tells(changes));
+    }
 }
 
 void TestFileListTimecode::siblingsWithTheirOwnTimecodeAreOverwritten()

@@ -66,8 +66,12 @@ void TestSiblingLinks::aTimecodeReachesTheSiblingsOnly()
     for (int row = 0; row < 6; ++row)
         timecodes += timecodeOf(links, row);
     QCOMPARE(timecodes, (QStringList{"none", "a", "none", "none", "none", "a"}));
-    QVERIFY(!links.passOn(3, link("b")).hasFollowers);
-    QVERIFY(!links.passOn(4, link("b")).hasFollowers);
+    for (const int alone : {3, 4}) {
+        QVERIFY(!links.mayHaveSiblings(alone));
+        QVERIFY(!links.passOn(alone, link("b")).hasFollowers);
+    }
+    for (const int sibling : {0, 1, 2, 5})
+        QVERIFY(links.mayHaveSiblings(sibling));
 }
 
 void TestSiblingLinks::aLaterLinkTakesThePlaceOfTheEarlierOne()
