@@ -135,7 +135,10 @@ void TestSoundFile::lengthsInTheHeaderNeedNotBeTrue()
     QFETCH(int, expected);
     QByteArray bytes = plainWav(pathOf("plain.wav"));
     QCOMPARE(bytes.mid(sizeOffset - 4, 4), QByteArray("data"));
-    qToLittleEndian(length, bytes.data() + sizeOffset);
+    const quint32 littleEndian = qToLittleEndian(length);
+    bytes.replace(
+        sizeOffset, sizeof littleEndian,
+        QByteArray::fromRawData(reinterpret_cast<const char *>(&littleEndian), sizeof littleEndian));
     bytes.chop(cut);
     QVERIFY(write(pathOf("wrong.wav"), bytes));
     SoundFileError error = SoundFileError::None;
