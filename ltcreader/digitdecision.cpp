@@ -46,7 +46,7 @@ Likelihoods likelihoodsOf(const float *frame, BitField part, double scale)
 {
     Likelihoods result{};
     for (int value = 0; value < 1 << part.width; ++value) {
-        const float fit = resemblance(frame + 2 * part.first, value, part.width);
+        const float fit = resemblance(halvesOf(frame, part.first), value, part.width);
         result[static_cast<std::size_t>(value)] = logCosh(scale * static_cast<double>(fit));
     }
     return result;
@@ -189,7 +189,8 @@ Resemblance resemblanceOf(const FrameGrid &grid, const std::vector<float> &level
     double halvesSum = 0.0;
     double halvesSquares = 0.0;
     const auto look = [&](int frame, BitField part) {
-        const auto first = static_cast<std::size_t>(frame * halvesPerFrame + 2 * part.first);
+        const auto first =
+            static_cast<std::size_t>(frame) * halvesPerFrame + 2 * static_cast<std::size_t>(part.first);
         double sum = 0.0;
         double used = 0.0;
         for (std::size_t half = first; half < first + 2 * static_cast<std::size_t>(part.width); ++half) {

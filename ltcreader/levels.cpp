@@ -30,9 +30,10 @@ FrameBits bitsOfFrame(const Hypothesis &hypothesis, int frame)
     return bits;
 }
 
-/// Draws one bit that begins with \a level at \a halves; returns the level after it.
-float drawBit(float *halves, bool one, float level)
+/// Draws bit \a bit of the frame at \a frame, beginning with \a level; returns the level after it.
+float drawBit(float *frame, int bit, bool one, float level)
 {
+    float *halves = frame + std::ptrdiff_t{2} * bit;
     halves[0] = level;
     halves[1] = one ? -level : level;
     return one ? level : -level;
@@ -41,7 +42,7 @@ float drawBit(float *halves, bool one, float level)
 void drawSyncWord(float *halves, float level)
 {
     for (int bit = 0; bit < syncBits; ++bit)
-        level = drawBit(halves + 2 * (dataBits + bit), (syncWord >> bit & 1U) != 0, level);
+        level = drawBit(halves, dataBits + bit, (syncWord >> bit & 1U) != 0, level);
 }
 
 } // namespace
@@ -56,12 +57,12 @@ std::vector<float> levelsOf(const FrameGrid &grid, const Polarities &polarities,
         const auto isOne = [bits](int bit) { return (bits >> bit & 1U) != 0; };
         float level = polarities.atStart[index];
         for (int bit = 0; bit < hypothesis.correctionBit; ++bit)
-            level = drawBit(halves + 2 * bit, isOne(bit), level);
+            level = drawBit(halves, bit, isOne(bit), level);
         drawSyncWord(halves, polarities.atSync[index]);
         level = polarities.atSync[index];
         for (int bit = dataBits - 1; bit > hypothesis.correctionBit; --bit) {
             level = isOne(bit) ? level : -level;
-            drawBit(halves + 2 * bit, isOne(bit), level);
+            drawBit(halves, bit, isOne(bit), level);
         }
     }
     return levels;
@@ -75,10 +76,10 @@ std::vector<float> levelsOfDigits(const FrameGrid &grid, const Hypothesis &hypot
         float *halves = levels.data() + static_cast<std::size_t>(frame) * halvesPerFrame;
         const auto draw = [&](BitField part) {
             const int value = fieldValue(bits, part);
-            const float fit = resemblance(grid.frame(frame) + 2 * part.first, value, part.width);
+            const float fit = resemblance(halvesOf(grid.frame(frame), part.first), value, part.width);
             float level = fit < 0.0F ? -1.0F : 1.0F;
             for (int bit = 0; bit < part.width; ++bit)
-                level = drawBit(halves + 2 * (part.first + bit), (value >> bit & 1) != 0, level);
+                level = drawBit(halves, part.first + bit, (value >> bit & 1) != 0, level);
         };
         draw(field::frameUnits);
         draw(field::frameTens);

@@ -13,6 +13,12 @@ namespace ltcreader
 constexpr int halvesPerFrame = 2 * bitsPerFrame;
 constexpr int dataHalves = 2 * dataBits;
 
+/// Where in the half bits of a frame, which begin at \a frame, those of bit \a bit lie.
+inline const float *halvesOf(const float *frame, int bit)
+{
+    return frame + std::ptrdiff_t{2} * bit;
+}
+
 /// The half bits of a recording, cut into frames. Frames at both ends may be incomplete; what is missing is
 /// 0.
 struct FrameGrid {

@@ -44,7 +44,7 @@ struct WholeSum {
 void addSecond(const SecondSum &second, const Digits &digits, int correctionBit, WholeSum &sum)
 {
     const auto addBit = [&](int bit, float polarity) {
-        const auto half = static_cast<std::size_t>(2 * bit);
+        const auto half = 2 * static_cast<std::size_t>(bit);
         sum.halves[half] += polarity * second[half];
         sum.halves[half + 1] += polarity * second[half + 1];
     };
@@ -56,7 +56,7 @@ void addSecond(const SecondSum &second, const Digits &digits, int correctionBit,
             continue;
         }
         const int width = digitFields[*digit].width;
-        sum.fits[*digit] += polarity * resemblance(second.data() + 2 * bit, digits[*digit], width);
+        sum.fits[*digit] += polarity * resemblance(halvesOf(second.data(), bit), digits[*digit], width);
         polarity *= polarityAfter(digits[*digit], width);
         bit += width - 1;
     }
@@ -70,7 +70,7 @@ void addSecond(const SecondSum &second, const Digits &digits, int correctionBit,
         const BitField part = digitFields[*ending];
         polarity *= polarityAfter(digits[*ending], part.width);
         sum.fits[*ending] +=
-            polarity * resemblance(second.data() + 2 * part.first, digits[*ending], part.width);
+            polarity * resemblance(halvesOf(second.data(), part.first), digits[*ending], part.width);
         bit = part.first;
     }
 }
@@ -78,7 +78,7 @@ void addSecond(const SecondSum &second, const Digits &digits, int correctionBit,
 void walk(Trellis &trellis, const WholeSum &sum, const Allowed &allowed, int from, int to)
 {
     for (int bit = from; bit < to; ++bit) {
-        const float *halves = sum.halves.data() + 2 * bit;
+        const float *halves = halvesOf(sum.halves.data(), bit);
         const auto digit = digitAt(bit);
         if (!digit) {
             trellis.free(bit, halves);
@@ -123,7 +123,7 @@ float fitOfNumbering(const FrameFold &fold, int correctionBit)
         addSecond(second, open, correctionBit, sum);
         Trellis ofSecond(false);
         for (int bit = 16; bit < correctionBit; ++bit)
-            ofSecond.free(bit, second.data() + 2 * bit);
+            ofSecond.free(bit, halvesOf(second.data(), bit));
         secondsFit += ofSecond.fit(false);
     }
     Trellis beginning(true);
