@@ -22,8 +22,8 @@ namespace
 
 constexpr std::size_t decidedCandidates = 4;
 constexpr double plainMargin = 60.0;        // log-likelihood beyond which no other way of reading is tried
-constexpr double repeatingTrust = 0.67;     // in margins where errors repeat: they are not as independent
-constexpr double unconfirmedTrust = 0.5;    // likewise, where a learning filter does not confirm them
+constexpr double adaptedTrust = 0.67;       // in margins that a learning filter brought about
+constexpr double unconfirmedTrust = 0.5;    // in margins that it does not confirm
 constexpr double adaptableAmplitude = 0.25; // below it too many levels are wrong to learn from
 constexpr double contradictingMargin = 0.3; // of the best reading's
 constexpr double shortest = 0.1;            // [s] two frames
@@ -55,8 +55,7 @@ std::optional<JointDecision> decideAdaptively(Decide decideOn, const FrameGrid &
         first->margin *= unconfirmedTrust;
         return first;
     }
-    first->margin *= repeatingTrust;
-    third->margin = repeatingTrust * std::min(second->margin, third->margin);
+    third->margin = adaptedTrust * std::min(second->margin, third->margin);
     return third->margin > first->margin ? third : first;
 }
 
