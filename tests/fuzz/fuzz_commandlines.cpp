@@ -37,7 +37,7 @@ Words takeWords(fuzz::Input &input)
 {
     Words words;
     for (QByteArray line = input.line(); !line.isEmpty(); line = input.line())
-        words.push_back(line.toStdString());
+        words.emplace_back(line.constData()); // up to a zero byte, as programs get their words
     return words;
 }
 
