@@ -378,7 +378,7 @@ void TestImportFlow::theWalkWaitsForTheFileTable()
     QVERIFY(foundAtOnce > 100 && foundAtOnce < fileCount);
     for (int row = 0; row < foundAtOnce; ++row)
         bench->control().onFFProbeFile(FileData(), row);
-    QVERIFY(bench->eventsOf("found ").size() > foundAtOnce); // without a pause
+    QTRY_VERIFY_WITH_TIMEOUT(bench->eventsOf("found ").size() > foundAtOnce, longWait);
     // A table that never asks does not keep the walk from its end.
     QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("found ").size(), fileCount, longWait);
 }
