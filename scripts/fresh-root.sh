@@ -4,8 +4,8 @@
 #   SUITE    bookworm, trixie, ...
 #   FOLDER   keeps the untouched base system for the next time, and the root of the last run
 #   COMMAND  starts in the clone, /root/project
-# DEBIAN_MIRROR names the mirror (http://deb.debian.org/debian). The clone holds what is committed. The files of the
-# folder that GIVEN names are copied to /root/given.
+# The packages come from the mirror of this system's own, or from the one that DEBIAN_MIRROR names. The clone holds what
+# is committed. The files of the folder that GIVEN names are copied to /root/given.
 # Mounts and processes of the run end with it.
 set -euo pipefail
 project=$(cd "$(dirname "$(readlink -f "$0")")/.." && pwd)
@@ -23,9 +23,10 @@ if [ "$(id -u)" -ne 0 ] || ! command -v debootstrap >/dev/null; then
 fi
 
 if [ ! -d "$base" ]; then
+    mirror=$("$project/scripts/debian-mirror.sh")
     mkdir -p "$folder"
     rm -rf "$base.part"
-    debootstrap --variant=minbase "$suite" "$base.part" "${DEBIAN_MIRROR-http://deb.debian.org/debian}" >&2
+    debootstrap --variant=minbase "$suite" "$base.part" "$mirror" >&2
     mv "$base.part" "$base"
 fi
 

@@ -10,11 +10,12 @@ scripts/install-packages.sh windows
 toolchain=(--toolchain "$PWD/cmake/mingw-w64.cmake")
 
 build_libsndfile() {
-    local sources=$libraries/sources
+    local sources=$libraries/sources mirror
+    mirror=$(scripts/debian-mirror.sh)
     rm -rf "$sources"
     mkdir -p "$sources/lists/partial"
     sed -n 's/^VERSION_CODENAME=//p' /etc/os-release >"$sources/suite"
-    echo "deb-src ${DEBIAN_MIRROR-http://deb.debian.org/debian} $(cat "$sources/suite") main" >"$sources/sources.list"
+    echo "deb-src $mirror $(cat "$sources/suite") main" >"$sources/sources.list"
     local apt=(apt-get -q -o "Dir::Etc::sourcelist=$sources/sources.list" -o Dir::Etc::sourceparts=-
         -o "Dir::State::lists=$sources/lists" -o APT::Sandbox::User=)
     "${apt[@]}" update
