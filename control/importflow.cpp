@@ -128,7 +128,7 @@ void MainControl::onFFProbeReady(FFMpegHandler *handler, QJsonObject ffprobeJson
 void MainControl::endCompleteImport()
 {
     const bool isComplete = progress.hasFiles() && progress.isComplete(StageProgress::Mode::Import);
-    if (isComplete && walk.atEnd() && unaskedFiles == 0) {
+    if (isComplete && walk.atEnd()) {
         audioTCUpdateMode = false; // may be left from a re-read when nothing of this import was read
         endReading();
     }

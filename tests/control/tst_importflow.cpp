@@ -51,6 +51,7 @@ private slots:
     void anImportEndsWhenAllItsFilesAreRead();
     void anImportThatEndsWithAFailedProbeIsReady_data();
     void anImportThatEndsWithAFailedProbeIsReady();
+    void anImportEndsWithItsLastUnit();
     void anImportWithAnEmptyProbeEndsInSilence();
     void aDropWithNothingUsableEndsInSilence();
     void anImportDoesNotEndWhileAFileIsUnanswered();
@@ -289,6 +290,17 @@ void TestImportFlow::anImportThatEndsWithAFailedProbeIsReady()
     QVERIFY(bench->events.at(bench->events.size() - 2).endsWith(": 1000"));
     QVERIFY(!bench->events.contains("importIdle") && !bench->events.contains("readingFinished"));
     QVERIFY(!bench->hasTemporaryFolder());
+}
+
+void TestImportFlow::anImportEndsWithItsLastUnit()
+{
+    bench->control().onIterateThroughDir({bench->mediaUrl("a.mov"), bench->mediaUrl("b.mov")});
+    bench->control().onFFProbeReady(nullptr, {}, 0, 1);
+    QVERIFY(!bench->events.contains("importReady"));
+    bench->control().onFFProbeReady(nullptr, {}, 1, 1);
+    QCOMPARE(bench->events.mid(2),
+             (QStringList{"import 1/6 importing files...", "probed 0: 1000", "import 4/6 importing files...",
+                          "probed 1: 1000", "importReady"}));
 }
 
 void TestImportFlow::anImportWithAnEmptyProbeEndsInSilence()
