@@ -122,9 +122,11 @@ void MainWindow::startCancelling()
 
 void MainWindow::onCancelExportButtonClicked()
 {
-    // The export may end while the question stands.
-    if (!confirmed(tr("Cancel Export"), tr("Are you sure you want to cancel?")) || !exportRunning)
+    const bool wasRunning = exportRunning;
+    if (!confirmed(tr("Cancel Export"), tr("Are you sure you want to cancel?")))
         return;
+    if (wasRunning && !exportRunning)
+        return; // it has ended while the question stood
     cancelling = true;
     statusLabel->setText(tr("Status: cancelling export..."));
     startCancelling();

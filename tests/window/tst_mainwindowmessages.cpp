@@ -42,6 +42,7 @@ private slots:
     void cancellingIsAskedFor();
     void progressAfterCancellingKeepsTheText();
     void cancellingAnExportThatHasEndedDoesNothing();
+    void onlyAnEndDuringTheQuestionTakesTheAnswerBack();
     void aWholeExportIsDone();
     void anExportWithFailuresNamesThem();
     void missingToolsAreNamedWithoutWaiting();
@@ -233,6 +234,17 @@ void TestMainWindowMessages::cancellingAnExportThatHasEndedDoesNothing()
     bench.beginExport();
     progress(*bench.window, "exporting files...");
     QCOMPARE(bench.status(), QString("Status: exporting files..."));
+}
+
+void TestMainWindowMessages::onlyAnEndDuringTheQuestionTakesTheAnswerBack()
+{
+    WindowBench bench;
+    QSignalSpy cancelled(bench.window.get(), &MainWindow::cancelExport);
+    bench.boxes.answerNext(QMessageBox::Yes);
+    bench.cancelButton->click();
+    QVERIFY(bench.boxes.answered({"Cancel Export"}));
+    QCOMPARE(cancelled.count(), 1);
+    QCOMPARE(bench.status(), QString("Status: cancelling export..."));
 }
 
 void TestMainWindowMessages::aWholeExportIsDone()
