@@ -257,7 +257,10 @@ void MainWindow::onSessionEnd()
     constexpr int longestWait = 5000; // [ms] what a session usually grants
     quitWithoutAsking();
     QEventLoop loop;
-    QTimer::singleShot(longestWait, &loop, &QEventLoop::quit);
+    QTimer deadline;
+    deadline.setSingleShot(true);
+    connect(&deadline, &QTimer::timeout, &loop, &QEventLoop::quit);
+    deadline.start(longestWait);
     connect(mainControl, &MainControl::exportReady, &loop, &QEventLoop::quit);
     if (exportRunning)
         loop.exec();
