@@ -29,6 +29,13 @@ QString streamLines(int index, const QJsonObject &stream)
     return lines + line("TAG:timecode", stream["tags"].toObject()["timecode"]);
 }
 
+void set(QProcessEnvironment &environment, const QString &variable, const QString &value)
+{
+    environment.remove(variable);
+    if (!value.isEmpty())
+        environment.insert(variable, value);
+}
+
 } // namespace
 
 QString mutedChannel(const FileData &file, const ExportOptions &options)
@@ -61,16 +68,16 @@ QString sourceDescription(const FileData &file)
     return text.size() <= longestDescription ? text : QString();
 }
 
+void insertSource(QProcessEnvironment &environment, const FileData &file)
+{
+    set(environment, "OSTREL_SOURCE", sourceDescription(file));
+}
+
 void insertInto(QProcessEnvironment &environment, const FileData &file, const ExportOptions &options)
 {
-    const auto set = [&environment](const QString &variable, const QString &value) {
-        environment.remove(variable);
-        if (!value.isEmpty())
-            environment.insert(variable, value);
-    };
-    set("OSTREL_TIMECODE_CHANNEL", mutedChannel(file, options));
-    set("OSTREL_TIMECODE_RATE", timecodeRate(file));
-    set("OSTREL_SOURCE", sourceDescription(file));
+    set(environment, "OSTREL_TIMECODE_CHANNEL", mutedChannel(file, options));
+    set(environment, "OSTREL_TIMECODE_RATE", timecodeRate(file));
+    insertSource(environment, file);
 }
 
 } // namespace exporthints

@@ -7,8 +7,8 @@
 #include <QProcessEnvironment>
 #include <QString>
 
-/// What the tool is told beside the arguments of an export, since these cannot say it: environment variables
-/// whose names begin with "OSTREL_".
+/// What the tool is told beside the arguments of an export or an extraction, since these cannot say it:
+/// environment variables whose names begin with "OSTREL_".
 namespace exporthints
 {
 
@@ -24,6 +24,10 @@ QString timecodeRate(const FileData &file);
 /// each stream begun by its "index", the file as a whole by "[FORMAT]". Saves the tool a probe of its own.
 /// Empty where nothing is known, and where there is more than an environment variable can hold.
 QString sourceDescription(const FileData &file);
+
+/// Sets the variable that describes \a file in \a environment: all that an extraction needs. One that is
+/// there already never stays.
+void insertSource(QProcessEnvironment &environment, const FileData &file);
 
 /// Sets the variables for the export of \a file with \a options in \a environment. One of them that is there
 /// already never stays.

@@ -48,6 +48,9 @@ void FFMpegHandler::extractAudio(const FileData &fileData, const QString &target
     record = fileData;
     connect(extractProcess, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
             &FFMpegHandler::ffmpegAudioExtractFinished);
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    exporthints::insertSource(environment, record);
+    extractProcess->setProcessEnvironment(environment);
     start(extractProcess, ffmpegPath, toolarguments::audioExtraction(record, targetFolderPath));
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/recordtypes.h"
+#include "ffmpeg/exporthints.h"
 #include "ffmpeg/ffmpeghandler.h"
 #include "tests/fakes/faketools.h"
 #include "tests/ffmpeg/samplerecords.h"
@@ -31,6 +32,7 @@ private slots:
     void theProbesOutputIsReportedWithItsExitCode();
     void theExtractionWritesOneFilePerStream_data();
     void theExtractionWritesOneFilePerStream();
+    void theSourceIsDescribedToTheExtraction();
     void aFailedExtractionIsReported_data();
     void aFailedExtractionIsReported();
     void missingToolsAreReportedLater_data();
@@ -214,6 +216,18 @@ void TestFFMpegHandler::theExtractionWritesOneFilePerStream()
     QCOMPARE(result[0][1].value<FileData>().absoluteFilePath, file.absoluteFilePath);
     QCOMPARE(result[0][1].value<FileData>().rowNumber, 4);
     QCOMPARE(result[0][2].toInt(), 0);
+}
+
+void TestFFMpegHandler::theSourceIsDescribedToTheExtraction()
+{
+    const FileData file = mediaFile(makeFile("clip.mov"), {sound("pcm_s16le", 1)});
+    qputenv("OSTREL_SOURCE", "index=0");
+    FFMpegHandler handler(nullptr);
+    QSignalSpy result(&handler, &FFMpegHandler::ffmpegAudioExtractResult);
+    handler.extractAudio(file, folder->path());
+    qunsetenv("OSTREL_SOURCE");
+    QVERIFY(result.wait(longWait));
+    QCOMPARE(faketools::calls(file.absoluteFilePath).value(0).source, exporthints::sourceDescription(file));
 }
 
 void TestFFMpegHandler::aFailedExtractionIsReported_data()
