@@ -42,10 +42,16 @@ Source probe(const std::string &path)
     return parseProbe(output);
 }
 
+/// What the application has told of the source that it hands to its tools; nothing where it has not.
+Source toldSource()
+{
+    return parseProbe(environment("OSTREL_SOURCE"));
+}
+
 /// The source at \a path. The application has had it probed at the import and tells; another caller may not.
 Source sourceAt(const std::string &path)
 {
-    const Source told = parseProbe(environment("OSTREL_SOURCE"));
+    const Source told = toldSource();
     return told.streams.empty() ? probe(path) : told;
 }
 
@@ -90,7 +96,7 @@ int runAs(const std::string &ownPath, const std::vector<std::string> &arguments)
     if (job == Job::Export)
         return runExport(*list);
     if (job == Job::Extraction)
-        return become({path, renderArguments(rewriteExtraction(*list))});
+        return become({path, renderArguments(rewriteExtraction(*list, toldSource()))});
     return become({path, arguments});
 }
 

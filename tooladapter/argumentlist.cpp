@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <string_view>
+#include <system_error>
 
 using namespace std::string_view_literals;
 
@@ -87,6 +89,20 @@ Job jobOf(const ArgumentList &list)
     if (list.inputOptions.size() == 1 && list.outputs.size() == 1 && !list.outputs.front().path.empty())
         return Job::Export;
     return Job::Unknown;
+}
+
+std::optional<int> mappedStream(const std::string &map)
+{
+    return map.starts_with("0:") ? numberFrom(std::string_view{map}.substr(2)) : std::nullopt;
+}
+
+std::optional<int> numberFrom(std::string_view text)
+{
+    int number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc{} || end != text.data() + text.size() || number < 0)
+        return std::nullopt;
+    return number;
 }
 
 bool hasOption(const Options &options, const std::string &name)

@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tooladapter
@@ -47,6 +48,12 @@ Job jobOf(const ArgumentList &list);
 
 /// The inverse of parseArguments().
 std::vector<std::string> renderArguments(const ArgumentList &list);
+
+/// The stream index that the value \a map of "-map" names, "0:1"; nothing where it names no single stream.
+std::optional<int> mappedStream(const std::string &map);
+
+/// \a text as a number of 0 or more; nothing for any other text.
+std::optional<int> numberFrom(std::string_view text);
 
 /// Whether one of \a options is called \a name.
 bool hasOption(const Options &options, const std::string &name);

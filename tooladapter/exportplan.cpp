@@ -5,22 +5,12 @@
 
 #include <algorithm>
 #include <cctype>
-#include <charconv>
 #include <string_view>
 
 namespace tooladapter
 {
 namespace
 {
-
-std::optional<int> numberFrom(std::string_view text)
-{
-    int number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc{} || end != text.data() + text.size() || number < 0)
-        return std::nullopt;
-    return number;
-}
 
 const Stream &audioStreamOf(const Source &source, int index)
 {
@@ -81,7 +71,7 @@ std::vector<int> channelsWithout(int count, int dropped)
 void addMapped(const std::string &value, ExportPlan &plan, std::vector<ChannelGroup> &groups)
 {
     plan.streamsAreNamed = true;
-    const auto stream = value.starts_with("0:") ? numberFrom(value.substr(2)) : std::nullopt;
+    const auto stream = mappedStream(value);
     if (stream) {
         plan.tracks.push_back({*stream, {}, {}});
         groups.emplace_back();

@@ -81,6 +81,20 @@ void checkPicture(const ExportPlan &plan, const Source &source, int picture)
         throw Refusal("the picture of " + plan.input + " does not run at the rate that is to be coded");
 }
 
+/// What is done to the samples of \a track; empty where nothing is.
+std::string filterOf(const AudioTrack &track, const ExportPlan &plan, const Source &source)
+{
+    std::string filter = track.channels.empty() ? std::string() : channelFilter(track);
+    if (plan.container != Container::Mxf)
+        return filter; // QuickTime notes by itself where a stream begins, WAV holds one stream
+    const double delay = source.delayOf(track.stream);
+    if (delay > longestDelay)
+        throw Refusal("the audio stream " + std::to_string(track.stream) +
+                      " begins too long after the picture");
+    const std::string silence = delayFilter(delay);
+    return filter.empty() || silence.empty() ? filter + silence : filter + ',' + silence;
+}
+
 /// The options that name the streams to take; tells \a result what the audio streams must hold.
 Options pictureAndTracks(const ExportPlan &plan, const Source &source, Export &result)
 {
@@ -93,8 +107,9 @@ Options pictureAndTracks(const ExportPlan &plan, const Source &source, Export &r
         options.push_back({"-map", "0:" + std::to_string(track.stream)});
         if (!track.codec.empty())
             options.push_back({"-c:a:" + number, track.codec});
-        if (!track.channels.empty())
-            options.push_back({"-filter:a:" + number, channelFilter(track)});
+        const std::string filter = filterOf(track, plan, source);
+        if (!filter.empty())
+            options.push_back({"-filter:a:" + number, filter});
         const int all = source.streams[static_cast<std::size_t>(track.stream)].channels;
         result.audio.push_back(
             {track.stream, track.channels.empty() ? all : static_cast<int>(track.channels.size())});

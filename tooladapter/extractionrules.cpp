@@ -2,13 +2,41 @@
 #include "tooladapter/extractionrules.h"
 
 #include "tooladapter/refusal.h"
+#include "tooladapter/trackrules.h"
 
 #include <algorithm>
 
 namespace tooladapter
 {
 
-ArgumentList rewriteExtraction(ArgumentList list)
+namespace
+{
+
+double delayOf(const Output &output, const Source &source)
+{
+    const auto map = std::find_if(output.options.begin(), output.options.end(),
+                                  [](const Option &option) { return option.name == "-map"; });
+    return map == output.options.end() ? 0.0 : source.delayOf(mappedStream(map->value).value_or(-1));
+}
+
+/// A stream's file begins with its first sound, but exports count from the source's beginning: without the
+/// silence between the two, their start timecode would be that of a later moment.
+void restoreDelays(ArgumentList &list, const Source &source)
+{
+    std::erase_if(list.outputs,
+                  [&source](const Output &output) { return delayOf(output, source) > longestDelay; });
+    if (list.outputs.empty())
+        throw Refusal("the sound of " + list.input + " begins too long after its picture");
+    for (Output &output : list.outputs) {
+        const std::string filter = delayFilter(delayOf(output, source));
+        if (!filter.empty())
+            output.options.push_back({"-filter:a", filter});
+    }
+}
+
+} // namespace
+
+ArgumentList rewriteExtraction(ArgumentList list, const Source &source)
 {
     if (list.outputs.empty() || list.outputs.front().path.empty())
         throw Refusal("no audio stream to extract from " + list.input);
@@ -26,6 +54,7 @@ ArgumentList rewriteExtraction(ArgumentList list)
             output.options.erase(limit);
         }
     }
+    restoreDelays(list, source);
     return list;
 }
 

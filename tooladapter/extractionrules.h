@@ -2,11 +2,14 @@
 #pragma once
 
 #include "tooladapter/argumentlist.h"
+#include "tooladapter/source.h"
 
 namespace tooladapter
 {
 
-/// The list that extracts what \a list means. Throws Refusal when \a list maps no audio stream.
-ArgumentList rewriteExtraction(ArgumentList list);
+/// The list that extracts what \a list means from \a source, of which nothing need be known. Every file
+/// begins where the source does, with silence where its sound begins later. Throws Refusal when \a list maps
+/// no audio stream, or none that begins within longestDelay.
+ArgumentList rewriteExtraction(ArgumentList list, const Source &source);
 
 } // namespace tooladapter

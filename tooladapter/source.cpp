@@ -2,6 +2,7 @@
 #include "tooladapter/source.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
 namespace tooladapter
@@ -16,6 +17,21 @@ constexpr int mostChannels = 512;
 double toSeconds(const std::string &text)
 {
     return std::strtod(text.c_str(), nullptr); // "N/A" gives 0
+}
+
+/// A time stamp [s]; none for "N/A".
+std::optional<double> toTimeStamp(const std::string &text)
+{
+    char *end = nullptr;
+    const double seconds = std::strtod(text.c_str(), &end);
+    return end != text.c_str() && std::isfinite(seconds) ? std::optional(seconds) : std::nullopt;
+}
+
+/// Whether exports take \a stream over.
+bool isExported(const Stream &stream)
+{
+    return stream.kind == Stream::Kind::Audio ||
+           (stream.kind == Stream::Kind::Picture && !stream.isAttachedPicture);
 }
 
 void readStreamKey(Stream &stream, std::string_view key, const std::string &value)
@@ -37,7 +53,7 @@ void readStreamKey(Stream &stream, std::string_view key, const std::string &valu
     else if (key == "avg_frame_rate")
         stream.averageRate = FrameRate::fromText(value);
     else if (key == "start_time")
-        stream.start = toSeconds(value);
+        stream.start = toTimeStamp(value);
     else if (key == "duration")
         stream.duration = toSeconds(value);
     else if (key == "DISPOSITION:attached_pic")
@@ -74,6 +90,21 @@ std::vector<int> Source::audioStreams() const
             indexes.push_back(static_cast<int>(i));
     }
     return indexes;
+}
+
+double Source::delayOf(int index) const
+{
+    if (index < 0 || index >= static_cast<int>(streams.size()))
+        return 0.0;
+    const auto own = streams[static_cast<std::size_t>(index)].start;
+    if (!own)
+        return 0.0;
+    double first = *own;
+    for (const Stream &stream : streams) {
+        if (isExported(stream))
+            first = std::min(first, stream.start.value_or(first));
+    }
+    return *own - first;
 }
 
 std::string Source::startTimecode() const

@@ -3,6 +3,7 @@
 
 #include "tooladapter/framerate.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,7 +22,7 @@ struct Stream {
     std::string layout;             ///< channel layout; empty where the file names none
     FrameRate baseRate;             ///< the lowest rate that all time stamps fit, for pictures
     FrameRate averageRate;          ///< for pictures
-    double start = 0.0;             ///< [s] time stamp of the first frame
+    std::optional<double> start;    ///< [s] time stamp of what comes first; none where the file does not tell
     double duration = 0.0;          ///< [s]; 0 where the file does not tell
     std::string timecode;           ///< start timecode; empty where the stream has none
 
@@ -42,6 +43,10 @@ struct Source {
 
     /// Indexes of all audio streams.
     std::vector<int> audioStreams() const;
+
+    /// How long after the first picture or sound the stream \a index begins [s]; 0 where the file does not
+    /// tell.
+    double delayOf(int index) const;
 
     /// The start timecode of the file or of one of its streams; empty where there is none.
     std::string startTimecode() const;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <string_view>
 
 using namespace std::string_view_literals;
@@ -75,6 +76,16 @@ void chooseCodecs(ExportPlan &plan, const Source &source)
         else if (track.channels.size() > lossyLayouts.size())
             track.codec = "pcm_s24le";
     }
+}
+
+std::string delayFilter(double delay)
+{
+    constexpr double shortestDelay = 0.001; // [s] a small part of any frame
+    if (delay < shortestDelay)
+        return {};
+    std::array<char, 48> filter{};
+    std::snprintf(filter.data(), filter.size(), "adelay=%.3f:all=1", delay * 1000);
+    return filter.data();
 }
 
 std::string channelFilter(const AudioTrack &track)

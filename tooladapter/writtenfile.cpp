@@ -23,7 +23,7 @@ const Stream &streamAt(const Source &file, int index)
 double endOf(const Source &file, int stream)
 {
     const Stream &own = streamAt(file, stream);
-    return own.duration > 0.0 ? own.start - file.start + own.duration : file.duration;
+    return own.duration > 0.0 ? own.start.value_or(file.start) - file.start + own.duration : file.duration;
 }
 
 std::string secondsText(double seconds)

@@ -101,7 +101,7 @@ void adapterCommand(fuzz::Input &input)
     const Job job = jobOf(*list);
     try {
         if (job == Job::Extraction)
-            rewriteExtraction(*list);
+            rewriteExtraction(*list, parseProbe(input.rest().toStdString()));
         if (job == Job::Export) {
             const Source source = parseProbe(input.rest().toStdString());
             checkExport(

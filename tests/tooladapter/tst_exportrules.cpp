@@ -48,6 +48,16 @@ Export exportFor(const QString &words, const QString &source, const QString &cha
                     FrameRate::fromText(timecodeRate.toStdString()));
 }
 
+bool isRefused(const ArgumentList &list, const Source &source)
+{
+    try {
+        exportOf(planOf(list, source, {}), source);
+    } catch (const Refusal &) {
+        return true;
+    }
+    return false;
+}
+
 const char coded25[] = "-vcodec dnxhd -b:v 36M -pix_fmt yuv422p -s 1920x1080 -r 25/1";
 
 } // namespace
@@ -63,6 +73,8 @@ private slots:
     void everyStreamIsTakenWhereNoneIsNamed();
     void everyStreamHasItsOwnCodec_data();
     void everyStreamHasItsOwnCodec();
+    void lateSoundKeepsItsPlace_data();
+    void lateSoundKeepsItsPlace();
     void thePictureKeepsItsRate_data();
     void thePictureKeepsItsRate();
     void filesInOddFoldersAreFiles_data();
@@ -237,6 +249,39 @@ void TestExportRules::everyStreamHasItsOwnCodec()
     QFETCH(QString, mended);
     const std::vector<std::string> arguments = exportFor("-y -i in " + given, source).arguments;
     QCOMPARE(textOf(arguments).remove("-xerror "), "-y -i in " + mended);
+}
+
+void TestExportRules::lateSoundKeepsItsPlace_data()
+{
+    QTest::addColumn<QString>("given");
+    QTest::addColumn<double>("start"); // [s] of the sound
+    QTest::addColumn<QString>("filter");
+    const QString all = "-map 0:1 -acodec pcm_s24le ";
+    const QString muted =
+        "-map 0:1 -map_channel -0.1.2 -map_channel 0.1.0:0.0 -map_channel 0.1.1:0.1 -acodec pcm_s24le ";
+    QTest::newRow("MXF gets silence") << all + "out.MXF" << 0.4 << "-filter:a:0 adelay=400.000:all=1";
+    QTest::newRow("MXF without the timecode")
+        << muted + "out.MXF" << 0.4 << "-filter:a:0 pan=2C|c0=c0|c1=c1,adelay=400.000:all=1";
+    QTest::newRow("MXF in time") << all + "out.MXF" << 0.0 << QString();
+    QTest::newRow("QuickTime notes it by itself") << all + "out.MOV" << 0.4 << QString();
+}
+
+void TestExportRules::lateSoundKeepsItsPlace()
+{
+    QFETCH(QString, given);
+    QFETCH(double, start);
+    QFETCH(QString, filter);
+    Source source = sourceOf("video:25/1 audio:pcm_s24le:3");
+    source.streams[0].start = 0.0;
+    source.streams[1].start = start;
+    const auto list = parseArguments(wordsOf("-y -i in.mov -map 0:v " + given));
+    QVERIFY(list.has_value());
+    const QString mended = textOf(exportOf(planOf(*list, source, {}), source).arguments);
+    QCOMPARE(mended.section(" -filter", 1, 1, QString::SectionIncludeLeadingSep).section(' ', 1, 2), filter);
+
+    source.streams[1].start = 60.0;
+    const bool isMxf = given.endsWith("MXF");
+    QCOMPARE(isRefused(*list, source), isMxf);
 }
 
 void TestExportRules::thePictureKeepsItsRate_data()

@@ -11,6 +11,10 @@
 #include <QTest>
 #include <QThread>
 
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
 namespace
 {
 
@@ -47,6 +51,8 @@ private slots:
     void aFileThatCannotBeMadeIsAFailure_data();
     void aFileThatCannotBeMadeIsAFailure();
     void everyExtractedFileEndsAfterThreeSeconds();
+    void soundThatBeginsLateKeepsItsPlace_data();
+    void soundThatBeginsLateKeepsItsPlace();
     void killingAnExportLeavesNoProcess_data();
     void killingAnExportLeavesNoProcess();
 
@@ -55,6 +61,8 @@ private:
     int run(const QString &program, const QStringList &arguments);
     int exportFile(const QString &source, const QStringList &picture, const QString &target);
     double durationOf(const QString &name);
+    double silenceBefore(const QString &name);
+    void describe(const QString &source);
 
     QTemporaryDir folder;
     QByteArray output;
@@ -83,6 +91,29 @@ double TestRealExports::durationOf(const QString &name)
 {
     run("ffprobe", {"-v", "error", "-show_entries", "format=duration", "-of", "csv=p=0", name});
     return output.trimmed().toDouble();
+}
+
+/// Sets the description of \a source that the application gives to its tools.
+void TestRealExports::describe(const QString &source)
+{
+    QStringList probing;
+    for (const std::string &argument : tooladapter::probeArguments(source.toStdString()))
+        probing += QString::fromStdString(argument);
+    QCOMPARE(run("ffprobe", probing), 0);
+    qputenv("OSTREL_SOURCE", output);
+}
+
+/// How long the first audio stream of \a name is silent at its beginning [s].
+double TestRealExports::silenceBefore(const QString &name)
+{
+    run("ffmpeg",
+        {"-v", "error", "-i", name, "-map", "0:a:0", "-f", "s16le", "-ac", "1", "-ar", "48000", "-"});
+    constexpr qint16 silent = 500; // coders put a little noise before a tone
+    const auto *samples = reinterpret_cast<const qint16 *>(output.constData());
+    const auto count = output.size() / static_cast<int>(sizeof(qint16));
+    const auto *const first =
+        std::find_if(samples, samples + count, [](qint16 sample) { return std::abs(sample) > silent; });
+    return static_cast<double>(first - samples) / 48000;
 }
 
 void TestRealExports::initTestCase()
@@ -185,11 +216,8 @@ void TestRealExports::aCompleteFileIsKnownWithoutAProbe()
 {
     QFETCH(QStringList, chosen);
     QFETCH(QString, target);
-    const std::string source = folder.filePath("whole.mov").toStdString();
-    QStringList probing;
-    for (const std::string &argument : tooladapter::probeArguments(source))
-        probing += QString::fromStdString(argument);
-    QCOMPARE(run("ffprobe", probing), 0);
+    const QString source = folder.filePath("whole.mov");
+    describe(source);
 
     // An ffprobe that fails and tells that it was called
     QVERIFY(QDir(folder.path()).mkpath("tools"));
@@ -200,9 +228,7 @@ void TestRealExports::aCompleteFileIsKnownWithoutAProbe()
     probe.close();
     const QByteArray searchPath = qgetenv("PATH");
     qputenv("PATH", QFile::encodeName(folder.filePath("tools:")) + searchPath);
-    qputenv("OSTREL_SOURCE", output);
-    const int exitCode = run("ffmpeg.exe", QStringList{"-y", "-i", QString::fromStdString(source)} + chosen +
-                                               QStringList{target});
+    const int exitCode = run("ffmpeg.exe", QStringList{"-y", "-i", source} + chosen + QStringList{target});
     qputenv("PATH", searchPath);
     qunsetenv("OSTREL_SOURCE");
     QVERIFY2(exitCode == 0, qPrintable(errors));
@@ -242,6 +268,38 @@ void TestRealExports::everyExtractedFileEndsAfterThreeSeconds()
         0);
     QCOMPARE(durationOf("first.wav"), 3.0);
     QCOMPARE(durationOf("second.wav"), 3.0);
+}
+
+void TestRealExports::soundThatBeginsLateKeepsItsPlace_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<double>("delay"); // [s] of the sound
+    QTest::newRow("QuickTime") << "late.mov" << 0.4;
+    QTest::newRow("transport stream") << "late.mts" << 0.09;
+}
+
+void TestRealExports::soundThatBeginsLateKeepsItsPlace()
+{
+    QFETCH(QString, source);
+    QFETCH(double, delay);
+    constexpr double tolerance = 0.01; // [s] of time stamps, and of what a coder needs to swing in
+    const QString path = folder.filePath(source);
+    const QString making = "-v error -y -i whole.mov -itsoffset %1 -i whole.mov -map 0:v -map 1:1 -t 2 "
+                           "-c:v copy -c:a %2 %3";
+    const QString codec = source.endsWith("mts") ? "mp2" : "pcm_s16le";
+    QCOMPARE(run("ffmpeg", making.arg(delay).arg(codec, source).split(' ')), 0);
+    describe(path);
+    const int extraction = run("ffmpeg.exe", {"-y", "-guess_layout_max", "0", "-ss", "0", "-i", path, "-t",
+                                              "3", "-map", "0:1", "extracted.wav"});
+    const int exported = exportFile(source, coded(), "late.MXF");
+    qunsetenv("OSTREL_SOURCE");
+    QCOMPARE(extraction, 0);
+    QVERIFY2(exported == 0, qPrintable(errors));
+    for (const char *written : {"extracted.wav", "late.MXF"}) {
+        const double silence = silenceBefore(written);
+        QVERIFY2(std::abs(silence - delay) < tolerance,
+                 qPrintable(QString("%1: %2 s of silence").arg(written).arg(silence)));
+    }
 }
 
 void TestRealExports::killingAnExportLeavesNoProcess_data()

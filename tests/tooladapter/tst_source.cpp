@@ -3,6 +3,8 @@
 
 #include <QTest>
 
+#include <cmath>
+
 using namespace tooladapter;
 
 class TestSource : public QObject
@@ -16,6 +18,8 @@ private slots:
     void claimsOfDamagedFilesAreBounded();
     void missingAndUnknownValuesLeaveTheDefaults_data();
     void missingAndUnknownValuesLeaveTheDefaults();
+    void theDelayCountsFromTheFirstPictureOrSound_data();
+    void theDelayCountsFromTheFirstPictureOrSound();
     void ratesAreRead_data();
     void ratesAreRead();
 };
@@ -36,7 +40,8 @@ void TestSource::streamsAreRead()
     QVERIFY(source.audioStreams() == std::vector<int>{2});
     QCOMPARE(source.streams[1].baseRate.nominal(), 50);
     QCOMPARE(source.streams[1].averageRate.nominal(), 25);
-    QCOMPARE(source.streams[1].start, 1.4);
+    QCOMPARE(source.streams[1].start.value_or(0.0), 1.4);
+    QVERIFY(!source.streams[2].start);
     QCOMPARE(source.streams[1].duration, 2.0);
     QCOMPARE(source.startTimecode(), std::string("10:11:12:13"));
     QCOMPARE(source.streams[2].codec, std::string("pcm_s24le"));
@@ -90,6 +95,42 @@ void TestSource::missingAndUnknownValuesLeaveTheDefaults()
     QCOMPARE(source.firstPicture(), -1);
     QCOMPARE(source.duration, 0.0);
     QVERIFY(source.startTimecode().empty());
+}
+
+void TestSource::theDelayCountsFromTheFirstPictureOrSound_data()
+{
+    QTest::addColumn<QByteArray>("picture"); // start times
+    QTest::addColumn<QByteArray>("sound");
+    QTest::addColumn<QByteArray>("otherSound");
+    QTest::addColumn<double>("delay"); // [s]
+    QTest::newRow("together") << QByteArray("1.4") << QByteArray("1.4") << QByteArray("1.4") << 0.0;
+    QTest::newRow("after the picture") << QByteArray("1.4") << QByteArray("1.9") << QByteArray("1.9") << 0.5;
+    QTest::newRow("before the picture") << QByteArray("1.4") << QByteArray("1.3") << QByteArray("1.3") << 0.0;
+    QTest::newRow("after other sound")
+        << QByteArray("1.5") << QByteArray("1.5") << QByteArray("1.25") << 0.25;
+    QTest::newRow("a picture before zero")
+        << QByteArray("-0.25") << QByteArray("0") << QByteArray("0") << 0.25;
+    QTest::newRow("the others do not tell") << QByteArray("N/A") << QByteArray("1.4") << QByteArray() << 0.0;
+    QTest::newRow("it does not tell itself") << QByteArray("1.4") << QByteArray("N/A") << QByteArray() << 0.0;
+    QTest::newRow("no number") << QByteArray("1.4") << QByteArray("nan") << QByteArray("-inf") << 0.0;
+}
+
+void TestSource::theDelayCountsFromTheFirstPictureOrSound()
+{
+    QFETCH(QByteArray, picture);
+    QFETCH(QByteArray, sound);
+    QFETCH(QByteArray, otherSound);
+    QFETCH(double, delay);
+    const Source source =
+        parseProbe(("index=0\ncodec_type=video\nstart_time=" + picture +
+                    "\nindex=1\ncodec_type=audio\nstart_time=" + sound +
+                    "\nindex=2\ncodec_type=audio\nstart_time=" + otherSound +
+                    "\nindex=3\ncodec_type=video\nstart_time=0\nDISPOSITION:attached_pic=1"
+                    "\nindex=4\ncodec_type=subtitle\nstart_time=0\n[FORMAT]\nstart_time=0\n")
+                       .toStdString());
+    QVERIFY(std::abs(source.delayOf(1) - delay) < 1e-9);
+    QCOMPARE(source.delayOf(-1), 0.0);
+    QCOMPARE(source.delayOf(5), 0.0);
 }
 
 void TestSource::ratesAreRead_data()
