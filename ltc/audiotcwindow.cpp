@@ -44,7 +44,7 @@ AudioTCWindow::AudioTCWindow(QWidget *parent)
     named(this, "audioTCWindow", {});
     setWindowTitle(tr("Read audio timecode"));
     filesCombo->addItems({tr("selected files"), tr("all files")});
-    algorithmCombo->addItems({tr("auto"), "LOW", "MID", "HIGH", "SLOPE"});
+    algorithmCombo->addItems({tr("auto"), tr("LOW"), tr("MID"), tr("HIGH"), tr("SLOPE")});
     channelCombo->addItems(audioChannels.keys());
     // The table sorts "auto" behind the numbers; it heads both lists.
     QStringList rates = frameRates.keys();

@@ -10,6 +10,23 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTranslator>
+
+namespace
+{
+
+/// Translates every text into itself between brackets.
+class Brackets : public QTranslator
+{
+public:
+    QString translate(const char *, const char *text, const char *, int) const override
+    {
+        return QString("<%1>").arg(text);
+    }
+    bool isEmpty() const override { return false; }
+};
+
+} // namespace
 
 class TestAudioTCWindow : public QObject
 {
@@ -20,6 +37,7 @@ private slots:
     void init();
     void cleanup();
     void aNewDialogOffersTheDefaults();
+    void everyTextOfItsOwnIsTranslated();
     void automaticHeadsBothLists();
     void theLayoutIsAsDrawn();
     void untouchedItAsksForTheAutomaticReadingOfSelectedFiles();
@@ -82,6 +100,22 @@ void TestAudioTCWindow::aNewDialogOffersTheDefaults()
         QCOMPARE(child<QComboBox>(combo)->currentIndex(), 0);
         QVERIFY(!child<QComboBox>(combo)->accessibleName().isEmpty());
     }
+}
+
+void TestAudioTCWindow::everyTextOfItsOwnIsTranslated()
+{
+    Brackets brackets; // uninstalls itself
+    QVERIFY(QCoreApplication::installTranslator(&brackets));
+    const AudioTCWindow translated;
+    QStringList shown{translated.windowTitle(),
+                      childOf<QPushButton>(translated, "readAudioTCButton")->text()};
+    const auto labels = translated.findChildren<QLabel *>();
+    for (const QLabel *label : labels)
+        shown += label->text();
+    for (const char *combo : {"filesCombo", "algorithmCombo"})
+        shown += texts(*childOf<QComboBox>(translated, combo));
+    for (const QString &text : qAsConst(shown))
+        QVERIFY2(text.startsWith('<'), qPrintable(text));
 }
 
 void TestAudioTCWindow::automaticHeadsBothLists()
