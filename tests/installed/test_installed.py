@@ -17,7 +17,7 @@ import pyatspi
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "window" / "gui"))
 import desktop  # noqa: E402
-from desktop import Program, click, drag, press, wait_for  # noqa: E402
+from desktop import Drag, Program, press  # noqa: E402
 
 desktop.PATIENCE = 600  # seconds; real tools read and write here
 
@@ -55,7 +55,7 @@ class InstalledProgramTest(unittest.TestCase):
         self.import_media()
         shown = {row[0]: [row[2], row[3]] for row in self.program.rows()}
         self.assertEqual(shown, {row[0]: row[1:3] for row in self.expected})
-        self.export_all()
+        self.program.export_all(self.target)
         self.program.wait_window("Export Result")
         press("Return")
 
@@ -67,23 +67,12 @@ class InstalledProgramTest(unittest.TestCase):
         self.assertEqual(self.program.wait_end(), 0)
 
     def import_media(self):
-        source, accepted = drag(os.environ["OSTREL_DRAG_SOURCE"], [self.demo / "media"],
-                                self.program.get("table", "Imported files"))
-        with source:
-            try:
-                self.assertTrue(accepted, "the drop is accepted")
-                self.program.wait_status("Status: import ready")
-            finally:
-                source.kill()  # it holds the mouse until it ends
-
-    def export_all(self):
-        self.program.menu("f", "Return")
-        dialog = self.program.wait_window("Export all files")
-        click(self.program.get("text", "Export directory", dialog))
-        press("ctrl+a")
-        desktop.xdotool("type", "--delay", 20, str(self.target))
-        press("Return")
-        wait_for(lambda: self.program.find_window("Export all files") is None, "the end of the dialog")
+        drag = Drag(os.environ["OSTREL_DRAG_SOURCE"], [self.demo / "media"],
+                    self.program.get("table", "Imported files"))
+        self.addCleanup(drag.end)
+        self.assertTrue(drag.accepted, "the drop is accepted")
+        self.program.wait_status("Status: import ready")
+        drag.end()  # it holds the mouse until then
 
 
 if __name__ == "__main__":

@@ -179,6 +179,16 @@ class Program:
         wait_for(lambda: self.find("popup menu"), "an open menu")
         press(*keys)
 
+    def export_all(self, target):
+        """Has all files exported to the folder target, otherwise as the dialog offers it."""
+        self.menu("f", "Return")
+        dialog = self.wait_window("Export all files")
+        click(self.get("text", "Export directory", dialog))
+        press("ctrl+a")
+        xdotool("type", "--delay", 20, str(target))
+        press("Return")
+        wait_for(lambda: self.find_window("Export all files") is None, "the end of the dialog")
+
     def box_text(self, box):
         return [node.name for node in descendants(box) if node.getRoleName() == "label" and node.name]
 

@@ -49,19 +49,10 @@ class GuiTest(unittest.TestCase):
         self.addCleanup(drag.end)
         self.assertTrue(drag.accepted, "the drop is accepted")
 
-    def export_all(self):
-        self.program.menu("f", "Return")
-        dialog = self.program.wait_window("Export all files")
-        click(self.program.get("text", "Export directory", dialog))
-        press("ctrl+a")
-        desktop.xdotool("type", "--delay", 5, str(self.target))
-        press("Return")
-        wait_for(lambda: self.program.find_window("Export all files") is None, "the end of the dialog")
-
     def start_hanging_export(self):
         self.tools.plan("a.mov", export={"hang": True})
         self.import_files("a.mov")
-        self.export_all()
+        self.program.export_all(self.target)
         self.program.get("push button", "Cancel")
         wait_for(lambda: self.tools.calls("a.mov", "export"), "the export")
 
@@ -135,7 +126,7 @@ class GuiTest(unittest.TestCase):
         self.start()
         self.tools.plan("b.mov", export={"exitCode": 1})
         self.import_files("a.mov", "b.mov")
-        self.export_all()
+        self.program.export_all(self.target)
         text = self.program.answer("Export Result", "OK")
         self.assertIn("Export finished.\nErrors occured with the folliwing files:\nb.mov", text)
         self.program.wait_status("Status:")
@@ -143,7 +134,7 @@ class GuiTest(unittest.TestCase):
     def test_an_export_without_failures_is_told(self):
         self.start()
         self.import_files("a.mov")
-        self.export_all()
+        self.program.export_all(self.target)
         self.assertIn("Ostrel did the job!", self.program.answer("Export Result", "OK"))
         self.assertEqual(len(list(self.target.iterdir())), 1)
 
