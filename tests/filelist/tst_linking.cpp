@@ -1,23 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "filelist/linking.h"
+#include "tests/filelist/linkedfile.h"
 
 #include <QTest>
 
-namespace
-{
-
-const QDateTime noon(QDate(2024, 5, 4), QTime(12, 0));
-
-FileData file(const QString &suffix, double duration, const QDateTime &modified = noon)
-{
-    FileData record;
-    record.suffix = suffix;
-    record.duration = duration;
-    record.lastModified = modified;
-    return record;
-}
-
-} // namespace
+using linkedfile::file;
+using linkedfile::noon;
 
 class TestLinking : public QObject
 {
@@ -41,9 +29,9 @@ void TestLinking::filesOfOneRecordingAreSiblings_data()
     QTest::newRow("exactly 0.05 s from nothing") << file("wav", 0.0) << file("wav", 0.05) << false;
     QTest::newRow("a sample short of 0.05 s") << file("wav", 10.0) << file("wav", 10.049979) << true;
     QTest::newRow("a millisecond apart in time")
-        << file("wav", 10.0) << file("wav", 10.0, noon.addMSecs(1)) << false;
+        << file("wav", 10.0) << file("wav", 10.0, noon().addMSecs(1)) << false;
     QTest::newRow("the same moment in another time zone")
-        << file("wav", 10.0) << file("wav", 10.0, noon.toUTC()) << true;
+        << file("wav", 10.0) << file("wav", 10.0, noon().toUTC()) << true;
     QTest::newRow("a picture file") << file("mov", 10.0) << file("wav", 10.0) << false;
     QTest::newRow("two picture files") << file("mov", 10.0) << file("mov", 10.0) << false;
 }

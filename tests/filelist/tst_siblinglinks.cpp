@@ -1,24 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "filelist/linking.h"
 #include "filelist/siblinglinks.h"
+#include "tests/filelist/linkedfile.h"
 
 #include <QTest>
 
 #include <limits>
 
+using linkedfile::file;
+using linkedfile::noon;
+
 namespace
 {
-
-const QDateTime noon(QDate(2024, 5, 4), QTime(12, 0));
-
-FileData file(const QString &suffix, double duration, const QDateTime &modified = noon)
-{
-    FileData record;
-    record.suffix = suffix;
-    record.duration = duration;
-    record.lastModified = modified;
-    return record;
-}
 
 SiblingLinks linksOf(const QVector<FileData> &files)
 {
@@ -57,8 +50,9 @@ private slots:
 
 void TestSiblingLinks::aTimecodeReachesTheSiblingsOnly()
 {
-    SiblingLinks links = linksOf({file("wav", 10.0), file("WAV", 10.04), file("wav", 10.05),
-                                  file("mov", 10.0), file("wav", 10.0, noon.addMSecs(1)), file("wav", 9.96)});
+    SiblingLinks links =
+        linksOf({file("wav", 10.0), file("WAV", 10.04), file("wav", 10.05), file("mov", 10.0),
+                 file("wav", 10.0, noon().addMSecs(1)), file("wav", 9.96)});
     const SiblingLinks::PassedOn passedOn = links.passOn(0, link("a"));
     QVERIFY(passedOn.hasFollowers);
     QCOMPARE(QSet<int>(passedOn.newFollowers.begin(), passedOn.newFollowers.end()), (QSet<int>{1, 5}));
