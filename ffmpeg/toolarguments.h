@@ -17,8 +17,8 @@ QStringList probe(const QString &mediaPath);
 QVector<int> audioStreams(const FileData &file);
 
 /// Path of the WAV file that takes the audio stream \a stream (index in the file's streams) of \a file. Its
-/// name ends in "_<stream>_<row>.wav", which tells later where it came from. A name that would be too long for
-/// a file system is cut before that.
+/// name ends in "_<stream>_<row>.wav", which tells later where it came from. A name that would be too long
+/// for a file system is cut before that.
 QString extractedPath(const FileData &file, const QString &targetFolder, int stream);
 
 /// Arguments that write the first three seconds of each audio stream of \a file to a WAV file of its own.
