@@ -3,8 +3,6 @@
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES CXX)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-set(CMAKE_AUTOMOC ON)
-set(CMAKE_AUTORCC ON)
 set(CMAKE_AUTORCC_OPTIONS --format-version 1) # without file times: the same sources give the same program
 
 if(WIN32)
@@ -12,6 +10,8 @@ if(WIN32)
 endif()
 
 option(OSTREL_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+option(OSTREL_PRECOMPILE
+    "Parse the headers that most sources include once; hides a missing #include, so releases and lint do without" OFF)
 option(OSTREL_FUZZ "Build the fuzz targets with libFuzzer; needs clang and OSTREL_SANITIZE" OFF)
 
 add_library(ostrel_flags INTERFACE)
@@ -44,19 +44,36 @@ if(OSTREL_FUZZ)
     target_link_options(ostrel_flags INTERFACE -fsanitize=float-cast-overflow)
 endif()
 
-# ostrel_add_library(<folder part> SOURCES ... LIBS ...) makes the library ostrel_<part>, alias Ostrel::<part>.
+# ostrel_take_common_headers(<target>) spares <target> the parsing of common headers, where they are precompiled.
+function(ostrel_take_common_headers target)
+    if(TARGET ostrel_commonheaders)
+        target_precompile_headers(${target} REUSE_FROM ostrel_commonheaders)
+    endif()
+endfunction()
+
+# ostrel_add_library(<folder part> [WITHOUT_QT] SOURCES ... LIBS ...) makes the library ostrel_<part>, alias
+# Ostrel::<part>.
 function(ostrel_add_library part)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
+    cmake_parse_arguments(ARG "WITHOUT_QT" "" "SOURCES;LIBS" ${ARGN})
     add_library(ostrel_${part} STATIC ${ARG_SOURCES})
     add_library(Ostrel::${part} ALIAS ostrel_${part})
     target_link_libraries(ostrel_${part} PUBLIC Ostrel::flags ${ARG_LIBS})
+    if(NOT ARG_WITHOUT_QT)
+        set_target_properties(ostrel_${part} PROPERTIES AUTOMOC ON)
+        ostrel_take_common_headers(ostrel_${part})
+    endif()
 endfunction()
 
-# ostrel_add_program(<target> OUTPUT <file name> SOURCES ... LIBS ...) makes a program beside the other programs.
+# ostrel_add_program(<target> [WITHOUT_QT] OUTPUT <file name> SOURCES ... LIBS ...) makes a program beside the other
+# programs.
 function(ostrel_add_program target)
-    cmake_parse_arguments(ARG "" "OUTPUT" "SOURCES;LIBS" ${ARGN})
+    cmake_parse_arguments(ARG "WITHOUT_QT" "OUTPUT" "SOURCES;LIBS" ${ARGN})
     add_executable(${target} ${ARG_SOURCES})
     target_link_libraries(${target} PRIVATE Ostrel::flags ${ARG_LIBS})
+    if(NOT ARG_WITHOUT_QT)
+        set_target_properties(${target} PROPERTIES AUTOMOC ON)
+        ostrel_take_common_headers(${target})
+    endif()
     if(WIN32)
         target_sources(${target} PRIVATE "${PROJECT_SOURCE_DIR}/packaging/windows/utf8.rc")
     endif()
@@ -79,8 +96,12 @@ function(ostrel_add_test name)
     if(NOT ARG_LOCALE)
         set(ARG_LOCALE C.UTF-8)
     endif()
-    add_executable(${name} ${name}.cpp ${ARG_SOURCES})
+    # moc is called directly: a scan of each of the many test programs would cost more than all else about them.
+    qt5_generate_moc(${name}.cpp "${CMAKE_CURRENT_BINARY_DIR}/${name}.moc" TARGET ${name})
+    add_executable(${name} ${name}.cpp "${CMAKE_CURRENT_BINARY_DIR}/${name}.moc" ${ARG_SOURCES})
+    target_include_directories(${name} PRIVATE "${CMAKE_CURRENT_BINARY_DIR}")
     target_link_libraries(${name} PRIVATE Ostrel::flags Qt5::Test ${ARG_LIBS})
+    ostrel_take_common_headers(${name})
     set(platform offscreen)
     set(wrapper "")
     if(ARG_DISPLAY)
