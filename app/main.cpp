@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "app/applicationattributes.h"
 #include "app/filenamecoding.h"
 #include "app/mainwindow.h"
 #include "app/recordtypes.h"
@@ -10,9 +11,7 @@ int main(int argc, char *argv[])
 {
     registerRecordTypes();
     useUtf8FileNames();
-    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
-    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    setApplicationAttributes();
     const QApplication application(argc, argv);
     // 5 = selectable by mouse (1) and links clickable by mouse (4)
     qApp->setStyleSheet("QMessageBox { messagebox-text-interaction-flags: 5; }");

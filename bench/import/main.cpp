@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "app/applicationattributes.h"
 #include "app/recordtypes.h"
 #include "bench/realtools/importfloor.h"
 #include "bench/realtools/mediafolder.h"
@@ -32,6 +33,7 @@ Rounds importRounds(MediaFolder &media, int files, int count)
 int main(int argc, char *argv[])
 {
     registerRecordTypes();
+    setApplicationAttributes();
     const QApplication application(argc, argv);
     QGuiApplication::setQuitOnLastWindowClosed(false);
     BenchmarkProgram program(

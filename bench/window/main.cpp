@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "app/applicationattributes.h"
 #include "app/recordtypes.h"
 #include "bench/support/benchmarkprogram.h"
 #include "bench/window/foreigntree.h"
@@ -124,6 +125,7 @@ void addForeignTree(int files, Outcome &outcome)
 int main(int argc, char *argv[])
 {
     registerRecordTypes();
+    setApplicationAttributes();
     const QApplication application(argc, argv);
     QGuiApplication::setQuitOnLastWindowClosed(false);
     BenchmarkProgram program(
