@@ -26,7 +26,8 @@ Table timeTable(const QString &work, const QVector<Rounds> &all)
 {
     Table table{work + ": time and CPU time, medians",
                 {"files", "s", "s of the floor", "ratio of a round", "s CPU of the child processes",
-                 "s CPU of the floor's", "s CPU of our process", "% of the child processes'"},
+                 "s CPU of the floor's", "s CPU of our process", "% of the child processes'",
+                 "s CPU of the bare launcher"},
                 {}};
     for (const Rounds &rounds : all) {
         table.rows +=
@@ -37,7 +38,8 @@ Table timeTable(const QString &work, const QVector<Rounds> &all)
              rounds.medianOf([](const Usage &program, const Usage &) { return program.childCpuTime; }),
              rounds.medianOf([](const Usage &, const Usage &floor) { return floor.childCpuTime; }),
              rounds.medianOf([](const Usage &program, const Usage &) { return program.ownCpuTime; }),
-             rounds.medianOf(cpuShare)};
+             rounds.medianOf(cpuShare),
+             rounds.medianOf([](const Usage &, const Usage &floor) { return floor.ownCpuTime; })};
     }
     return table;
 }

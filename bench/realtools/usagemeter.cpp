@@ -18,31 +18,41 @@ double secondsOf(const QElapsedTimer &timer)
     return static_cast<double>(timer.nsecsElapsed()) * 1e-9;
 }
 
-/// Counts the child processes until it is destroyed.
+/// Counts the child processes while some work is done.
 class ProcessCounter
 {
 public:
-    explicit ProcessCounter(QVector<QPointF> &counts)
-        : thread([this, &counts] {
-              QElapsedTimer timer;
-              timer.start();
-              while (!ended) {
-                  counts += QPointF(secondsOf(timer), livingChildren());
-                  std::this_thread::sleep_for(std::chrono::milliseconds(100));
-              }
-          })
-    {
-    }
-    ~ProcessCounter()
-    {
-        ended = true;
-        thread.join();
-    }
+    ProcessCounter() : thread([this] { count(); }) {}
+    ~ProcessCounter() { stop(); }
     ProcessCounter(const ProcessCounter &) = delete;
     ProcessCounter &operator=(const ProcessCounter &) = delete;
 
+    void stop()
+    {
+        ended = true;
+        if (thread.joinable())
+            thread.join();
+    }
+
+    // Both are there once it is stopped.
+    const QVector<QPointF> &counts() const { return processes; }
+    double cpuTime() const { return ownCost; } ///< of the counting itself [s]
+
 private:
+    void count()
+    {
+        QElapsedTimer timer;
+        timer.start();
+        while (!ended) {
+            processes += QPointF(secondsOf(timer), livingChildren());
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        }
+        ownCost = threadCpuTime();
+    }
+
     std::atomic<bool> ended = false;
+    QVector<QPointF> processes;
+    double ownCost = 0.0;
     std::thread thread;
 };
 
@@ -71,12 +81,12 @@ Usage measured(const std::function<void()> &work)
     timer.start();
     const double ownBefore = ownCpuTime();
     const double childrenBefore = childrenCpuTime();
-    {
-        const ProcessCounter counter(usage.processes);
-        work();
-        usage.time = secondsOf(timer);
-    }
-    usage.ownCpuTime = ownCpuTime() - ownBefore;
+    ProcessCounter counter;
+    work();
+    usage.time = secondsOf(timer);
+    counter.stop();
+    usage.processes = counter.counts();
+    usage.ownCpuTime = ownCpuTime() - ownBefore - counter.cpuTime();
     usage.childCpuTime = childrenCpuTime() - childrenBefore;
     constexpr double mebi = 1024.0 * 1024.0;
     usage.peakMemory = static_cast<double>(peakMemory()) / mebi;

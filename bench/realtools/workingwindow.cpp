@@ -60,7 +60,7 @@ void WorkingWindow::exportAll(const ExportOptions &options)
             box->accept();
         }
     });
-    timer.start(5);
+    timer.start(20);
     watch.restart();
     window.findChild<FileList *>("fileList")->exportFiles(options);
     QElapsedTimer elapsed;

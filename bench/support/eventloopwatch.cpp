@@ -4,10 +4,10 @@
 namespace bench
 {
 
-EventLoopWatch::EventLoopWatch(QObject *parent) : QObject(parent)
+EventLoopWatch::EventLoopWatch(int interval)
 {
     timer.setTimerType(Qt::PreciseTimer);
-    timer.setInterval(1);
+    timer.setInterval(interval);
     connect(&timer, &QTimer::timeout, this, &EventLoopWatch::beat);
     timer.start();
     restart();
