@@ -112,7 +112,7 @@ private:
     void linkSiblings(int sourceRow);
     void announceLinkedCells();
     void leaveLink(int row);
-    void leaveAllLinks();
+    void leaveAllLinks(const QVector<int> &gone);
 
     QTableWidgetItem *placeholderItem;  ///< "Drop files here..."; null once files were dropped
     QVector<FileData> fileDataVector;   ///< one record per row, in row order; see currentRecord()

@@ -59,7 +59,7 @@ void FileList::changeEvent(QEvent *event)
 
 void FileList::measureAllRows()
 {
-    leaveAllLinks();
+    leaveAllLinks({});
     measuredWidths.clear();
     for (int row = 0; row < fileDataVector.size(); ++row) {
         for (const int column : {FileTCColumn, AudioTCColumn})

@@ -65,7 +65,7 @@ void FileList::deleteSelectedRows()
 /// end away in one step: removed one by one, each row would move all rows behind it.
 void FileList::removeRows(const QVector<int> &rows)
 {
-    leaveAllLinks();
+    leaveAllLinks(rows);
     const int current = currentRowWithout(rows);
     const int currentColumnBefore = currentColumn();
     selectionModel()->clear();
@@ -85,7 +85,6 @@ void FileList::removeRows(const QVector<int> &rows)
         widths.remove(kept, removed);
     fileDataVector.remove(kept, removed);
     model()->removeRows(kept, removed);
-    siblingLinks.rebuild(fileDataVector);
     if (rowCount() > 0)
         emit model()->dataChanged(model()->index(0, 0), model()->index(rowCount() - 1, ColumnCount - 1));
     if (current >= 0)

@@ -155,8 +155,9 @@ void FileList::leaveLink(int row)
                    celltexts::linkedTimecodeToolTip(link.result, link.sourceName));
 }
 
-/// The same for all rows at once. Their cells keep showing the links, which nobody changes any more.
-void FileList::leaveAllLinks()
+/// The same for all rows at once, before \a gone, ascending, leave the table. The cells keep showing the
+/// links, which nobody changes any more.
+void FileList::leaveAllLinks(const QVector<int> &gone)
 {
     for (int row = 0; row < fileDataVector.size(); ++row) {
         if (const auto shared = siblingLinks.linkOf(row)) {
@@ -164,5 +165,5 @@ void FileList::leaveAllLinks()
             cellWidths[AudioTCColumn].set(row, shared->latest->cellWidth);
         }
     }
-    siblingLinks.rebuild(fileDataVector);
+    siblingLinks.rebuildWithout(gone);
 }

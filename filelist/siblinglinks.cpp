@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <limits>
 #include <utility>
 
 namespace
@@ -30,21 +31,40 @@ void visitReach(Moment &moment, Iterator centre, const Visit &visit)
 
 void SiblingLinks::append(const FileData &file)
 {
-    const auto row = static_cast<int>(rows.size());
-    rows.emplace_back();
-    if (!linking::isWave(file))
-        return;
     // Times that compare equal count the same milliseconds.
-    rows.back().moment = &moments[file.lastModified.toMSecsSinceEpoch()];
-    join(row, file.duration);
-    setHasTimecode(row, file.hasAudioTC);
+    if (linking::isWave(file))
+        appendWave(file.lastModified.toMSecsSinceEpoch(), file.duration, file.hasAudioTC);
+    else
+        rows.emplace_back();
 }
 
-void SiblingLinks::rebuild(const QVector<FileData> &files)
+void SiblingLinks::appendWave(qint64 modified, double duration, bool hasTimecode)
 {
-    *this = SiblingLinks();
-    for (const FileData &file : files)
-        append(file);
+    const auto row = static_cast<int>(rows.size());
+    Row entry;
+    entry.modified = modified;
+    entry.moment = &moments[modified];
+    rows.push_back(entry);
+    join(row, duration);
+    setHasTimecode(row, hasTimecode);
+}
+
+void SiblingLinks::rebuildWithout(const QVector<int> &gone)
+{
+    constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
+    SiblingLinks rest;
+    auto nextGone = gone.cbegin();
+    for (int row = 0; row < static_cast<int>(rows.size()); ++row) {
+        const Row &entry = at(row);
+        if (nextGone != gone.cend() && *nextGone == row)
+            ++nextGone;
+        else if (entry.moment)
+            rest.appendWave(entry.modified, entry.hasTwins() ? entry.twins->first : noNumber,
+                            entry.hasTimecode);
+        else
+            rest.rows.emplace_back();
+    }
+    *this = std::move(rest);
 }
 
 void SiblingLinks::setDuration(int row, double duration)
@@ -121,12 +141,14 @@ SiblingLinks::PassedOn SiblingLinks::passOn(int row, const Link &link)
         return result;
     const auto latest = std::make_shared<const Link>(link);
     visitReach(*at(row).moment, at(row).twins, [&](Twins &twins) {
-        std::set<int> ownRows = std::exchange(twins.ownRows, {});
-        if (ownRows.erase(row) > 0)
-            twins.ownRows.insert(row);
-        for (const int own : ownRows) {
-            follow(own, twins);
-            result.newFollowers += own;
+        for (auto own = twins.ownRows.begin(); own != twins.ownRows.end();) {
+            if (*own == row) {
+                ++own;
+                continue;
+            }
+            follow(*own, twins);
+            result.newFollowers += *own;
+            own = twins.ownRows.erase(own);
         }
         if (twins.followers == 0)
             return;

@@ -38,8 +38,9 @@ public:
     /// Adds the next row, which holds \a file.
     void append(const FileData &file);
 
-    /// Forgets everything and adds all of \a files; needed when rows have moved. No row follows a link then.
-    void rebuild(const QVector<FileData> &files);
+    /// Forgets \a gone, ascending; the rows behind them move up. No row follows a link then, and nobody
+    /// changes the links that were followed.
+    void rebuildWithout(const QVector<int> &gone);
 
     /// Takes note of another \a duration [s] of \a row, which follows no link.
     void setDuration(int row, double duration);
@@ -84,6 +85,7 @@ private:
     using Moment = std::map<double, Twins>; ///< of one modification time, by duration [s]
 
     struct Row {
+        qint64 modified = 0;      ///< key of its moment
         Moment *moment = nullptr; ///< null = no sound file, so without siblings
         Moment::iterator twins;   ///< its own among them; the moment's end = the duration is no number
         bool hasTimecode = false;
@@ -94,6 +96,7 @@ private:
 
     Row &at(int row) { return rows.at(static_cast<std::size_t>(row)); }
     const Row &at(int row) const { return rows.at(static_cast<std::size_t>(row)); }
+    void appendWave(qint64 modified, double duration, bool hasTimecode);
     void join(int row, double duration);
     void follow(int row, Twins &twins);
     void noteWidth(const Twins &twins);

@@ -16,7 +16,8 @@ namespace
 SiblingLinks linksOf(const QVector<FileData> &files)
 {
     SiblingLinks links;
-    links.rebuild(files);
+    for (const FileData &file : files)
+        links.append(file);
     return links;
 }
 
@@ -46,6 +47,7 @@ private slots:
     void whatIsNoNumberHasNoSiblings_data();
     void whatIsNoNumberHasNoSiblings();
     void theWidestLinkIsThatOfRowsThatFollowIt();
+    void rowsThatGoLeaveTheirSiblingsBehind();
 };
 
 void TestSiblingLinks::aTimecodeReachesTheSiblingsOnly()
@@ -150,6 +152,29 @@ void TestSiblingLinks::theWidestLinkIsThatOfRowsThatFollowIt()
     QCOMPARE(links.widestLink(), 0);
     links.passOn(1, link("b", 80));
     QCOMPARE(links.widestLink(), 80);
+}
+
+void TestSiblingLinks::rowsThatGoLeaveTheirSiblingsBehind()
+{
+    constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
+    SiblingLinks links =
+        linksOf({file("mov", 10.0), file("wav", 10.0), file("wav", 10.02), file("wav", noNumber),
+                 file("wav", 10.0, noon.addSecs(1)), file("wav", 10.0)});
+    links.passOn(5, link("a", 120));
+    const auto seenByTheCell = links.linkOf(2);
+    links.setHasTimecode(4, true);
+
+    links.rebuildWithout({0, 1}); // what were the rows 2 to 5 are now the rows 0 to 3
+    QCOMPARE(links.widestLink(), 0);
+    for (int row = 0; row < 4; ++row)
+        QCOMPARE(timecodeOf(links, row), QString("none"));
+    QCOMPARE(links.lastRowWithTimecode(3), 0); // it has taken one over
+    QCOMPARE(links.lastRowWithTimecode(0), -1);
+    QVERIFY(!links.mayHaveSiblings(1));
+    QVERIFY(!links.mayHaveSiblings(2));
+    QCOMPARE(links.passOn(3, link("b")).newFollowers, QVector<int>{0});
+    QCOMPARE(timecodeOf(links, 0), QString("b"));
+    QCOMPARE(seenByTheCell->latest->timecode, QString("a"));
 }
 
 QTEST_APPLESS_MAIN(TestSiblingLinks)
