@@ -23,6 +23,10 @@ constexpr int sliceTime = 20;     // [ms], at least
 constexpr int sliceFiles = 256;   // at most, while a probe was not asked for each of them
 constexpr int longestPause = 100; // [ms]
 
+// The start of a tool keeps the whole program from touching its memory for a while. After a drop many start
+// together; between two of them the window gets a moment to answer.
+constexpr int pauseBetweenStarts = 5; // [ms]
+
 } // namespace
 
 void MainControl::onIterateThroughDir(QList<QUrl> urls)
@@ -33,6 +37,7 @@ void MainControl::onIterateThroughDir(QList<QUrl> urls)
 void MainControl::startImport(const QList<QUrl> &urls)
 {
     stage = Stage::Import;
+    startPause.stop();
     const bool isWalking = !walk.atEnd();
     walk.add(urls);
     if (isWalking)
@@ -63,17 +68,31 @@ void MainControl::walkOn()
             emit gotFileFromDir(*file);
         }
     }
-    jobs.setHeld(JobQueues::Probe, false);
-    while (const auto file = jobs.takeNext(JobQueues::Probe))
-        startProbe(*file);
+    startHeldProbe();
     endCompleteImport(); // of an earlier drop, while this walk has found nothing
     settleStage();
+}
+
+/// Starts one of the probes that were held, and the next one after a pause, until no more may run.
+void MainControl::startHeldProbe()
+{
+    jobs.setHeld(JobQueues::Probe, false);
+    const auto file = jobs.takeNext(JobQueues::Probe);
+    if (!file) {
+        startPause.stop();
+        return;
+    }
+    startProbe(*file);
+    jobs.setHeld(JobQueues::Probe, true);
+    startPause.start(pauseBetweenStarts, Qt::PreciseTimer, this);
 }
 
 void MainControl::timerEvent(QTimerEvent *event)
 {
     if (event->timerId() == walkPause.timerId())
         walkOn();
+    else if (event->timerId() == startPause.timerId())
+        startHeldProbe();
     else
         QObject::timerEvent(event);
 }

@@ -21,6 +21,7 @@ void MainControl::shutDown()
     waitingStages.clear();
     walk = {};
     walkPause.stop();
+    startPause.stop();
     closeStage();
 
     // All are killed before the first is waited for.

@@ -107,6 +107,7 @@ private:
     // in importflow.cpp
     void startImport(const QList<QUrl> &urls);
     void walkOn();
+    void startHeldProbe();
     void startProbe(const FileData &file);
     void endCompleteImport();
 
@@ -138,6 +139,7 @@ private:
     QQueue<StageRequest> waitingStages; ///< wait for the end of the stage under way
     DroppedFiles walk;                  ///< through what was dropped; at its end = none is under way
     QBasicTimer walkPause;              ///< active while the walk waits for the file table
+    QBasicTimer startPause;             ///< active while probes that were held start one by one
     uint unaskedFiles = 0;              ///< files found by a drop for which no probe was asked yet
     uint unreadFiles = 0;               ///< files probed well whose reading was not asked for yet
     StageProgress progress;             ///< of the import or re-read
