@@ -57,6 +57,11 @@ qint64 heapInUse()
     return static_cast<qint64>(info.uordblks + info.hblkhd);
 }
 
+void releaseFreeMemory()
+{
+    malloc_trim(0);
+}
+
 qint64 peakMemory()
 {
     constexpr qint64 kibi = 1024;

@@ -18,6 +18,10 @@ double childrenCpuTime();
 /// Heap in use by this process [bytes].
 qint64 heapInUse();
 
+/// Gives memory that is free back to the system. Otherwise each start of a tool after a large table would
+/// copy its traces.
+void releaseFreeMemory();
+
 /// The most memory that this process has held at one time since resetPeakMemory() [bytes].
 qint64 peakMemory();
 void resetPeakMemory();

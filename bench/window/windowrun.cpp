@@ -177,6 +177,7 @@ WindowRun Workbench::run()
 
 WindowRun runWindow(Shoot::Kind kind, int rows)
 {
+    releaseFreeMemory();
     return Workbench(kind, rows).run();
 }
 
