@@ -12,14 +12,14 @@ namespace
 {
 
 constexpr double cellWidth = 420; // [pixels]
-constexpr double cellHeight = 330;
 constexpr double plotWidth = 320;
 constexpr double plotHeight = 180;
 constexpr double left = 64; // of the axes in their cell
 constexpr double top = 34;
+constexpr double legendTop = 50; // below the axes
 constexpr double legendLine = 16;
 
-const QStringList colours{"#1f5fa8", "#c23b22", "#d98e04", "#3a8f4d", "#7a4fa3"};
+const QStringList colours{"#1f5fa8", "#c23b22", "#d98e04", "#3a8f4d", "#7a4fa3", "#5a5a5a", "#0fa3b1"};
 
 QString number(double value)
 {
@@ -99,7 +99,7 @@ QVector<double> labelledValues(const Chart &chart, const Axes &axes)
 QString grid(const Chart &chart, const Axes &axes)
 {
     constexpr int parts = 4;
-    QString svg = text(left, top - 14, "start", 13, chart.title + " [" + chart.vertical + ']');
+    QString svg = text(left, top - 14, "start", 11, chart.title + " [" + chart.vertical + ']');
     for (int i = 0; i <= parts; ++i) {
         const double value = axes.highest * i / parts;
         svg += line(left, axes.y(value), left + plotWidth, axes.y(value), "#ccc");
@@ -127,7 +127,7 @@ QString cell(const Chart &chart)
         svg += QString(R"(<polyline fill="none" stroke="%1" stroke-width="2" points="%2"/>)")
                    .arg(colour, points.join(' ')) +
                '\n';
-        const double y = axes.y(0) + 50 + i * legendLine;
+        const double y = axes.y(0) + legendTop + i * legendLine;
         svg += line(left, y - 4, left + 24, y - 4, colour);
         svg += text(left + 30, y, "start", 11, chart.series.at(i).name);
     }
@@ -138,6 +138,10 @@ QString cell(const Chart &chart)
 
 QString toSvg(const QVector<Chart> &charts)
 {
+    int legendLines = 0;
+    for (const Chart &chart : charts)
+        legendLines = qMax(legendLines, chart.series.size());
+    const double height = top + plotHeight + legendTop + legendLines * legendLine;
     QString body;
     for (int i = 0; i < charts.size(); ++i)
         body += QString("<g transform=\"translate(%1,0)\">\n").arg(number(i * cellWidth)) +
@@ -146,7 +150,7 @@ QString toSvg(const QVector<Chart> &charts)
                "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%1\" height=\"%2\" viewBox=\"0 0 %1 %2\" "
                "font-family=\"sans-serif\" fill=\"#222\">\n"
                "<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n")
-               .arg(number(charts.size() * cellWidth), number(cellHeight)) +
+               .arg(number(charts.size() * cellWidth), number(height)) +
            body + "</svg>\n";
 }
 
