@@ -1,14 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "app/applicationattributes.h"
-#include "app/recordtypes.h"
 #include "bench/export/exportfloor.h"
-#include "bench/realtools/mediafolder.h"
-#include "bench/realtools/rounds.h"
+#include "bench/realtools/realtoolsprogram.h"
 #include "bench/realtools/workingwindow.h"
-#include "bench/support/benchmarkprogram.h"
 #include "filelist/filelist.h"
-
-#include <QApplication>
 
 #include <memory>
 
@@ -42,7 +36,6 @@ QVector<FileData> exportedRecords(WorkingWindow &window, const ExportOptions &op
 
 Rounds exportRounds(MediaFolder &media, int files, int count)
 {
-    tellProgress(QString("importing %1 files").arg(files));
     WorkingWindow window;
     window.import(media.folderWith(files));
     const QTemporaryDir firstFolder;
@@ -50,7 +43,7 @@ Rounds exportRounds(MediaFolder &media, int files, int count)
 
     Rounds rounds(files);
     for (int round = 0; round < count; ++round) {
-        tellProgress(QString("%1 exports, round %2 of %3").arg(files).arg(round + 1).arg(count));
+        tellRound("export", files, round, count);
         const QTemporaryDir target;
         const QTemporaryDir floorTarget;
         const ExportFloor floor(records, optionsFor(floorTarget));
@@ -64,23 +57,10 @@ Rounds exportRounds(MediaFolder &media, int files, int count)
 
 int main(int argc, char *argv[])
 {
-    registerRecordTypes();
-    setApplicationAttributes();
-    const QApplication application(argc, argv);
-    QGuiApplication::setQuitOnLastWindowClosed(false);
-    BenchmarkProgram program(
-        "export-benchmark",
-        "Exports small files with the real window and the real tools, picture and sound passed "
-        "through, and runs the same child processes with nothing in between, in turn.");
-    program.parser().addOption({"files", "Numbers of files (100).", "list", "100"});
-    program.parser().addOption({"rounds", "Rounds for each number of files (3).", "number", "3"});
-    return program.run([&program] {
-        const QVector<int> sizes = program.numbers("files");
-        const int count = program.number("rounds");
-        MediaFolder media;
-        QVector<Rounds> all;
-        for (const int files : sizes)
-            all += exportRounds(media, files, count);
-        return outcomeOf("export", all);
-    });
+    return runRealToolsBenchmark(
+        argc, argv,
+        {"export",
+         "Exports small files with the real window and the real tools, picture and sound passed through, and "
+         "runs the same child processes with nothing in between, in turn.",
+         "100", exportRounds});
 }

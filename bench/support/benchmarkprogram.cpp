@@ -37,6 +37,12 @@ BenchmarkProgram::BenchmarkProgram(const QString &name, const QString &descripti
     commandLine.addOption({"plot", "Writes an SVG picture of the figures.", "file"});
 }
 
+void BenchmarkProgram::addOption(const QString &name, const QString &description, const QString &usual)
+{
+    const QString placeholder = usual.contains(',') ? "list" : "number";
+    commandLine.addOption({name, QString("%1 (%2).").arg(description, usual), placeholder, usual});
+}
+
 int BenchmarkProgram::run(const std::function<Outcome()> &measure)
 {
     try {

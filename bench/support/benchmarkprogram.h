@@ -28,14 +28,16 @@ struct Outcome {
 
 /// The frame of a benchmark program: its options, what it prints, what it writes to files.
 ///
-/// Besides the options of its own, which are added to parser() before, a benchmark has --json, --plot and
-/// --help. Needs the application object.
+/// Besides the options of its own, which are added before, a benchmark has --json, --plot and --help. Needs
+/// the application object.
 class BenchmarkProgram
 {
 public:
     BenchmarkProgram(const QString &name, const QString &description);
 
-    QCommandLineParser &parser() { return commandLine; }
+    /// Adds the option \a name, whose value is \a usual unless it is given: a number, or several parted by
+    /// commas.
+    void addOption(const QString &name, const QString &description, const QString &usual);
 
     /// Reads the options, measures and reports. Returns the exit code: 0; 1 when a limit was missed; 2 when
     /// the options, a file or a tool stood in the way.

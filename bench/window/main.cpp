@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "app/applicationattributes.h"
-#include "app/recordtypes.h"
 #include "bench/support/benchmarkprogram.h"
+#include "bench/support/windowapplication.h"
 #include "bench/window/foreigntree.h"
 #include "bench/window/hangingtools.h"
 #include "bench/window/windowrun.h"
-
-#include <QApplication>
 
 #include <algorithm>
 
@@ -124,17 +121,13 @@ void addForeignTree(int files, Outcome &outcome)
 
 int main(int argc, char *argv[])
 {
-    registerRecordTypes();
-    setApplicationAttributes();
-    const QApplication application(argc, argv);
-    QGuiApplication::setQuitOnLastWindowClosed(false);
+    const WindowApplication application(argc, argv);
     BenchmarkProgram program(
         "window-benchmark",
         "Feeds the real window with results at full speed and measures what a row costs, how "
         "long the event loop is blocked, and the memory of a row.");
-    program.parser().addOption({"rows", "Numbers of rows (1000,10000,50000).", "list", "1000,10000,50000"});
-    program.parser().addOption(
-        {"foreign", "Files of a folder tree without media; 0 leaves it out (100000).", "number", "100000"});
+    program.addOption("rows", "Numbers of rows", "1000,10000,50000");
+    program.addOption("foreign", "Files of a folder tree without media; 0 leaves it out", "100000");
     return program.run([&program] {
         const QVector<int> sizes = program.numbers("rows");
         const int foreignFiles = program.number("foreign", 0);
