@@ -56,13 +56,14 @@ void SiblingLinks::rebuildWithout(const QVector<int> &gone)
     auto nextGone = gone.cbegin();
     for (int row = 0; row < static_cast<int>(rows.size()); ++row) {
         const Row &entry = at(row);
-        if (nextGone != gone.cend() && *nextGone == row)
+        if (nextGone != gone.cend() && *nextGone == row) {
             ++nextGone;
-        else if (entry.moment)
+        } else if (entry.moment) {
             rest.appendWave(entry.modified, entry.hasTwins() ? entry.twins->first : noNumber,
                             entry.hasTimecode);
-        else
+        } else {
             rest.rows.emplace_back();
+        }
     }
     *this = std::move(rest);
 }

@@ -115,14 +115,15 @@ QString cell(const Chart &chart)
     const Axes axes(chart);
     QString svg = grid(chart, axes);
     for (int i = 0; i < chart.series.size(); ++i) {
-        const QString colour = colours.at(i % colours.size());
+        const QString &colour = colours.at(i % colours.size());
         QStringList points;
         for (const QPointF &point : chart.series.at(i).points) {
             points += number(axes.x(point.x())) + ',' + number(axes.y(point.y()));
-            if (!axes.isLinear)
+            if (!axes.isLinear) {
                 svg += QString(R"(<circle cx="%1" cy="%2" r="3" fill="%3"/>)")
                            .arg(number(axes.x(point.x())), number(axes.y(point.y())), colour) +
                        '\n';
+            }
         }
         svg += QString(R"(<polyline fill="none" stroke="%1" stroke-width="2" points="%2"/>)")
                    .arg(colour, points.join(' ')) +
