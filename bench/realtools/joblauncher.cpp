@@ -21,8 +21,9 @@ namespace
 
 void launch(const std::vector<Job> &jobs)
 {
-    constexpr int toolPriority = 10;
-    setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), toolPriority); // of this thread and its children
+    constexpr int stepBack = 10; // as the controller's tools
+    const auto thread = static_cast<id_t>(gettid());
+    setpriority(PRIO_PROCESS, thread, getpriority(PRIO_PROCESS, thread) + stepBack); // its children's, too
 
     std::deque<const Job *> ready;
     for (const Job &job : jobs)
