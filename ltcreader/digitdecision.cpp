@@ -22,8 +22,6 @@ namespace ltcreader
 namespace
 {
 
-constexpr double leastAmplitude = 0.05;
-constexpr double mostAmplitude = 0.95;
 constexpr double leastEvidence = 3.0; // log-likelihood of each digit against digits that come as they like
 
 /// Log-likelihood of each value of a digit, up to what is common to all values.
@@ -54,8 +52,8 @@ Likelihoods likelihoodsOf(const float *frame, BitField part, double scale)
 
 std::vector<DigitLikelihoods> likelihoodsOfFrames(const FrameGrid &grid, double amplitude)
 {
-    const double held = std::clamp(amplitude, leastAmplitude, mostAmplitude);
-    const double scale = held / std::max(leastNoise, 1.0 - held * held);
+    const double held = believableAmplitude(amplitude);
+    const double scale = held / noiseBeside(held); // from resemblance to log-likelihood
     std::vector<DigitLikelihoods> frames;
     for (int frame = 0; frame < grid.frames; ++frame) {
         DigitLikelihoods &likelihoods = frames.emplace_back();
@@ -118,7 +116,7 @@ void evaluate(const NumberedSum &sum, Hypothesis &hypothesis)
                 assumedFit += sum.seconds[second][digit][static_cast<std::size_t>(digits[digit])];
         }
     }
-    hypothesis.fit = -1e30F;
+    hypothesis.fit = impossibleFit;
     for (const HoursAllowed &hours : hoursAllowed) {
         Allowed allowed = hypothesis.allowed;
         allowed[HourTens] &= hours.tens;
@@ -173,47 +171,68 @@ bool isSeenInAllDigits(const Hypothesis &hypothesis, const std::vector<DigitLike
            *std::min_element(digits.begin() + SecondUnits, digits.end()) > leastEvidence;
 }
 
-/// How much the digits of \a hypothesis resemble the half bits, whatever their polarities.
+/// How much the digits of a hypothesis resemble the half bits, whatever their polarities.
 struct Resemblance {
     double amplitude = 0.0;    ///< of the timecode in half bits of mean square 1
     double significance = 0.0; ///< in standard deviations of what chance brings
 };
 
-Resemblance resemblanceOf(const FrameGrid &grid, const std::vector<float> &levels)
+/// The fits of frame numbers and digits, each with the polarity that suits it, gathered.
+class PartFits
+{
+public:
+    /// Adds \a part of frame \a frame, for which \a levels were decided.
+    void add(const FrameGrid &grid, const std::vector<float> &levels, int frame, BitField part);
+
+    Resemblance resemblance() const;
+
+private:
+    double magnitudes = 0.0; ///< of fits, in standard deviations of noise
+    double count = 0.0;
+    double squares = 0.0;       ///< of fits
+    double halvesSum = 0.0;     ///< of the half bits that each part has
+    double halvesSquares = 0.0; ///< of the same
+};
+
+void PartFits::add(const FrameGrid &grid, const std::vector<float> &levels, int frame, BitField part)
+{
+    const auto first =
+        static_cast<std::size_t>(frame) * halvesPerFrame + 2 * static_cast<std::size_t>(part.first);
+    double sum = 0.0;
+    double used = 0.0;
+    for (std::size_t half = first; half < first + 2 * static_cast<std::size_t>(part.width); ++half) {
+        sum += static_cast<double>(levels[half]) * static_cast<double>(grid.halves[half]);
+        used += grid.halves[half] != 0.0F ? 1.0 : 0.0;
+    }
+    if (used < 1.0)
+        return;
+    magnitudes += std::abs(sum) / std::sqrt(used);
+    count += 1.0;
+    squares += sum * sum;
+    halvesSum += used;
+    halvesSquares += used * used;
+}
+
+Resemblance PartFits::resemblance() const
 {
     constexpr double meanMagnitude = 0.7979; // of a normal distribution: sqrt(2 / pi)
     constexpr double deviation = 0.6028;     // of that magnitude: sqrt(1 - 2 / pi)
-    double magnitudes = 0.0;
-    double count = 0.0;
-    double squares = 0.0;
-    double halvesSum = 0.0;
-    double halvesSquares = 0.0;
-    const auto look = [&](int frame, BitField part) {
-        const auto first =
-            static_cast<std::size_t>(frame) * halvesPerFrame + 2 * static_cast<std::size_t>(part.first);
-        double sum = 0.0;
-        double used = 0.0;
-        for (std::size_t half = first; half < first + 2 * static_cast<std::size_t>(part.width); ++half) {
-            sum += static_cast<double>(levels[half]) * static_cast<double>(grid.halves[half]);
-            used += grid.halves[half] != 0.0F ? 1.0 : 0.0;
-        }
-        if (used < 1.0)
-            return;
-        magnitudes += std::abs(sum) / std::sqrt(used);
-        count += 1.0;
-        squares += sum * sum;
-        halvesSum += used;
-        halvesSquares += used * used;
-    };
-    for (int frame = 0; frame < grid.frames; ++frame) {
-        look(frame, field::frameUnits);
-        look(frame, field::frameTens);
-        for (std::size_t digit = SecondUnits; digit < digitCount; ++digit)
-            look(frame, digitFields[digit]);
-    }
-    count = std::max(1.0, count);
+    const double parts = std::max(1.0, count);
+    // Over n half bits timecode of the amplitude a fits with n * a, and noise adds n to the square of that.
     return {std::sqrt(std::max(0.0, squares - halvesSum) / std::max(1.0, halvesSquares)),
-            (magnitudes - count * meanMagnitude) / (deviation * std::sqrt(count))};
+            (magnitudes - parts * meanMagnitude) / (deviation * std::sqrt(parts))};
+}
+
+Resemblance resemblanceOf(const FrameGrid &grid, const std::vector<float> &levels)
+{
+    PartFits fits;
+    for (int frame = 0; frame < grid.frames; ++frame) {
+        fits.add(grid, levels, frame, field::frameUnits);
+        fits.add(grid, levels, frame, field::frameTens);
+        for (std::size_t digit = SecondUnits; digit < digitCount; ++digit)
+            fits.add(grid, levels, frame, digitFields[digit]);
+    }
+    return fits.resemblance();
 }
 
 } // namespace
@@ -234,7 +253,7 @@ std::optional<JointDecision> decideByDigits(const FrameGrid &grid, double measur
             hypotheses.push_back(hypothesis);
         }
     }
-    const Hypothesis &best = bestOf(hypotheses, 1.0, measuredRate);
+    const Hypothesis &best = bestOf(hypotheses, 1.0, measuredRate); // fits are log-likelihoods here
     if (!isSeenInAllDigits(best, frames))
         return std::nullopt;
     auto decision = decisionFor(best, grid.frames, wanted);
@@ -253,9 +272,10 @@ std::optional<JointDecision> decideByDigits(const FrameGrid &grid, double measur
     decision->amplitude = resemblance.amplitude;
     decision->significance = resemblance.significance;
     decision->syncAmplitude = syncAmplitude;
-    const double unexplained = std::max(leastNoise, 1.0 - decision->amplitude * decision->amplitude);
+    const double unexplained = noiseBeside(decision->amplitude);
     const double repeated = repeatedError(grid, decision->levels);
     decision->errorRepeats = repeated > unexplained;
+    // The lead is a log-likelihood already; errors that repeat make it worth less.
     decision->margin = lead * std::min(1.0, unexplained / repeated);
     return decision;
 }

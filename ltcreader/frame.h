@@ -19,6 +19,9 @@ constexpr std::uint16_t syncWord = 0xBFFC;        // 0011111111111101, the first
 struct BitField {
     int first = 0;
     int width = 0;
+
+    /// The bit after the last one.
+    constexpr int end() const { return first + width; }
 };
 
 namespace field

@@ -20,38 +20,46 @@ namespace ltcreader
 namespace
 {
 
-constexpr double syncHalves = 2.0 * syncBits;
-constexpr double least = 0.05; // amplitude below which no sync word helps
-constexpr double most = 0.95;  // amplitude above which the rest is the recording's doing, not noise
+/// The amplitude of the sync words whose resemblances are \a syncs and add up to \a sum: from their sum where
+/// the polarity is steady, from their squares (noise has a square of one for each half bit) where it is not.
+double amplitudeOf(const std::vector<float> &syncs, double sum)
+{
+    constexpr double halves = 2.0 * syncBits;
+    double squares = 0.0;
+    double count = 0.0; // of frames whose sync word is in the recording
+    for (const float sync : syncs) {
+        squares += static_cast<double>(sync) * static_cast<double>(sync);
+        count += sync != 0.0F ? 1.0 : 0.0;
+    }
+    count = std::max(1.0, count);
+    const double steadyAmplitude = std::abs(sum) / (halves * count);
+    const double freeAmplitude = std::sqrt(std::max(0.0, squares / count - halves)) / halves;
+    return std::max(steadyAmplitude, freeAmplitude);
+}
 
 } // namespace
 
 Polarities findPolarities(const FrameGrid &grid)
 {
     double sum = 0.0;
-    double squares = 0.0;
-    double count = 0.0;
-    for (const float sync : grid.syncs) {
+    for (const float sync : grid.syncs)
         sum += static_cast<double>(sync);
-        squares += static_cast<double>(sync) * static_cast<double>(sync);
-        count += sync != 0.0F ? 1.0 : 0.0;
-    }
-    count = std::max(1.0, count);
-    const double steadyAmplitude = std::abs(sum) / (syncHalves * count);
-    const double freeAmplitude = std::sqrt(std::max(0.0, squares / count - syncHalves)) / syncHalves;
     Polarities result;
-    result.amplitude = std::max(steadyAmplitude, freeAmplitude);
-    const double held = std::clamp(result.amplitude, least, most);
+    result.amplitude = amplitudeOf(grid.syncs, sum);
+    const double held = believableAmplitude(result.amplitude);
     const double scale = held / (1.0 - held * held); // from resemblance to log-likelihood
     double freeLikelihood = 0.0;
     for (const float sync : grid.syncs)
         freeLikelihood += logCosh(scale * static_cast<double>(sync));
+    // Most encoders begin all frames with the same polarity. That is assumed where the sync words do not
+    // speak against it, as all of them together then tell the polarity of each.
     const bool steady = logCosh(scale * sum) >= freeLikelihood;
     for (const float sync : grid.syncs) {
         const double evidence = steady ? sum : static_cast<double>(sync);
         result.atSync.push_back(static_cast<float>(std::tanh(scale * evidence)));
     }
-    // The sync word has three zeros: it ends with the other polarity.
+    // The sync word has three zeros: it ends with the other polarity, which is that of the frame that
+    // follows.
     result.atStart.push_back(steady ? -result.atSync.front() : 0.0F);
     for (std::size_t frame = 1; frame < grid.syncs.size(); ++frame) {
         result.atStart.push_back(-result.atSync[frame - 1]);
@@ -74,12 +82,14 @@ FrameFold foldFrames(const FrameGrid &grid, const Polarities &polarities, const 
             }
         };
         float polarity = polarities.atStart[static_cast<std::size_t>(frame)];
-        fold.unitsFit += polarity * resemblance(halves, number % 10, 4);
-        polarity *= polarityAfter(number % 10, 4);
-        add(4, 8, polarity);
-        fold.tensFit += polarity * resemblance(halves + 16, number / 10, 2);
-        polarity *= polarityAfter(number / 10, 2);
-        add(10, correctionBit, polarity);
+        const auto addNumber = [&polarity, halves](BitField part, int value, float &fit) {
+            fit += polarity * resemblance(halvesOf(halves, part.first), value, part.width);
+            polarity *= polarityAfter(value, part.width);
+        };
+        addNumber(field::frameUnits, number % 10, fold.unitsFit);
+        add(field::frameUnits.end(), field::frameTens.first, polarity);
+        addNumber(field::frameTens, number / 10, fold.tensFit);
+        add(field::frameTens.end(), correctionBit, polarity);
         add(correctionBit + 1, dataBits, polarities.atSync[static_cast<std::size_t>(frame)]);
     }
     return fold;

@@ -34,6 +34,7 @@ struct FrameFold {
     float tensFit = 0.0F;  ///< and their tens, up to the polarity after the bits between them
 };
 
+/// Adds up the frames of \a grid. \a correctionBit: one of correctionBits.
 FrameFold foldFrames(const FrameGrid &grid, const Polarities &polarities, const FrameNumbering &numbering,
                      int correctionBit);
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/hypothesis.h"
 
+#include "ltcreader/likelihood.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -106,7 +108,7 @@ bool sameTimecode(const Hypothesis &a, const Hypothesis &b, int frame)
 float bestRival(const Hypothesis &best, const std::vector<Hypothesis> &others, int frame,
                 const std::function<void(Hypothesis &)> &evaluate)
 {
-    float rival = -1e30F;
+    float rival = impossibleFit;
     for (const Hypothesis &other : others) {
         if (!sameTimecode(other, best, frame))
             rival = std::max(rival, other.fit);
@@ -127,8 +129,8 @@ double speedPenalty(int base, double measuredRate)
 {
     constexpr double trueSpeed = 0.0015; // as the logarithm of the quotient of speeds
     constexpr double nearSpeed = 0.012;
-    constexpr double nearPenalty = 4.0;
-    constexpr double farPenalty = 8.0;
+    constexpr double nearPenalty = 4.0; // [log-likelihood] taken for one machine in fifty
+    constexpr double farPenalty = 8.0;  // [log-likelihood] taken for one in three thousand
     const FrameRate whole{base, false, false};
     const FrameRate ntsc{base, base != 25, false};
     const double error = std::min(std::abs(std::log(measuredRate / whole.framesPerSecond())),

@@ -17,6 +17,7 @@
 
 #include "ltcreader/framefold.h"
 #include "ltcreader/levels.h"
+#include "ltcreader/likelihood.h"
 #include "ltcreader/wholesum.h"
 
 #include <algorithm>
@@ -27,7 +28,8 @@ namespace ltcreader
 namespace
 {
 
-constexpr std::size_t triedNumberings = 12;
+constexpr std::size_t triedNumberings = 12; // those that fit best, on which every second is tried
+constexpr double smallestAmplitude = 0.01;  // or the speed alone would decide where nothing fits
 
 /// The frames added up under one numbering.
 struct NumberedFold {
@@ -85,6 +87,7 @@ double usedHalves(const FrameGrid &grid)
 {
     const auto used =
         std::count_if(grid.halves.begin(), grid.halves.end(), [](float half) { return half != 0.0F; });
+    // Neither the sync word nor the phase correction bit takes part in the fit.
     return std::max(1.0, static_cast<double>(used) * (dataHalves - 2.0) / halvesPerFrame);
 }
 
@@ -95,8 +98,8 @@ double likelihoodPerFit(const std::vector<Hypothesis> &hypotheses, double halves
         std::max_element(hypotheses.begin(), hypotheses.end(), [](const Hypothesis &a, const Hypothesis &b) {
             return a.fit < b.fit;
         })->fit;
-    const double amplitude = std::clamp(static_cast<double>(most) / halves, 0.01, 1.0);
-    return amplitude / std::max(leastNoise, 1.0 - amplitude * amplitude);
+    const double amplitude = std::clamp(static_cast<double>(most) / halves, smallestAmplitude, 1.0);
+    return amplitude / noiseBeside(amplitude);
 }
 
 } // namespace
@@ -151,9 +154,10 @@ std::optional<JointDecision> decideTimecode(const FrameGrid &grid, double measur
     decision->significance = static_cast<double>(best.fit) / std::sqrt(halves);
     decision->syncAmplitude = polarities.amplitude;
     decision->levels = levelsOf(grid, polarities, best);
-    const double unexplained = std::max(leastNoise, 1.0 - decision->amplitude * decision->amplitude);
+    const double unexplained = noiseBeside(decision->amplitude);
     const double repeated = repeatedError(grid, decision->levels);
     decision->errorRepeats = repeated > unexplained;
+    // From fit to log-likelihood, with the greater of both kinds of noise.
     decision->margin = std::min(1.0, decision->amplitude) / std::max(unexplained, repeated) *
                        static_cast<double>(best.fit - rival);
     return decision;

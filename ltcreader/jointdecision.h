@@ -24,9 +24,6 @@ struct JointDecision {
     std::vector<float> levels;  ///< of all half bits of the grid, 1 or -1 (0 where not known), as decided
 };
 
-/// Share of the power that is never taken for explained: filters, wandering speed.
-constexpr double leastNoise = 0.1;
-
 /// Decides on \a grid, whose frames follow each other at \a measuredRate [frames/s]. \a wanted restricts the
 /// base. User bits are taken to stand still.
 std::optional<JointDecision> decideTimecode(const FrameGrid &grid, double measuredRate,

@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/trellis.h"
 
+#include "ltcreader/likelihood.h"
+
 #include <bit>
 #include <cstddef>
 
 namespace ltcreader
 {
-namespace
-{
-
-constexpr float impossible = -1e30F;
-
-} // namespace
 
 float polarityAfter(int value, int width)
 {
@@ -34,7 +30,7 @@ float resemblance(const float *halves, int value, int width)
 Trellis::Trellis(bool anchored)
 {
     if (anchored)
-        paths[1].fit = impossible;
+        paths[1].fit = impossibleFit;
 }
 
 void Trellis::free(int bit, const float *halves)
@@ -54,7 +50,7 @@ void Trellis::free(int bit, const float *halves)
 void Trellis::number(BitField part, const float *halves, std::uint32_t allowed)
 {
     const std::array<Path, 2> before = paths;
-    paths = {Path{impossible, 0}, Path{impossible, 0}};
+    paths = {Path{impossibleFit, 0}, Path{impossibleFit, 0}};
     for (int value = 0; value < 1 << part.width; ++value) {
         if ((allowed >> value & 1U) == 0)
             continue;

@@ -6,6 +6,7 @@
 
 #include "ltcreader/wholesum.h"
 
+#include "ltcreader/likelihood.h"
 #include "ltcreader/trellis.h"
 
 #include <array>
@@ -28,7 +29,7 @@ std::optional<Digit> digitAt(int bit)
 std::optional<Digit> digitEndingAt(int bit)
 {
     for (std::size_t digit = 0; digit < digitCount; ++digit) {
-        if (digitFields[digit].first + digitFields[digit].width - 1 == bit)
+        if (digitFields[digit].end() - 1 == bit)
             return static_cast<Digit>(digit);
     }
     return std::nullopt;
@@ -49,7 +50,7 @@ void addSecond(const SecondSum &second, const Digits &digits, int correctionBit,
         sum.halves[half + 1] += polarity * second[half + 1];
     };
     float polarity = 1.0F;
-    for (int bit = 4; bit < correctionBit; ++bit) {
+    for (int bit = field::frameUnits.end(); bit < correctionBit; ++bit) {
         const auto digit = digitAt(bit);
         if (!digit || digits[*digit] < 0) {
             addBit(bit, polarity);
@@ -103,9 +104,9 @@ FittingBits fittingBits(const FrameFold &fold, const WholeSum &sum, const Allowe
 {
     Trellis beginning(true);
     beginning.known(fold.unitsFit);
-    walk(beginning, sum, allowed, 4, 8);
+    walk(beginning, sum, allowed, field::frameUnits.end(), field::frameTens.first);
     beginning.known(fold.tensFit);
-    walk(beginning, sum, allowed, 10, correctionBit);
+    walk(beginning, sum, allowed, field::frameTens.end(), correctionBit);
     Trellis end(false);
     walk(end, sum, allowed, correctionBit + 1, dataBits);
     return {beginning.fit(false) + end.fit(true), beginning.bits(false) | end.bits(true)};
@@ -122,15 +123,15 @@ float fitOfNumbering(const FrameFold &fold, int correctionBit)
     for (const SecondSum &second : fold.seconds) {
         addSecond(second, open, correctionBit, sum);
         Trellis ofSecond(false);
-        for (int bit = 16; bit < correctionBit; ++bit)
+        for (int bit = field::secondUnits.first; bit < correctionBit; ++bit)
             ofSecond.free(bit, halvesOf(second.data(), bit));
         secondsFit += ofSecond.fit(false);
     }
     Trellis beginning(true);
     beginning.known(fold.unitsFit);
-    walk(beginning, sum, anyTime, 4, 8);
+    walk(beginning, sum, anyTime, field::frameUnits.end(), field::frameTens.first);
     beginning.known(fold.tensFit);
-    walk(beginning, sum, anyTime, 10, 16);
+    walk(beginning, sum, anyTime, field::frameTens.end(), field::secondUnits.first);
     Trellis end(false);
     walk(end, sum, anyTime, correctionBit + 1, dataBits);
     return beginning.fit(false) + secondsFit + end.fit(true);
@@ -146,7 +147,7 @@ void evaluate(const FrameFold &fold, Hypothesis &hypothesis)
     }
     for (std::size_t digit = 0; digit < digitCount; ++digit)
         sum.given[digit] = digits[digit] >= 0;
-    FittingBits best{-1e30F, 0};
+    FittingBits best{impossibleFit, 0};
     for (const HoursAllowed &hours : hoursAllowed) {
         Allowed allowed = hypothesis.allowed;
         allowed[HourTens] &= hours.tens;
