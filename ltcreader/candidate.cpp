@@ -14,7 +14,7 @@ namespace
 {
 
 constexpr std::size_t clocksPerFrontEnd = 3;
-constexpr double leastSyncScore = 5.0; // chance reaches 3.5 among 160 places
+constexpr double leastSyncScore = 5.0; // chance alone reaches 3.5 at the best of 80 places
 
 /// Cuts \a sound by \a clock in the ways that suit the front end, and keeps what shows sync words.
 void addCandidates(const Conditioner &conditioner, FrontEnd frontEnd,

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 // The sync word is the same in every frame. Its 32 half bits are known up to a common sign, so at each of the
-// 160 places where a frame could end the sums over all frames are compared: with one sign for all (frames of
+// 80 places where a frame could end the sums over all frames are compared: with one sign for all (frames of
 // an encoder that keeps the polarity steady, which most do) and with a sign of its own for each.
 
 #include "ltcreader/syncsearch.h"
@@ -16,11 +16,10 @@ namespace ltcreader
 namespace
 {
 
-constexpr int syncHalves = 2 * syncBits;
+constexpr std::size_t syncHalves = 2 * std::size_t{syncBits};
 
 /// The levels of the half bits of the sync word, the first one high.
-std::array<float, syncHalves> syncLevels()
-{
+constexpr std::array<float, syncHalves> syncLevels = [] {
     std::array<float, syncHalves> levels{};
     float level = 1.0F;
     for (std::size_t bit = 0; bit < syncBits; ++bit) {
@@ -30,47 +29,43 @@ std::array<float, syncHalves> syncLevels()
         level = one ? level : -level;
     }
     return levels;
+}();
+
+/// How much \a halves, as many as a sync word has, resemble one; the sign is its polarity.
+float syncResemblance(const float *halves)
+{
+    float sum = 0.0F;
+    for (std::size_t half = 0; half < syncHalves; ++half)
+        sum += halves[half] * syncLevels[half];
+    return sum;
 }
 
-} // namespace
-
-FrameGrid findFrames(const HalfBits &halfBits)
+/// How clearly the sync words show that begin at \a place and every frame after it, in standard deviations of
+/// what chance brings; the better of one sign for all and a sign for each.
+double scoreAt(std::size_t place, const std::vector<float> &resemblances)
 {
-    const std::vector<float> &values = halfBits.values;
-    FrameGrid grid;
-    if (values.size() < syncHalves)
-        return grid;
-    const std::array<float, syncHalves> levels = syncLevels();
-    std::vector<float> resemblance(values.size() - syncHalves + 1);
-    for (std::size_t i = 0; i < resemblance.size(); ++i) {
-        float sum = 0.0F;
-        for (std::size_t half = 0; half < syncHalves; ++half)
-            sum += values[i + half] * levels[half];
-        resemblance[i] = sum;
-    }
-    // Of a sum of noise of mean square 1 over a sync word, and of its magnitude.
+    // Of a sum of noise of mean square 1 over a sync word, and of its magnitude (half-normal distribution).
     const double deviation = std::sqrt(static_cast<double>(syncHalves));
     const double meanMagnitude = deviation * std::sqrt(2.0 / std::numbers::pi);
     const double magnitudeDeviation = deviation * std::sqrt(1.0 - 2.0 / std::numbers::pi);
-    std::size_t best = 0;
-    for (std::size_t place = 0; place < std::min<std::size_t>(halvesPerFrame, resemblance.size());
-         place += 2) {
-        double sum = 0.0;
-        double magnitudes = 0.0;
-        double count = 0.0;
-        for (std::size_t i = place; i < resemblance.size(); i += halvesPerFrame) {
-            sum += static_cast<double>(resemblance[i]);
-            magnitudes += std::abs(static_cast<double>(resemblance[i]));
-            count += 1.0;
-        }
-        const double steady = std::abs(sum) / (deviation * std::sqrt(count));
-        const double free = (magnitudes - count * meanMagnitude) / (magnitudeDeviation * std::sqrt(count));
-        if (std::max(steady, free) > grid.score) {
-            grid.score = std::max(steady, free);
-            best = place;
-        }
+    double sum = 0.0;
+    double magnitudes = 0.0;
+    double count = 0.0;
+    for (std::size_t i = place; i < resemblances.size(); i += halvesPerFrame) {
+        sum += static_cast<double>(resemblances[i]);
+        magnitudes += std::abs(static_cast<double>(resemblances[i]));
+        count += 1.0;
     }
-    grid.firstHalf = static_cast<int>(best) - dataHalves;
+    const double steady = std::abs(sum) / (deviation * std::sqrt(count));
+    const double free = (magnitudes - count * meanMagnitude) / (magnitudeDeviation * std::sqrt(count));
+    return std::max(steady, free);
+}
+
+/// Cuts \a values into frames, one of whose sync words begins at \a syncPlace, below halvesPerFrame.
+FrameGrid cutIntoFrames(const std::vector<float> &values, std::size_t syncPlace)
+{
+    FrameGrid grid;
+    grid.firstHalf = static_cast<int>(syncPlace) - dataHalves;
     if (grid.firstHalf > 0)
         grid.firstHalf -= halvesPerFrame;
     const int count = static_cast<int>(values.size());
@@ -81,17 +76,36 @@ FrameGrid findFrames(const HalfBits &halfBits)
     return grid;
 }
 
+} // namespace
+
+FrameGrid findFrames(const HalfBits &halfBits)
+{
+    const std::vector<float> &values = halfBits.values;
+    if (values.size() < syncHalves)
+        return {};
+    std::vector<float> resemblances(values.size() - syncHalves + 1);
+    for (std::size_t i = 0; i < resemblances.size(); ++i)
+        resemblances[i] = syncResemblance(values.data() + i);
+    const auto places = std::min<std::size_t>(halvesPerFrame, resemblances.size());
+    std::size_t best = 0;
+    double score = 0.0;
+    for (std::size_t place = 0; place < places; place += 2) { // bits begin at every second half
+        const double found = scoreAt(place, resemblances);
+        if (found > score) {
+            score = found;
+            best = place;
+        }
+    }
+    FrameGrid grid = cutIntoFrames(values, best);
+    grid.score = score;
+    return grid;
+}
+
 void measureSyncs(FrameGrid &grid)
 {
-    const std::array<float, syncHalves> levels = syncLevels();
     grid.syncs.clear();
-    for (int frame = 0; frame < grid.frames; ++frame) {
-        const float *sync = grid.frame(frame) + dataHalves;
-        float sum = 0.0F;
-        for (std::size_t half = 0; half < syncHalves; ++half)
-            sum += sync[half] * levels[half];
-        grid.syncs.push_back(sum);
-    }
+    for (int frame = 0; frame < grid.frames; ++frame)
+        grid.syncs.push_back(syncResemblance(grid.frame(frame) + dataHalves));
 }
 
 } // namespace ltcreader
