@@ -8,9 +8,9 @@
 
 #include "ltcreader/adaptation.h"
 
+#include "ltcreader/halfbitfilter.h"
 #include "ltcreader/symmetricequations.h"
 
-#include <array>
 #include <cmath>
 
 namespace ltcreader
@@ -18,23 +18,23 @@ namespace ltcreader
 namespace
 {
 
-constexpr std::size_t reach = 10; // half bits to each side
-constexpr std::size_t taps = 2 * reach + 1;
-constexpr double heldBack = 0.01; // of the power, so that nothing is made of what is not there
+constexpr double heldBack = 0.01;   // of the power, so that nothing is made of what is not there
+constexpr double leastPower = 1e-9; // keeps quotients finite where there is nothing at all
 
-using Filter = std::array<double, taps>;
-
-Filter bestFilter(const std::vector<float> &halves, const std::vector<float> &levels)
+/// The filter with the least mean square error: its normal equations hold the likeness of the half bits to
+/// their neighbours on the left and that to the levels on the right (N. Wiener's filter, for sampled
+/// signals).
+HalfBitFilter bestFilter(const std::vector<float> &halves, const std::vector<float> &levels)
 {
-    Filter likeness{}; // of the half bits to themselves, some places farther on
-    Filter aim{};      // likeness to the levels
-    for (std::size_t i = 0; i + taps <= halves.size(); ++i) {
-        for (std::size_t tap = 0; tap < taps; ++tap) {
+    HalfBitFilter likeness{}; // of the half bits to themselves, some places farther on
+    HalfBitFilter aim{};      // likeness to the levels
+    for (std::size_t i = 0; i + filterTaps <= halves.size(); ++i) {
+        for (std::size_t tap = 0; tap < filterTaps; ++tap) {
             likeness[tap] += static_cast<double>(halves[i] * halves[i + tap]);
-            aim[tap] += static_cast<double>(levels[i + reach] * halves[i + tap]);
+            aim[tap] += static_cast<double>(levels[i + filterReach] * halves[i + tap]);
         }
     }
-    likeness[0] = (1.0 + heldBack) * likeness[0] + 1e-9;
+    likeness[0] = (1.0 + heldBack) * likeness[0] + leastPower;
     return solveSymmetric(likeness, aim);
 }
 
@@ -42,18 +42,14 @@ Filter bestFilter(const std::vector<float> &halves, const std::vector<float> &le
 
 FrameGrid adapted(const FrameGrid &grid, const std::vector<float> &levels)
 {
-    const Filter filter = bestFilter(grid.halves, levels);
+    const HalfBitFilter filter = bestFilter(grid.halves, levels);
     FrameGrid result = grid;
     double squares = 0.0;
     double count = 0.0;
     for (std::size_t i = 0; i < grid.halves.size(); ++i) {
         if (grid.halves[i] == 0.0F)
             continue;
-        double sum = 0.0;
-        for (std::size_t tap = 0; tap < taps; ++tap) {
-            if (i + tap >= reach && i + tap - reach < grid.halves.size())
-                sum += filter[tap] * static_cast<double>(grid.halves[i + tap - reach]);
-        }
+        const double sum = filteredAt(i, grid.halves, filter);
         result.halves[i] = static_cast<float>(sum);
         squares += sum * sum;
         count += 1.0;

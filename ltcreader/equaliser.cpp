@@ -8,9 +8,9 @@
 
 #include "ltcreader/equaliser.h"
 
+#include "ltcreader/halfbitfilter.h"
 #include "ltcreader/symmetricequations.h"
 
-#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -19,30 +19,29 @@ namespace ltcreader
 namespace
 {
 
-constexpr std::size_t reach = 10; // half bits to each side
-constexpr std::size_t taps = 2 * reach + 1;
 constexpr double heldBack = 0.1; // of the response of a half bit to itself
 
-using Response = std::array<double, taps>; // of half bits 0, 1, 2... farther on
-using Filter = std::array<double, taps>;
+using Response = std::array<double, filterTaps>; // of half bits 0, 1, 2... farther on
 
+/// The response of half bits of \a halfBit [s] to each other: the inverse Fourier transform of \a weights
+/// times the power spectrum of a pulse of that length.
 Response responseOf(const std::vector<double> &weights, double halfBit)
 {
     Response response{};
     for (std::size_t step = 1; step < weights.size(); ++step) {
         const double angle = std::numbers::pi * static_cast<double>(step) * weightStep * halfBit;
         const double shape = std::sin(angle) / angle; // of a half bit
-        for (std::size_t lag = 0; lag < taps; ++lag) {
+        for (std::size_t lag = 0; lag < filterTaps; ++lag) {
             response[lag] += weights[step] * shape * shape * std::cos(2.0 * angle * static_cast<double>(lag));
         }
     }
     return response;
 }
 
-Filter invert(Response response)
+HalfBitFilter invert(Response response)
 {
-    Filter aim{};
-    aim[reach] = response[0];
+    HalfBitFilter aim{};
+    aim[filterReach] = response[0];
     response[0] += heldBack * response[0];
     return solveSymmetric(response, aim);
 }
@@ -54,17 +53,13 @@ HalfBits equalise(const HalfBits &halfBits, const Conditioned &sound, double hal
     const Response response = responseOf(sound.weights, halfBit);
     if (!(response[0] > 0.0))
         return halfBits;
-    const Filter filter = invert(response);
+    const HalfBitFilter filter = invert(response);
     const std::vector<float> &from = halfBits.values;
     HalfBits result;
     result.values.resize(from.size());
     double squares = 0.0;
     for (std::size_t i = 0; i < from.size(); ++i) {
-        double sum = 0.0;
-        for (std::size_t tap = 0; tap < taps; ++tap) {
-            if (i + tap >= reach && i + tap - reach < from.size())
-                sum += filter[tap] * static_cast<double>(from[i + tap - reach]);
-        }
+        const double sum = filteredAt(i, from, filter);
         result.values[i] = static_cast<float>(sum);
         squares += sum * sum;
     }
