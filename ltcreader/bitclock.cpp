@@ -18,6 +18,8 @@ namespace
 constexpr double slowestBits = 24 * 1000.0 / 1001.0 * bitsPerFrame; // [bits/s]
 constexpr double fastestBits = 30.0 * bitsPerFrame;                 // [bits/s]
 constexpr double speedTolerance = 0.13;  // tape and film speeds, with room for uneven edges
+constexpr double earliestEdge = 0.6;     // of the shortest half bit: disturbed edges come that early
+constexpr double latestEdge = 1.2;       // of the longest bit: and that late
 constexpr double halfFromWhole = 0.75;   // [bits] between half a bit and a bit
 constexpr double following = 1.0 / 12.0; // share of a new length in the measured one
 
@@ -26,8 +28,8 @@ constexpr double following = 1.0 / 12.0; // share of a new length in the measure
 BitClock::BitClock(int sampleRate)
     : nominalBit(sampleRate / std::sqrt(slowestBits * fastestBits)),
       bitLength(nominalBit),
-      shortest(0.5 * sampleRate / (fastestBits * (1.0 + speedTolerance)) * 0.6),
-      longest(sampleRate / (slowestBits * (1.0 - speedTolerance)) * 1.2)
+      shortest(0.5 * sampleRate / (fastestBits * (1.0 + speedTolerance)) * earliestEdge),
+      longest(sampleRate / (slowestBits * (1.0 - speedTolerance)) * latestEdge)
 {
 }
 

@@ -22,23 +22,23 @@ public:
     void process(const Edge &edge, std::vector<Frame> &frames);
 
 private:
-    void bit(bool one, const Edge &end, double deviation);
+    void bit(bool one, const Edge &end, double squaredDeviation);
     void loseBits();
 
     struct Bit {
-        double start = 0.0; ///< [samples]
-        double squaredDeviation = 0.0;
+        double start = 0.0;            ///< [samples]
+        double squaredDeviation = 0.0; ///< [bits squared] of its edges from where they belong
         bool startsRising = false;
     };
 
-    double nominalBit;        ///< [samples] middle of the range of all rates
-    double bitLength;         ///< [samples] as recorded, followed slowly
-    double shortest;          ///< [samples] of half a bit
-    double longest;           ///< [samples] of a bit
-    Edge last{-1.0e9, false}; ///< the edge before
-    Edge bitStart;            ///< edge that began the bit under way
-    bool halfDone = false;    ///< the bit under way is a one, its first half has passed
-    double halfDeviation = 0.0;
+    double nominalBit;                       ///< [samples] middle of the range of all rates
+    double bitLength;                        ///< [samples] as recorded, followed slowly
+    double shortest;                         ///< [samples] half a bit; nearer edges are disturbances
+    double longest;                          ///< [samples] a bit; farther ones end a gap
+    Edge last{-1.0e9, false};                ///< the edge before
+    Edge bitStart;                           ///< edge that began the bit under way
+    bool halfDone = false;                   ///< the bit under way is a one, its first half has passed
+    double halfDeviation = 0.0;              ///< [bits squared] of its edge
     std::array<Bit, bitsPerFrame> history{}; ///< the last bits, a ring
     std::size_t next = 0;                    ///< where the ring goes on; its oldest bit
     int heldBits = 0;                        ///< bits since the last error, up to a frame

@@ -28,6 +28,7 @@ constexpr double meanReach = 60.0;     // [Hz] to each side, for the mean around
 constexpr double sameLine = 2.0;       // [Hz] nearer peaks belong to one line
 constexpr double knotTime = 0.125;     // [s]
 constexpr int smoothedKnots = 2;       // to each side
+constexpr double leastPower = 1e-30;   // keeps quotients finite in silence
 
 std::vector<double> runningSum(const std::vector<float> &samples)
 {
@@ -75,10 +76,11 @@ void collectLines(const std::vector<float> &power, double binWidth, std::size_t 
         if (power[bin] < power[bin - 1] || power[bin] < power[bin + 1])
             continue;
         const double around = sums[bin + reach] - sums[bin - reach] - (sums[bin + guard] - sums[bin - guard]);
-        const double mean = around / static_cast<double>(2 * (reach - guard)) + 1e-30;
+        const double mean = around / static_cast<double>(2 * (reach - guard)) + leastPower;
         const double strength = static_cast<double>(power[bin]) / mean;
         if (strength < leastStrength)
             continue;
+        // The top of the parabola through three magnitudes lies between the bins.
         const double left = std::sqrt(static_cast<double>(power[bin - 1]));
         const double right = std::sqrt(static_cast<double>(power[bin + 1]));
         const double curve = left - 2.0 * std::sqrt(static_cast<double>(power[bin])) + right;
@@ -111,6 +113,26 @@ std::vector<Line> findLines(const std::array<std::vector<float>, 2> &swings, dou
     return lines;
 }
 
+/// The part of \a swing that turns with \a frequency [Hz], with its phase, in each of \a pieces equal pieces.
+std::vector<std::complex<double>> phasesOfPieces(const std::vector<float> &swing, double frequency,
+                                                 double sampleRate, std::size_t pieces)
+{
+    constexpr std::size_t renewal = 1024; // [samples] before rounding errors add up
+    const double pieceLength = static_cast<double>(swing.size()) / static_cast<double>(pieces);
+    const std::complex<double> turn = std::polar(1.0, -2.0 * std::numbers::pi * frequency / sampleRate);
+    std::complex<double> phase = 1.0;
+    std::vector<std::complex<double>> phases(pieces);
+    for (std::size_t i = 0; i < swing.size(); ++i) {
+        const auto piece =
+            std::min(pieces - 1, static_cast<std::size_t>(static_cast<double>(i) / pieceLength));
+        phases[piece] += phase * static_cast<double>(swing[i]);
+        phase *= turn;
+        if (i % renewal == renewal - 1)
+            phase /= std::abs(phase);
+    }
+    return phases;
+}
+
 /// The clock behind a line: its phase, followed through the window.
 Clock follow(const std::vector<float> &swing, const Line &line, double sampleRate)
 {
@@ -121,18 +143,8 @@ Clock follow(const std::vector<float> &swing, const Line &line, double sampleRat
         1,
         static_cast<std::size_t>(std::lround(static_cast<double>(swing.size()) / (knotTime * sampleRate))));
     clock.knotDistance = static_cast<double>(swing.size()) / static_cast<double>(pieces);
-    std::vector<std::complex<double>> phases(pieces);
-    const std::complex<double> turn = std::polar(1.0, -2.0 * std::numbers::pi * line.frequency / sampleRate);
-    std::complex<double> phase = 1.0;
-    for (std::size_t i = 0; i < swing.size(); ++i) {
-        const auto piece =
-            std::min(pieces - 1, static_cast<std::size_t>(static_cast<double>(i) / clock.knotDistance));
-        phases[piece] += phase * static_cast<double>(swing[i]);
-        phase *= turn;
-        constexpr std::size_t renewal = 1024; // before rounding errors add up
-        if (i % renewal == renewal - 1)
-            phase /= std::abs(phase);
-    }
+    const std::vector<std::complex<double>> phases =
+        phasesOfPieces(swing, line.frequency, sampleRate, pieces);
     double before = 0.0;
     for (std::size_t piece = 0; piece < pieces; ++piece) {
         std::complex<double> smooth = 0.0;
@@ -141,6 +153,7 @@ Clock follow(const std::vector<float> &swing, const Line &line, double sampleRat
             smooth += phases[i];
         // Value i of the swing belongs to the moment between samples i - 1 and i.
         double lateness = -std::arg(smooth) / (2.0 * std::numbers::pi) * clock.bitLength - 0.5;
+        // A phase is known up to whole turns; the speed wanders by less than half of one between knots.
         if (piece > 0)
             lateness += clock.bitLength * std::round((before - lateness) / clock.bitLength);
         clock.knots.push_back(lateness);

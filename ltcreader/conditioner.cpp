@@ -44,8 +44,11 @@ constexpr float ownExcess = 8.0F;          // and none is so many times stronger
 constexpr double evenTime = 0.02;          // [s] to each side, over which power is taken
 constexpr double quietShare = 0.1;         // of the mean power: quieter moments are not raised further
 constexpr double restorationReach = 150.0; // [Hz] to each side, over which power is taken to tell filters by
+constexpr float leastPower = 1e-20F;       // keeps logarithms finite in silence
+constexpr double leastMean = 1e-30;        // keeps quotients finite in silence
 
-/// Multiplies \a samples by raised cosines at both ends.
+/// The factor at sample \a i of \a length that fades in and out by raised cosines, \a width samples at each
+/// end.
 float taper(std::size_t i, std::size_t length, std::size_t width)
 {
     const std::size_t distance = std::min(i, length - 1 - i);
@@ -79,7 +82,7 @@ void evenOut(Conditioned &sound)
         sums[i + 1] = sums[i] + static_cast<double>(sound.samples[i]) * static_cast<double>(sound.samples[i]);
     }
     const auto count = static_cast<double>(std::max<std::size_t>(1, sound.samples.size()));
-    const double quiet = quietShare * sums.back() / count + 1e-30;
+    const double quiet = quietShare * sums.back() / count + leastMean;
     const auto reach = static_cast<std::size_t>(evenTime * sound.sampleRate);
     for (std::size_t i = 0; i < sound.samples.size(); ++i) {
         const std::size_t from = i > reach ? i - reach : 0;
@@ -117,7 +120,7 @@ void Conditioner::estimateDisturbance()
     std::vector<float> power(bins);
     std::vector<double> sums(bins + 1); // of logarithms
     for (std::size_t bin = 0; bin < bins; ++bin) {
-        power[bin] = std::norm(spectrum[bin]) + 1e-20F;
+        power[bin] = std::norm(spectrum[bin]) + leastPower;
         sums[bin + 1] = sums[bin] + static_cast<double>(std::log(power[bin]));
     }
     peaks.resize(bins);

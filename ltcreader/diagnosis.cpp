@@ -6,7 +6,7 @@
 
 #include "ltcreader/diagnosis.h"
 
-#include "ltcreader/slicer.h"
+#include "ltcreader/edgereader.h"
 #include "ltcreader/window.h"
 
 #include <algorithm>
@@ -18,15 +18,14 @@ namespace ltcreader
 namespace
 {
 
-constexpr double threshold = 0.3;    // of the ordinary slicer
-constexpr double longestRise = 1e-4; // [s]
-constexpr double binTime = 25e-6;    // [s] of the distances
-constexpr double waveTime = 0.004;   // [s] that the picture shows: eight bits
+constexpr double binTime = 25e-6;  // [s] of the distances
+constexpr double waveTime = 0.004; // [s] that the picture shows: eight bits
 constexpr std::size_t waveColumns = 72;
 constexpr int waveRows = 7;
 constexpr int barLength = 50;
 constexpr double silence = 1e-4;      // [full scale] -80 dBFS
 constexpr double quiet = 0.001;       // [full scale] -60 dBFS
+constexpr double extreme = 0.999;     // of the peak: a sample as high as that stands at it
 constexpr double clippedShare = 0.1;  // of all samples; a clean square wave has more, with few values between
 constexpr double leastEdges = 1000.0; // [1/s] LTC has at least 1690
 constexpr double mostEdges = 6000.0;  // [1/s] LTC has at most 5380
@@ -39,7 +38,7 @@ bool isHalfOrWholeBit(double seconds)
 
 void countEdges(const std::vector<float> &samples, int sampleRate, Diagnosis &diagnosis)
 {
-    Slicer slicer(threshold, longestRise, sampleRate);
+    Slicer slicer = slicerFor(Algorithm::Mid, sampleRate);
     std::vector<Edge> edges;
     slicer.process(samples.data(), samples.size(), edges);
     for (std::size_t i = 1; i < edges.size(); ++i) {
@@ -108,7 +107,7 @@ std::vector<Diagnosis> diagnose(SampleSource &source)
         for (const float sample : samples)
             diagnosis.peak = std::max(diagnosis.peak, std::abs(static_cast<double>(sample)));
         const auto atPeak = std::count_if(samples.begin(), samples.end(), [&diagnosis](float sample) {
-            return std::abs(static_cast<double>(sample)) >= 0.999 * diagnosis.peak;
+            return std::abs(static_cast<double>(sample)) >= extreme * diagnosis.peak;
         });
         diagnosis.clipped = static_cast<double>(atPeak) / std::max(1.0, size);
         countEdges(samples, window.sampleRate(), diagnosis);

@@ -12,6 +12,7 @@ constexpr double longestRise = 1e-4;
 
 double thresholdOf(Algorithm algorithm)
 {
+    // Shares of the half swing.
     constexpr double low = 0.1;
     constexpr double middle = 0.3;
     constexpr double high = 0.6;
@@ -27,9 +28,13 @@ double thresholdOf(Algorithm algorithm)
 
 } // namespace
 
+Slicer slicerFor(Algorithm algorithm, int sampleRate)
+{
+    return {thresholdOf(algorithm), algorithm == Algorithm::Slope ? 0.0 : longestRise, sampleRate};
+}
+
 EdgeReader::EdgeReader(Algorithm algorithm, int sampleRate)
-    : slicer(thresholdOf(algorithm), algorithm == Algorithm::Slope ? 0.0 : longestRise, sampleRate),
-      clock(sampleRate)
+    : slicer(slicerFor(algorithm, sampleRate)), clock(sampleRate)
 {
     if (algorithm == Algorithm::Slope)
         slope.emplace(sampleRate);

@@ -12,6 +12,9 @@
 namespace ltcreader
 {
 
+/// The slicer with which \a algorithm, any but Automatic, sees edges at \a sampleRate [Hz].
+Slicer slicerFor(Algorithm algorithm, int sampleRate);
+
 /// Reads LTC from the edges of one channel: cheap, and right wherever the edges can be seen.
 class EdgeReader
 {

@@ -14,7 +14,6 @@ constexpr int sureFrames = 10;          // unbroken, with a return of the frame 
 constexpr int believableFrames = 5;     // with gaps
 constexpr int unbrokenFrames = 3;       // in short recordings and between gaps
 constexpr double sureDeviation = 0.1;   // [bits] edges this close to their places leave no doubt about bits
-constexpr double clearDeviation = 0.06; // [bits] of edges that cannot be mistaken
 constexpr double believableShare = 0.6; // of the frames in its span that a row must hold
 constexpr double toleratedStrangers = 0.1; // frames that say something else, as a share of the row's
 constexpr double sureConfidence = 0.999999;

@@ -24,7 +24,6 @@ namespace
 
 constexpr std::size_t shortestChain = 3; // [frames] fewer could agree by chance
 constexpr std::size_t longChain = 6;     // [frames] enough without any other sign
-constexpr double clearDeviation = 0.06;  // [bits] of edges that cannot be mistaken
 constexpr double speedMatters = 0.003;   // a larger speed error says nothing about 1000 / 1001
 
 struct Member {

@@ -9,6 +9,9 @@
 namespace ltcreader
 {
 
+/// [bits] Edges that are nearer to their places than this cannot be mistaken.
+constexpr double clearDeviation = 0.06;
+
 /// Frames of one recording that count up as time goes by.
 struct FrameChain {
     FrameRate rate;

@@ -24,8 +24,9 @@ constexpr std::size_t points = 2048;        // around the circle: 0 to 25.6 kHz 
 constexpr double middleBitRate = 2150.0;    // [bits/s] of all rates
 constexpr double lowestFrequency = 300.0;   // [Hz] below it LTC has too little to be measured by
 constexpr double highestFrequency = 6000.0; // [Hz] above it likewise
-constexpr double leastShape = 0.03; // of the highest density: the nulls of the ideal spectrum are never met
-constexpr double mostGain = 30.0;   // [dB] more would restore noise
+constexpr double leastShape = 0.03;  // of the highest density: the nulls of the ideal spectrum are never met
+constexpr double leastPower = 1e-30; // keeps quotients finite in silence
+constexpr double mostGain = 30.0;    // [dB] more would restore noise
 
 /// Power density of biphase mark code of random bits, up to a factor.
 double timecodeDensity(double frequency)
@@ -46,7 +47,7 @@ std::vector<double> logGains(const std::vector<double> &powers)
     for (std::size_t step = 0; step < logs.size(); ++step) {
         const std::size_t measured = std::clamp(step, std::min(first, last), last);
         const double density = timecodeDensity(static_cast<double>(measured) * restorationStep);
-        logs[step] = 0.5 * std::log(density / (powers[measured] + 1e-30));
+        logs[step] = 0.5 * std::log(density / (powers[measured] + leastPower));
         if (measured == step)
             middle += logs[step] / static_cast<double>(last - std::min(first, last) + 1);
     }

@@ -17,9 +17,10 @@ namespace ltcreader
 namespace
 {
 
-constexpr int rounds = 3;
+constexpr int rounds = 3;           // each from the line of the last: lateness is told best where it is small
 constexpr double timingShift = 0.2; // [bits] to each side, on the flank of the half bits' correlation
 constexpr int framesPerPart = 5;    // whose timing is measured together
+constexpr double leastCurve = 0.05; // of the fit: a flatter curve is noise
 constexpr double leastFit = 1e-9;   // keeps quotients finite
 
 /// Fit of the decided levels with the half bits summed \a shift [bits] late, for each part of the recording.
@@ -57,7 +58,8 @@ std::vector<PartTiming> timingsOfParts(const Candidate &candidate, const std::ve
     const double exactSum = std::accumulate(exact.begin(), exact.end(), 0.0);
     const double lateSum = std::accumulate(late.begin(), late.end(), 0.0);
     // The curve of the fit has the same shape in all parts; a single part in noise would not show it.
-    const double curve = std::max(2.0 * exactSum - earlySum - lateSum, 0.05 * std::abs(exactSum) + leastFit);
+    const double curve =
+        std::max(2.0 * exactSum - earlySum - lateSum, leastCurve * std::abs(exactSum) + leastFit);
     constexpr double partBits = framesPerPart * bitsPerFrame;
     std::vector<PartTiming> timings;
     for (std::size_t part = 0; part < exact.size(); ++part) {

@@ -9,12 +9,12 @@ namespace ltcreader
 namespace
 {
 
-constexpr double blockTime = 0.25;                    // [s]
-constexpr double windowTime = 3.25;                   // [s] what is extracted from media files, and a little
-constexpr double keptTime = 1.0;                      // [s] when the window moves on
-constexpr double searchedTime = 60.0;                 // [s] a recording whose timecode starts later is none
-constexpr std::size_t windowValues = 6 * 1024 * 1024; // of all channels together: 24 MiB
-constexpr float loudest = 1e4F;                       // [full scale] beyond it a float file holds garbage
+constexpr double blockTime = 0.25;    // [s]
+constexpr double windowTime = 3.25;   // [s] what is extracted from media files, and a little
+constexpr double keptTime = 1.0;      // [s] when the window moves on
+constexpr double searchedTime = 60.0; // [s] a recording whose timecode starts later is none
+constexpr std::size_t windowValues = std::size_t{6} * 1024 * 1024; // of all channels together: 24 MiB
+constexpr float loudest = 1e4F; // [full scale] beyond it a float file holds garbage
 
 } // namespace
 
