@@ -70,6 +70,8 @@ LtcSignal anySignal(Random &random, LtcRate rate);
 /// The signal by libltc's encoder or by our own, at random.
 Samples audioOf(const LtcSignal &signal, Random &random);
 
+constexpr int fineBits = 24; ///< for timecode far below a disturbance, which must not go under in rounding
+
 /// A recording of one channel, scaled down where it would pass full scale and rounded to \a bits per sample.
 Case monoCase(const LtcSignal &signal, Samples samples, Random &random, int bits = 16);
 

@@ -52,12 +52,12 @@ Reader readerCalled(const std::string &title)
 Tally tallyFrom(const std::vector<std::string> &fields)
 {
     Tally tally;
-    tally.right = std::stoi(fields[6]);
-    tally.wrong = std::stoi(fields[7]);
-    tally.refused = std::stoi(fields[8]);
-    tally.otherRate = std::stoi(fields[9]);
-    tally.otherCount = std::stoi(fields[10]);
-    tally.otherChannel = std::stoi(fields[11]);
+    tally.right = numberFrom<int>(fields[6]);
+    tally.wrong = numberFrom<int>(fields[7]);
+    tally.refused = numberFrom<int>(fields[8]);
+    tally.otherRate = numberFrom<int>(fields[9]);
+    tally.otherCount = numberFrom<int>(fields[10]);
+    tally.otherChannel = numberFrom<int>(fields[11]);
     std::istringstream errors(fields[12]);
     double error = 0.0;
     while (errors >> error)

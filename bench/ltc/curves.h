@@ -27,8 +27,8 @@ std::vector<Curve> curvesOfTransport(); ///< speed, wow, flutter, dropouts, late
 std::vector<Curve> curvesOfFormats(); ///< sample rates, sample sizes, channels, lengths, crosstalk, odd bits
 std::vector<Curve> curvesOfCombinations(); ///< several at once, as cameras and recorders make them
 
-/// All of them in the order above.
-std::vector<Curve> allCurves();
+/// All of them in the order above; made once, as the search for encoders takes its time.
+const std::vector<Curve> &allCurves();
 
 /// \a first, then one \a step after the other to \a last, both included.
 std::vector<double> gradesFrom(double first, double last, double step);

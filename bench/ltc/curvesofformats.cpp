@@ -48,7 +48,7 @@ Case noisySampleRates(double grade, Random &random)
     // The noise of a full band at 48 kHz, of which a lower sample rate takes less.
     testsignals::addAtRatio(samples, testsignals::whiteNoise(random, samples.size()),
                             -4.0 + 10 * std::log10(48000.0 / grade));
-    return monoCase(signal, std::move(samples), random, 24);
+    return monoCase(signal, std::move(samples), random, fineBits);
 }
 
 Case sampleSizes(double grade, Random &random)
@@ -111,7 +111,7 @@ Case oddBitsInNoise(double grade, Random &random)
     habits.parityWrong = random.chance(0.5);
     Samples samples = testsignals::biphaseMarkAudio(signal, {}, habits);
     testsignals::addAtRatio(samples, testsignals::whiteNoise(random, samples.size()), grade);
-    return monoCase(signal, std::move(samples), random, 24);
+    return monoCase(signal, std::move(samples), random, fineBits);
 }
 
 /// Timecode on one channel, other sounds on the rest.
@@ -147,8 +147,8 @@ Case leak(double grade, Random &random)
         testsignals::addAtRatio(leaked, testsignals::speechLike(random, leaked.size(), signal.sampleRate),
                                 random.uniform(-20, 20));
     const int channel = random.integer(0, 1);
-    Case recording = monoCase(signal, timecode, random, 24);
-    Case second = monoCase(signal, std::move(leaked), random, 24);
+    Case recording = monoCase(signal, timecode, random, fineBits);
+    Case second = monoCase(signal, std::move(leaked), random, fineBits);
     recording.channels.insert(channel == 0 ? recording.channels.end() : recording.channels.begin(),
                               std::move(second.channels.front()));
     recording.truth->channel = channel;
@@ -172,7 +172,7 @@ Case leakAlone(double grade, Random &random)
     testsignals::highPass(samples, signal.sampleRate, random.uniform(100, 1500));
     testsignals::addAtRatio(samples, testsignals::speechLike(random, samples.size(), signal.sampleRate),
                             grade);
-    return monoCase(signal, std::move(samples), random, 24);
+    return monoCase(signal, std::move(samples), random, fineBits);
 }
 
 } // namespace

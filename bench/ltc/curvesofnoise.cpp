@@ -4,7 +4,7 @@
 #include "tests/support/impairments.h"
 #include "tests/support/noise.h"
 
-#include <cmath>
+#include <utility>
 
 namespace ltcbench
 {
@@ -12,7 +12,6 @@ namespace ltcbench
 namespace
 {
 
-constexpr int fineBits = 24; // timecode far below a disturbance must not go under in rounding
 constexpr LtcRate pal{25, false, false};
 const std::string section = "Noise";
 const std::string ratio = "dB, timecode over the rest";
@@ -61,15 +60,6 @@ Case radioCase(double grade, Random &random)
 
 } // namespace
 
-std::vector<double> gradesFrom(double first, double last, double step)
-{
-    std::vector<double> grades;
-    const int count = static_cast<int>(std::lround((last - first) / step));
-    for (int i = 0; i <= count; ++i)
-        grades.push_back(first + i * step);
-    return grades;
-}
-
 std::vector<Curve> curvesOfNoise()
 {
     std::vector<Curve> curves;
@@ -84,15 +74,6 @@ std::vector<Curve> curvesOfNoise()
     curves.push_back(noiseCurve("speech bleed", testsignals::speechLike, gradesFrom(6, -34, -4)));
     curves.push_back(noiseCurve("music bleed", testsignals::musicLike, gradesFrom(6, -34, -4)));
     return curves;
-}
-
-std::vector<Curve> allCurves()
-{
-    std::vector<Curve> all;
-    for (const auto &part : {curvesOfNoise(), curvesOfSignals(), curvesOfCodecs(), curvesOfTransport(),
-                             curvesOfFormats(), curvesOfCombinations()})
-        all.insert(all.end(), part.begin(), part.end());
-    return all;
 }
 
 } // namespace ltcbench

@@ -3,18 +3,29 @@
 
 #include "bench/ltc/measurement.h"
 
+#include <charconv>
+#include <stdexcept>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace ltcbench
 {
 
 /// Text by a pattern of printf, up to 511 bytes.
-#if defined(__GNUC__)
-[[gnu::format(printf, 1, 2)]]
-#endif
-std::string
-format(const char *pattern, ...);
+[[gnu::format(printf, 1, 2)]] std::string format(const char *pattern, ...);
+
+/// The number that \a text is. Throws std::invalid_argument where it is anything else, or too large.
+template <typename Number>
+Number numberFrom(const std::string &text)
+{
+    Number number{};
+    const char *end = text.data() + text.size();
+    const auto [stopped, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || stopped != end)
+        throw std::invalid_argument("\"" + text + "\" is no number");
+    return number;
+}
 
 /// Name of \a reader for people and in files.
 const char *titleOf(Reader reader);

@@ -8,6 +8,7 @@
 #include <array>
 #include <cmath>
 #include <memory>
+#include <numbers>
 
 namespace ltcbench
 {
@@ -77,8 +78,9 @@ bool continues(const DecodedFrame &frame, const DecodedFrame &first, LtcRate rat
     const std::int64_t counted =
         testsignals::frameNumber(frame.time, rate) - testsignals::frameNumber(first.time, rate);
     const double passed = (frame.end - first.end) / frameLength;
-    const double slack =
-        0.15 + 0.12 * std::abs(passed); // half a bit's worth of jitter, and machines at other speeds
+    constexpr double jitter = 0.15;     // [frames] of the ends that the library tells
+    constexpr double otherSpeed = 0.12; // of the nominal one: tape and film machines
+    const double slack = jitter + otherSpeed * std::abs(passed);
     return std::abs(std::remainder(static_cast<double>(counted) - passed, static_cast<double>(day))) < slack;
 }
 
@@ -171,7 +173,8 @@ void bandPass(Samples &samples, int sampleRate)
 void halfBitMean(Samples &samples, int sampleRate)
 {
     testsignals::highPass(samples, sampleRate, 100);
-    const auto length = static_cast<std::size_t>(sampleRate / 4400);
+    constexpr int halfBits = 4400; // [1/s] in the middle of all rates
+    const auto length = static_cast<std::size_t>(sampleRate / halfBits);
     const Samples input = samples;
     double sum = 0.0;
     for (std::size_t n = 0; n < samples.size(); ++n) {
@@ -189,7 +192,8 @@ void lowPass(Samples &samples, int sampleRate)
 /// Makes square waves of spikes again.
 void integrate(Samples &samples, int sampleRate)
 {
-    const auto decay = static_cast<float>(std::exp(-2 * 3.14159 * 200 / sampleRate));
+    constexpr double cutOff = 200.0; // [Hz] what is slower than that is forgotten
+    const auto decay = static_cast<float>(std::exp(-2 * std::numbers::pi * cutOff / sampleRate));
     float sum = 0.0F;
     for (float &sample : samples) {
         sum = decay * sum + sample;

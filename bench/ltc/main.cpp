@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "bench/ltc/csv.h"
+#include "bench/ltc/figures.h"
 #include "bench/ltc/measurement.h"
 #include "bench/ltc/plot.h"
 #include "bench/ltc/report.h"
@@ -12,6 +13,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <map>
 #include <set>
 #include <sstream>
 #include <stdexcept>
@@ -57,54 +59,57 @@ struct Options {
     bool help = false;
 };
 
-std::uint64_t numberFrom(const std::string &text)
+/// A number of recordings.
+int countFrom(const std::string &text)
 {
-    std::size_t used = 0;
-    const unsigned long long number = text.empty() || text[0] == '-' ? 0 : std::stoull(text, &used);
-    if (used == 0 || used != text.size())
-        throw std::invalid_argument("\"" + text + "\" is no number");
-    return number;
+    const auto count = numberFrom<int>(text);
+    if (count < 0)
+        throw std::invalid_argument("\"" + text + "\" is no number of files");
+    return count;
 }
+
+using TakeValue = void (*)(Options &options, const std::string &value);
+
+const std::map<std::string, TakeValue> valueOptions{
+    {"--only", [](Options &options, const std::string &value) { options.only.push_back(value); }},
+    {"--files",
+     [](Options &options, const std::string &value) { options.extent.filesPerGrade = countFrom(value); }},
+    {"--negatives",
+     [](Options &options, const std::string &value) { options.extent.filesPerSound = countFrom(value); }},
+    {"--seed", [](Options &options,
+                  const std::string &value) { options.extent.seed = numberFrom<std::uint64_t>(value); }},
+    {"--csv", [](Options &options, const std::string &value) { options.csv = value; }},
+    {"--merge", [](Options &options, const std::string &value) { options.merged.push_back(value); }},
+    {"--page", [](Options &options, const std::string &value) { options.page = value; }},
+    {"--plots", [](Options &options, const std::string &value) { options.plots = value; }},
+    {"--case", [](Options &options, const std::string &value) { options.caseName = value; }},
+    {"--save", [](Options &options, const std::string &value) { options.save = value; }},
+};
+
+const std::map<std::string, void (*)(Options &options)> switches{
+    {"--quick",
+     [](Options &options) {
+         options.extent.filesPerGrade = 5;
+         options.extent.filesPerSound = 20;
+     }},
+    {"--ours", [](Options &options) { options.extent.compare = false; }},
+    {"--list", [](Options &options) { options.list = true; }},
+    {"--help", [](Options &options) { options.help = true; }},
+};
 
 Options parse(const std::vector<std::string> &arguments)
 {
     Options options;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string &name = arguments[i];
-        const auto value = [&]() -> const std::string & {
-            if (i + 1 >= arguments.size())
+        const auto valueOption = valueOptions.find(name);
+        const auto plainSwitch = switches.find(name);
+        if (valueOption != valueOptions.end()) {
+            if (i + 1 == arguments.size())
                 throw std::invalid_argument(name + " needs a value");
-            return arguments[++i];
-        };
-        if (name == "--only") {
-            options.only.push_back(value());
-        } else if (name == "--files") {
-            options.extent.filesPerGrade = static_cast<int>(numberFrom(value()));
-        } else if (name == "--negatives") {
-            options.extent.filesPerSound = static_cast<int>(numberFrom(value()));
-        } else if (name == "--seed") {
-            options.extent.seed = numberFrom(value());
-        } else if (name == "--quick") {
-            options.extent.filesPerGrade = 5;
-            options.extent.filesPerSound = 20;
-        } else if (name == "--ours") {
-            options.extent.compare = false;
-        } else if (name == "--csv") {
-            options.csv = value();
-        } else if (name == "--merge") {
-            options.merged.push_back(value());
-        } else if (name == "--page") {
-            options.page = value();
-        } else if (name == "--plots") {
-            options.plots = value();
-        } else if (name == "--case") {
-            options.caseName = value();
-        } else if (name == "--save") {
-            options.save = value();
-        } else if (name == "--list") {
-            options.list = true;
-        } else if (name == "--help") {
-            options.help = true;
+            valueOption->second(options, arguments[++i]);
+        } else if (plainSwitch != switches.end()) {
+            plainSwitch->second(options);
         } else {
             throw std::invalid_argument("unknown option \"" + name + "\"; --help lists all");
         }

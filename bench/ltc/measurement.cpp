@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "bench/ltc/measurement.h"
 
+#include "bench/ltc/figures.h"
 #include "bench/ltc/libltcreader.h"
 #include "bench/ltc/readers.h"
 #include "tests/support/impairments.h"
@@ -25,11 +26,62 @@ double cpuMilliseconds(const std::function<void()> &work)
     return 1000.0 * static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC;
 }
 
+/// A kind of recording whose reading is timed.
+struct CostKind {
+    std::string name;
+    std::function<Case(Random &random)> make;
+};
+
+CostKind timecodeInNoise(const std::string &name, double ratio)
+{
+    return {name, [ratio](Random &random) {
+                const LtcSignal signal = anySignal(random, anyRate(random));
+                Samples samples = audioOf(signal, random);
+                testsignals::addAtRatio(samples, testsignals::whiteNoise(random, samples.size()), ratio);
+                return monoCase(signal, std::move(samples), random);
+            }};
+}
+
+/// The sound without timecode called \a name, null when there is none.
+const testsignals::OtherSound *soundCalled(const std::string &name)
+{
+    const auto &sounds = testsignals::otherSounds();
+    const auto found =
+        std::find_if(sounds.begin(), sounds.end(),
+                     [&name](const testsignals::OtherSound &sound) { return sound.name == name; });
+    return found == sounds.end() ? nullptr : &*found;
+}
+
+/// Three seconds of \a sound, another piece of it on each of \a channels channels.
+CostKind otherSound(const std::string &name, const testsignals::OtherSound &sound, int channels)
+{
+    return {name, [&sound, channels](Random &random) {
+                Case recording;
+                const auto count = 3 * static_cast<std::size_t>(recording.sampleRate);
+                for (int channel = 0; channel < channels; ++channel)
+                    recording.channels.push_back(sound.make(random, count, recording.sampleRate));
+                return recording;
+            }};
+}
+
+std::vector<CostKind> costKinds()
+{
+    std::vector<CostKind> kinds{timecodeInNoise("clean timecode", 60.0),
+                                timecodeInNoise("timecode in white noise at -10 dB", -10.0),
+                                timecodeInNoise("timecode out of reach at -40 dB", -40.0)};
+    for (const char *name :
+         {"silence", "white noise", "hum", "speech", "music", "square", "biphase, random bits"})
+        kinds.push_back(otherSound(name, *soundCalled(name), 1));
+    kinds.push_back(otherSound("eight channels of music", *soundCalled("music"), 8));
+    return kinds;
+}
+
 } // namespace
 
 Case recordingOf(const Curve &curve, std::uint64_t seed, std::size_t grade, int file)
 {
-    Random random = Random::forCase(seed, curve.name, grade * 1000000 + static_cast<std::uint64_t>(file));
+    constexpr std::uint64_t mostFiles = 1'000'000; // of a grade, so that no two share their random numbers
+    Random random = Random::forCase(seed, curve.name, grade * mostFiles + static_cast<std::uint64_t>(file));
     return curve.make(curve.grades.at(grade), random);
 }
 
@@ -144,42 +196,8 @@ SoundResult measureSound(const testsignals::OtherSound &sound, const Extent &ext
 
 std::vector<CostResult> measureCosts(const Extent &extent)
 {
-    const auto withNoise = [](Random &random, double ratio) {
-        const LtcSignal signal = anySignal(random, anyRate(random));
-        Samples samples = audioOf(signal, random);
-        testsignals::addAtRatio(samples, testsignals::whiteNoise(random, samples.size()), ratio);
-        return monoCase(signal, std::move(samples), random);
-    };
-    const auto soundNamed = [](const std::string &name, Random &random) {
-        for (const testsignals::OtherSound &sound : testsignals::otherSounds()) {
-            if (sound.name == name)
-                return sound.make(random, 144000, 48000);
-        }
-        return Samples(144000, 0.0F);
-    };
-    struct Kind {
-        std::string name;
-        std::function<Case(Random &random)> make;
-    };
-    std::vector<Kind> kinds{
-        {"clean timecode", [&](Random &random) { return withNoise(random, 60.0); }},
-        {"timecode in white noise at -10 dB", [&](Random &random) { return withNoise(random, -10.0); }},
-        {"timecode out of reach at -40 dB", [&](Random &random) { return withNoise(random, -40.0); }}};
-    for (const char *name :
-         {"silence", "white noise", "hum", "speech", "music", "square", "biphase, random bits"}) {
-        kinds.push_back({name, [&soundNamed, name](Random &random) -> Case {
-                             return {{soundNamed(name, random)}, 48000, std::nullopt};
-                         }});
-    }
-    kinds.push_back({"eight channels of music", [&](Random &random) -> Case {
-                         Case recording;
-                         for (int channel = 0; channel < 8; ++channel)
-                             recording.channels.push_back(soundNamed("music", random));
-                         return recording;
-                     }});
-
     std::vector<CostResult> results;
-    for (const Kind &kind : kinds) {
+    for (const CostKind &kind : costKinds()) {
         CostResult result{kind.name};
         for (int file = 0; file < extent.filesPerGrade; ++file) {
             Random random =
@@ -230,17 +248,14 @@ std::optional<Case> recordingNamed(const std::string &name, std::uint64_t seed)
     if (gradeSlash == std::string::npos || gradeSlash == 0)
         return std::nullopt;
     const std::string what = name.substr(0, gradeSlash);
-    const auto grade = static_cast<std::size_t>(std::atoi(name.c_str() + gradeSlash + 1));
-    const int file = std::atoi(name.c_str() + fileSlash + 1);
+    const auto grade = numberFrom<std::size_t>(name.substr(gradeSlash + 1, fileSlash - gradeSlash - 1));
+    const auto file = numberFrom<int>(name.substr(fileSlash + 1));
     for (const Curve &curve : allCurves()) {
         if (curve.name == what && grade < curve.grades.size())
             return recordingOf(curve, seed, grade, file);
     }
-    for (const testsignals::OtherSound &sound : testsignals::otherSounds()) {
-        if (sound.name == what)
-            return recordingOf(sound, seed, file);
-    }
-    return std::nullopt;
+    const testsignals::OtherSound *sound = soundCalled(what);
+    return sound ? std::optional(recordingOf(*sound, seed, file)) : std::nullopt;
 }
 
 } // namespace ltcbench

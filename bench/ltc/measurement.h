@@ -59,14 +59,14 @@ struct SoundResult {
     Tallies tallies; ///< refused is right, wrong is a timecode made out of nothing
 };
 
-/// CPU time of one kind of recording.
+/// CPU time of one kind of recording, a window of three seconds at 48 kHz.
 struct CostResult {
     std::string name;
     double ours = 0.0;   ///< [ms] for one recording, mean
     double libltc = 0.0; ///< [ms] for one pass of libltc's decoder over one channel without filters
 };
 
-/// Called for every answer of ours that is wrong, with the name of the case as caseNamed() takes it.
+/// Called for every answer of ours that is wrong, with the name of the case as recordingNamed() takes it.
 using ReportWrong =
     std::function<void(const std::string &caseName, const Case &recording, const Answer &answer)>;
 
@@ -78,7 +78,8 @@ Case recordingOf(const testsignals::OtherSound &sound, std::uint64_t seed, int f
 /// The name of that recording as recordingNamed() takes it; the grade of a sound is 0.
 std::string nameOfRecording(const std::string &curveOrSound, std::size_t grade, int file);
 
-/// The recording behind such a name; none where it fits nothing.
+/// The recording behind such a name; none where it fits nothing. Throws std::invalid_argument where its grade
+/// or file is no number.
 std::optional<Case> recordingNamed(const std::string &name, std::uint64_t seed);
 
 CurveResult measureCurve(const Curve &curve, const Extent &extent, const ReportWrong &reportWrong);
@@ -86,6 +87,7 @@ CurveResult measureCurve(const Curve &curve, const Extent &extent, const ReportW
 SoundResult measureSound(const testsignals::OtherSound &sound, const Extent &extent,
                          const ReportWrong &reportWrong);
 
+/// The CPU time of kinds of recordings that take the decoder different ways, extent.filesPerGrade of each.
 std::vector<CostResult> measureCosts(const Extent &extent);
 
 /// Where on the curve half of the files are read right, between the two grades around it, as a number of the

@@ -74,8 +74,7 @@ const std::map<std::string, double> readUpTo{
 
 const Curve &curveNamed(const std::string &name)
 {
-    static const std::vector<Curve> curves = allCurves();
-    for (const Curve &curve : curves) {
+    for (const Curve &curve : allCurves()) {
         if (curve.name == name)
             return curve;
     }
@@ -101,6 +100,7 @@ private slots:
     void impairedTimecodeIsReadOrRefusedButNeverWrong_data();
     void impairedTimecodeIsReadOrRefusedButNeverWrong();
     void everyDemandedGradeIsMeasured();
+    void recordingsAreFoundByTheirName();
     void noTimecodeIsInvented_data();
     void noTimecodeIsInvented();
 };
@@ -122,7 +122,8 @@ void TestLtcBenchmark::cleanTimecodeIsReadToTheSample()
 {
     QFETCH(int, rate);
     QFETCH(int, sampleRate);
-    Random random = Random::forCase(seed, "clean", static_cast<std::uint64_t>(rate * sampleRate));
+    Random random = Random::forCase(
+        seed, "clean", static_cast<std::uint64_t>(rate) * static_cast<std::uint64_t>(sampleRate));
     for (const double duration : {3.0, 0.5}) {
         LtcSignal signal = anySignal(random, allRates()[static_cast<std::size_t>(rate)]);
         signal.sampleRate = sampleRate;
@@ -174,6 +175,17 @@ void TestLtcBenchmark::everyDemandedGradeIsMeasured()
         const std::vector<double> &grades = curveNamed(name).grades;
         QVERIFY2(std::find(grades.begin(), grades.end(), demanded) != grades.end(), name.c_str());
     }
+}
+
+void TestLtcBenchmark::recordingsAreFoundByTheirName()
+{
+    QVERIFY(recordingNamed(nameOfRecording("clean", 1, 0), seed));
+    QVERIFY(recordingNamed(nameOfRecording("silence", 0, 3), seed));
+    QVERIFY(!recordingNamed("clean/6/0", seed));
+    QVERIFY(!recordingNamed("clean", seed));
+    QVERIFY(!recordingNamed("unheard of/0/0", seed));
+    QVERIFY_EXCEPTION_THROWN(recordingNamed("clean/one/0", seed), std::invalid_argument);
+    QVERIFY_EXCEPTION_THROWN(recordingNamed("clean/1/", seed), std::invalid_argument);
 }
 
 void TestLtcBenchmark::noTimecodeIsInvented_data()
