@@ -58,10 +58,11 @@ bool isAudioStream(const FileData &file, const QString &index)
 
 bool isChannelOfTimecodeStream(const FileData &file, const QString &value)
 {
-    static const QRegularExpression form("(-?)0\\.([0-9]+)\\.(-?[0-9]+)(:0\\.[0-9]+)?");
-    const auto match = QRegularExpression(QRegularExpression::anchoredPattern(form.pattern())).match(value);
-    return match.hasMatch() && match.capturedRef(2).toInt() == file.audioStreamIndex &&
-           isAudioStream(file, match.captured(2));
+    static const QRegularExpression form(
+        QRegularExpression::anchoredPattern("-?0\\.([0-9]+)\\.-?[0-9]+(:0\\.[0-9]+)?"));
+    const auto match = form.match(value);
+    return match.hasMatch() && match.capturedRef(1).toInt() == file.audioStreamIndex &&
+           isAudioStream(file, match.captured(1));
 }
 
 bool isMetadata(const QString &value)
