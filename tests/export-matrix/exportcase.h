@@ -24,8 +24,8 @@ QVector<ExportOptions> optionsFor(const SourceFile &source, bool coreOnly);
 /// A name of \a options for people.
 QString nameOf(const ExportOptions &options);
 
-/// Exports \a source with the tool that \a environment finds as "ffmpeg.exe", into a
-/// folder of its own and judges what was written.
+/// Exports \a source into a folder of its own, with the tool that this process finds as "ffmpeg.exe" and that
+/// runs in \a environment, and judges what was written.
 Outcome runExport(const MadeFile &source, const ExportOptions &options,
                   const QProcessEnvironment &environment);
 
