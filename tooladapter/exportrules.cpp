@@ -13,6 +13,10 @@ namespace tooladapter
 namespace
 {
 
+// Shares by which two rates of pictures may differ and be meant for one.
+constexpr double frameTolerance = 0.1;    // a base rate that is farther off counts fields
+constexpr double pictureTolerance = 0.05; // a rate that is farther off is another picture's
+
 bool isCopied(const ExportPlan &plan)
 {
     return std::any_of(plan.pictureOptions.begin(), plan.pictureOptions.end(), [](const Option &option) {
@@ -43,7 +47,7 @@ FrameRate pictureRate(const ExportPlan &plan, const Stream &picture)
     // A copy keeps its time stamps. A coder makes a constant rate of a wavering one, but takes frames, not
     // fields.
     const bool hasAverage = picture.averageRate.isValid();
-    if (hasAverage && (isCopied(plan) || differs(picture.averageRate, picture.baseRate, 0.1)))
+    if (hasAverage && (isCopied(plan) || differs(picture.averageRate, picture.baseRate, frameTolerance)))
         return picture.averageRate;
     return picture.baseRate.isValid() ? picture.baseRate : picture.averageRate;
 }
@@ -76,8 +80,8 @@ void checkPicture(const ExportPlan &plan, const Source &source, int picture)
     if (picture < 0 && plan.tracks.empty())
         throw Refusal("nothing of " + plan.input + " is left to be written");
     // The list's rate may be that of another picture in the file.
-    if (picture >= 0 &&
-        differs(codedRate(plan), source.streams[static_cast<std::size_t>(picture)].baseRate, 0.05))
+    if (picture >= 0 && differs(codedRate(plan), source.streams[static_cast<std::size_t>(picture)].baseRate,
+                                pictureTolerance))
         throw Refusal("the picture of " + plan.input + " does not run at the rate that is to be coded");
 }
 

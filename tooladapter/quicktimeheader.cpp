@@ -111,16 +111,22 @@ double endOf(BinaryFile &file, const Atom &track, const Atom &movieHeader)
 /// The number of channels in the sound description at \a entry.
 int channelsIn(BinaryFile &file, std::uint64_t entry)
 {
-    const bool isSecondVersion = file.bigEndian(entry + 16, 2) == 2;
-    return static_cast<int>(isSecondVersion ? file.bigEndian(entry + 48, 4) : file.bigEndian(entry + 24, 2));
+    constexpr std::uint64_t versionField = 16;
+    constexpr std::uint64_t channelsField = 24;
+    constexpr std::uint64_t secondVersionChannelsField = 48;
+    const bool isSecondVersion = file.bigEndian(entry + versionField, 2) == 2;
+    return static_cast<int>(isSecondVersion ? file.bigEndian(entry + secondVersionChannelsField, 4)
+                                            : file.bigEndian(entry + channelsField, 2));
 }
 
 /// The timecode that the track with the sample table \a table begins with. \a entry is its description.
 std::string timecodeIn(BinaryFile &file, const Atom &table, std::uint64_t entry)
 {
+    constexpr std::uint64_t flagsField = 20;
+    constexpr std::uint64_t nominalRateField = 32; // [frame numbers a second]
     constexpr std::uint64_t dropFrameFlag = 1;
-    const bool isDropFrame = (file.bigEndian(entry + 20, 4) & dropFrameFlag) != 0;
-    const int nominalRate = static_cast<int>(file.bigEndian(entry + 32, 1));
+    const bool isDropFrame = (file.bigEndian(entry + flagsField, 4) & dropFrameFlag) != 0;
+    const int nominalRate = static_cast<int>(file.bigEndian(entry + nominalRateField, 1));
     const auto places = find(file, table, {"stco"});
     const std::uint64_t sample = places ? file.bigEndian(places->begin + listLength, 4)
                                         : file.bigEndian(need(file, table, {"co64"}).begin + listLength, 8);
