@@ -15,7 +15,7 @@ const QUrl updateDescriptorUrl("http://" OSTREL_UPDATE_HOST "/qvt_timecodetool_a
 namespace
 {
 
-constexpr qint64 longestDescriptor = 1024 * 1024; // [bytes] a real one has a few hundred
+constexpr qint64 longestDescriptor = qint64{1024} * 1024; // [bytes] a real one has a few hundred
 
 QString userAgent()
 {

@@ -109,7 +109,7 @@ void TestMediaKit::soundFileHasItsModificationTime()
 
     const QFileInfo written(folder.filePath(recording.path));
     QCOMPARE(written.lastModified().toUTC(), recording.modified);
-    QVERIFY(written.size() > 24000 * 3);
+    QVERIFY(written.size() > qint64{24000} * 3);
 }
 
 void TestMediaKit::impossibleFolderIsReported()

@@ -94,12 +94,13 @@ QStringList channelFaults(const QString &path, int index, const ExpectedTrack &t
                 ? agrees(decoded.at(i), made.samples.at(wantedTrack).at(number), track.agreeingBits)
                 : soundsLike(decoded.at(i), made.source.tracks.at(wantedTrack).at(wantedChannel), made.source,
                              track.sampleRate);
-        if (!isRight)
+        if (!isRight) {
             faults += QString("audio %1 channel %2 is not the source's channel %3 of audio %4")
                           .arg(index)
                           .arg(i)
                           .arg(wantedChannel)
                           .arg(wantedTrack);
+        }
     }
     return faults;
 }

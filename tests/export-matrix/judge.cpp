@@ -62,7 +62,7 @@ void judgePicture(Faults &faults, const QJsonArray &streams, const Expectation &
     faults.compare("number of pictures", pictures.size(), expected.pictureCodec.isEmpty() ? 0 : 1);
     if (pictures.size() != 1 || expected.pictureCodec.isEmpty())
         return;
-    const QJsonObject picture = pictures.first();
+    const QJsonObject &picture = pictures.first();
     faults.compare("picture codec", picture["codec_name"].toString(), expected.pictureCodec);
     faults.compare("pixel format", picture["pix_fmt"].toString(), expected.pixelFormat);
     faults.compare("width", picture["width"].toInt(), expected.width);

@@ -25,7 +25,7 @@ int Input::choice(int count)
 QByteArray Input::line()
 {
     const int end = bytes.indexOf('\n', position);
-    const QByteArray text = bytes.mid(position, end < 0 ? -1 : end - position);
+    QByteArray text = bytes.mid(position, end < 0 ? -1 : end - position);
     position = end < 0 ? bytes.size() : end + 1;
     return text;
 }

@@ -505,8 +505,8 @@ void TestDecoder::readingStopsWhenItIsSure()
     signal.duration = 20.0;
     MemorySource source(testsignals::ltcAudio(signal), 1, 48000);
     QCOMPARE(textOf(readTimecode(source, {})), startOf(signal));
-    std::vector<float> rest(48000 * 20);
-    QVERIFY(source.read(rest.data(), rest.size()) >= 48000 * 18);
+    std::vector<float> rest(std::size_t{48000} * 20);
+    QVERIFY(source.read(rest.data(), rest.size()) >= std::size_t{48000} * 18);
 }
 
 void TestDecoder::furtherFactsAreReported()

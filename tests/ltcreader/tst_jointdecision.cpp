@@ -128,7 +128,7 @@ void TestJointDecision::digitsThatComeAsTheyLikeAreNoTimecode()
     // Sync words are there, and each frame shows another time.
     FrameGrid grid;
     for (int frame = 0; frame < 75; ++frame) {
-        const Timecode label = labelAt(frame * 1234567, pal);
+        const Timecode label = labelAt(std::int64_t{frame} * 1234567, pal);
         const FrameGrid single = gridOfTimecode(label, pal, 1, changingUserBits);
         grid.halves.insert(grid.halves.end(), single.halves.begin(), single.halves.end());
         ++grid.frames;

@@ -99,7 +99,7 @@ void TestTrellis::freeBitsAreFound()
     const std::vector<float> halves = halvesOf(bits, width, level);
     Trellis trellis(anchored);
     for (int bit = 0; bit < width; ++bit)
-        trellis.free(bit, halves.data() + 2 * bit);
+        trellis.free(bit, halves.data() + std::ptrdiff_t{2} * bit);
     QCOMPARE(trellis.bits(false), FrameBits{bits});
     QCOMPARE(trellis.fit(false), 2.0F * width);
 }

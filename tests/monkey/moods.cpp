@@ -11,7 +11,7 @@ namespace
 {
 
 constexpr std::int64_t framesPerSecond = 25;
-constexpr std::int64_t framesPerDay = 24 * 3600 * framesPerSecond;
+constexpr std::int64_t framesPerDay = std::int64_t{24} * 3600 * framesPerSecond;
 constexpr std::int64_t samplesPerFrame = 48'000 / framesPerSecond;
 
 std::string nameOf(const std::string &path)

@@ -28,7 +28,7 @@ private:
 
 QString TestToolSearch::makeFile(const QTemporaryDir &root, const QString &name, bool executable)
 {
-    const QString path = root.filePath(name);
+    QString path = root.filePath(name);
     QDir().mkpath(QFileInfo(path).path());
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly))

@@ -202,8 +202,8 @@ void TestUpdateCheck::aRedirectionIsNotFollowed()
 
 void TestUpdateCheck::aHugeBodyIsNotReadToItsEnd()
 {
-    constexpr qint64 hugeBody = 50 * 1024 * 1024;   // [bytes]
-    constexpr qint64 saneAmount = 10 * 1024 * 1024; // [bytes] the limit and what the sockets hold
+    constexpr qint64 hugeBody = qint64{50} * 1024 * 1024;   // [bytes]
+    constexpr qint64 saneAmount = qint64{10} * 1024 * 1024; // [bytes] the limit and what the sockets hold
     HttpServer server;
     server.answer("200 OK", goodDescriptor);
     server.stretchBodyTo(hugeBody);

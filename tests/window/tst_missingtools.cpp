@@ -38,7 +38,7 @@ void TestMissingTools::missingToolsAreNamed()
     QFETCH(QStringList, inPath);
     QTemporaryDir folder;
     const auto fill = [&folder](const QString &name, const QStringList &programs) {
-        const QString path = folder.filePath(name);
+        QString path = folder.filePath(name);
         if (!QDir().mkpath(path))
             qFatal("cannot make folders");
         for (const QString &program : programs) {
