@@ -237,17 +237,8 @@ void MainWindow::connectWorker()
 {
     connect(&workerThread, &QThread::finished, mainControl, &MainControl::shutDown);
     connect(fileList, &FileList::importBusyChanged, this, &MainWindow::onImportBusyChanged);
-    connect(fileList, &FileList::iterateThroughDirReq, this, &MainWindow::confirmDrop);
+    connect(mainControl, &MainControl::dropTaken, fileList, &FileList::dropTaken);
     connect(fileList, &FileList::exportFilesReq, this, &MainWindow::onExportRequest);
-}
-
-/// Lets the table know when the controller has taken the drop: the call goes through its thread and back,
-/// behind the drop and before all that comes of it.
-void MainWindow::confirmDrop()
-{
-    QMetaObject::invokeMethod(
-        mainControl, [this] { QMetaObject::invokeMethod(fileList, &FileList::dropTaken); },
-        Qt::QueuedConnection);
 }
 
 void MainWindow::onExportButtonClicked()

@@ -77,7 +77,6 @@ private:
     void layOut();
     void connectAll();
     void connectWorker();
-    void confirmDrop();
 
     void showExportWindow(bool all);
     void bringUp(QWidget *dialog);

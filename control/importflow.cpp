@@ -31,6 +31,7 @@ constexpr int pauseBetweenStarts = 5; // [ms]
 
 void MainControl::onIterateThroughDir(QList<QUrl> urls)
 {
+    emit dropTaken(); // first, as a drop of nothing usable ends at once
     requestStage(urls);
 }
 

@@ -63,6 +63,9 @@ signals:
     /// An import or a re-read has come to its end without reaching its total: nothing of it runs or waits.
     void importIdle();
 
+    /// A drop has arrived. It is part of every end of an import that is told from now on.
+    void dropTaken();
+
 public slots:
     void onFFProbeReady(FFMpegHandler *handler, QJsonObject ffprobeJson, uint fileNumber, int exitCode);
     void onAudioExtractReady(FFMpegHandler *handler, FileData fileData, int errorCode);

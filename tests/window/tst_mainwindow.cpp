@@ -71,6 +71,7 @@ private slots:
     void aDropIsAnsweredAtOnce();
     void theStatusIsPaintedBeforeTheFolderIsWalked();
     void aDropOfNothingUsableEndsQuietly();
+    void rowsCanBeDeletedAfterADropOfNothingUsable();
     void rowsCannotBeDeletedDuringAnImport();
     void theReadingDialogReachesTheReader();
 };
@@ -262,6 +263,18 @@ void TestMainWindow::aDropOfNothingUsableEndsQuietly()
     QCOMPARE(bench.fileList->rowCount(), 0);
     bench.addFile("a.wav");
     QVERIFY(bench.import());
+    bench.fileList->selectAll();
+    QTest::keyClick(bench.fileList, Qt::Key_Delete);
+    QCOMPARE(bench.fileList->rowCount(), 0);
+}
+
+void TestMainWindow::rowsCanBeDeletedAfterADropOfNothingUsable()
+{
+    WindowBench bench;
+    bench.addFile("a.wav");
+    QVERIFY(bench.import());
+    bench.drop({bench.addFile("notes.txt")});
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status:"), patience);
     bench.fileList->selectAll();
     QTest::keyClick(bench.fileList, Qt::Key_Delete);
     QCOMPARE(bench.fileList->rowCount(), 0);
