@@ -85,18 +85,28 @@ void checkPicture(const ExportPlan &plan, const Source &source, int picture)
         throw Refusal("the picture of " + plan.input + " does not run at the rate that is to be coded");
 }
 
-/// What is done to the samples of \a track; empty where nothing is.
-std::string filterOf(const AudioTrack &track, const ExportPlan &plan, const Source &source)
+/// The filters that lay the sound of \a stream beside the picture in an MXF file. That cannot say that a
+/// stream begins later than the others, and it ends with its shortest one.
+std::vector<std::string> placingFilters(const Source &source, int stream, int picture)
 {
-    std::string filter = track.channels.empty() ? std::string() : channelFilter(track);
+    const double delay = source.delayOf(stream);
+    if (delay > longestSilence)
+        throw Refusal("the audio stream " + std::to_string(stream) + " begins too long after the picture");
+    return {delayFilter(delay), endingFilter(source.endOf(picture) - source.endOf(stream))};
+}
+
+/// What is done to the samples of \a track; empty where nothing is.
+std::string filterOf(const AudioTrack &track, const ExportPlan &plan, const Source &source, int picture)
+{
+    std::string chain = track.channels.empty() ? std::string() : channelFilter(track);
     if (plan.container != Container::Mxf)
-        return filter; // QuickTime notes by itself where a stream begins, WAV holds one stream
-    const double delay = source.delayOf(track.stream);
-    if (delay > longestDelay)
-        throw Refusal("the audio stream " + std::to_string(track.stream) +
-                      " begins too long after the picture");
-    const std::string silence = delayFilter(delay);
-    return filter.empty() || silence.empty() ? filter + silence : filter + ',' + silence;
+        return chain;
+    for (const std::string &filter : placingFilters(source, track.stream, picture)) {
+        if (!chain.empty() && !filter.empty())
+            chain += ',';
+        chain += filter;
+    }
+    return chain;
 }
 
 /// The options that name the streams to take; tells \a result what the audio streams must hold.
@@ -111,7 +121,7 @@ Options pictureAndTracks(const ExportPlan &plan, const Source &source, Export &r
         options.push_back({"-map", "0:" + std::to_string(track.stream)});
         if (!track.codec.empty())
             options.push_back({"-c:a:" + number, track.codec});
-        const std::string filter = filterOf(track, plan, source);
+        const std::string filter = filterOf(track, plan, source, result.pictureStream);
         if (!filter.empty())
             options.push_back({"-filter:a:" + number, filter});
         const int all = source.streams[static_cast<std::size_t>(track.stream)].channels;

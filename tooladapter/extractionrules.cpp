@@ -24,7 +24,7 @@ double delayOf(const Output &output, const Source &source)
 void restoreDelays(ArgumentList &list, const Source &source)
 {
     std::erase_if(list.outputs,
-                  [&source](const Output &output) { return delayOf(output, source) > longestDelay; });
+                  [&source](const Output &output) { return delayOf(output, source) > longestSilence; });
     if (list.outputs.empty())
         throw Refusal("the sound of " + list.input + " begins too long after its picture");
     for (Output &output : list.outputs) {

@@ -107,6 +107,12 @@ double Source::delayOf(int index) const
     return *own - first;
 }
 
+double Source::endOf(int index) const
+{
+    const Stream &own = streams[static_cast<std::size_t>(index)];
+    return own.duration > 0.0 ? own.start.value_or(start) - start + own.duration : duration;
+}
+
 std::string Source::startTimecode() const
 {
     const auto found = std::find_if(streams.begin(), streams.end(),

@@ -48,6 +48,10 @@ struct Source {
     /// tell.
     double delayOf(int index) const;
 
+    /// When the stream \a index ends, counted from the beginning of the file [s]; the file's whole duration
+    /// where the stream does not tell, 0 where neither does. \a index must exist.
+    double endOf(int index) const;
+
     /// The start timecode of the file or of one of its streams; empty where there is none.
     std::string startTimecode() const;
 };

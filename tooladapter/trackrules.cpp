@@ -26,6 +26,15 @@ bool isOneOf(const Names &names, const std::string &name)
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
+constexpr double shortestSilence = 0.001; // [s] a small part of any frame
+
+std::string thousandths(double number)
+{
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%.3f", number);
+    return text.data();
+}
+
 std::string littleEndian(std::string codec)
 {
     if (codec.ends_with("be"))
@@ -80,12 +89,15 @@ void chooseCodecs(ExportPlan &plan, const Source &source)
 
 std::string delayFilter(double delay)
 {
-    constexpr double shortestDelay = 0.001; // [s] a small part of any frame
-    if (delay < shortestDelay)
-        return {};
-    std::array<char, 48> filter{};
-    std::snprintf(filter.data(), filter.size(), "adelay=%.3f:all=1", delay * 1000);
-    return filter.data();
+    return delay < shortestSilence ? std::string() : "adelay=" + thousandths(delay * 1000) + ":all=1";
+}
+
+std::string endingFilter(double missing)
+{
+    // Coders end where their blocks do; what reaches beyond the picture is not written.
+    constexpr double reserve = 0.1; // [s]
+    const bool isAdded = missing >= shortestSilence && missing <= longestSilence;
+    return isAdded ? "apad=pad_dur=" + thousandths(missing + reserve) : std::string();
 }
 
 std::string channelFilter(const AudioTrack &track)

@@ -17,13 +17,17 @@ void takeAllStreams(ExportPlan &plan, const Source &source);
 /// for.
 void chooseCodecs(ExportPlan &plan, const Source &source);
 
-/// More silence than this is not put before sound that begins late [s]: the source is damaged then, or no
+/// More silence than this is put neither before nor behind a sound [s]: the source is damaged then, or no
 /// recording of one take.
-constexpr double longestDelay = 10.0;
+constexpr double longestSilence = 10.0;
 
-/// The filter that puts \a delay [s], up to longestDelay, of silence before a stream; empty where it is too
+/// The filter that puts \a delay [s], up to longestSilence, of silence before a stream; empty where it is too
 /// short to matter.
 std::string delayFilter(double delay);
+
+/// The filter that puts at least \a missing [s] of silence behind a stream; empty where it is too short to
+/// matter, and beyond longestSilence.
+std::string endingFilter(double missing);
 
 /// The filter that keeps the channels of \a track, in order.
 std::string channelFilter(const AudioTrack &track);

@@ -10,20 +10,13 @@ namespace tooladapter
 namespace
 {
 
-/// Headers round, and coders pad the last block: so much may be missing from a complete file.
+/// Headers round, and coders pad the last block: so much may be missing from a complete file. Ends are
+/// compared rather than lengths, since a picture cannot be copied before its first whole frame.
 constexpr double toleratedSeconds = 0.1; // [s]
 
 const Stream &streamAt(const Source &file, int index)
 {
     return file.streams[static_cast<std::size_t>(index)];
-}
-
-/// When \a stream ends, counted from the beginning of the file [s]; 0 where the file does not tell. Compared
-/// rather than lengths, since a picture cannot be copied before its first whole frame.
-double endOf(const Source &file, int stream)
-{
-    const Stream &own = streamAt(file, stream);
-    return own.duration > 0.0 ? own.start.value_or(file.start) - file.start + own.duration : file.duration;
 }
 
 std::string secondsText(double seconds)
@@ -50,7 +43,7 @@ std::string faultInPicture(const Source &written, const Export &job, const Sourc
         return "the written file has no picture";
     const FrameRate rate = streamAt(source, job.pictureStream).averageRate;
     const double twoFrames = rate.isValid() ? 2.0 / rate.perSecond() : 0.0;
-    return faultInEnd("picture", endOf(written, picture), endOf(source, job.pictureStream),
+    return faultInEnd("picture", written.endOf(picture), source.endOf(job.pictureStream),
                       std::max(toleratedSeconds, twoFrames));
 }
 
@@ -67,7 +60,7 @@ std::string faultInSound(const Source &written, const Export &job, const Source 
             return "a written audio stream has " + std::to_string(channels) + " channels instead of " +
                    std::to_string(job.audio[i].channels);
         }
-        fault = faultInEnd("sound", endOf(written, streams[i]), endOf(source, job.audio[i].stream),
+        fault = faultInEnd("sound", written.endOf(streams[i]), source.endOf(job.audio[i].stream),
                            toleratedSeconds);
     }
     return fault;

@@ -48,10 +48,11 @@ Export exportFor(const QString &words, const QString &source, const QString &cha
                     FrameRate::fromText(timecodeRate.toStdString()));
 }
 
-bool isRefused(const ArgumentList &list, const Source &source)
+bool isRefused(const QString &output, const Source &source)
 {
+    const auto list = parseArguments(wordsOf("-y -i in.mov -acodec pcm_s24le " + output));
     try {
-        exportOf(planOf(list, source, {}), source);
+        exportOf(planOf(*list, source, {}), source);
     } catch (const Refusal &) {
         return true;
     }
@@ -73,8 +74,9 @@ private slots:
     void everyStreamIsTakenWhereNoneIsNamed();
     void everyStreamHasItsOwnCodec_data();
     void everyStreamHasItsOwnCodec();
-    void lateSoundKeepsItsPlace_data();
-    void lateSoundKeepsItsPlace();
+    void soundLiesBesideThePicture_data();
+    void soundLiesBesideThePicture();
+    void soundThatBeginsTooLateForMxfIsRefused();
     void thePictureKeepsItsRate_data();
     void thePictureKeepsItsRate();
     void filesInOddFoldersAreFiles_data();
@@ -251,37 +253,58 @@ void TestExportRules::everyStreamHasItsOwnCodec()
     QCOMPARE(textOf(arguments).remove("-xerror "), "-y -i in " + mended);
 }
 
-void TestExportRules::lateSoundKeepsItsPlace_data()
+void TestExportRules::soundLiesBesideThePicture_data()
 {
     QTest::addColumn<QString>("given");
-    QTest::addColumn<double>("start"); // [s] of the sound
+    QTest::addColumn<double>("start"); // [s] of the sound; the picture's is 0
+    QTest::addColumn<double>("end");   // [s] of the sound; the picture's is 5; 0: not known
     QTest::addColumn<QString>("filter");
     const QString all = "-map 0:1 -acodec pcm_s24le ";
     const QString muted =
         "-map 0:1 -map_channel -0.1.2 -map_channel 0.1.0:0.0 -map_channel 0.1.1:0.1 -acodec pcm_s24le ";
-    QTest::newRow("MXF gets silence") << all + "out.MXF" << 0.4 << "-filter:a:0 adelay=400.000:all=1";
-    QTest::newRow("MXF without the timecode")
-        << muted + "out.MXF" << 0.4 << "-filter:a:0 pan=2C|c0=c0|c1=c1,adelay=400.000:all=1";
-    QTest::newRow("MXF in time") << all + "out.MXF" << 0.0 << QString();
-    QTest::newRow("QuickTime notes it by itself") << all + "out.MOV" << 0.4 << QString();
+    const auto row = [](const char *name, const QString &given, double start, double end,
+                        const char *filter) {
+        QTest::newRow(name) << given << start << end << QString(filter);
+    };
+    row("MXF, as long as the picture", all + "out.MXF", 0.0, 5.0, "");
+    row("MXF, begins late", all + "out.MXF", 0.4, 5.0, "-filter:a:0 adelay=400.000:all=1");
+    row("MXF, begins late without the timecode", muted + "out.MXF", 0.4, 5.0,
+        "-filter:a:0 pan=2C|c0=c0|c1=c1,adelay=400.000:all=1");
+    row("MXF, ends early", all + "out.MXF", 0.0, 4.9, "-filter:a:0 apad=pad_dur=0.200");
+    row("MXF, begins late and ends early", all + "out.MXF", 0.04, 4.5,
+        "-filter:a:0 adelay=40.000:all=1,apad=pad_dur=0.600");
+    row("MXF, ends late", all + "out.MXF", 0.0, 5.5, "");
+    row("MXF, its end is not known", all + "out.MXF", 0.0, 0.0, "");
+    row("MXF, ends more than ten seconds early", muted + "out.MXF", -6.0, -5.5,
+        "-filter:a:0 pan=2C|c0=c0|c1=c1");
+    row("QuickTime notes where a stream begins and ends", all + "out.MOV", 0.4, 4.0, "");
 }
 
-void TestExportRules::lateSoundKeepsItsPlace()
+void TestExportRules::soundLiesBesideThePicture()
 {
     QFETCH(QString, given);
     QFETCH(double, start);
+    QFETCH(double, end);
     QFETCH(QString, filter);
     Source source = sourceOf("video:25/1 audio:pcm_s24le:3");
+    source.duration = 5.0;
     source.streams[0].start = 0.0;
+    source.streams[0].duration = 5.0;
     source.streams[1].start = start;
+    source.streams[1].duration = end == 0.0 ? 0.0 : end - start;
     const auto list = parseArguments(wordsOf("-y -i in.mov -map 0:v " + given));
     QVERIFY(list.has_value());
     const QString mended = textOf(exportOf(planOf(*list, source, {}), source).arguments);
     QCOMPARE(mended.section(" -filter", 1, 1, QString::SectionIncludeLeadingSep).section(' ', 1, 2), filter);
+}
 
+void TestExportRules::soundThatBeginsTooLateForMxfIsRefused()
+{
+    Source source = sourceOf("video:25/1 audio:pcm_s24le:1");
+    source.streams[0].start = 0.0;
     source.streams[1].start = 60.0;
-    const bool isMxf = given.endsWith("MXF");
-    QCOMPARE(isRefused(*list, source), isMxf);
+    QVERIFY(isRefused("out.MXF", source));
+    QVERIFY(!isRefused("out.MOV", source));
 }
 
 void TestExportRules::thePictureKeepsItsRate_data()

@@ -53,6 +53,8 @@ private slots:
     void everyExtractedFileEndsAfterThreeSeconds();
     void soundThatBeginsLateKeepsItsPlace_data();
     void soundThatBeginsLateKeepsItsPlace();
+    void soundThatEndsEarlyCostsNoFrame_data();
+    void soundThatEndsEarlyCostsNoFrame();
     void killingAnExportLeavesNoProcess_data();
     void killingAnExportLeavesNoProcess();
 
@@ -61,6 +63,7 @@ private:
     int run(const QString &program, const QStringList &arguments);
     int exportFile(const QString &source, const QStringList &picture, const QString &target);
     double durationOf(const QString &name);
+    int framesOf(const QString &name);
     double silenceBefore(const QString &name);
     void describe(const QString &source);
 
@@ -101,6 +104,14 @@ void TestRealExports::describe(const QString &source)
         probing += QString::fromStdString(argument);
     QCOMPARE(run("ffprobe", probing), 0);
     qputenv("OSTREL_SOURCE", output);
+}
+
+/// Number of pictures in \a name, counted.
+int TestRealExports::framesOf(const QString &name)
+{
+    run("ffprobe", {"-v", "error", "-count_packets", "-select_streams", "v", "-show_entries",
+                    "stream=nb_read_packets", "-of", "default=nokey=1:noprint_wrappers=1", name});
+    return output.trimmed().toInt();
 }
 
 /// How long the first audio stream of \a name is silent at its beginning [s].
@@ -300,6 +311,24 @@ void TestRealExports::soundThatBeginsLateKeepsItsPlace()
         QVERIFY2(std::abs(silence - delay) < tolerance,
                  qPrintable(QString("%1: %2 s of silence").arg(written).arg(silence)));
     }
+}
+
+void TestRealExports::soundThatEndsEarlyCostsNoFrame_data()
+{
+    QTest::addColumn<double>("end"); // [s] of the sound; the picture ends after 2 s
+    QTest::newRow("by two frames") << 1.91;
+    QTest::newRow("by a second") << 1.0;
+}
+
+void TestRealExports::soundThatEndsEarlyCostsNoFrame()
+{
+    QFETCH(double, end);
+    const QString making = "-v error -y -t 2 -i whole.mov -t %1 -i whole.mov -map 0:v -map 1:1 -map 0:2 "
+                           "-c copy short.mov";
+    QCOMPARE(run("ffmpeg", making.arg(end).split(' ')), 0);
+    QVERIFY2(exportFile("short.mov", coded(), "short.MXF") == 0, qPrintable(errors));
+    QVERIFY(framesOf("short.mov") >= 50);
+    QCOMPARE(framesOf("short.MXF"), framesOf("short.mov"));
 }
 
 void TestRealExports::killingAnExportLeavesNoProcess_data()
