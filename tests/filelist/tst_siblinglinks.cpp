@@ -159,7 +159,7 @@ void TestSiblingLinks::rowsThatGoLeaveTheirSiblingsBehind()
     constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
     SiblingLinks links =
         linksOf({file("mov", 10.0), file("wav", 10.0), file("wav", 10.02), file("wav", noNumber),
-                 file("wav", 10.0, noon.addSecs(1)), file("wav", 10.0)});
+                 file("wav", 10.0, noon().addSecs(1)), file("wav", 10.0)});
     links.passOn(5, link("a", 120));
     const auto seenByTheCell = links.linkOf(2);
     links.setHasTimecode(4, true);
