@@ -2,6 +2,7 @@
 #pragma once
 
 #include "control/maincontrol.h"
+#include "tests/support/longwait.h"
 
 #include <QJsonObject>
 #include <QObject>
@@ -9,8 +10,6 @@
 #include <QTemporaryDir>
 
 #include <memory>
-
-constexpr int longWait = 60'000; ///< [ms] for what must come; a busy machine takes its time
 
 /// A controller under test with fake tools, a media folder and a temporary folder of its own.
 ///

@@ -14,10 +14,9 @@ QStringList texts(const QComboBox &combo)
 
 bool showInFront(QWidget &dialog)
 {
-    constexpr int patience = 60000; // [ms] the machine may be busy
     dialog.show();
     dialog.activateWindow();
-    return QTest::qWaitForWindowActive(&dialog, patience);
+    return QTest::qWaitForWindowActive(&dialog, longWait);
 }
 
 QStringList tabWalk(QWidget &dialog, const char *start, int steps)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/longwait.h"
+
 #include <QString>
 #include <QStringList>
 #include <QWidget>

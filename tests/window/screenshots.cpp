@@ -23,8 +23,6 @@
 namespace
 {
 
-constexpr int patience = 60000; // [ms]
-
 void useDarkColours()
 {
     const QColor window(45, 45, 48);
@@ -204,7 +202,7 @@ int main(int argc, char *argv[])
     WindowBench bench;
     camera.take(bench.window.get(), "empty");
     bench.drop(writeRecordings(bench));
-    if (!QTest::qWaitFor([&bench] { return bench.status() == "Status: import ready"; }, patience))
+    if (!QTest::qWaitFor([&bench] { return bench.status() == "Status: import ready"; }, longWait))
         qFatal("the import does not end");
     bench.fileList->selectRow(1);
     emit bench.fileList->cellClicked(1, 0);

@@ -16,8 +16,6 @@
 namespace
 {
 
-constexpr int patience = 60'000; // [ms]
-
 QJsonObject waiting(const char *job, const char *gate)
 {
     return {{job, QJsonObject{{"waitFor", gate}}}};
@@ -34,7 +32,7 @@ bool workerEndsImportUnseen()
 {
     QElapsedTimer timer;
     timer.start();
-    while (hasTemporaryFolder() && !timer.hasExpired(patience))
+    while (hasTemporaryFolder() && !timer.hasExpired(longWait))
         QThread::msleep(5);
     return !hasTemporaryFolder();
 }
@@ -74,18 +72,18 @@ void TestFaultsInWindow::aDropAtTheEndOfAnImportKeepsItsRows()
     faketools::setPlan(first, waiting("read", "gate"));
     faketools::setPlan(second, waiting("probe", "gate2"));
     bench.drop({first});
-    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(first, "read").size(), 1, patience);
+    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(first, "read").size(), 1, longWait);
     QVERIFY(hasTemporaryFolder());
     faketools::openGate(bench.media + "/gate");
     QVERIFY(workerEndsImportUnseen());
     bench.drop({second}); // before the end of the first import is heard of
-    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(second, "probe").size(), 1, patience);
+    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(second, "probe").size(), 1, longWait);
 
     tryToDeleteAll(bench);
     QCOMPARE(bench.fileList->rowCount(), 2); // the probe's result would find no row, or another file's
     faketools::openGate(bench.media + "/gate2");
-    QTRY_VERIFY_WITH_TIMEOUT(bench.column(3).value(1).startsWith("10:00:00:00@"), patience);
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), patience);
+    QTRY_VERIFY_WITH_TIMEOUT(bench.column(3).value(1).startsWith("10:00:00:00@"), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), longWait);
     tryToDeleteAll(bench);
     QCOMPARE(bench.fileList->rowCount(), 0);
 }
@@ -96,20 +94,20 @@ void TestFaultsInWindow::aDropThatWaitsForAFailedReadingKeepsItsRows()
     const QString first = bench.addFile("a.mov");
     const QString second = bench.addFile("b.mov");
     bench.drop({first});
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), longWait);
     faketools::setPlan(first, {{"extract", QJsonObject{{"waitFor", "gate"}, {"exitCode", 1}}}});
     faketools::setPlan(second, waiting("probe", "gate2"));
     readAllAgain(bench);
-    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(first, "extract").size(), 2, patience);
+    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(first, "extract").size(), 2, longWait);
     bench.drop({second});
     faketools::openGate(bench.media + "/gate"); // the reading fails, and ends like an import
-    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(second, "probe").size(), 1, patience);
+    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(second, "probe").size(), 1, longWait);
 
     tryToDeleteAll(bench);
     QCOMPARE(bench.fileList->rowCount(), 2);
     faketools::openGate(bench.media + "/gate2");
-    QTRY_VERIFY_WITH_TIMEOUT(bench.column(3).value(1).startsWith("10:00:00:00@"), patience);
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), patience);
+    QTRY_VERIFY_WITH_TIMEOUT(bench.column(3).value(1).startsWith("10:00:00:00@"), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), longWait);
     tryToDeleteAll(bench);
     QCOMPARE(bench.fileList->rowCount(), 0);
 }
@@ -131,7 +129,7 @@ void TestFaultsInWindow::aSecondExportIsNotOfferedWhileTheFirstIsOnItsWay()
     workerMayGoOn.release();
     QVERIFY2(!isOffered, "both would write the same files and count as one");
     bench.boxes.answerNext(QMessageBox::Ok);
-    QTRY_VERIFY_WITH_TIMEOUT(exportAll->isEnabled(), patience);
+    QTRY_VERIFY_WITH_TIMEOUT(exportAll->isEnabled(), longWait);
     QCOMPARE(bench.exportedFiles(), QStringList{"a.mov"});
     tryToDeleteAll(bench);
     bench.startExport(); // of nothing, which never starts

@@ -19,7 +19,6 @@
 namespace
 {
 
-constexpr int patience = 60000; // [ms]
 constexpr int audioColumn = 3;
 
 template <typename... Arguments>
@@ -109,8 +108,8 @@ void TestMainWindow::theProgressNeverGoesBackwards()
     shown.clear();
     bench.boxes.answerNext(QMessageBox::Ok);
     bench.startExport();
-    QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.allGiven(), patience);
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status:"), patience);
+    QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.allGiven(), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status:"), longWait);
     QVERIFY(onlyGrew());
 }
 
@@ -143,15 +142,15 @@ void TestMainWindow::theDialogsAreShownOrBroughtToTheFront()
     bench.child<QAction>("exportAllAction")->trigger();
     QVERIFY(exportWindow->isVisible());
     QCOMPARE(exportWindow->windowTitle(), QString("Export all files"));
-    QVERIFY(QTest::qWaitForWindowActive(exportWindow, patience));
+    QVERIFY(QTest::qWaitForWindowActive(exportWindow, longWait));
     bench.window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(bench.window.get(), patience));
+    QVERIFY(QTest::qWaitForWindowActive(bench.window.get(), longWait));
     bench.child<QAction>("exportAction")->trigger();
     QCOMPARE(exportWindow->windowTitle(), QString("Export selected files"));
-    QVERIFY(QTest::qWaitForWindowActive(exportWindow, patience));
+    QVERIFY(QTest::qWaitForWindowActive(exportWindow, longWait));
     bench.child<QAction>("readAudioTCAction")->trigger();
     QVERIFY(audioTCWindow->isVisible());
-    QVERIFY(QTest::qWaitForWindowActive(audioTCWindow, patience));
+    QVERIFY(QTest::qWaitForWindowActive(audioTCWindow, longWait));
 }
 
 void TestMainWindow::theContextMenuOffersExportAndReading()
@@ -201,7 +200,7 @@ void TestMainWindow::deleteWaitsForTheEndOfAReading()
     QCOMPARE(bench.fileList->rowCount(), 1);
     QCOMPARE(bench.status(), QString("Status: "));
     faketools::openGate(bench.media + "/gate");
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: read finished"), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: read finished"), longWait);
     QTest::keyClick(bench.fileList, Qt::Key_Delete);
     QCOMPARE(bench.fileList->rowCount(), 0);
 }
@@ -235,7 +234,7 @@ void TestMainWindow::aDropIsAnsweredAtOnce()
     bench.dropFolder();
     QCOMPARE(bench.status(), QString("Status: importing files..."));
     faketools::openGate(bench.media + "/gate");
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), longWait);
 }
 
 void TestMainWindow::theStatusIsPaintedBeforeTheFolderIsWalked()
@@ -259,7 +258,7 @@ void TestMainWindow::aDropOfNothingUsableEndsQuietly()
     WindowBench bench;
     bench.addFile("notes.txt");
     bench.dropFolder();
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status:"), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status:"), longWait);
     QCOMPARE(bench.fileList->rowCount(), 0);
     bench.addFile("a.wav");
     QVERIFY(bench.import());
@@ -286,14 +285,14 @@ void TestMainWindow::rowsCannotBeDeletedDuringAnImport()
     const QString file = bench.addFile("a.wav");
     faketools::setPlan(file, {{"read", QJsonObject{{"waitFor", "gate"}}}});
     bench.dropFolder();
-    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(file, "read").size(), 1, patience);
+    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(file, "read").size(), 1, longWait);
     const QSignalSpy asked(bench.window.get(), &MainWindow::deleteSelectedRowsSignal);
     bench.fileList->selectAll();
     QTest::keyClick(bench.fileList, Qt::Key_Delete);
     QCOMPARE(asked.count(), 1); // the table itself refuses
     QCOMPARE(bench.fileList->rowCount(), 1);
     faketools::openGate(bench.media + "/gate");
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), longWait);
 }
 
 void TestMainWindow::theReadingDialogReachesTheReader()
@@ -308,7 +307,7 @@ void TestMainWindow::theReadingDialogReachesTheReader()
     dialog->findChild<QComboBox *>("channelCombo")->setCurrentText("channel 4");
     dialog->findChild<QComboBox *>("frameRateCombo")->setCurrentText("29.97 FPS");
     dialog->findChild<QPushButton *>("readAudioTCButton")->click();
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: read finished"), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: read finished"), longWait);
     const auto reads = faketools::calls(file, "read");
     QCOMPARE(reads.size(), 2);
     QCOMPARE(reads.at(0).arguments.size(), 1);

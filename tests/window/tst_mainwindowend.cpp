@@ -14,8 +14,6 @@
 namespace
 {
 
-constexpr int patience = 60000; // [ms]
-
 using Ending = std::function<void(WindowBench &)>;
 
 } // namespace
@@ -181,8 +179,8 @@ void TestMainWindowEnd::anExportThatIsEndedLeavesNothing()
     WindowBench bench;
     QVERIFY(bench.startHangingExport());
     end(bench);
-    QTRY_VERIFY_WITH_TIMEOUT(!bench.child<QPushButton>("cancelButton")->isVisible(), patience);
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: export cancelled"), patience);
+    QTRY_VERIFY_WITH_TIMEOUT(!bench.child<QPushButton>("cancelButton")->isVisible(), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: export cancelled"), longWait);
     QCOMPARE(bench.exportedFiles(), QStringList());
     QVERIFY(!faketools::isAlive(bench.hangingTool()));
     QCOMPARE(bench.window->isVisible(), windowStays);

@@ -13,8 +13,6 @@
 namespace
 {
 
-constexpr int patience = 60000; // [ms]
-
 void progress(MainWindow &window, const QString &text)
 {
     QMetaObject::invokeMethod(&window, "statusProgressUpdate", Q_ARG(int, 1), Q_ARG(int, 15),
@@ -255,8 +253,8 @@ void TestMainWindowMessages::aWholeExportIsDone()
     QVERIFY(bench.import());
     bench.boxes.answerNext(QMessageBox::Ok);
     bench.startExport();
-    QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.allGiven(), patience);
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status:"), patience);
+    QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.allGiven(), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status:"), longWait);
     QCOMPARE(bench.boxes.seen().at(0).text, QString("Ostrel did the job!"));
     QCOMPARE(bench.exportedFiles().size(), 2);
 }
@@ -269,7 +267,7 @@ void TestMainWindowMessages::anExportWithFailuresNamesThem()
     QVERIFY(bench.import());
     bench.boxes.answerNext(QMessageBox::Ok);
     bench.startExport();
-    QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.allGiven(), patience);
+    QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.allGiven(), longWait);
     QCOMPARE(bench.boxes.seen().at(0).text,
              QString("Export finished.\nErrors occured with the folliwing files:\nb.mov"));
 }

@@ -16,7 +16,6 @@
 namespace
 {
 
-constexpr int patience = 60000; // [ms] the machine may be busy
 const char *const hangingFile = "hanging.mov";
 
 } // namespace
@@ -34,7 +33,7 @@ WindowBench::WindowBench()
     if (!QDir().mkpath(media) || !QDir().mkpath(target))
         qFatal("cannot make folders");
     window->show();
-    if (!QTest::qWaitForWindowActive(window.get(), patience))
+    if (!QTest::qWaitForWindowActive(window.get(), longWait))
         qFatal("the window does not become active");
 }
 
@@ -68,7 +67,7 @@ void WindowBench::dropFolder()
 bool WindowBench::import()
 {
     dropFolder();
-    return QTest::qWaitFor([this] { return status() == "Status: import ready"; }, patience);
+    return QTest::qWaitFor([this] { return status() == "Status: import ready"; }, longWait);
 }
 
 void WindowBench::startExport()
@@ -95,7 +94,7 @@ bool WindowBench::startHangingExport()
     if (!import())
         return false;
     startExport();
-    return QTest::qWaitFor([this] { return hangingTool() > 0 && cancelButton->isVisible(); }, patience);
+    return QTest::qWaitFor([this] { return hangingTool() > 0 && cancelButton->isVisible(); }, longWait);
 }
 
 qint64 WindowBench::hangingTool() const
