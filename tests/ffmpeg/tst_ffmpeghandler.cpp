@@ -4,6 +4,7 @@
 #include "ffmpeg/ffmpeghandler.h"
 #include "tests/fakes/faketools.h"
 #include "tests/ffmpeg/samplerecords.h"
+#include "tests/support/longwait.h"
 
 #include <QDir>
 #include <QFile>
@@ -48,8 +49,6 @@ private:
 
 namespace
 {
-
-constexpr int longWait = 60'000; // [ms]
 
 QJsonObject print(const QString &chunk)
 {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ltc/ltchandler.h"
 #include "tests/fakes/faketools.h"
+#include "tests/support/longwait.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -36,8 +37,6 @@ private:
 
 namespace
 {
-
-constexpr int longWait = 60'000; // [ms]
 
 QJsonObject doing(const QJsonArray &actions, int exitCode = 0)
 {
