@@ -16,7 +16,7 @@ constexpr const char *head =
     "section,name,unit,grade,reader,files,right,wrong,refused,other_rate,other_count,other_channel,"
     "position_errors";
 constexpr std::size_t fieldCount = 13;
-const std::string soundSection = "Without timecode";
+constexpr const char *soundSection = "Without timecode";
 
 std::string quoted(const std::string &text)
 {

@@ -55,10 +55,11 @@ std::vector<DecodedFrame> decode(Samples samples, int sampleRate)
     while (ltc_decoder_read(decoder.get(), &frame) == 1) {
         SMPTETimecode time;
         ltc_frame_to_time(&time, &frame.ltc, 0);
-        if (frame.reverse == 0)
+        if (frame.reverse == 0) {
             frames.push_back({{time.hours, time.mins, time.secs, time.frame},
                               frame.ltc.dfbit != 0,
                               static_cast<double>(frame.off_end) + 1.0});
+        }
     }
     return frames;
 }

@@ -112,7 +112,9 @@ std::string plotOf(const std::vector<CurveResult> &curves, const std::string &se
     for (const CurveResult &result : curves) {
         if (result.curve.section != section || !result.curve.graded)
             continue;
-        body += cell(result, cells % columns * cellWidth, legendHeight + cells / columns * cellHeight);
+        const int row = cells / columns;
+        const int column = cells % columns;
+        body += cell(result, column * cellWidth, legendHeight + row * cellHeight);
         ++cells;
     }
     const int rows = (cells + columns - 1) / columns;

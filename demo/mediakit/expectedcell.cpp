@@ -10,10 +10,12 @@ namespace
 // Channel that carries the timecode, counted from 1 in its track; 0 = none of this file.
 int channelWithTimecode(const Recording &recording)
 {
-    for (const Track &track : recording.tracks)
-        for (int i = 0; i < track.size(); ++i)
+    for (const Track &track : recording.tracks) {
+        for (int i = 0; i < track.size(); ++i) {
             if (track.at(i).timecode)
                 return i + 1;
+        }
+    }
     return 0;
 }
 

@@ -41,10 +41,12 @@ Recording soundFile(const QString &path, const Track &track, double duration)
 std::optional<testsignals::LtcSignal> timecodeOf(const Recording &recording)
 {
     std::optional<testsignals::LtcSignal> found = recording.siblingTimecode;
-    for (const Track &track : recording.tracks)
-        for (const Channel &channel : track)
+    for (const Track &track : recording.tracks) {
+        for (const Channel &channel : track) {
             if (channel.timecode)
                 found = channel.timecode;
+        }
+    }
     if (found) {
         found->sampleRate = recording.sampleRate;
         found->duration = recording.duration;

@@ -45,10 +45,11 @@ QVector<Sample> rates()
     };
     QVector<Sample> samples;
     int hour = 1;
-    for (const Rate &rate : known)
+    for (const Rate &rate : known) {
         samples += {"Clean timecode at " + rate.name + " frames per second",
                     movie("rate " + rate.name + ".mov", rate.pictureRate, "pcm_s16le",
                           withTone(timecodeChannel({hour++, 0, 0, 10}, rate.rate)))};
+    }
     return samples;
 }
 
@@ -105,7 +106,7 @@ QVector<Sample> sampleKit()
     const QDateTime firstFile(QDate(2024, 5, 4), QTime(9, 0), Qt::UTC);
     for (int i = 0; i < samples.size(); ++i) {
         Recording &recording = samples[i].recording;
-        recording.modified = firstFile.addSecs((recording.siblingTimecode ? i - 1 : i) * 60);
+        recording.modified = firstFile.addSecs((recording.siblingTimecode ? i - 1 : i) * 60LL);
     }
     return samples;
 }

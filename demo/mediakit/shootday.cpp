@@ -76,7 +76,7 @@ QVector<Recording> shootDay()
     const QDateTime firstFile(QDate(2024, 5, 3), QTime(9, 0), Qt::UTC);
     for (int i = 0; i < recordings.size(); ++i) {
         const bool partner = recordings.at(i).siblingTimecode.has_value();
-        recordings[i].modified = firstFile.addSecs((partner ? i - 1 : i) * 60);
+        recordings[i].modified = firstFile.addSecs((partner ? i - 1 : i) * 60LL);
     }
     return recordings;
 }
