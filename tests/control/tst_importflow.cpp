@@ -271,13 +271,14 @@ void TestImportFlow::anImportThatEndsWithAFailedProbeIsReady()
     bench->events.clear();
     bench->actAsFileTable();
     bench->makeFile("broken.mov", {{"probe", QJsonObject{{"waitFor", "gate"}, {"exitCode", 1}}}});
-    for (int i = 0; i < goodFiles; ++i) // two streams each: the total is more than three units a file
+    for (int i = 0; i < goodFiles; ++i) { // two streams each: the total is more than three units a file
         bench->makeFile(
             QString("good%1.mov").arg(i),
             {{"probe",
               QJsonObject{
                   {"json", QJsonObject{{"streams", QJsonArray{QJsonObject{{"codec_type", "audio"}},
                                                               QJsonObject{{"codec_type", "audio"}}}}}}}}});
+    }
     bench->control().onIterateThroughDir({bench->mediaUrl()});
     QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("read ").size(), 2 * goodFiles, longWait);
     QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 1, longWait);
