@@ -31,7 +31,7 @@ const char *const logoFile = "images/ostrel_LOGO_transparent";
 QPixmap logo()
 {
     const double ratio = qApp->devicePixelRatio();
-    for (const QString folder : {"", ":/"}) {
+    for (const QString &folder : {QString(), QString(":/")}) {
         const QPixmap plain(folder + logoFile + ".png");
         if (plain.isNull())
             continue;

@@ -11,7 +11,7 @@ QStringList missingTools(const QStringList &searchPath, const QString &applicati
 {
     QStringList missing;
     const QStringList folders = searchPath + QStringList{applicationFolder};
-    for (const QString tool : {"ffprobe", "ffmpeg", "LTCReader"}) {
+    for (const QString &tool : {QString("ffprobe"), QString("ffmpeg"), QString("LTCReader")}) {
         const QString path = findTool(tool + ".exe", folders);
         if (path.isEmpty()) {
             missing += tool + ".exe";

@@ -39,7 +39,7 @@ QStringList streamLines(const FileData &file)
         lines += translated("     size: ") + number(video, "width") + 'x' + number(video, "height");
     }
     const bool mxf = file.suffix.compare(QLatin1String("mxf"), Qt::CaseInsensitive) == 0;
-    for (const auto value : file.audioStreams) {
+    for (const auto &value : file.audioStreams) {
         const QJsonObject audio = value.toObject();
         lines += streamLine(audio, translated("audio"));
         if (audio.contains("channel_layout"))

@@ -154,7 +154,8 @@ void FileList::onAudioTCReadReq(AudioTCOptions audioTCOptions)
 {
     QVector<FileData> files;
     files.reserve(rowCount());
-    for (const int row : chosenRows(audioTCOptions.allFiles)) {
+    const QVector<int> rows = chosenRows(audioTCOptions.allFiles);
+    for (const int row : rows) {
         FileData &record = currentRecord(row);
         record.rowNumber = row;
         record.audioTCPending = true;
@@ -173,7 +174,8 @@ void FileList::exportFiles(ExportOptions exportOptions)
     lastExportDir = exportOptions.exportDir;
     QVector<FileData> files;
     files.reserve(rowCount());
-    for (const int row : chosenRows(exportOptions.exportAll)) {
+    const QVector<int> rows = chosenRows(exportOptions.exportAll);
+    for (const int row : rows) {
         FileData &record = currentRecord(row);
         record.rowNumber = row;
         // A sound file that holds nothing but the timecode would come out empty.

@@ -42,7 +42,8 @@ void FileList::copySelectedRows()
     for (int column = 0; column < ColumnCount; ++column)
         header += horizontalHeaderItem(column)->text();
     QVector<QStringList> cells;
-    for (const int row : selectedRows()) {
+    const QVector<int> rows = selectedRows();
+    for (const int row : rows) {
         QStringList line;
         for (int column = 0; column < ColumnCount; ++column)
             line += item(row, column)->text();
