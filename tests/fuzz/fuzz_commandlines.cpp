@@ -36,8 +36,10 @@ QString shown(const Words &words)
 Words takeWords(fuzz::Input &input)
 {
     Words words;
-    for (QByteArray line = input.line(); !line.isEmpty(); line = input.line())
-        words.emplace_back(line.constData()); // up to a zero byte, as programs get their words
+    for (QByteArray line = input.line(); !line.isEmpty(); line = input.line()) {
+        const std::string word = line.toStdString();
+        words.push_back(word.substr(0, word.find('\0'))); // as programs get their words
+    }
     return words;
 }
 

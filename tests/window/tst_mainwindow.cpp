@@ -273,7 +273,7 @@ void TestMainWindow::rowsCanBeDeletedAfterADropOfNothingUsable()
     bench.addFile("a.wav");
     QVERIFY(bench.import());
     bench.drop({bench.addFile("notes.txt")});
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status:"), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status:"), longWait);
     bench.fileList->selectAll();
     QTest::keyClick(bench.fileList, Qt::Key_Delete);
     QCOMPARE(bench.fileList->rowCount(), 0);
