@@ -27,6 +27,12 @@ target_link_options(ostrel_flags INTERFACE $<$<CONFIG:Release>:-fstack-protector
 target_compile_definitions(ostrel_flags INTERFACE
     QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_URL_CAST_FROM_STRING QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
     QT_DISABLE_DEPRECATED_BEFORE=0x050F00)
+if(OSTREL_PRECOMPILE)
+    # g++ 12 warns falsely of string operations of the standard library where its headers are precompiled.
+    target_compile_options(ostrel_flags INTERFACE
+        $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds> $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
+        $<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overread>)
+endif()
 if(OSTREL_SANITIZE)
     target_compile_options(ostrel_flags INTERFACE
         -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
@@ -44,13 +50,6 @@ if(OSTREL_FUZZ)
     target_link_options(ostrel_flags INTERFACE -fsanitize=float-cast-overflow)
 endif()
 
-# ostrel_take_common_headers(<target>) spares <target> the parsing of common headers, where they are precompiled.
-function(ostrel_take_common_headers target)
-    if(TARGET ostrel_commonheaders)
-        target_precompile_headers(${target} REUSE_FROM ostrel_commonheaders)
-    endif()
-endfunction()
-
 # ostrel_add_library(<folder part> [WITHOUT_QT] SOURCES ... LIBS ...) makes the library ostrel_<part>, alias
 # Ostrel::<part>.
 function(ostrel_add_library part)
@@ -58,9 +57,11 @@ function(ostrel_add_library part)
     add_library(ostrel_${part} STATIC ${ARG_SOURCES})
     add_library(Ostrel::${part} ALIAS ostrel_${part})
     target_link_libraries(ostrel_${part} PUBLIC Ostrel::flags ${ARG_LIBS})
-    if(NOT ARG_WITHOUT_QT)
+    if(ARG_WITHOUT_QT)
+        ostrel_take_headers(ostrel_${part} WITHOUT_QT)
+    else()
         set_target_properties(ostrel_${part} PROPERTIES AUTOMOC ON)
-        ostrel_take_common_headers(ostrel_${part})
+        ostrel_take_headers(ostrel_${part})
     endif()
 endfunction()
 
@@ -72,7 +73,7 @@ function(ostrel_add_program target)
     target_link_libraries(${target} PRIVATE Ostrel::flags ${ARG_LIBS})
     if(NOT ARG_WITHOUT_QT)
         set_target_properties(${target} PROPERTIES AUTOMOC ON)
-        ostrel_take_common_headers(${target})
+        ostrel_take_headers(${target})
     endif()
     if(WIN32)
         target_sources(${target} PRIVATE "${PROJECT_SOURCE_DIR}/packaging/windows/utf8.rc")
@@ -101,7 +102,7 @@ function(ostrel_add_test name)
     add_executable(${name} ${name}.cpp "${CMAKE_CURRENT_BINARY_DIR}/${name}.moc" ${ARG_SOURCES})
     target_include_directories(${name} PRIVATE "${CMAKE_CURRENT_BINARY_DIR}")
     target_link_libraries(${name} PRIVATE Ostrel::flags Qt5::Test ${ARG_LIBS})
-    ostrel_take_common_headers(${name})
+    ostrel_take_headers(${name})
     set(platform offscreen)
     set(wrapper "")
     if(ARG_DISPLAY)
@@ -125,6 +126,6 @@ function(ostrel_add_test name)
         add_dependencies(${name} ostrel_fakes)
         set(path "${CMAKE_BINARY_DIR}/fakes:${path}")
     endif()
-    set_tests_properties(${name} PROPERTIES
-        TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT "${environment};PATH=${path}")
+    set_tests_properties(${name} PROPERTIES # what may take long starts first
+        TIMEOUT ${ARG_TIMEOUT} COST ${ARG_TIMEOUT} ENVIRONMENT "${environment};PATH=${path}")
 endfunction()
