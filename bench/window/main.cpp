@@ -66,19 +66,21 @@ void addChecks(const QString &kind, const QVector<WindowRun> &runs, Figures &fig
     for (int i = 0; i < fewest->steps.size(); ++i) {
         const double growth =
             microsecondsPerRow(*most, most->steps.at(i)) / microsecondsPerRow(*fewest, fewest->steps.at(i));
-        if (most->rows > fewest->rows)
+        if (most->rows > fewest->rows) {
             figures.checks += Check{QString("%1, %2: cost per row at %3 rows to that at %4")
                                         .arg(kind, fewest->steps.at(i).name)
                                         .arg(most->rows)
                                         .arg(fewest->rows),
                                     growth, growthLimit};
+        }
     }
     for (const WindowRun &run : runs) {
         for (const Step &step : run.steps) {
-            if (run.rows <= rowsOfTheBlockLimit)
+            if (run.rows <= rowsOfTheBlockLimit) {
                 figures.checks +=
                     Check{QString("%1, %2, %3 rows: longest block [ms]").arg(kind, step.name).arg(run.rows),
                           step.longestBlock, longestBlockLimit};
+            }
         }
         figures.checks += Check{QString("%1, %2 rows: memory per row [KiB]").arg(kind).arg(run.rows),
                                 run.memoryPerRow / 1024, memoryLimit};

@@ -15,8 +15,8 @@
 namespace
 {
 
-constexpr qint64 levelMemory = 8 * 1024; // [KiB] that the heap may waver by between rounds
-constexpr int levelFiles = 4;            // sockets that a library keeps for a moment
+constexpr qint64 levelMemory = qint64{8} * 1024; // [KiB] that the heap may waver by between rounds
+constexpr int levelFiles = 4;                    // sockets that a library keeps for a moment
 
 void report(int round, const Holdings &now, qint64 milliseconds)
 {

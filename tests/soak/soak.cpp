@@ -44,7 +44,7 @@ Soak::Soak(int files, const QString &name) : count(files), fileList(bench.child<
 QString Soak::round()
 {
     for (QString (Soak::*step)() : {&Soak::importAll, &Soak::readAll, &Soak::exportAll, &Soak::deleteAll}) {
-        const QString failure = (this->*step)();
+        QString failure = (this->*step)();
         if (!failure.isEmpty())
             return failure;
     }
@@ -79,7 +79,7 @@ QString Soak::readAll()
     const QWidget *dialog = topLevel("audioTCWindow");
     dialog->findChild<QComboBox *>("filesCombo")->setCurrentText("all files");
     dialog->findChild<QPushButton *>("readAudioTCButton")->click();
-    const QString failure = waitFor("Status: read finished");
+    QString failure = waitFor("Status: read finished");
     for (const QString &cell : bench.column(3)) {
         if (!cell.contains("@25.00 on ch. 1"))
             return "a file without its timecode: " + cell;
