@@ -181,9 +181,7 @@ std::string mediaOf(const std::string &tool, const Words &words)
     return origin.starts_with('/') ? origin : std::string();
 }
 
-} // namespace
-
-int main(int argc, char *argv[])
+int play(int argc, char *argv[])
 {
     const std::string path = argv[0];
     const std::string tool = path.substr(path.rfind('/') + 1);
@@ -201,4 +199,16 @@ int main(int argc, char *argv[])
     if (tool.starts_with("LTCReader"))
         return read(job);
     return after(job.words, "-guess_layout_max").empty() ? exportFile(job) : extract(job);
+}
+
+} // namespace
+
+// Ends at once, without a search for leaks: that stops the process for a moment, and lasts for ever where it
+// is crossed by the signal to go on that the monkey sends to tools it has stopped.
+int main(int argc, char *argv[])
+{
+    const int exitCode = play(argc, argv);
+    std::cout.flush();
+    std::fflush(nullptr);
+    _exit(exitCode);
 }
