@@ -5,6 +5,7 @@
 #include "app/versionnotice.h"
 #include "app/windowtexts.h"
 #include "control/maincontrol.h"
+#include "control/resultcodes.h"
 #include "ffmpeg/exportwindow.h"
 #include "filelist/filelist.h"
 #include "update/versiondescriptor.h"
@@ -23,8 +24,6 @@
 
 namespace
 {
-
-enum ExportResult { AllExported = 0, Cancelled = 1, SomeFailed = 2 };
 
 /// Whether \a status is one of an import or a reading that goes on.
 bool tellsOfReading(const QString &status)
@@ -135,12 +134,12 @@ void MainWindow::onCancelExportButtonClicked()
 void MainWindow::exportReady(int exportResult, QStringList exportErrorFileNameList)
 {
     cancelling = false;
-    if (exportResult == AllExported) {
+    if (exportResult == exportSucceeded) {
         showExportResult(tr("Ostrel did the job!"));
         statusLabel->setText(tr("Status:"));
-    } else if (exportResult == Cancelled) {
+    } else if (exportResult == exportCancelled) {
         statusLabel->setText(tr("Status: export cancelled"));
-    } else if (exportResult == SomeFailed) {
+    } else if (exportResult == exportHasErrors) {
         showExportResult(windowtexts::failedExports(exportErrorFileNameList));
         statusLabel->setText(tr("Status:"));
     }

@@ -8,8 +8,8 @@
 namespace ltcreader
 {
 
-constexpr std::size_t filterReach =
-    10; // half bits to each side: what a filter of the recording smears, and a little
+/// Half bits to each side: what a filter of the recording smears, and a little.
+constexpr std::size_t filterReach = 10;
 constexpr std::size_t filterTaps = 2 * filterReach + 1;
 
 /// Weights of a half bit, in the middle, and of its neighbours on both sides.
