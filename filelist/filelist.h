@@ -99,6 +99,7 @@ private:
     void noteWidth(int row, int column, const QString &text);
     int widthOf(const QString &text);
     void fitColumn(int column);
+    int headerWidth(int column);
     void measureAllRows();
 
     // in filelisttimecode.cpp
@@ -131,4 +132,5 @@ private:
     QTimer linkedCellsTimer;            ///< until the cells that follow a link are painted anew
     QMap<int, ContentWidth> cellWidths; ///< of the columns that are fitted to their contents
     QHash<QString, int> measuredWidths; ///< [pixels] of cells, by their text
+    QHash<int, int> headerWidths;       ///< [pixels] of the titles of columns
 };

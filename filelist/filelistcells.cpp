@@ -53,8 +53,10 @@ void FileList::showText(int row, int column, const QString &text, const QString 
 void FileList::changeEvent(QEvent *event)
 {
     QTableWidget::changeEvent(event);
-    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+        headerWidths.clear();
         measureAllRows();
+    }
 }
 
 void FileList::measureAllRows()
@@ -99,6 +101,14 @@ void FileList::fitColumn(int column)
     int contents = cellWidths[column].widest();
     if (column == AudioTCColumn)
         contents = qMax(contents, siblingLinks.widestLink());
-    horizontalHeader()->resizeSection(column,
-                                      qMax(contents + gridLine, horizontalHeader()->sectionSizeHint(column)));
+    horizontalHeader()->resizeSection(column, qMax(contents + gridLine, headerWidth(column)));
+}
+
+/// Width that the title of \a column needs [pixels]. The header measures its font anew each time it is asked.
+int FileList::headerWidth(int column)
+{
+    const auto known = headerWidths.constFind(column);
+    return known != headerWidths.constEnd()
+               ? *known
+               : *headerWidths.insert(column, horizontalHeader()->sectionSizeHint(column));
 }

@@ -120,6 +120,7 @@ private slots:
     void deletedRowsShiftTheResultsThatFollow();
     void theInvitationIsNeverDeletedAndNeverComesBack();
     void columnsFitAsIfEveryCellWereLookedAt();
+    void aColumnOfShortTextsIsAsWideAsItsTitleInTheFontOfTheMoment();
     void copyingGivesATableForSpreadsheets();
     void longNamesAreElidedAndShownWholeInTheToolTip();
 };
@@ -650,6 +651,24 @@ void TestFileList::columnsFitAsIfEveryCellWereLookedAt()
             table.list.resizeColumnToContents(column);
             QCOMPARE(fitted, table.list.columnWidth(column));
         }
+    }
+}
+
+void TestFileList::aColumnOfShortTextsIsAsWideAsItsTitleInTheFontOfTheMoment()
+{
+    Table table;
+    table.list.resize(900, 300);
+    table.list.show();
+    table.fill({"a.mov"});
+    for (const int size : {10, 40, 8}) {
+        QFont font = table.list.font();
+        font.setPointSize(size);
+        table.list.setFont(font);
+        table.list.onFFProbeResult(probed(1.0, "-"), 0, 0);
+        const int fitted = table.list.columnWidth(2);
+        table.list.resizeColumnToContents(2);
+        QCOMPARE(fitted, table.list.columnWidth(2));
+        QCOMPARE(fitted, table.list.horizontalHeader()->sectionSizeHint(2));
     }
 }
 
