@@ -11,7 +11,6 @@
 #include <QComboBox>
 #include <QElapsedTimer>
 #include <QLineEdit>
-#include <QRegularExpression>
 #include <QTest>
 #include <QThread>
 
@@ -20,20 +19,8 @@
 namespace
 {
 
-constexpr int longestSettling = 60'000; // [ms] the machine may be busy
 constexpr int mostActions = 12;
 const char *const goodName = "good.mov";
-
-template <typename Choice>
-Choice any(testsignals::Random &random, const QVector<Choice> &choices)
-{
-    return choices.at(random.integer(0, choices.size() - 1));
-}
-
-void chooseAny(testsignals::Random &random, QComboBox *combo)
-{
-    combo->setCurrentIndex(random.integer(0, combo->count() - 1));
-}
 
 } // namespace
 
@@ -117,132 +104,6 @@ QStringList Monkey::play()
     closeWindow();
     checkNothingIsLeft();
     return failures;
-}
-
-void Monkey::act()
-{
-    struct Action {
-        int weight;
-        void (Monkey::*perform)();
-    };
-    const QVector<Action> possible{{5, &Monkey::drop},         {4, &Monkey::select},
-                                   {1, &Monkey::clickRow},     {3, &Monkey::pressDelete},
-                                   {3, &Monkey::readAgain},    {4, &Monkey::exportFiles},
-                                   {2, &Monkey::cancelExport}, {2, &Monkey::disturbTool}};
-    constexpr double quitting = 0.02;
-    if (random.chance(quitting))
-        return quit();
-    QVector<void (Monkey::*)()> lots;
-    for (const Action &action : possible)
-        lots.insert(lots.size(), action.weight, action.perform);
-    (this->*any(random, lots))();
-    pause(any<int>(random, {0, 0, 1, 5, 20, 60}));
-}
-
-void Monkey::drop()
-{
-    QStringList paths = sourceFolders + QStringList{bench->mediaFolder(), bench->mediaFolder() + "/nothing"};
-    for (auto source = sources.cbegin(); source != sources.cend(); ++source)
-        paths += source.key();
-    paths.sort();
-    QStringList dropped;
-    for (int i = random.integer(1, 4); i > 0; --i)
-        dropped += paths.at(random.integer(0, paths.size() - 1));
-    log += "drop " + dropped.join(' ');
-    bench->drop(dropped);
-}
-
-void Monkey::select()
-{
-    fileList->clearSelection();
-    for (int i = random.integer(0, 3); i > 0 && fileList->rowCount() > 0; --i) {
-        const int row = random.integer(0, fileList->rowCount() - 1);
-        log += QString("select row %1").arg(row);
-        fileList->selectionModel()->select(fileList->model()->index(row, 0),
-                                           QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    }
-}
-
-void Monkey::clickRow()
-{
-    if (fileList->rowCount() == 0)
-        return;
-    const int row = random.integer(0, fileList->rowCount() - 1);
-    log += QString("click row %1").arg(row);
-    QTest::mouseClick(fileList->viewport(), Qt::LeftButton, Qt::NoModifier,
-                      fileList->visualRect(fileList->model()->index(row, 0)).center());
-}
-
-void Monkey::pressDelete()
-{
-    if (random.chance(0.5))
-        select();
-    log += QString("delete, of %1 rows").arg(fileList->rowCount());
-    QTest::keyClick(bench->window.get(), Qt::Key_Delete);
-    log += QString("%1 rows are left").arg(fileList->rowCount());
-}
-
-void Monkey::readAgain()
-{
-    bench->child<QAction>("readAudioTCAction")->trigger();
-    const QWidget *dialog = topLevel("audioTCWindow");
-    const auto combos = dialog->findChildren<QComboBox *>();
-    for (QComboBox *combo : combos)
-        chooseAny(random, combo);
-    log += "read " + dialog->findChild<QComboBox *>("filesCombo")->currentText();
-    dialog->findChild<QPushButton *>("readAudioTCButton")->click();
-}
-
-void Monkey::exportFiles()
-{
-    auto *action = bench->child<QAction>(random.chance(0.7) ? "exportAllAction" : "exportAction");
-    const QWidget *dialog = topLevel("exportWindow");
-    if (!action->isEnabled())
-        return;
-    action->trigger();
-    const QString folder =
-        any<QString>(random, {exportFolder, exportFolder, exportFolder + "/../target/.",
-                              sourceFolders.constFirst(), sourceFolders.constLast() + "/../card2"});
-    dialog->findChild<QLineEdit *>("exportDirEdit")->setText(folder);
-    chooseAny(random, dialog->findChild<QComboBox *>("videoTypeCombo"));
-    chooseAny(random, dialog->findChild<QComboBox *>("audioTypeCombo"));
-    dialog->findChild<QCheckBox *>("muteAudioTCCheckBox")->setChecked(random.chance(0.5));
-    log += action->objectName() + " to " + folder;
-    dialog->findChild<QPushButton *>("exportButton")->click();
-}
-
-void Monkey::cancelExport()
-{
-    if (!bench->cancelButton->isVisible())
-        return;
-    log += "cancel";
-    bench->cancelButton->click();
-}
-
-void Monkey::disturbTool()
-{
-    const QVector<qint64> children = ownprocesses::children();
-    if (children.isEmpty())
-        return;
-    const int signal = any<int>(random, {SIGKILL, SIGSTOP, SIGTERM});
-    log += QString("signal %1 to a tool").arg(signal);
-    ::kill(static_cast<pid_t>(any(random, children)), signal);
-}
-
-void Monkey::quit()
-{
-    log += "quit";
-    if (random.chance(0.5))
-        bench->child<QAction>("exitAction")->trigger();
-    else
-        bench->window->close();
-}
-
-void Monkey::pause(int milliseconds)
-{
-    if (milliseconds > 0)
-        log += QString("%1 ms").arg(milliseconds);
-    QTest::qWait(milliseconds);
 }
 
 /// Lets the worker do what it was asked to, and the window take what it answered.
@@ -329,78 +190,4 @@ void Monkey::closeWindow()
     answering.stop();
     inWorker.release()->deleteLater(); // with its thread
     bench->window.reset();
-}
-
-void Monkey::checkSources()
-{
-    for (auto source = sources.cbegin(); source != sources.cend(); ++source) {
-        QFile file(source.key());
-        require(file.open(QIODevice::ReadOnly) && file.readAll() == source.value(),
-                "the source " + source.key() + " is as it was");
-    }
-}
-
-void Monkey::checkExports()
-{
-    for (const QString &folder : sourceFolders + QStringList{exportFolder}) {
-        const auto entries = QDir(folder).entryInfoList(QDir::Files | QDir::Hidden);
-        for (const QFileInfo &entry : entries) {
-            if (!sources.contains(entry.filePath()))
-                checkExport(entry.filePath());
-        }
-    }
-}
-
-/// An export holds the path of its source and its start timecode; a broken one may hold less.
-void Monkey::checkExport(const QString &path)
-{
-    QFile file(path);
-    require(file.open(QIODevice::ReadOnly), "the export can be read " + path);
-    const QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
-    require(lines.constFirst() != "two exports at once", "one export at a time writes " + path);
-    if (lines.size() < 3 || lines.at(1).isEmpty())
-        return;
-    require(mayCarry(lines.at(0), lines.at(1)),
-            QString("%1 carries the timecode of its source %2, not %3").arg(path, lines.at(0), lines.at(1)));
-}
-
-/// Whether an export of \a source may begin with \a start: with its own timecode, or that of the other part
-/// of its recording.
-bool Monkey::mayCarry(const QString &source, const QString &start) const
-{
-    QStringList files{source};
-    const QFileInfo info(source);
-    for (auto other = sources.cbegin(); other != sources.cend(); ++other) {
-        const bool isPart = moods::isWave(other.key().toStdString()) && moods::isWave(source.toStdString()) &&
-                            QFileInfo(other.key()).lastModified() == info.lastModified();
-        if (isPart)
-            files += other.key();
-    }
-    for (const QString &file : qAsConst(files)) {
-        const std::string media = file.toStdString();
-        const QString timecode = QString::fromStdString(moods::timecodeOf(media));
-        const QString reference = "time_reference=" + QString::number(moods::samplesOf(media));
-        if (start == (moods::isWave(media) ? reference : timecode) || start == timecode)
-            return true;
-    }
-    // What was exported into a source's folder may have been imported from there.
-    return !sources.contains(source) && moods::isWave(source.toStdString());
-}
-
-void Monkey::checkNothingIsLeft()
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!ownprocesses::children().isEmpty() && !timer.hasExpired(longestSettling))
-        QThread::msleep(1);
-    require(ownprocesses::children().isEmpty(), "no process is left");
-    const QStringList left =
-        QDir(system.path()).entryList({"OstrelSyncTemp*"}, QDir::AllEntries | QDir::Hidden);
-    require(left.isEmpty(), "no temporary file is left, but " + left.join(' '));
-}
-
-void Monkey::require(bool holds, const QString &promise)
-{
-    if (!holds)
-        failures += promise;
 }

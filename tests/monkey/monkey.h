@@ -32,10 +32,20 @@ public:
     const QStringList &actions() const { return log; }
 
 private:
+    static constexpr int longestSettling = 60'000; ///< [ms] the machine may be busy
+
+    // in monkey.cpp
     void makeMedia();
     QString addMedia(const QString &path);
     void answerBoxes();
+    bool isBusy() const;
+    void settle();
+    void flushWorker();
+    void sendTo(int signal, const char *name);
+    void workAsUsual();
+    void closeWindow();
 
+    // in monkeyactions.cpp
     void act();
     void drop();
     void select();
@@ -48,12 +58,7 @@ private:
     void quit();
     void pause(int milliseconds);
 
-    bool isBusy() const;
-    void settle();
-    void flushWorker();
-    void sendTo(int signal, const char *name);
-    void workAsUsual();
-    void closeWindow();
+    // in monkeychecks.cpp
     void checkSources();
     void checkExports();
     void checkExport(const QString &path);
