@@ -54,7 +54,7 @@ double childrenCpuTime()
 qint64 heapInUse()
 {
     const auto info = mallinfo2();
-    return static_cast<qint64>(info.uordblks + info.hblkhd);
+    return static_cast<qint64>(info.uordblks) + static_cast<qint64>(info.hblkhd);
 }
 
 void releaseFreeMemory()
