@@ -76,9 +76,11 @@ void checkExport(const tooladapter::ArgumentList &list, const tooladapter::Sourc
     require(input != words.end() && input + 1 != words.end() &&
                 *(input + 1) == tooladapter::filePath(list.input),
             "the input stays", text);
-    for (auto word = words.begin(); word + 1 != words.end(); ++word) {
-        if (*word == "-timecode")
-            require(isTimecode(*(word + 1)), "the timecode is well-formed", text);
+    for (auto option = words.begin(); option + 1 != words.end();) {
+        if (*option == "-timecode")
+            require(isTimecode(*(option + 1)), "the timecode is well-formed", text);
+        option += *option == "-y" || *option == "-xerror" ? 1 : 2; // all others have a value
+        require(option < words.end(), "every option has its value", text);
     }
     require(job.pictureStream < static_cast<int>(source.streams.size()), "the picture exists", text);
     for (const tooladapter::WrittenAudio &audio : job.audio) {
