@@ -2,6 +2,7 @@
 # Checks the files that describe the program to desktops and packages, and that all tell the same version.
 # Usage: scripts/check-packaging.sh
 set -euo pipefail
+[ $# -eq 0 ] || { sed -n '3s/^# //p' "$0" >&2; exit 2; }
 cd "$(dirname "$(readlink -f "$0")")/.."
 
 desktop-file-validate packaging/linux/*.desktop

@@ -6,7 +6,7 @@
 #   FOLDER  keeps the base systems of the fresh roots for the next time (build/roots)
 # A check that cannot be made on this machine is named in the last line.
 set -euo pipefail
-[ $# -le 1 ] || { sed -n '5,7s/^# //p' "$0" >&2; exit 2; }
+[[ $# -le 1 && ${1-} != -* ]] || { sed -n '5,7s/^# //p' "$0" >&2; exit 2; }
 roots=$(realpath -m -- "${1-$(dirname "$(readlink -f "$0")")/../build/roots}")
 cd "$(dirname "$(readlink -f "$0")")/.."
 

@@ -3,6 +3,7 @@
 # Usage: scripts/check-reproducible.sh [PACKAGE]
 #   PACKAGE  a package of this commit that scripts/make-package.sh has made; stands for the first of the two
 set -euo pipefail
+[[ $# -le 1 && ${1-} != -* ]] || { sed -n '3,4s/^# //p' "$0" >&2; exit 2; }
 given=${1:+$(realpath -- "$1")}
 project=$(cd "$(dirname "$(readlink -f "$0")")/.." && pwd)
 commit=$(git -C "$project" rev-parse HEAD) # the next one may land while the first is built

@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that a kind of work needs and that are not there yet.
-# Usage: scripts/install-packages.sh run|test|lint|pack   (the list is scripts/packages.txt)
+# Usage: scripts/install-packages.sh KIND   (KIND = run, test, lint, pack or another that scripts/packages.txt tells)
 set -euo pipefail
+[[ $# -eq 1 && $1 != -* ]] || { sed -n '3s/^# //p' "$0" >&2; exit 2; }
+work=$1
 cd "$(dirname "$0")/.."
-work=${1:?usage: scripts/install-packages.sh run|test|lint|pack}
 
 mapfile -t needed < <(awk -v work="$work" '!/^#/ { for (i = 2; i <= NF; i++) if ($i == work) print $1 }' scripts/packages.txt)
 if [ ${#needed[@]} -eq 0 ]; then

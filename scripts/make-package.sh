@@ -2,6 +2,7 @@
 # Builds the Debian package into build/package and checks it. File times are those of the changelog.
 # Usage: scripts/make-package.sh
 set -euo pipefail
+[ $# -eq 0 ] || { sed -n '3s/^# //p' "$0" >&2; exit 2; }
 cd "$(dirname "$(readlink -f "$0")")/.."
 
 scripts/install-packages.sh pack

@@ -2,6 +2,7 @@
 # Runs a command on a virtual display of its own. Usage: scripts/on-virtual-display.sh COMMAND [ARGUMENT...]
 # Instead of xvfb-run, which waits for ever when the display is ready before it listens for that.
 set -euo pipefail
+[[ $# -gt 0 && $1 != -* ]] || { sed -n '2s/^# .*Usage/Usage/p' "$0" >&2; exit 2; }
 
 work=$(mktemp -d)
 server=

@@ -3,6 +3,7 @@
 # Usage: scripts/screenshots.sh [FOLDER]   (build/screenshots when not given)
 # The pictures of the README and the manual, in docs/images, come from light-1x.
 set -euo pipefail
+[[ $# -le 1 && ${1-} != -* ]] || { sed -n '3s/^# //p' "$0" >&2; exit 2; }
 cd "$(dirname "$(readlink -f "$0")")/.."
 folder=$(readlink -m "${1:-build/screenshots}")
 

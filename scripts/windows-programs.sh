@@ -2,6 +2,7 @@
 # Builds LTCReader for Windows with Debian's cross compiler, and has it and the Linux one read the same recordings.
 # Usage: scripts/windows-programs.sh   (into build/windows; Debian has no libsndfile for Windows, so it is built, too)
 set -euo pipefail
+[ $# -eq 0 ] || { sed -n '3s/^# //p' "$0" >&2; exit 2; }
 cd "$(dirname "$(readlink -f "$0")")/.."
 libraries=$PWD/build/windows-libraries
 samples=$PWD/build/windows-samples
