@@ -8,7 +8,7 @@ if [ "${1-}" = --release ]; then
     release=yes
     shift
 fi
-if [ $# -eq 0 ]; then
+if [[ $# -eq 0 || $1 = -* ]]; then
     sed -n '3s/^# //p' "$0" >&2
     exit 2
 fi
