@@ -18,6 +18,7 @@ build() {
     shift
     git clone --quiet --no-checkout "$project" "$folder"
     git -C "$folder" checkout --quiet --detach "$commit"
+    echo "Building in $folder, which takes some minutes" >&2
     env "$@" "$folder/scripts/make-package.sh" >"$work/log" 2>&1 || { cat "$work/log" >&2; exit 1; }
     echo "$folder"/build/package/*.deb
 }
