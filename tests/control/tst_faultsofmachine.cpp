@@ -96,7 +96,7 @@ private:
 
 #define NEEDS_DISKS()                                                                                        \
     if (!mayUseDisks)                                                                                        \
-    QSKIP("this machine lets the test mount no disk; run it as root")
+    QSKIP("no disk can be mounted here: that takes root, and a root directory that no chroot has set")
 
 void TestFaultsOfMachine::init()
 {
