@@ -69,6 +69,12 @@ def descendants(node):
             yield from descendants(child)
 
 
+def role_of(node):
+    """The name of the element's role; since at-spi 2.53 a push button is just a button."""
+    role = node.getRoleName()
+    return "push button" if role == "button" else role
+
+
 def is_showing(node):
     return node.getState().contains(pyatspi.STATE_SHOWING)
 
@@ -126,7 +132,7 @@ class Program:
 
     def find_window(self, title, role=None):
         for window in self.windows():
-            if window.name == title and role in (None, window.getRoleName()):
+            if window.name == title and role in (None, role_of(window)):
                 return window
         return None
 
@@ -142,7 +148,7 @@ class Program:
         start = within or self.window
         self.application()
         for node in descendants(start):
-            if node.getRoleName() == role and is_showing(node) and (name is None or node.name == name):
+            if role_of(node) == role and is_showing(node) and (name is None or node.name == name):
                 return node
         return None
 
@@ -152,7 +158,7 @@ class Program:
     def status(self):
         self.application()
         for node in descendants(self.window):
-            if node.getRoleName() == "label" and node.name.startswith("Status:"):
+            if role_of(node) == "label" and node.name.startswith("Status:"):
                 return node.name
         return None
 
@@ -190,7 +196,7 @@ class Program:
         wait_for(lambda: self.find_window("Export all files") is None, "the end of the dialog")
 
     def box_text(self, box):
-        return [node.name for node in descendants(box) if node.getRoleName() == "label" and node.name]
+        return [node.name for node in descendants(box) if role_of(node) == "label" and node.name]
 
     def answer(self, title, button):
         """Clicks a button of the message box; returns what the box said."""
@@ -203,7 +209,7 @@ class Program:
     def choose(self, dialog, label, choice):
         """Clicks the combo box behind the label, and then the choice in the list that opens."""
         combo = wait_for(lambda: next(node for node in descendants(dialog)
-                                      if node.getRoleName() == "combo box" and label in labels_of(node)),
+                                      if role_of(node) == "combo box" and label in labels_of(node)),
                          f"the choice box {label}")
         click(combo)
         items = combo[0]
@@ -216,7 +222,7 @@ class Program:
 
     def find_button(self, name, within):
         for node in descendants(within):
-            if node.getRoleName() == "push button" and node.name.replace("&", "") == name and is_showing(node):
+            if role_of(node) == "push button" and node.name.replace("&", "") == name and is_showing(node):
                 return node
         return None
 

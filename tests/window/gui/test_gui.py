@@ -14,7 +14,7 @@ import unittest
 
 import desktop
 from desktop import (MAIN_WINDOW, Drag, Program, Tools, click, click_close_box, descendants, labels_of, press,
-                     settled_extents, wait_for)
+                     role_of, settled_extents, wait_for)
 
 PROGRAM = os.environ["OSTREL_PROGRAM"]
 DRAG_SOURCE = os.environ["OSTREL_DRAG_SOURCE"]
@@ -271,11 +271,11 @@ class GuiTest(unittest.TestCase):
 
     def assert_named(self, window, expected):
         """Everything that can be worked with says a name of its own; expected are roles that must be there."""
-        found = [node for node in descendants(window) if node.getRoleName() in INTERACTIVE]
-        nameless = [node.getRoleName() for node in found if not node.name]
+        found = [node for node in descendants(window) if role_of(node) in INTERACTIVE]
+        nameless = [role_of(node) for node in found if not node.name]
         self.assertEqual(nameless, [], f"in {window.name}")
-        self.assertLessEqual(expected, {node.getRoleName() for node in found})
-        for combo in (node for node in found if node.getRoleName() == "combo box"):
+        self.assertLessEqual(expected, {role_of(node) for node in found})
+        for combo in (node for node in found if role_of(node) == "combo box"):
             self.assertTrue(labels_of(combo), f"a label stands for the choice {combo.name}")
 
 
