@@ -3,11 +3,14 @@
 
 #include <QCoreApplication>
 
+#include <chrono>
+
 #ifdef Q_OS_LINUX
 #include <csignal>
 
 #include <fcntl.h>
 #include <sys/prctl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #endif
 
@@ -30,12 +33,37 @@ void stepBackBehindOwner(pid_t owner)
         close(score);
     }
 }
+
+// Qt 5 learns from SIGCHLD that a child has ended, and then goes through the process ids that it has noted.
+// The signal of a child that is killed before its id is noted goes by in vain, and the process would run for
+// ever. Another signal makes Qt look again.
+void callAttentionToEnd(qint64 processId)
+{
+    siginfo_t end = {};
+    const int result = waitid(P_PID, static_cast<id_t>(processId), &end, WEXITED | WNOHANG | WNOWAIT);
+    if (result == 0 && end.si_pid != 0)
+        raise(SIGCHLD);
+}
+#else
+void callAttentionToEnd(qint64)
+{
+}
 #endif
 
 } // namespace
 
-ToolProcess::ToolProcess(QObject *parent) : QProcess(parent), owner(QCoreApplication::applicationPid())
+ToolProcess::ToolProcess(QObject *parent)
+    : QProcess(parent), owner(QCoreApplication::applicationPid()), watch(this)
 {
+    constexpr std::chrono::seconds interval(1);
+    watch.setInterval(interval);
+    connect(&watch, &QTimer::timeout, this, [this] { callAttentionToEnd(processId()); });
+    connect(this, &QProcess::stateChanged, &watch, [this](ProcessState state) {
+        if (state == NotRunning)
+            watch.stop();
+        else
+            watch.start();
+    });
 }
 
 ToolProcess::~ToolProcess()
@@ -43,6 +71,7 @@ ToolProcess::~ToolProcess()
     if (state() == NotRunning)
         return;
     disconnect();
+    callAttentionToEnd(processId());
     QProcess::close();
 }
 

@@ -3,13 +3,17 @@
 #include "tests/fakes/faketools.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QJsonArray>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
 #ifdef Q_OS_LINUX
+#include <csignal>
+
 #include <sys/resource.h>
+#include <sys/wait.h>
 #endif
 
 class TestToolProcess : public QObject
@@ -20,6 +24,8 @@ private slots:
     void toolsStepBackBehindTheUsersWork();
     void toolsEndWhenTheProgramIsKilled();
     void aDestroyedProcessTakesItsToolWithIt();
+    void aToolIsSeenToEndThoughItsSignalWasLost();
+    void aProcessWhoseEndWasLostIsDestroyedAtOnce();
     void outputAndExitCodeComeThrough();
 
 private:
@@ -39,6 +45,22 @@ int ownTool(const QString &mediaPath)
     process.waitForFinished(-1);
     return EXIT_SUCCESS;
 }
+
+#ifdef Q_OS_LINUX
+/// Kills the tool of the process in such a way that nobody is told of its end, as happens to one that ends
+/// before the toolkit has noted its process id.
+void killUnheard(const ToolProcess &process)
+{
+    struct sigaction deaf = {};
+    struct sigaction usual = {};
+    deaf.sa_handler = SIG_DFL;
+    QCOMPARE(sigaction(SIGCHLD, &deaf, &usual), 0);
+    QCOMPARE(kill(static_cast<pid_t>(process.processId()), SIGKILL), 0);
+    siginfo_t end = {};
+    QCOMPARE(waitid(P_PID, static_cast<id_t>(process.processId()), &end, WEXITED | WNOWAIT), 0);
+    QCOMPARE(sigaction(SIGCHLD, &usual, nullptr), 0);
+}
+#endif
 
 } // namespace
 
@@ -93,6 +115,45 @@ void TestToolProcess::aDestroyedProcessTakesItsToolWithIt()
 
     QVERIFY(!faketools::isAlive(faketools::calls(media).value(0).processId));
     QCOMPARE(finished.count(), 0);
+}
+
+void TestToolProcess::aToolIsSeenToEndThoughItsSignalWasLost()
+{
+#ifndef Q_OS_LINUX
+    QSKIP("a plain process on this platform");
+#else
+    const QString media = folder.filePath("unheard.mov");
+    faketools::setPlan(media, {{"probe", QJsonObject{{"hang", true}}}});
+
+    ToolProcess process(nullptr);
+    process.start("ffprobe.exe", {media});
+    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(media).size(), 1, 30'000);
+    killUnheard(process);
+
+    QTRY_COMPARE_WITH_TIMEOUT(process.state(), QProcess::NotRunning, 30'000);
+    QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+#endif
+}
+
+void TestToolProcess::aProcessWhoseEndWasLostIsDestroyedAtOnce()
+{
+#ifndef Q_OS_LINUX
+    QSKIP("a plain process on this platform");
+#else
+    const QString media = folder.filePath("unheard-and-destroyed.mov");
+    faketools::setPlan(media, {{"probe", QJsonObject{{"hang", true}}}});
+
+    auto *const process = new ToolProcess(nullptr);
+    process->start("ffprobe.exe", {media});
+    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(media).size(), 1, 30'000);
+    killUnheard(*process);
+    QElapsedTimer clock;
+    clock.start();
+    delete process;
+
+    constexpr qint64 patienceOfToolkit = 30'000; // for the end of a process that it destroys, in milliseconds
+    QVERIFY(clock.elapsed() < patienceOfToolkit);
+#endif
 }
 
 void TestToolProcess::outputAndExitCodeComeThrough()
