@@ -46,6 +46,14 @@ int ownTool(const QString &mediaPath)
     return EXIT_SUCCESS;
 }
 
+/// Has the process start a tool that never ends, and waits until it is at work.
+void startHangingTool(ToolProcess &process, const QString &mediaPath)
+{
+    faketools::setPlan(mediaPath, {{"probe", QJsonObject{{"hang", true}}}});
+    process.start("ffprobe.exe", {mediaPath});
+    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(mediaPath).size(), 1, 30'000);
+}
+
 #ifdef Q_OS_LINUX
 /// Kills the tool of the process in such a way that nobody is told of its end, as happens to one that ends
 /// before the toolkit has noted its process id.
@@ -104,13 +112,10 @@ void TestToolProcess::toolsEndWhenTheProgramIsKilled()
 void TestToolProcess::aDestroyedProcessTakesItsToolWithIt()
 {
     const QString media = folder.filePath("destroyed.mov");
-    faketools::setPlan(media, {{"probe", QJsonObject{{"hang", true}}}});
-
     qRegisterMetaType<QProcess::ExitStatus>();
     auto *const process = new ToolProcess(nullptr);
     QSignalSpy finished(process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished));
-    process->start("ffprobe.exe", {media});
-    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(media).size(), 1, 30'000);
+    startHangingTool(*process, media);
     delete process;
 
     QVERIFY(!faketools::isAlive(faketools::calls(media).value(0).processId));
@@ -122,12 +127,8 @@ void TestToolProcess::aToolIsSeenToEndThoughItsSignalWasLost()
 #ifndef Q_OS_LINUX
     QSKIP("a plain process on this platform");
 #else
-    const QString media = folder.filePath("unheard.mov");
-    faketools::setPlan(media, {{"probe", QJsonObject{{"hang", true}}}});
-
     ToolProcess process(nullptr);
-    process.start("ffprobe.exe", {media});
-    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(media).size(), 1, 30'000);
+    startHangingTool(process, folder.filePath("unheard.mov"));
     killUnheard(process);
 
     QTRY_COMPARE_WITH_TIMEOUT(process.state(), QProcess::NotRunning, 30'000);
@@ -140,12 +141,8 @@ void TestToolProcess::aProcessWhoseEndWasLostIsDestroyedAtOnce()
 #ifndef Q_OS_LINUX
     QSKIP("a plain process on this platform");
 #else
-    const QString media = folder.filePath("unheard-and-destroyed.mov");
-    faketools::setPlan(media, {{"probe", QJsonObject{{"hang", true}}}});
-
     auto *const process = new ToolProcess(nullptr);
-    process->start("ffprobe.exe", {media});
-    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(media).size(), 1, 30'000);
+    startHangingTool(*process, folder.filePath("unheard-and-destroyed.mov"));
     killUnheard(*process);
     QElapsedTimer clock;
     clock.start();

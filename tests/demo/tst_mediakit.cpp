@@ -5,6 +5,8 @@
 #include <QSet>
 #include <QtTest>
 
+#include <vector>
+
 /// The media that demo and tests are run on: they are what they claim to be.
 class TestMediaKit : public QObject
 {
@@ -24,12 +26,12 @@ using namespace mediakit;
 
 namespace
 {
-QVector<testsignals::LtcSignal> timecodesOf(const QVector<Recording> &recordings)
+std::vector<testsignals::LtcSignal> timecodesOf(const QVector<Recording> &recordings)
 {
-    QVector<testsignals::LtcSignal> found;
+    std::vector<testsignals::LtcSignal> found;
     for (const Recording &recording : recordings)
         if (const auto timecode = timecodeOf(recording))
-            found += *timecode;
+            found.push_back(*timecode);
     return found;
 }
 } // namespace
