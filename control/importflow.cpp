@@ -19,9 +19,11 @@ constexpr int sliceEntries = 256; // at least, files and folders
 constexpr int sliceTime = 20;     // [ms], at least
 
 // Files are found many times faster than the table takes them, and while it takes what has piled up its
-// window answers nobody. So the walk waits until a probe was asked for each file found, but not for ever.
-constexpr int sliceFiles = 256;   // at most, while a probe was not asked for each of them
-constexpr int longestPause = 100; // [ms]
+// window answers nobody. So the walk waits until a probe was asked for each file found, but not for ever, and
+// then for a moment more, in which the window answers.
+constexpr int sliceFiles = 128;    // at most, while a probe was not asked for each of them
+constexpr int longestPause = 100;  // [ms]
+constexpr int pauseAfterSlice = 1; // [ms]
 
 // The start of a tool keeps the whole program from touching its memory for a while. After a drop many start
 // together; between two of them the window gets a moment to answer.
@@ -108,7 +110,7 @@ void MainControl::onFFProbeFile(FileData fileData, int fileNumber)
     else
         jobs.enqueue(JobQueues::Probe, fileData);
     if (unaskedFiles == 0 && walkPause.isActive())
-        walkOn();
+        walkPause.start(pauseAfterSlice, Qt::PreciseTimer, this);
 }
 
 void MainControl::startProbe(const FileData &file)
