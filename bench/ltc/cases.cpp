@@ -10,16 +10,19 @@
 namespace ltcbench
 {
 
+bool isRight(const Truth &truth, const Answer &answer)
+{
+    const LtcSignal &signal = truth.signal;
+    const bool label = testsignals::text(testsignals::startTime(signal), signal.rate) ==
+                       testsignals::text(answer.start, answer.rate);
+    return label && isRateRight(truth, answer);
+}
+
 Verdict judge(const Case &recording, const std::optional<Answer> &answer)
 {
     if (!answer)
         return Verdict::Refused;
-    if (!recording.truth)
-        return Verdict::Wrong;
-    const LtcSignal &signal = recording.truth->signal;
-    const bool label = testsignals::text(testsignals::startTime(signal), signal.rate) ==
-                       testsignals::text(answer->start, answer->rate);
-    return label && isRateRight(*recording.truth, *answer) ? Verdict::Right : Verdict::Wrong;
+    return recording.truth && isRight(*recording.truth, *answer) ? Verdict::Right : Verdict::Wrong;
 }
 
 bool isRateRight(const Truth &truth, const Answer &answer)

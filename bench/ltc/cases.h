@@ -48,6 +48,9 @@ enum class Verdict {
     Refused, ///< no answer, which is right when there is no timecode
 };
 
+/// Whether the label of the first sample, the drop-frame flag and the rate class are those of \a truth.
+bool isRight(const Truth &truth, const Answer &answer);
+
 Verdict judge(const Case &recording, const std::optional<Answer> &answer);
 
 /// Whether the answer's rate class (23.976, 24, 25, 29.97, 30) is the timecode's; where the speed was

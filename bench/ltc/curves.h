@@ -30,6 +30,10 @@ std::vector<Curve> curvesOfCombinations(); ///< several at once, as cameras and 
 /// All of them in the order above; made once, as the search for encoders takes its time.
 const std::vector<Curve> &allCurves();
 
+/// What a wireless link does to timecode: narrow band, fading, noise that grows where the signal fades. \a
+/// grade 1 to 8.
+void wirelessLink(Samples &samples, int sampleRate, double grade, Random &random);
+
 /// \a first, then one \a step after the other to \a last, both included.
 std::vector<double> gradesFrom(double first, double last, double step);
 

@@ -52,17 +52,6 @@ void loudspeaker(Samples &samples, int sampleRate, double grade, Random &random)
     testsignals::overdrive(samples, random.uniform(0, 2 * grade));
 }
 
-/// A wireless link: narrow band, fading, noise that grows where the signal fades.
-void wirelessLink(Samples &samples, int sampleRate, double grade, Random &random)
-{
-    testsignals::radioChannel(samples, sampleRate);
-    Samples noise = testsignals::whiteNoise(random, samples.size());
-    testsignals::radioChannel(noise, sampleRate);
-    testsignals::addAtRatio(samples, noise, 18 - 4 * grade);
-    testsignals::dropOut(samples, random, sampleRate, 0.05 * grade);
-    testsignals::addAtRatio(samples, testsignals::hum(random, samples.size(), sampleRate), 10 - 5 * grade);
-}
-
 /// A long unbalanced cable: low level, hum, high frequencies lost, crosstalk of music.
 void longCable(Samples &samples, int sampleRate, double grade, Random &random)
 {
@@ -75,6 +64,16 @@ void longCable(Samples &samples, int sampleRate, double grade, Random &random)
 }
 
 } // namespace
+
+void wirelessLink(Samples &samples, int sampleRate, double grade, Random &random)
+{
+    testsignals::radioChannel(samples, sampleRate);
+    Samples noise = testsignals::whiteNoise(random, samples.size());
+    testsignals::radioChannel(noise, sampleRate);
+    testsignals::addAtRatio(samples, noise, 18 - 4 * grade);
+    testsignals::dropOut(samples, random, sampleRate, 0.05 * grade);
+    testsignals::addAtRatio(samples, testsignals::hum(random, samples.size(), sampleRate), 10 - 5 * grade);
+}
 
 std::vector<Curve> curvesOfCombinations()
 {

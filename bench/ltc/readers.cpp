@@ -4,22 +4,29 @@
 namespace ltcbench
 {
 
-std::optional<Answer> readWithOurs(const Case &recording, const ltcreader::Settings &settings)
+std::optional<ltcreader::Reading> fullReading(const Case &recording, const ltcreader::Settings &settings)
 {
     const std::size_t channels = recording.channels.size();
     std::vector<float> interleaved(channels * recording.channels.front().size());
     for (std::size_t i = 0; i < interleaved.size(); ++i)
         interleaved[i] = recording.channels[i % channels][i / channels];
     ltcreader::MemorySource source(std::move(interleaved), static_cast<int>(channels), recording.sampleRate);
+    return ltcreader::readTimecode(source, settings);
+}
 
-    const std::optional<ltcreader::Reading> reading = ltcreader::readTimecode(source, settings);
-    if (!reading)
-        return std::nullopt;
-    const ltcreader::Timecode &start = reading->start;
-    return Answer{{start.hours, start.minutes, start.seconds, start.frames},
-                  {reading->baseRate, reading->ntsc, reading->dropFrame},
-                  reading->channel,
-                  reading->samplesSinceMidnight};
+Answer answerOf(const ltcreader::Reading &reading)
+{
+    const ltcreader::Timecode &start = reading.start;
+    return {{start.hours, start.minutes, start.seconds, start.frames},
+            {reading.baseRate, reading.ntsc, reading.dropFrame},
+            reading.channel,
+            reading.samplesSinceMidnight};
+}
+
+std::optional<Answer> readWithOurs(const Case &recording, const ltcreader::Settings &settings)
+{
+    const std::optional<ltcreader::Reading> reading = fullReading(recording, settings);
+    return reading ? std::optional(answerOf(*reading)) : std::nullopt;
 }
 
 } // namespace ltcbench

@@ -8,6 +8,11 @@
 namespace ltcbench
 {
 
+/// What the product's decoder says in full.
+std::optional<ltcreader::Reading> fullReading(const Case &recording,
+                                              const ltcreader::Settings &settings = {});
+Answer answerOf(const ltcreader::Reading &reading);
+
 /// The product's decoder.
 std::optional<Answer> readWithOurs(const Case &recording, const ltcreader::Settings &settings = {});
 

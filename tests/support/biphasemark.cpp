@@ -47,11 +47,6 @@ private:
     Transport transport;
 };
 
-std::size_t phaseCorrectionBit(LtcRate rate)
-{
-    return rate.base == 25 ? 59 : 27;
-}
-
 std::bitset<bitsPerFrame> frameBits(std::int64_t number, const LtcSignal &signal, const FrameHabits &habits)
 {
     const auto count = static_cast<std::uint32_t>(number);
@@ -64,6 +59,11 @@ std::bitset<bitsPerFrame> frameBits(std::int64_t number, const LtcSignal &signal
 }
 
 } // namespace
+
+std::size_t phaseCorrectionBit(LtcRate rate)
+{
+    return rate.base == 25 ? 59 : 27;
+}
 
 std::bitset<bitsPerFrame> frameBits(LtcTime time, LtcRate rate, std::uint32_t userBits)
 {
@@ -94,17 +94,27 @@ std::bitset<bitsPerFrame> frameBits(LtcTime time, LtcRate rate, std::uint32_t us
 std::vector<float> biphaseMarkAudio(const LtcSignal &signal, const Transport &transport,
                                     const FrameHabits &habits)
 {
+    const std::int64_t start = frameNumber(signal.start, signal.rate);
+    return biphaseMarkAudio(signal, transport, [&signal, &habits, start](std::int64_t index) {
+        return frameBits(start + index, signal, habits);
+    });
+}
+
+std::vector<float> biphaseMarkAudio(const LtcSignal &signal, const Transport &transport,
+                                    const BitsOfFrame &bitsOf)
+{
     const StepRenderer renderer(signal.sampleRate, signal.riseTime);
     const FrameClock clock(framesPerSecond(signal.rate), transport);
     const std::size_t count = sampleCount(signal);
     const double first = startFrame(signal);
+    const std::int64_t origin = std::llround(first - signal.offset);
     const auto position = [&](double frame) { return clock.secondsAt(frame - first) * signal.sampleRate; };
 
     std::vector<double> changes;
     const double end = static_cast<double>(count) + renderer.reach();
     for (auto frame = static_cast<std::int64_t>(std::floor(first)) - 1;
          position(static_cast<double>(frame)) < end; ++frame) {
-        const std::bitset<bitsPerFrame> bits = frameBits(frame, signal, habits);
+        const std::bitset<bitsPerFrame> bits = bitsOf(frame - origin);
         for (std::size_t bit = 0; bit < bitsPerFrame; ++bit) {
             // Every bit begins with a level change; a one has another in its middle.
             changes.push_back(position(static_cast<double>(frame) + static_cast<double>(bit) / bitsPerFrame));

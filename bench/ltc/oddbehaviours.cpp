@@ -1,0 +1,507 @@
+// SPDX-License-Identifier: MIT
+#include "bench/ltc/oddcases.h"
+
+#include "tests/support/impairments.h"
+#include "tests/support/othersounds.h"
+
+#include <cmath>
+#include <utility>
+
+namespace ltcbench
+{
+
+namespace
+{
+
+using testsignals::Transport;
+
+/// The label \a count frames after midnight.
+SentFrame frameOf(std::int64_t count, const LtcSignal &signal)
+{
+    return {testsignals::timeOfFrame(count, signal.rate), signal.rate.dropFrame, signal.userBits};
+}
+
+std::int64_t startCount(const LtcSignal &signal)
+{
+    return testsignals::frameNumber(signal.start, signal.rate);
+}
+
+std::int64_t floorOf(std::int64_t value, std::int64_t divisor)
+{
+    return value >= 0 ? value / divisor : -((divisor - 1 - value) / divisor);
+}
+
+Samples soundOf(const LtcSignal &signal, const FrameAt &frameAt, const Transport &transport = {})
+{
+    return testsignals::biphaseMarkAudio(
+        signal, transport, [&](std::int64_t index) { return bitsOf(frameAt(index), signal.rate); });
+}
+
+std::vector<Stretch> stretchesIn(const LtcSignal &signal, const FrameAt &frameAt)
+{
+    return stretchesOf(signal, frameAt, wholeFrames(signal, 0.0, signal.duration));
+}
+
+/// Labels that run, jump and run again.
+OddSignal running(const LtcSignal &signal, const FrameAt &frameAt)
+{
+    return {signal, soundOf(signal, frameAt), rightLines(stretchesIn(signal, frameAt))};
+}
+
+/// Labels that never run.
+OddSignal notRunning(const LtcSignal &signal, const FrameAt &frameAt)
+{
+    return {signal, soundOf(signal, frameAt), onlyLine(stretchesIn(signal, frameAt))};
+}
+
+/// Labels that run but for a pause, which is no line.
+OddSignal withPause(const LtcSignal &signal, const FrameAt &frameAt)
+{
+    const std::vector<Stretch> stretches = stretchesIn(signal, frameAt);
+    bool runs = stretches.size() == 1;
+    for (const Stretch &stretch : stretches)
+        runs = runs || stretch.frames > 1;
+    return {signal, soundOf(signal, frameAt), runs ? rightLines(stretches) : std::vector<Truth>()};
+}
+
+/// The label line itself is in order.
+OddSignal inOrder(const LtcSignal &signal, Samples samples, bool speedKnown = true)
+{
+    return {signal, std::move(samples), {Truth{signal, 0, speedKnown}}};
+}
+
+OddSignal ordinary(LtcSignal signal, Random &random)
+{
+    return inOrder(signal, audioOf(signal, random));
+}
+
+/// A moment at 10 to 90 % of the recording. [s]
+double anyMoment(const LtcSignal &signal, Random &random)
+{
+    return random.uniform(0.1, 0.9) * signal.duration;
+}
+
+/// The first frame that begins after such a moment.
+std::int64_t anyFrame(const LtcSignal &signal, Random &random)
+{
+    return wholeFrames(signal, anyMoment(signal, random), signal.duration).first;
+}
+
+/// From some frame on the labels are \a distance later.
+OddSignal labelsJump(const LtcSignal &signal, std::int64_t distance, Random &random)
+{
+    const std::int64_t jump = anyFrame(signal, random);
+    return running(signal, [&](std::int64_t index) {
+        return frameOf(startCount(signal) + index + (index < jump ? 0 : distance), signal);
+    });
+}
+
+/// Two recordings cut together, or the labels alone jump.
+OddSignal jump(const LtcSignal &signal, std::int64_t distance, Random &random)
+{
+    if (random.chance(0.5))
+        return labelsJump(signal, distance, random);
+    LtcSignal other = anySignal(random, signal.rate);
+    other.duration = signal.duration;
+    other.start = testsignals::timeOfFrame(startCount(signal) + distance, signal.rate);
+    other.level = signal.level;
+    const double moment = anyMoment(signal, random);
+    Samples samples = audioOf(signal, random);
+    testsignals::continueWith(samples, audioOf(other, random), signal.sampleRate, moment);
+    const Stretch before{Truth{signal, 0, true}, wholeFrames(signal, 0.0, moment).count};
+    const Stretch after{Truth{other, 0, true}, wholeFrames(other, moment, signal.duration).count};
+    return {signal, std::move(samples), rightLines({before, after})};
+}
+
+std::int64_t anyDistance(const LtcSignal &signal, Random &random)
+{
+    constexpr double farthest = 600.0; // [s]
+    return static_cast<std::int64_t>(std::pow(random.uniform(), 3.0) * farthest * signal.rate.base) + 2;
+}
+
+OddSignal jumpForwards(LtcSignal signal, Random &random)
+{
+    return jump(signal, anyDistance(signal, random), random);
+}
+
+OddSignal jumpBackwards(LtcSignal signal, Random &random)
+{
+    return jump(signal, -anyDistance(signal, random), random);
+}
+
+OddSignal jumpAnywhere(LtcSignal signal, Random &random)
+{
+    const auto day = static_cast<double>(testsignals::framesPerDay(signal.rate));
+    return jump(signal, static_cast<std::int64_t>(random.uniform(0.001, 0.999) * day), random);
+}
+
+OddSignal jumpByAnHour(LtcSignal signal, Random &random)
+{
+    const std::int64_t hour = testsignals::framesPerDay(signal.rate) / 24;
+    return jump(signal, random.chance(0.5) ? hour : -hour, random);
+}
+
+OddSignal jumpByAFrame(LtcSignal signal, Random &random)
+{
+    return labelsJump(signal, random.chance(0.5) ? 1 : -1, random);
+}
+
+/// Every so many frames the labels go \a step too far.
+OddSignal nowAndThen(const LtcSignal &signal, std::int64_t step, Random &random)
+{
+    const int every = random.integer(8, 3 * signal.rate.base);
+    const int phase = random.integer(0, every - 1);
+    return running(signal, [&](std::int64_t index) {
+        return frameOf(startCount(signal) + index + step * floorOf(index + phase, every), signal);
+    });
+}
+
+OddSignal framesRepeated(LtcSignal signal, Random &random)
+{
+    return nowAndThen(signal, -1, random);
+}
+
+OddSignal framesSkipped(LtcSignal signal, Random &random)
+{
+    return nowAndThen(signal, 1, random);
+}
+
+OddSignal secondsSkipped(LtcSignal signal, Random &random)
+{
+    return nowAndThen(signal, signal.rate.base, random);
+}
+
+bool isNonDrop(LtcRate rate)
+{
+    return !rate.dropFrame;
+}
+
+/// The generator counts at one rate and runs at another.
+OddSignal otherCount(LtcSignal signal, Random &random)
+{
+    LtcSignal counted = signal;
+    do
+        counted = anySignal(random, anyRate(random));
+    while (counted.rate.base == signal.rate.base || counted.rate.dropFrame);
+    counted.offset = signal.offset;
+    const FrameAt frameAt = [&](std::int64_t index) { return frameOf(startCount(counted) + index, counted); };
+    const std::vector<Stretch> stretches = stretchesIn(signal, frameAt);
+    OddSignal result{signal, soundOf(signal, frameAt), rightLines(stretches)};
+    // A machine that plays the counted rate at another speed sends the same.
+    constexpr double fastest = 0.13;
+    const double speed =
+        testsignals::framesPerSecond(signal.rate) / testsignals::framesPerSecond(counted.rate);
+    if (std::abs(speed - 1.0) <= fastest) {
+        if (stretches.size() > 1)
+            result.right.clear();
+        result.right.push_back({counted, 0, false});
+    }
+    return result;
+}
+
+OddSignal held(LtcSignal signal, Random &random)
+{
+    const int times = random.integer(2, 3);
+    const int phase = random.integer(0, times - 1);
+    return notRunning(signal, [&](std::int64_t index) {
+        return frameOf(startCount(signal) + floorOf(index + phase, times), signal);
+    });
+}
+
+OddSignal frozen(LtcSignal signal, Random &)
+{
+    return notRunning(signal, [&](std::int64_t) { return frameOf(startCount(signal), signal); });
+}
+
+OddSignal countingDown(LtcSignal signal, Random &)
+{
+    return notRunning(signal,
+                      [&](std::int64_t index) { return frameOf(startCount(signal) - index, signal); });
+}
+
+OddSignal pausedThenRunning(LtcSignal signal, Random &random)
+{
+    const std::int64_t change = anyFrame(signal, random);
+    return withPause(signal, [&](std::int64_t index) {
+        return frameOf(startCount(signal) + std::max<std::int64_t>(0, index - change), signal);
+    });
+}
+
+OddSignal runningThenPaused(LtcSignal signal, Random &random)
+{
+    const std::int64_t change = anyFrame(signal, random);
+    return withPause(signal, [&](std::int64_t index) {
+        return frameOf(startCount(signal) + std::min(index, change), signal);
+    });
+}
+
+/// Eight decimal digits as user bits.
+std::uint32_t digits(std::int64_t number)
+{
+    std::uint32_t bits = 0;
+    for (int group = 0; group < 8; ++group, number /= 10)
+        bits |= static_cast<std::uint32_t>(number % 10) << (4 * group);
+    return bits;
+}
+
+/// Another clock in the user bits, whose seconds change on the same frame as the timecode's or on another.
+OddSignal userBitClock(LtcSignal signal, Random &random)
+{
+    const bool sameFrame = random.chance(0.5);
+    const std::int64_t shift = random.integer(-3600, 3600) * signal.rate.base +
+                               (sameFrame ? 0 : random.integer(1, signal.rate.base - 1));
+    const bool withFrames = random.chance(0.3);
+    return running(signal, [&](std::int64_t index) {
+        SentFrame frame = frameOf(startCount(signal) + index, signal);
+        const LtcTime clock = testsignals::timeOfFrame(startCount(signal) + index + shift, signal.rate);
+        const std::int64_t seconds = (clock.hours * 100 + clock.minutes) * 100 + clock.seconds;
+        frame.userBits = digits(seconds * 100 + (withFrames ? clock.frames : 0));
+        return frame;
+    });
+}
+
+/// A date in the user bits, which changes at the timecode's midnight or on any frame.
+OddSignal userBitDate(LtcSignal signal, Random &random)
+{
+    const std::int64_t change = anyFrame(signal, random);
+    if (random.chance(0.5))
+        signal.start = testsignals::timeOfFrame(-change, signal.rate);
+    const int day = random.integer(1, 27);
+    const int monthAndYear = random.integer(1, 12) * 10000 + random.integer(2000, 2030);
+    return running(signal, [&](std::int64_t index) {
+        SentFrame frame = frameOf(startCount(signal) + index, signal);
+        frame.userBits = digits((day + (index < change ? 0 : 1)) * 1'000'000 + monthAndYear);
+        return frame;
+    });
+}
+
+OddSignal randomUserBits(LtcSignal signal, Random &random)
+{
+    const std::uint64_t seed = random.bits();
+    return running(signal, [&](std::int64_t index) {
+        SentFrame frame = frameOf(startCount(signal) + index, signal);
+        frame.userBits =
+            static_cast<std::uint32_t>(Random(seed + static_cast<std::uint64_t>(index) * 77).bits());
+        return frame;
+    });
+}
+
+OddSignal illegalLabels(LtcSignal signal, Random &random)
+{
+    enum { Hours, Minutes, Seconds, Frames, Digit };
+    const int kind = random.integer(Hours, Digit);
+    constexpr int unitsAt[]{16, 32, 48}; // seconds, minutes, hours
+    const int badDigitAt = unitsAt[random.integer(0, 2)];
+    const int badDigit = random.integer(10, 15);
+    return notRunning(signal, [&](std::int64_t index) {
+        SentFrame frame = frameOf(startCount(signal) + index, signal);
+        LtcTime &label = frame.label;
+        label.hours = kind == Hours ? 24 + label.hours % 16 : label.hours;
+        label.minutes = kind == Minutes ? 60 + label.minutes % 20 : label.minutes;
+        label.seconds = kind == Seconds ? 60 + label.seconds % 20 : label.seconds;
+        label.frames = kind == Frames ? 30 + label.frames % 10 : label.frames;
+        if (kind == Digit) {
+            frame.badDigitAt = badDigitAt;
+            frame.badDigit = badDigit;
+        }
+        return frame;
+    });
+}
+
+bool hasNoDropCount(LtcRate rate)
+{
+    return rate.base != 30 || !rate.ntsc;
+}
+
+/// The flag is set at a rate that has no drop-frame count.
+OddSignal flagAtOtherRate(LtcSignal signal, Random &)
+{
+    return running(signal, [&](std::int64_t index) {
+        SentFrame frame = frameOf(startCount(signal) + index, signal);
+        frame.dropFlag = true;
+        return frame;
+    });
+}
+
+bool isNonDrop2997(LtcRate rate)
+{
+    return rate.base == 30 && rate.ntsc && !rate.dropFrame;
+}
+
+/// 29.97 with the flag counts labels that drop-frame leaves out. Flag and count contradict each other, and
+/// nothing tells which is true.
+OddSignal flagOverAMinute(LtcSignal signal, Random &random)
+{
+    const LtcTime minute{random.integer(0, 23), 10 * random.integer(0, 5) + random.integer(1, 9), 0, 0};
+    signal.start = testsignals::timeOfFrame(
+        testsignals::frameNumber(minute, signal.rate) - anyFrame(signal, random), signal.rate);
+    OddSignal result = inOrder(signal, soundOf(signal, [&](std::int64_t index) {
+                                   SentFrame frame = frameOf(startCount(signal) + index, signal);
+                                   frame.dropFlag = true;
+                                   return frame;
+                               }));
+    LtcSignal asFlagged = signal;
+    asFlagged.rate.dropFrame = true;
+    if (isLabel(testsignals::startTime(signal), asFlagged.rate)) {
+        asFlagged.start = testsignals::startTime(signal);
+        asFlagged.offset = std::remainder(testsignals::startFrame(signal), 1.0);
+        result.right.push_back({asFlagged, 0, true});
+    }
+    return result;
+}
+
+OddSignal atSpeed(const LtcSignal &signal, double speed)
+{
+    Transport transport;
+    transport.deviation = speed - 1.0;
+    return {signal, testsignals::biphaseMarkAudio(signal, transport), {}};
+}
+
+OddSignal doubleSpeed(LtcSignal signal, Random &)
+{
+    return atSpeed(signal, 2.0);
+}
+
+OddSignal halfSpeed(LtcSignal signal, Random &)
+{
+    return atSpeed(signal, 0.5);
+}
+
+/// 48, 50 or 60 frames a second, counted through or in pairs.
+OddSignal highFrameRate(LtcSignal signal, Random &random)
+{
+    const bool pairs = random.chance(0.5);
+    Transport transport;
+    transport.deviation = 1.0;
+    const std::int64_t fullRate = 2 * signal.rate.base;
+    const FrameAt frameAt = [&](std::int64_t index) {
+        const std::int64_t count = 2 * startCount(signal) + index + fullRate;
+        SentFrame frame = frameOf(count / fullRate * signal.rate.base, signal);
+        const std::int64_t inSecond = count % fullRate;
+        frame.label.frames = static_cast<int>(pairs ? inSecond / 2 : inSecond);
+        if (frame.label.frames >= 40) { // the third bit of the tens is where the flag is
+            frame.label.frames -= 40;
+            frame.dropFlag = true;
+        }
+        return frame;
+    };
+    return {signal, soundOf(signal, frameAt, transport), {}};
+}
+
+OddSignal twoTimecodes(LtcSignal signal, Random &random)
+{
+    LtcSignal other = anySignal(random, random.chance(0.7) ? signal.rate : anyRate(random));
+    other.duration = signal.duration;
+    OddSignal result = ordinary(signal, random);
+    testsignals::addAtRatio(result.samples, audioOf(other, random), random.uniform(0, 6));
+    result.right.push_back({other, 0, true});
+    return result;
+}
+
+OddSignal polarityFlip(LtcSignal signal, Random &random)
+{
+    OddSignal result = ordinary(signal, random);
+    const auto flip = static_cast<std::size_t>(anyMoment(signal, random) * signal.sampleRate);
+    for (std::size_t n = flip; n < result.samples.size(); ++n)
+        result.samples[n] = -result.samples[n];
+    return result;
+}
+
+OddSignal wow(LtcSignal signal, Random &random)
+{
+    Transport transport;
+    transport.wowDepth = random.uniform(0.001, 0.01);
+    transport.wowFrequency = random.uniform(0.5, 2.0);
+    // The first sample's place is known to a tenth of a frame where the speed changes.
+    signal.offset *= 0.75;
+    return inOrder(signal, testsignals::biphaseMarkAudio(signal, transport), false);
+}
+
+OddSignal dropouts(LtcSignal signal, Random &random)
+{
+    OddSignal result = ordinary(signal, random);
+    testsignals::dropOut(result.samples, random, signal.sampleRate, random.uniform(0.05, 0.6));
+    return result;
+}
+
+/// Neither class of a base rate is near enough to be told from the other.
+OddSignal clockOff(LtcSignal signal, Random &random)
+{
+    Transport transport;
+    transport.deviation = random.uniform(400e-6, 600e-6) * (random.chance(0.5) ? 1 : -1);
+    return inOrder(signal, testsignals::biphaseMarkAudio(signal, transport), false);
+}
+
+/// The file names a sample rate 0.1 % off, as when sound is pulled up or down.
+OddSignal wrongSampleRate(LtcSignal signal, Random &random)
+{
+    Transport transport;
+    transport.deviation = random.chance(0.5) ? 1.001 - 1.0 : 1 / 1.001 - 1.0;
+    return inOrder(signal, testsignals::biphaseMarkAudio(signal, transport), false);
+}
+
+OddSignal startsLate(LtcSignal signal, Random &random)
+{
+    OddSignal result = ordinary(signal, random);
+    testsignals::keepOnly(result.samples, signal.sampleRate, anyMoment(signal, random), signal.duration);
+    return result;
+}
+
+OddSignal endsEarly(LtcSignal signal, Random &random)
+{
+    OddSignal result = ordinary(signal, random);
+    testsignals::keepOnly(result.samples, signal.sampleRate, 0.0, anyMoment(signal, random));
+    return result;
+}
+
+OddSignal programme(LtcSignal signal, Random &random)
+{
+    const auto &sounds = testsignals::otherSounds();
+    const auto &sound =
+        sounds[static_cast<std::size_t>(random.integer(0, static_cast<int>(sounds.size()) - 1))];
+    return {signal, sound.make(random, testsignals::sampleCount(signal), signal.sampleRate), {}};
+}
+
+} // namespace
+
+const std::vector<Behaviour> &allBehaviours()
+{
+    static const std::vector<Behaviour> behaviours{
+        {"ordinary", 3, ordinary},
+        {"jump anywhere", 1, jumpAnywhere},
+        {"jump forwards", 1, jumpForwards},
+        {"jump backwards", 1, jumpBackwards},
+        {"jump by an hour", 1, jumpByAnHour},
+        {"jump by a frame", 1, jumpByAFrame},
+        {"frames repeated", 1, framesRepeated},
+        {"frames skipped", 1, framesSkipped},
+        {"seconds skipped", 1, secondsSkipped},
+        {"count of another rate", 1, otherCount, isNonDrop},
+        {"held", 1, held},
+        {"frozen", 1, frozen},
+        {"counting down", 1, countingDown},
+        {"paused, then running", 1, pausedThenRunning},
+        {"running, then paused", 1, runningThenPaused},
+        {"clock in user bits", 1, userBitClock},
+        {"date in user bits", 1, userBitDate},
+        {"random user bits", 1, randomUserBits},
+        {"illegal labels", 1, illegalLabels},
+        {"flag at a rate without drop-frame", 1, flagAtOtherRate, hasNoDropCount},
+        {"flag with non-drop count", 1, flagOverAMinute, isNonDrop2997},
+        {"double speed", 1, doubleSpeed},
+        {"half speed", 1, halfSpeed},
+        {"48, 50 or 60 frames a second", 1, highFrameRate, isNonDrop},
+        {"two timecodes", 1, twoTimecodes},
+        {"polarity flip", 1, polarityFlip},
+        {"wow", 1, wow},
+        {"dropouts", 1, dropouts},
+        {"clock 400 to 600 ppm off", 1, clockOff},
+        {"sample rate 0.1 % off", 1, wrongSampleRate},
+        {"starts late", 1, startsLate},
+        {"ends early", 1, endsEarly},
+        {"programme sound", 2, programme, nullptr, false},
+    };
+    return behaviours;
+}
+
+} // namespace ltcbench

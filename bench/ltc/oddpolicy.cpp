@@ -1,0 +1,254 @@
+// SPDX-License-Identifier: MIT
+#include "bench/ltc/oddpolicy.h"
+
+#include "bench/ltc/figures.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <stdexcept>
+#include <utility>
+
+namespace ltcbench
+{
+
+namespace
+{
+
+constexpr int framesOfALine = 2; // a line runs from one frame to the next
+
+/// A flat JSON object as text is taken apart; throws std::invalid_argument where it is none.
+class ObjectParser
+{
+public:
+    explicit ObjectParser(const std::string &json) : text(json) {}
+
+    std::map<std::string, std::string> members()
+    {
+        std::map<std::string, std::string> result;
+        expect('{');
+        for (bool more = !accept('}'); more;) {
+            const std::string key = string();
+            expect(':');
+            skipBlanks();
+            result[key] = text[std::min(at, text.size() - 1)] == '"' ? string() : word();
+            more = accept(',');
+            if (!more)
+                expect('}');
+        }
+        skipBlanks();
+        if (at != text.size())
+            throw std::invalid_argument("text after the object");
+        return result;
+    }
+
+private:
+    void skipBlanks() { at = std::min(text.find_first_not_of(" \t\r\n", at), text.size()); }
+
+    bool accept(char letter)
+    {
+        skipBlanks();
+        const bool found = at < text.size() && text[at] == letter;
+        at += found ? 1 : 0;
+        return found;
+    }
+
+    void expect(char letter)
+    {
+        if (!accept(letter))
+            throw std::invalid_argument(std::string("no ") + letter);
+    }
+
+    /// Without escapes, of which the report has none.
+    std::string string()
+    {
+        expect('"');
+        const std::size_t end = text.find_first_of("\"\\\n", at);
+        if (end == std::string::npos || text[end] != '"')
+            throw std::invalid_argument("no string");
+        const std::string result = text.substr(at, end - at);
+        at = end + 1;
+        return result;
+    }
+
+    /// A number, or true or false.
+    std::string word()
+    {
+        const std::size_t end = std::min(text.find_first_of(",} \t\r\n", at), text.size());
+        const std::string result = text.substr(at, end - at);
+        at = end;
+        if (result != "true" && result != "false" && !isNumber(result))
+            throw std::invalid_argument("\"" + result + "\" is no value");
+        return result;
+    }
+
+    static bool isNumber(const std::string &word)
+    {
+        std::size_t next = word.starts_with('-') ? 1 : 0;
+        const auto digits = [&word, &next] {
+            const std::size_t end = std::min(word.find_first_not_of("0123456789", next), word.size());
+            return std::exchange(next, end) < end;
+        };
+        const std::size_t whole = next;
+        if (!digits() || (word[whole] == '0' && next > whole + 1))
+            return false;
+        if (next < word.size() && word[next] == '.') {
+            ++next;
+            if (!digits())
+                return false;
+        }
+        return next == word.size(); // the report writes no exponents
+    }
+
+    const std::string &text;
+    std::size_t at = 0;
+};
+
+/// \a start so many frames later, at the rate and position of \a signal.
+Truth lineOf(LtcSignal signal, const SentFrame &frame, std::int64_t index)
+{
+    signal.rate.dropFrame = signal.rate.base == 30 && signal.rate.ntsc && frame.dropFlag;
+    signal.start =
+        testsignals::timeOfFrame(testsignals::frameNumber(frame.label, signal.rate) - index, signal.rate);
+    return {signal, 0, true};
+}
+
+bool isLegal(const SentFrame &frame, LtcRate rate)
+{
+    return frame.badDigitAt < 0 && isLabel(frame.label, rate);
+}
+
+} // namespace
+
+std::bitset<testsignals::bitsPerFrame> bitsOf(const SentFrame &frame, LtcRate rate)
+{
+    rate.dropFrame = frame.dropFlag;
+    auto bits = testsignals::frameBits(frame.label, rate, frame.userBits);
+    if (frame.badDigitAt >= 0) {
+        for (std::size_t bit = 0; bit < 4; ++bit)
+            bits[static_cast<std::size_t>(frame.badDigitAt) + bit] = ((frame.badDigit >> bit) & 1) != 0;
+        if (bits.count() % 2 == 1)
+            bits.flip(testsignals::phaseCorrectionBit(rate));
+    }
+    return bits;
+}
+
+bool isLabel(LtcTime label, LtcRate rate)
+{
+    const bool leftOut = rate.dropFrame && label.frames < 2 && label.seconds == 0 && label.minutes % 10 != 0;
+    return label.hours < 24 && label.minutes < 60 && label.seconds < 60 && label.frames < rate.base &&
+           !leftOut;
+}
+
+WholeFrames wholeFrames(const LtcSignal &signal, double begin, double end)
+{
+    constexpr double rounding = 1e-9;
+    const double rate = testsignals::framesPerSecond(signal.rate);
+    const auto first = static_cast<std::int64_t>(std::ceil(begin * rate + signal.offset - rounding));
+    const auto last = static_cast<std::int64_t>(std::floor(end * rate + signal.offset + rounding));
+    return {first, static_cast<int>(std::max<std::int64_t>(0, last - first))};
+}
+
+std::vector<Stretch> stretchesOf(const LtcSignal &signal, const FrameAt &frameAt, WholeFrames whole)
+{
+    std::vector<Stretch> stretches;
+    std::optional<SentFrame> expected;
+    for (std::int64_t index = whole.first; index < whole.first + whole.count; ++index) {
+        const SentFrame frame = frameAt(index);
+        LtcRate rate = signal.rate;
+        rate.dropFrame = rate.base == 30 && rate.ntsc && frame.dropFlag;
+        if (!isLegal(frame, rate)) {
+            stretches.push_back({std::nullopt, 1});
+            expected.reset();
+            continue;
+        }
+        const bool goesOn = expected && expected->dropFlag == frame.dropFlag &&
+                            testsignals::text(expected->label, rate) == testsignals::text(frame.label, rate);
+        if (goesOn)
+            ++stretches.back().frames;
+        else
+            stretches.push_back({lineOf(signal, frame, index), 1});
+        expected = frame;
+        expected->label = testsignals::timeOfFrame(testsignals::frameNumber(frame.label, rate) + 1, rate);
+    }
+    return stretches;
+}
+
+std::vector<Truth> rightLines(const std::vector<Stretch> &stretches)
+{
+    std::vector<Truth> right;
+    int before = 0;
+    for (std::size_t i = 0; i < stretches.size() && before < framesOfALine; ++i) {
+        const bool runs = stretches[i].frames >= framesOfALine;
+        const bool lineFollows = i + 1 == stretches.size() || stretches[i + 1].frames >= framesOfALine ||
+                                 (i + 2 == stretches.size() && stretches[i + 1].line);
+        if (stretches[i].line && (runs || lineFollows))
+            right.push_back(*stretches[i].line);
+        before += stretches[i].frames;
+    }
+    return right;
+}
+
+std::vector<Truth> onlyLine(const std::vector<Stretch> &stretches)
+{
+    if (stretches.size() != 1 || !stretches.front().line)
+        return {};
+    return {*stretches.front().line};
+}
+
+std::string nameOf(OddVerdict verdict)
+{
+    switch (verdict) {
+    case OddVerdict::Right:
+        return "right";
+    case OddVerdict::Refused:
+        return "refused";
+    case OddVerdict::Wrong:
+        return "wrong";
+    case OddVerdict::Broken:
+        break;
+    }
+    return "broken";
+}
+
+OddVerdict judge(const std::vector<Truth> &right, const std::optional<Answer> &answer,
+                 const std::string &fault)
+{
+    if (!answer)
+        return OddVerdict::Refused;
+    if (!fault.empty())
+        return OddVerdict::Broken;
+    for (const Truth &line : right) {
+        if (isRight(line, *answer))
+            return OddVerdict::Right;
+    }
+    return OddVerdict::Wrong;
+}
+
+std::string faultIn(const std::string &report, int sampleRate)
+{
+    try {
+        const auto members = ObjectParser(report).members();
+        for (const char *key : {"Timecode", "DropFrame", "NTSC", "FrameRateFound", "FrameRateBaseFound",
+                                "ChannelFound", "SamplesSinceMidnight", "MeasuredFrameRate"}) {
+            if (!members.contains(key))
+                return std::string("no ") + key;
+        }
+        const LtcRate rate{numberFrom<int>(members.at("FrameRateBaseFound")), members.at("NTSC") == "true",
+                           members.at("DropFrame") == "true"};
+        const auto samples = numberFrom<std::int64_t>(members.at("SamplesSinceMidnight"));
+        const double day = static_cast<double>(testsignals::framesPerDay(rate)) *
+                           testsignals::samplesPerFrame(rate, sampleRate);
+        if (samples < 0 || static_cast<double>(samples) >= day)
+            return "samples outside the day: " + std::to_string(samples);
+        const auto measured = numberFrom<double>(members.at("MeasuredFrameRate"));
+        constexpr double tolerated = 0.15;
+        if (!(std::abs(measured / testsignals::framesPerSecond(rate) - 1.0) <= tolerated))
+            return "measured " + format("%.5g", measured) + " frames/s";
+    } catch (const std::invalid_argument &error) {
+        return error.what();
+    }
+    return {};
+}
+
+} // namespace ltcbench
