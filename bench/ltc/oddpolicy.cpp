@@ -180,9 +180,10 @@ std::vector<Truth> rightLines(const std::vector<Stretch> &stretches)
     int before = 0;
     for (std::size_t i = 0; i < stretches.size() && before < framesOfALine; ++i) {
         const bool runs = stretches[i].frames >= framesOfALine;
-        const bool lineFollows = i + 1 == stretches.size() || stretches[i + 1].frames >= framesOfALine ||
-                                 (i + 2 == stretches.size() && stretches[i + 1].line);
-        if (stretches[i].line && (runs || lineFollows))
+        const bool last = i + 1 == stretches.size();
+        // One frame at the beginning, with a line or one more frame after it.
+        const bool first = i == 0 && !last && (stretches[1].frames >= framesOfALine || stretches.size() == 2);
+        if (stretches[i].line && (runs || last || first))
             right.push_back(*stretches[i].line);
         before += stretches[i].frames;
     }

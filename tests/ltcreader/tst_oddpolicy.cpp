@@ -1,0 +1,273 @@
+// SPDX-License-Identifier: MIT
+#include "bench/ltc/oddcases.h"
+
+#include <QTest>
+
+#include <map>
+#include <set>
+
+using namespace ltcbench;
+
+Q_DECLARE_METATYPE(std::string)
+
+namespace
+{
+
+constexpr LtcRate pal{25, false, false};
+constexpr LtcRate drop{30, true, true};
+
+/// Frames of labels at 25 frames a second, given as numbers of frames after 10:00:00:00; -1 is a label that
+/// does not exist.
+std::vector<Stretch> stretches(const std::vector<int> &labels, double offset = 0.0)
+{
+    LtcSignal signal;
+    signal.rate = pal;
+    signal.start = {10, 0, 0, 0};
+    signal.offset = offset;
+    const FrameAt frameAt = [&labels](std::int64_t index) {
+        const int label = labels.at(static_cast<std::size_t>(index));
+        return SentFrame{label < 0 ? LtcTime{24, 0, 0, 0} : LtcTime{10, 0, label / 25, label % 25}};
+    };
+    return stretchesOf(signal, frameAt, {0, static_cast<int>(labels.size())});
+}
+
+/// The labels of the first sample by \a lines, as texts.
+QStringList textsOf(const std::vector<Truth> &lines)
+{
+    QStringList texts;
+    for (const Truth &line : lines)
+        texts +=
+            QString::fromStdString(testsignals::text(testsignals::startTime(line.signal), line.signal.rate));
+    return texts;
+}
+
+std::string report(const std::string &samples, const std::string &measured)
+{
+    return R"({"Timecode": "10:00:00:00", "DropFrame": false, "NTSC": false, "FrameRateFound": 25, )"
+           R"("FrameRateBaseFound": 25, "ChannelFound": 0, "SamplesSinceMidnight": )" +
+           samples + R"(, "MeasuredFrameRate": )" + measured + "}\n";
+}
+
+std::vector<Truth> lines(const std::vector<LtcTime> &starts)
+{
+    std::vector<Truth> result;
+    for (const LtcTime &start : starts) {
+        Truth truth;
+        truth.signal.start = start;
+        truth.signal.rate = pal;
+        result.push_back(truth);
+    }
+    return result;
+}
+
+} // namespace
+
+class TestOddPolicy : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theLineAtTheBeginningIsRight_data();
+    void theLineAtTheBeginningIsRight();
+    void onlyTimecodeThatRunsFromEndToEndIsRightWhereNoLineRuns_data();
+    void onlyTimecodeThatRunsFromEndToEndIsRightWhereNoLineRuns();
+    void framesThatAreCutOffDoNotCount();
+    void labelsExistOrNot_data();
+    void labelsExistOrNot();
+    void badDigitsAreSentWithRightParity();
+    void answersAreJudged();
+    void reportsAreWholeOrBroken_data();
+    void reportsAreWholeOrBroken();
+    void recordingsAreFoundByTheirName();
+    void sameNameMakesSameRecording();
+    void everyBehaviourIsDrawnAndMade();
+};
+
+void TestOddPolicy::theLineAtTheBeginningIsRight_data()
+{
+    QTest::addColumn<std::vector<int>>("labels");
+    QTest::addColumn<QStringList>("right");
+    const auto row = [](const char *name, const std::vector<int> &labels, const QStringList &right) {
+        QTest::newRow(name) << labels << right;
+    };
+    const QString first = "10:00:00:00";
+    row("nothing jumps", {0, 1, 2, 3}, {first});
+    row("two frames before a jump", {0, 1, 50, 51, 52}, {first});
+    row("one frame before a jump", {0, 50, 51, 52}, {first, "10:00:01:24"});
+    row("one frame before a jump and one after", {0, 50}, {first, "10:00:01:24"});
+    row("a frame repeated after two", {0, 1, 1, 2, 3}, {first});
+    row("a frame repeated after one", {0, 0, 1, 2, 3}, {first, "09:59:59:24"});
+    row("a frame skipped after three", {0, 1, 2, 4, 5, 6}, {first});
+    row("a jump backwards", {10, 11, 12, 3, 4}, {"10:00:00:10"});
+    row("paused for three frames", {0, 0, 0, 1, 2}, {});
+    row("paused for two frames", {0, 0, 1, 2, 3}, {first, "09:59:59:24"});
+    row("running, then paused", {0, 1, 2, 2, 2}, {first});
+    row("a label that does not exist before the line", {-1, 1, 2, 3}, {first});
+    row("two labels that do not exist before the line", {-1, -1, 2, 3}, {});
+    row("no label exists", {-1, -1, -1}, {});
+}
+
+void TestOddPolicy::theLineAtTheBeginningIsRight()
+{
+    QFETCH(std::vector<int>, labels);
+    QFETCH(QStringList, right);
+    QCOMPARE(textsOf(rightLines(stretches(labels))), right);
+}
+
+void TestOddPolicy::onlyTimecodeThatRunsFromEndToEndIsRightWhereNoLineRuns_data()
+{
+    QTest::addColumn<std::vector<int>>("labels");
+    QTest::addColumn<int>("right");
+    QTest::newRow("held for two frames") << std::vector<int>{0, 0, 1, 1} << 0;
+    QTest::newRow("counting down") << std::vector<int>{9, 8, 7} << 0;
+    QTest::newRow("one whole frame says nothing else") << std::vector<int>{5} << 1;
+    QTest::newRow("the seam of two held labels counts up") << std::vector<int>{5, 6} << 1;
+    QTest::newRow("a label that does not exist") << std::vector<int>{-1} << 0;
+}
+
+void TestOddPolicy::onlyTimecodeThatRunsFromEndToEndIsRightWhereNoLineRuns()
+{
+    QFETCH(std::vector<int>, labels);
+    QFETCH(int, right);
+    QCOMPARE(static_cast<int>(onlyLine(stretches(labels)).size()), right);
+}
+
+void TestOddPolicy::framesThatAreCutOffDoNotCount()
+{
+    LtcSignal signal;
+    signal.rate = pal;
+    signal.duration = 0.2;
+    const auto count = [&signal](double offset, double begin, double end) {
+        signal.offset = offset;
+        return wholeFrames(signal, begin, end);
+    };
+    QCOMPARE(count(0.0, 0.0, 0.2).count, 5);
+    QCOMPARE(count(0.0, 0.0, 0.2).first, std::int64_t{0});
+    QCOMPARE(count(0.3, 0.0, 0.2).count, 4);
+    QCOMPARE(count(0.3, 0.0, 0.2).first, std::int64_t{1});
+    QCOMPARE(count(-0.3, 0.0, 0.2).first, std::int64_t{0});
+    QCOMPARE(count(0.0, 0.05, 0.2).first, std::int64_t{2});
+    QCOMPARE(count(0.0, 0.05, 0.11).count, 0);
+}
+
+void TestOddPolicy::labelsExistOrNot_data()
+{
+    QTest::addColumn<int>("hours");
+    QTest::addColumn<int>("minutes");
+    QTest::addColumn<int>("seconds");
+    QTest::addColumn<int>("frames");
+    QTest::addColumn<bool>("dropFrame");
+    QTest::addColumn<bool>("exists");
+    QTest::newRow("last of the day") << 23 << 59 << 59 << 24 << false << true;
+    QTest::newRow("hour 24") << 24 << 0 << 0 << 0 << false << false;
+    QTest::newRow("minute 60") << 0 << 60 << 0 << 0 << false << false;
+    QTest::newRow("second 60") << 0 << 0 << 60 << 0 << false << false;
+    QTest::newRow("frame 25 at 25") << 0 << 0 << 0 << 25 << false << false;
+    QTest::newRow("left out by drop-frame") << 1 << 1 << 0 << 1 << true << false;
+    QTest::newRow("kept in each tenth minute") << 1 << 10 << 0 << 1 << true << true;
+}
+
+void TestOddPolicy::labelsExistOrNot()
+{
+    QFETCH(int, hours);
+    QFETCH(int, minutes);
+    QFETCH(int, seconds);
+    QFETCH(int, frames);
+    QFETCH(bool, dropFrame);
+    QTEST(isLabel({hours, minutes, seconds, frames}, dropFrame ? drop : pal), "exists");
+}
+
+void TestOddPolicy::badDigitsAreSentWithRightParity()
+{
+    SentFrame frame{{12, 34, 56, 7}};
+    const auto good = bitsOf(frame, pal);
+    frame.badDigitAt = 48;
+    frame.badDigit = 13;
+    const auto bad = bitsOf(frame, pal);
+    QVERIFY(bad[48] && !bad[49] && bad[50] && bad[51]);
+    QVERIFY(good.count() % 2 == 0 && bad.count() % 2 == 0);
+}
+
+void TestOddPolicy::answersAreJudged()
+{
+    const std::vector<Truth> two = lines({{1, 0, 0, 0}, {2, 0, 0, 0}});
+    const auto answer = [](int hours, LtcRate rate = pal) { return Answer{{hours, 0, 0, 0}, rate}; };
+    QVERIFY(judge(two, answer(1), {}) == OddVerdict::Right);
+    QVERIFY(judge(two, answer(2), {}) == OddVerdict::Right);
+    QVERIFY(judge(two, answer(3), {}) == OddVerdict::Wrong);
+    QVERIFY(judge(two, answer(1, {24, false, false}), {}) == OddVerdict::Wrong);
+    QVERIFY(judge(two, answer(1), "nan") == OddVerdict::Broken);
+    QVERIFY(judge(two, std::nullopt, {}) == OddVerdict::Refused);
+    QVERIFY(judge({}, answer(1), {}) == OddVerdict::Wrong);
+    QVERIFY(judge({}, std::nullopt, {}) == OddVerdict::Refused);
+}
+
+void TestOddPolicy::reportsAreWholeOrBroken_data()
+{
+    QTest::addColumn<std::string>("text");
+    QTest::addColumn<bool>("whole");
+    QTest::newRow("whole") << report("5", "25.00000") << true;
+    QTest::newRow("infinite rate") << report("5", "inf") << false;
+    QTest::newRow("no number") << report("5", "-nan") << false;
+    QTest::newRow("before midnight") << report("-9223372036854775808", "25.0") << false;
+    QTest::newRow("last sample of the day") << report("4147199999", "25.0") << true;
+    QTest::newRow("a day later") << report("4147200000", "25.0") << false;
+    QTest::newRow("14 % fast") << report("5", "28.5") << true;
+    QTest::newRow("16 % slow") << report("5", "21.0") << false;
+    QTest::newRow("cut off") << report("5", "25.0").substr(0, 60) << false;
+    QTest::newRow("more than an object") << report("5", "25.0") + "}" << false;
+    QTest::newRow("empty") << std::string() << false;
+    QTest::newRow("a key is missing") << std::string("{\"Timecode\": \"10:00:00:00\"}") << false;
+    QTest::newRow("a number with a leading zero") << report("05", "25.0") << false;
+}
+
+void TestOddPolicy::reportsAreWholeOrBroken()
+{
+    QFETCH(std::string, text);
+    QFETCH(bool, whole);
+    const std::string fault = faultIn(text, 48000);
+    QVERIFY2(fault.empty() == whole, fault.c_str());
+}
+
+void TestOddPolicy::recordingsAreFoundByTheirName()
+{
+    for (const Kind kind : {Kind::Odd, Kind::Edge, Kind::Programme}) {
+        const Draw draw = drawOf(kind, 7, 12);
+        const Draw found = drawNamed(nameOf(draw));
+        QVERIFY(found.kind == kind);
+        QCOMPARE(found.seed, draw.seed);
+        QCOMPARE(found.index, draw.index);
+    }
+    QVERIFY_EXCEPTION_THROWN(drawNamed("7"), std::invalid_argument);
+    QVERIFY_EXCEPTION_THROWN(drawNamed("7/x"), std::invalid_argument);
+}
+
+void TestOddPolicy::sameNameMakesSameRecording()
+{
+    QVERIFY(caseOf(drawNamed("3/5")).recording.channels == caseOf(drawNamed("3/5")).recording.channels);
+    QVERIFY(caseOf(drawNamed("3/5")).recording.channels != caseOf(drawNamed("4/5")).recording.channels);
+}
+
+void TestOddPolicy::everyBehaviourIsDrawnAndMade()
+{
+    const std::set<std::string> neverRight{"double speed", "half speed", "48, 50 or 60 frames a second",
+                                           "programme sound"};
+    std::map<std::string, int> made;
+    for (std::uint64_t index = 0; index < 400; ++index) {
+        const Draw draw = drawOf(Kind::Odd, 11, index);
+        if (draw.seconds > 0.3)
+            continue;
+        const OddCase odd = caseOf(draw);
+        ++made[draw.behaviour->name];
+        QCOMPARE(odd.recording.channels.front().size(), static_cast<std::size_t>(draw.seconds * 48000 + 0.5));
+        if (neverRight.contains(draw.behaviour->name))
+            QVERIFY(odd.right.empty());
+        if (draw.behaviour->name == "ordinary")
+            QCOMPARE(static_cast<int>(odd.right.size()), 1);
+    }
+    QCOMPARE(made.size(), allBehaviours().size());
+}
+
+QTEST_APPLESS_MAIN(TestOddPolicy)
+
+#include "tst_oddpolicy.moc"
