@@ -4,7 +4,7 @@
 #include "bench/ltc/figures.h"
 #include "tests/support/impairments.h"
 
-#include <algorithm>
+#include <array>
 #include <cmath>
 #include <stdexcept>
 
@@ -15,52 +15,49 @@ namespace
 {
 
 constexpr int grades = 3;
-constexpr double longest = 3.0; // [s] the grades are for recordings of this length
 
 constexpr std::array allKinds{Kind::Odd, Kind::Edge, Kind::Programme};
 
 template <typename Thing>
-const Thing &weighted(const std::vector<Thing> &things, Random &random)
+const Thing &weighted(const std::vector<Thing> &things, int Thing::*weight, Random &random)
 {
     int total = 0;
     for (const Thing &thing : things)
-        total += thing.weight;
+        total += thing.*weight;
     int left = random.integer(0, total - 1);
     for (const Thing &thing : things) {
-        left -= thing.weight;
+        left -= thing.*weight;
         if (left < 0)
             return thing;
     }
     return things.back();
 }
 
-const Disturbance &anyDisturbance(Random &random)
+double valueOf(const Draw &draw, Random &random)
 {
-    const auto &all = allDisturbances();
-    constexpr double undisturbed = 0.1;
-    if (random.chance(undisturbed))
-        return all.front();
-    return all[static_cast<std::size_t>(random.integer(1, static_cast<int>(all.size()) - 1))];
-}
-
-double valueOf(const Disturbance &disturbance, int grade, double seconds, Random &random)
-{
-    const double middle = grade == 1 ? disturbance.easy : grade == 2 ? disturbance.edge : disturbance.beyond;
-    return middle + disturbance.perDecade * std::log10(longest / seconds) +
-           disturbance.spread * random.uniform(-1.0, 1.0);
-}
-
-const Behaviour &programmeSound()
-{
-    return *std::find_if(allBehaviours().begin(), allBehaviours().end(),
-                         [](const Behaviour &behaviour) { return !behaviour.timecode; });
+    const Disturbance &disturbance = *draw.disturbance;
+    const double middle = edgeOf(disturbance, draw.seconds);
+    const double side = random.uniform(-1.0, 1.0) * disturbance.step;
+    if (draw.kind == Kind::Edge)
+        return middle + 2 * side;
+    const std::array<double, 4> distance{0.0, disturbance.easyBy, 0.0, disturbance.beyondBy};
+    return middle + distance[static_cast<std::size_t>(draw.grade)] + side;
 }
 
 } // namespace
 
+double edgeOf(const Disturbance &disturbance, double seconds)
+{
+    constexpr std::array<double, 3> lengths{0.2, 1.0, 3.0};
+    const std::size_t first = seconds < lengths[1] ? 0 : 1; // shorter than the first: the line goes on
+    const double part = std::log(seconds / lengths[first]) / std::log(lengths[first + 1] / lengths[first]);
+    return disturbance.edge[first] + part * (disturbance.edge[first + 1] - disturbance.edge[first]);
+}
+
 const std::vector<Length> &allLengths()
 {
-    static const std::vector<Length> lengths{{0.1, 5}, {0.15, 5}, {0.2, 5}, {0.3, 5}, {1.0, 5}, {3.0, 4}};
+    static const std::vector<Length> lengths{{0.1, 5, 0}, {0.15, 5, 0}, {0.2, 5, 1},
+                                             {0.3, 5, 0}, {1.0, 5, 1},  {3.0, 4, 1}};
     return lengths;
 }
 
@@ -76,15 +73,22 @@ Draw drawOf(Kind kind, std::uint64_t seed, std::uint64_t index)
     draw.seed = seed;
     draw.index = index;
     Random random = Random::forCase(seed, nameOf(kind), index);
-    draw.behaviour = kind == Kind::Programme ? &programmeSound() : &weighted(allBehaviours(), random);
-    draw.disturbance = draw.behaviour->timecode ? &anyDisturbance(random) : &allDisturbances().front();
-    draw.seconds = weighted(allLengths(), random).seconds;
+    const bool edge = kind == Kind::Edge;
+    if (kind == Kind::Odd)
+        draw.behaviour = &weighted(allBehaviours(), &Behaviour::weight, random);
+    else
+        draw.behaviour = edge ? &allBehaviours().front() : &allBehaviours().back();
+    draw.disturbance = &allDisturbances().front();
+    if (draw.behaviour->timecode)
+        draw.disturbance =
+            &weighted(allDisturbances(), edge ? &Disturbance::edgeWeight : &Disturbance::weight, random);
+    draw.seconds = weighted(allLengths(), edge ? &Length::edgeWeight : &Length::weight, random).seconds;
     do
         draw.rate = anyRate(random);
     while (draw.behaviour->fits && !draw.behaviour->fits(draw.rate));
     if (draw.disturbance->apply) {
-        draw.grade = random.integer(1, grades);
-        draw.value = valueOf(*draw.disturbance, draw.grade, draw.seconds, random);
+        draw.grade = edge ? 2 : random.integer(1, grades);
+        draw.value = valueOf(draw, random);
     }
     draw.random = random;
     return draw;

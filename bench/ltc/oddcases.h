@@ -3,6 +3,7 @@
 
 #include "bench/ltc/oddpolicy.h"
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -25,26 +26,35 @@ struct Behaviour {
     bool (*fits)(LtcRate rate) = nullptr; ///< rates that it can happen at; null = all
     bool timecode = true;                 ///< false: programme sound, which nothing else disturbs
 };
+
+/// The first is ordinary timecode, the last programme sound.
 const std::vector<Behaviour> &allBehaviours();
 
-/// What noise, programme sound, filters and links do to it.
+/// What noise, programme sound, filters, links and codecs do to it.
 struct Disturbance {
     std::string name;
-    std::string unit;
-    double easy = 0.0; ///< grades for three seconds; for programme and noise [dB] timecode over the rest
-    double edge = 0.0; ///< half of ordinary recordings are read
-    double beyond = 0.0;
-    double spread = 0.0;    ///< each grade varies by so much to both sides
-    double perDecade = 0.0; ///< a recording of a tenth of the length reaches the same with so much more
+    std::string unit;             ///< of its value; dB is timecode over the rest
+    std::array<double, 3> edge{}; ///< value at which half of ordinary recordings of 0.2, 1 and 3 s are read
+    double easyBy = 0.0;          ///< added to it in recordings that are easily read
+    double beyondBy = 0.0;        ///< added to it in recordings that are out of reach
+    double step = 0.0;            ///< each value varies by so much to both sides, twice as much in Kind::Edge
     void (*apply)(Samples &samples, int sampleRate, double value,
                   Random &random) = nullptr; ///< null = nothing
+    int weight = 1;                          ///< how often it is drawn in Kind::Odd
+    int edgeWeight = 0;                      ///< and in Kind::Edge
 };
+
+/// The first is none.
 const std::vector<Disturbance> &allDisturbances();
+
+/// The value at the edge for a recording of \a seconds.
+double edgeOf(const Disturbance &disturbance, double seconds);
 
 /// A length that recordings have and how often.
 struct Length {
     double seconds = 3.0;
-    int weight = 1;
+    int weight = 1;     ///< in Kind::Odd and Kind::Programme
+    int edgeWeight = 0; ///< in Kind::Edge
 };
 const std::vector<Length> &allLengths();
 

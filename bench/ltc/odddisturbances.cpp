@@ -3,7 +3,11 @@
 
 #include "bench/ltc/curves.h"
 #include "tests/support/impairments.h"
+#include "tests/support/lossycodec.h"
 #include "tests/support/noise.h"
+
+#include <optional>
+#include <stdexcept>
 
 namespace ltcbench
 {
@@ -62,26 +66,41 @@ void gainControl(Samples &samples, int sampleRate, double value, Random &random)
                                random.uniform(0.2, 2.0));
 }
 
+/// By the codec of that number among lossyCodecs(). Throws std::runtime_error where the tool fails.
+template <std::size_t number>
+void throughCodecAfterNoise(Samples &samples, int sampleRate, double value, Random &random)
+{
+    testsignals::addAtRatio(samples, testsignals::pinkNoise(random, samples.size(), sampleRate), value);
+    testsignals::scaleToPeak(samples, -3.0);
+    const testsignals::LossyCodec &codec = testsignals::lossyCodecs().at(number);
+    const std::optional<Samples> decoded = testsignals::throughCodec(samples, sampleRate, codec);
+    if (!decoded)
+        throw std::runtime_error("ffmpeg does not encode and decode " + codec.name);
+    samples = *decoded;
+}
+
 } // namespace
 
 const std::vector<Disturbance> &allDisturbances()
 {
     const std::string ratio = "dB";
     static const std::vector<Disturbance> disturbances{
-        {"none", "", 0, 0, 0, 0, 0, nullptr},
-        {"white noise", ratio, 0, -20.5, -27, 3, 10, addWhite},
-        {"pink noise", ratio, 0, -16.7, -24, 3, 10, add<testsignals::pinkNoise>},
-        {"hum", ratio, -15, -60, -80, 6, 12, add<testsignals::hum>},
-        {"wind", ratio, -20, -56, -70, 5, 12, add<testsignals::windNoise>},
-        {"radio channel", ratio, 6, -11, -18, 3, 10, radio},
-        {"speech", ratio, -5, -40, -55, 6, 12, add<testsignals::speechLike>},
-        {"music", ratio, -5, -36, -50, 5, 12, add<testsignals::musicLike>},
-        {"low-pass", "Hz", 4000, 1100, 500, 200, 0, lowPassed},
-        {"high-pass", "Hz", 700, 5000, 12000, 500, 0, highPassed},
-        {"spikes in white noise", ratio, 6, -18, -25, 3, 10, spikes},
-        {"clipping after white noise", ratio, 6, -18, -25, 3, 10, clipped},
-        {"gain control with speech", ratio, 10, -20, -40, 5, 12, gainControl},
-        {"wireless link", "grade", 2, 5.5, 7.5, 0.5, -0.5, wirelessLink},
+        {"none", "", {}, 0, 0, 0, nullptr, 2},
+        {"white noise", ratio, {-9.6, -17, -20.7}, 20, -7, 2, addWhite, 1, 8},
+        {"pink noise", ratio, {-6, -13, -16.7}, 17, -7, 2, add<testsignals::pinkNoise>, 1, 8},
+        {"hum", ratio, {-50, -58, -64}, 45, -15, 4, add<testsignals::hum>, 1, 8},
+        {"wind", ratio, {-42, -50, -56}, 35, -15, 5, add<testsignals::windNoise>, 1, 8},
+        {"radio channel", ratio, {0, -7, -11}, 17, -7, 2, radio, 1, 8},
+        {"speech", ratio, {-26, -34, -40}, 35, -15, 4, add<testsignals::speechLike>, 1, 8},
+        {"music", ratio, {-22, -30, -36}, 30, -15, 4, add<testsignals::musicLike>, 1, 8},
+        {"low-pass", "Hz", {1100, 1000, 900}, 3000, -500, 200, lowPassed},
+        {"high-pass", "Hz", {5000, 6000, 6000}, -4500, 7000, 500, highPassed},
+        {"spikes in white noise", ratio, {-7, -14, -18}, 24, -7, 2, spikes},
+        {"clipping after white noise", ratio, {-7, -14, -18}, 24, -7, 2, clipped},
+        {"gain control with speech", ratio, {-6, -14, -20}, 30, -20, 4, gainControl},
+        {"wireless link", "grade", {4.5, 5, 5.5}, -3.5, 2, 0.5, wirelessLink},
+        {"AAC 64 kbit/s after pink noise", ratio, {-3, -10, -14}, 17, -7, 2, throughCodecAfterNoise<1>, 0, 1},
+        {"MP3 64 kbit/s after pink noise", ratio, {-3, -10, -14}, 17, -7, 2, throughCodecAfterNoise<4>, 0, 1},
     };
     return disturbances;
 }
