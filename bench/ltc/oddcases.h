@@ -21,7 +21,8 @@ struct OddSignal {
 /// What a generator, a machine or an editor does to timecode.
 struct Behaviour {
     std::string name;
-    int weight = 1; ///< how often it is drawn
+    int weight = 1;     ///< how often it is drawn
+    std::string policy; ///< what is right, for people
     OddSignal (*make)(LtcSignal signal, Random &random);
     bool (*fits)(LtcRate rate) = nullptr; ///< rates that it can happen at; null = all
     bool timecode = true;                 ///< false: programme sound, which nothing else disturbs

@@ -31,7 +31,7 @@ speeds, two timecodes, under disturbances of three grades each and none, of 0.1 
   --csv FILE       writes a row for each recording
   --case NAME      reads one recording by the name that a wrong answer is reported with: SEED/INDEX
   --save FILE      with --case: writes that recording as a WAV file
-  --list           prints behaviours, disturbances and lengths with their weights
+  --list           prints what is drawn, how often, and which answers are right
   --help           prints this text
 
 Exit code: 0; 1 when an answer was wrong or broken; 2 when something was wrong with the options or a file.
@@ -92,7 +92,8 @@ Options parse(const std::vector<std::string> &arguments)
 void printList()
 {
     for (const Behaviour &behaviour : allBehaviours())
-        std::cout << behaviour.name << ": weight " << behaviour.weight << "\n";
+        std::cout << behaviour.name << ": weight " << behaviour.weight << "; right is " << behaviour.policy
+                  << "\n";
     for (const Disturbance &disturbance : allDisturbances()) {
         std::cout << disturbance.name << ": weight " << disturbance.weight << ", with --edge "
                   << disturbance.edgeWeight;
