@@ -104,6 +104,7 @@ OddResult measure(const Draw &draw)
     result.reason = faultIn(ltcreader::toJson(*reading), odd.recording.sampleRate);
     result.verdict = judge(odd.right, answer, result.reason);
     result.confidence = reading->confidence;
+    result.likelyRight = judge(odd.right, answer, {}) == OddVerdict::Right;
     if (result.verdict != OddVerdict::Right) {
         result.there = textOf(odd.right);
         result.answered = textOf(answer.start, answer.rate);
@@ -164,24 +165,32 @@ std::string faultsOf(const std::vector<OddResult> &results)
 
 std::string calibrationOf(const std::vector<OddResult> &results)
 {
-    constexpr int decades = 7;
-    std::array<int, decades> files{};
-    std::array<int, decades> wrong{};
+    struct Decade {
+        int files = 0;
+        int wrong = 0;
+        double claimed = 0.0; ///< wrong ones by the confidences
+    };
+    std::array<Decade, 7> decades{};
     for (const OddResult &result : results) {
-        if (result.verdict != OddVerdict::Right && result.verdict != OddVerdict::Wrong)
+        if (result.verdict == OddVerdict::Refused)
             continue;
-        const double missing = std::max(1.0 - result.confidence, 1e-12);
-        const auto decade =
-            static_cast<std::size_t>(std::clamp(static_cast<int>(-std::log10(missing)), 0, decades - 1));
-        ++files[decade];
-        wrong[decade] += result.verdict == OddVerdict::Wrong ? 1 : 0;
+        constexpr double least = 1e-12; // keeps the logarithm finite
+        const double doubt = std::clamp(1.0 - result.confidence, least, 1.0);
+        const auto place = static_cast<std::size_t>(-std::log10(doubt));
+        Decade &decade = decades[std::min(place, decades.size() - 1)];
+        ++decade.files;
+        decade.wrong += result.likelyRight ? 0 : 1;
+        decade.claimed += doubt;
     }
-    std::string text = format("%-24s %8s %8s %12s\n", "1 - confidence", "files", "wrong", "share wrong");
-    for (std::size_t decade = 0; decade < decades; ++decade) {
-        const std::string range = decade + 1 == decades ? format("up to 1e-%zu", decade)
-                                                        : format("1e-%zu to 1e-%zu", decade, decade + 1);
-        text += format("%-24s %8d %8d %12.2g\n", range.c_str(), files[decade], wrong[decade],
-                       files[decade] == 0 ? 0.0 : static_cast<double>(wrong[decade]) / files[decade]);
+    std::string text =
+        format("%-40s %8s %8s %12s %12s\n", "1 - confidence", "answers", "wrong", "wrong share", "claimed");
+    for (std::size_t place = 0; place < decades.size(); ++place) {
+        const Decade &decade = decades[place];
+        const std::string range = place + 1 == decades.size() ? format("1e-%zu and less", place)
+                                                              : format("1e-%zu to 1e-%zu", place, place + 1);
+        const double files = std::max(1, decade.files);
+        text += format("%-40s %8d %8d %12.2g %12.2g\n", range.c_str(), decade.files, decade.wrong,
+                       decade.wrong / files, decade.claimed / files);
     }
     return text + "\n";
 }

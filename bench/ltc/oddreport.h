@@ -14,10 +14,11 @@ namespace ltcbench
 struct OddResult {
     Draw draw;
     OddVerdict verdict = OddVerdict::Refused;
-    double confidence = 0.0; ///< of the answer; 0 without one
-    std::string reason;      ///< of a refusal, or what is broken in the report
-    std::string there;       ///< right lines, of wrong and broken answers only
-    std::string answered;    ///< the label given, of wrong and broken answers only
+    double confidence = 0.0;  ///< of the answer
+    bool likelyRight = false; ///< what the confidence is of is right, whatever is broken beside it
+    std::string reason;       ///< of a refusal, or what is broken in the report
+    std::string there;        ///< right lines, of wrong and broken answers only
+    std::string answered;     ///< the label given, of wrong and broken answers only
 };
 
 /// Makes recording \a draw, has it read and judges the answer.
@@ -32,7 +33,7 @@ std::string tablesOf(const std::vector<OddResult> &results);
 /// Wrong and broken answers, one a line.
 std::string faultsOf(const std::vector<OddResult> &results);
 
-/// How often answers of each confidence are wrong, in decades of what is missing to 1.
+/// How often answers are wrong beside how often their confidence says so, in decades of 1 - confidence.
 std::string calibrationOf(const std::vector<OddResult> &results);
 
 /// A row for each recording.

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "bench/ltc/oddcases.h"
+#include "bench/ltc/oddreport.h"
 
+#include <QRegularExpression>
 #include <QTest>
 
+#include <cmath>
 #include <map>
 #include <set>
 
@@ -60,9 +62,19 @@ std::vector<Truth> lines(const std::vector<LtcTime> &starts)
     return result;
 }
 
+OddResult result(OddVerdict verdict, double confidence = 0.0)
+{
+    OddResult odd;
+    odd.draw = drawOf(Kind::Programme, 1, 0);
+    odd.verdict = verdict;
+    odd.confidence = confidence;
+    odd.likelyRight = verdict == OddVerdict::Right;
+    return odd;
+}
+
 } // namespace
 
-class TestOddPolicy : public QObject
+class TestOddBenchmark : public QObject
 {
     Q_OBJECT
 
@@ -81,9 +93,15 @@ private slots:
     void recordingsAreFoundByTheirName();
     void sameNameMakesSameRecording();
     void everyBehaviourIsDrawnAndMade();
+    void recordingsAtTheEdgeAreOrdinary();
+    void valuesAtTheEdgeFollowTheLength();
+    void tablesCountEachVerdict();
+    void faultsAreListedAlone();
+    void confidenceIsComparedWithWhatIsWrong();
+    void everyRecordingHasARow();
 };
 
-void TestOddPolicy::theLineAtTheBeginningIsRight_data()
+void TestOddBenchmark::theLineAtTheBeginningIsRight_data()
 {
     QTest::addColumn<std::vector<int>>("labels");
     QTest::addColumn<QStringList>("right");
@@ -107,14 +125,14 @@ void TestOddPolicy::theLineAtTheBeginningIsRight_data()
     row("no label exists", {-1, -1, -1}, {});
 }
 
-void TestOddPolicy::theLineAtTheBeginningIsRight()
+void TestOddBenchmark::theLineAtTheBeginningIsRight()
 {
     QFETCH(std::vector<int>, labels);
     QFETCH(QStringList, right);
     QCOMPARE(textsOf(rightLines(stretches(labels))), right);
 }
 
-void TestOddPolicy::onlyTimecodeThatRunsFromEndToEndIsRightWhereNoLineRuns_data()
+void TestOddBenchmark::onlyTimecodeThatRunsFromEndToEndIsRightWhereNoLineRuns_data()
 {
     QTest::addColumn<std::vector<int>>("labels");
     QTest::addColumn<int>("right");
@@ -125,14 +143,14 @@ void TestOddPolicy::onlyTimecodeThatRunsFromEndToEndIsRightWhereNoLineRuns_data(
     QTest::newRow("a label that does not exist") << std::vector<int>{-1} << 0;
 }
 
-void TestOddPolicy::onlyTimecodeThatRunsFromEndToEndIsRightWhereNoLineRuns()
+void TestOddBenchmark::onlyTimecodeThatRunsFromEndToEndIsRightWhereNoLineRuns()
 {
     QFETCH(std::vector<int>, labels);
     QFETCH(int, right);
     QCOMPARE(static_cast<int>(onlyLine(stretches(labels)).size()), right);
 }
 
-void TestOddPolicy::framesThatAreCutOffDoNotCount()
+void TestOddBenchmark::framesThatAreCutOffDoNotCount()
 {
     LtcSignal signal;
     signal.rate = pal;
@@ -150,7 +168,7 @@ void TestOddPolicy::framesThatAreCutOffDoNotCount()
     QCOMPARE(count(0.0, 0.05, 0.11).count, 0);
 }
 
-void TestOddPolicy::labelsExistOrNot_data()
+void TestOddBenchmark::labelsExistOrNot_data()
 {
     QTest::addColumn<int>("hours");
     QTest::addColumn<int>("minutes");
@@ -167,7 +185,7 @@ void TestOddPolicy::labelsExistOrNot_data()
     QTest::newRow("kept in each tenth minute") << 1 << 10 << 0 << 1 << true << true;
 }
 
-void TestOddPolicy::labelsExistOrNot()
+void TestOddBenchmark::labelsExistOrNot()
 {
     QFETCH(int, hours);
     QFETCH(int, minutes);
@@ -177,7 +195,7 @@ void TestOddPolicy::labelsExistOrNot()
     QTEST(isLabel({hours, minutes, seconds, frames}, dropFrame ? drop : pal), "exists");
 }
 
-void TestOddPolicy::badDigitsAreSentWithRightParity()
+void TestOddBenchmark::badDigitsAreSentWithRightParity()
 {
     SentFrame frame{{12, 34, 56, 7}};
     const auto good = bitsOf(frame, pal);
@@ -188,7 +206,7 @@ void TestOddPolicy::badDigitsAreSentWithRightParity()
     QVERIFY(good.count() % 2 == 0 && bad.count() % 2 == 0);
 }
 
-void TestOddPolicy::answersAreJudged()
+void TestOddBenchmark::answersAreJudged()
 {
     const std::vector<Truth> two = lines({{1, 0, 0, 0}, {2, 0, 0, 0}});
     const auto answer = [](int hours, LtcRate rate = pal) { return Answer{{hours, 0, 0, 0}, rate}; };
@@ -202,7 +220,7 @@ void TestOddPolicy::answersAreJudged()
     QVERIFY(judge({}, std::nullopt, {}) == OddVerdict::Refused);
 }
 
-void TestOddPolicy::reportsAreWholeOrBroken_data()
+void TestOddBenchmark::reportsAreWholeOrBroken_data()
 {
     QTest::addColumn<std::string>("text");
     QTest::addColumn<bool>("whole");
@@ -221,7 +239,7 @@ void TestOddPolicy::reportsAreWholeOrBroken_data()
     QTest::newRow("a number with a leading zero") << report("05", "25.0") << false;
 }
 
-void TestOddPolicy::reportsAreWholeOrBroken()
+void TestOddBenchmark::reportsAreWholeOrBroken()
 {
     QFETCH(std::string, text);
     QFETCH(bool, whole);
@@ -229,7 +247,7 @@ void TestOddPolicy::reportsAreWholeOrBroken()
     QVERIFY2(fault.empty() == whole, fault.c_str());
 }
 
-void TestOddPolicy::recordingsAreFoundByTheirName()
+void TestOddBenchmark::recordingsAreFoundByTheirName()
 {
     for (const Kind kind : {Kind::Odd, Kind::Edge, Kind::Programme}) {
         const Draw draw = drawOf(kind, 7, 12);
@@ -242,13 +260,13 @@ void TestOddPolicy::recordingsAreFoundByTheirName()
     QVERIFY_EXCEPTION_THROWN(drawNamed("7/x"), std::invalid_argument);
 }
 
-void TestOddPolicy::sameNameMakesSameRecording()
+void TestOddBenchmark::sameNameMakesSameRecording()
 {
     QVERIFY(caseOf(drawNamed("3/5")).recording.channels == caseOf(drawNamed("3/5")).recording.channels);
     QVERIFY(caseOf(drawNamed("3/5")).recording.channels != caseOf(drawNamed("4/5")).recording.channels);
 }
 
-void TestOddPolicy::everyBehaviourIsDrawnAndMade()
+void TestOddBenchmark::everyBehaviourIsDrawnAndMade()
 {
     const std::set<std::string> neverRight{"double speed", "half speed", "48, 50 or 60 frames a second",
                                            "programme sound"};
@@ -268,6 +286,65 @@ void TestOddPolicy::everyBehaviourIsDrawnAndMade()
     QCOMPARE(made.size(), allBehaviours().size());
 }
 
-QTEST_APPLESS_MAIN(TestOddPolicy)
+void TestOddBenchmark::recordingsAtTheEdgeAreOrdinary()
+{
+    for (std::uint64_t index = 0; index < 200; ++index) {
+        const Draw draw = drawOf(Kind::Edge, 1, index);
+        QCOMPARE(draw.behaviour->name, std::string("ordinary"));
+        QVERIFY(draw.disturbance->edgeWeight > 0);
+        const double distance = draw.value - edgeOf(*draw.disturbance, draw.seconds);
+        QVERIFY(std::abs(distance) <= 2 * draw.disturbance->step);
+    }
+}
 
-#include "tst_oddpolicy.moc"
+void TestOddBenchmark::valuesAtTheEdgeFollowTheLength()
+{
+    Disturbance disturbance;
+    disturbance.edge = {-10, -20, -24};
+    QCOMPARE(edgeOf(disturbance, 0.2), -10.0);
+    QCOMPARE(edgeOf(disturbance, 1.0), -20.0);
+    QCOMPARE(edgeOf(disturbance, 3.0), -24.0);
+    QCOMPARE(edgeOf(disturbance, 0.04), 0.0);
+}
+
+void TestOddBenchmark::tablesCountEachVerdict()
+{
+    const std::string tables =
+        tablesOf({result(OddVerdict::Right), result(OddVerdict::Right), result(OddVerdict::Refused),
+                  result(OddVerdict::Wrong), result(OddVerdict::Broken)});
+    QVERIFY(QString::fromStdString(tables).contains(
+        QRegularExpression("\\nprogramme sound +5 +4 +2 +1 +1 +1\\n")));
+    QVERIFY(!QString::fromStdString(tables).contains("held"));
+}
+
+void TestOddBenchmark::faultsAreListedAlone()
+{
+    const QString faults = QString::fromStdString(
+        faultsOf({result(OddVerdict::Right), result(OddVerdict::Refused), result(OddVerdict::Broken)}));
+    QCOMPARE(faults.count('\n'), 1);
+    QVERIFY(faults.startsWith("broken programme/1/0: programme sound"));
+}
+
+void TestOddBenchmark::confidenceIsComparedWithWhatIsWrong()
+{
+    const QString table = QString::fromStdString(
+        calibrationOf({result(OddVerdict::Right, 0.995), result(OddVerdict::Wrong, 0.997),
+                       result(OddVerdict::Refused, 0.995), result(OddVerdict::Wrong, 1.0)}));
+    QVERIFY2(table.contains(QRegularExpression("\\n1e-2 to 1e-3 +2 +1 +0.5 +0.004\\n")), qPrintable(table));
+    QVERIFY2(table.contains(QRegularExpression("\\n1e-6 and less +1 +1 +1 +1e-12\\n")), qPrintable(table));
+}
+
+void TestOddBenchmark::everyRecordingHasARow()
+{
+    OddResult odd = result(OddVerdict::Wrong, 0.5);
+    odd.reason = "a \"reason\"";
+    const QStringList rows = QString::fromStdString(csvOf({odd})).split('\n');
+    QCOMPARE(rows.size(), 3);
+    QCOMPARE(rows.at(1),
+             QString("programme/1/0,\"programme sound\",\"none\",0,0,%1,%2,wrong,1,0.5,\"a \"\"reason\"\"\"")
+                 .arg(QString::number(odd.draw.seconds), QString::fromStdString(nameOf(odd.draw.rate))));
+}
+
+QTEST_APPLESS_MAIN(TestOddBenchmark)
+
+#include "tst_oddbenchmark.moc"
