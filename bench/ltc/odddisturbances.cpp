@@ -46,10 +46,16 @@ void lowPassed(Samples &samples, int sampleRate, double value, Random &random)
     addWhite(samples, sampleRate, 40.0, random);
 }
 
+/// The noise is that of what records, so that it stays where the timecode goes.
 void highPassed(Samples &samples, int sampleRate, double value, Random &random)
 {
+    Samples noisy = samples;
+    addWhite(noisy, sampleRate, 10.0, random);
+    for (std::size_t n = 0; n < samples.size(); ++n)
+        noisy[n] -= samples[n];
     testsignals::highPass(samples, sampleRate, value, 2);
-    addWhite(samples, sampleRate, 30.0, random);
+    for (std::size_t n = 0; n < samples.size(); ++n)
+        samples[n] += noisy[n];
 }
 
 void clipped(Samples &samples, int sampleRate, double value, Random &random)
@@ -86,21 +92,29 @@ const std::vector<Disturbance> &allDisturbances()
     const std::string ratio = "dB";
     static const std::vector<Disturbance> disturbances{
         {"none", "", {}, 0, 0, 0, nullptr, 2},
-        {"white noise", ratio, {-9.6, -17, -20.7}, 20, -7, 2, addWhite, 1, 8},
-        {"pink noise", ratio, {-6, -13, -16.7}, 17, -7, 2, add<testsignals::pinkNoise>, 1, 8},
-        {"hum", ratio, {-50, -58, -64}, 45, -15, 4, add<testsignals::hum>, 1, 8},
-        {"wind", ratio, {-42, -50, -56}, 35, -15, 5, add<testsignals::windNoise>, 1, 8},
-        {"radio channel", ratio, {0, -7, -11}, 17, -7, 2, radio, 1, 8},
-        {"speech", ratio, {-26, -34, -40}, 35, -15, 4, add<testsignals::speechLike>, 1, 8},
-        {"music", ratio, {-22, -30, -36}, 30, -15, 4, add<testsignals::musicLike>, 1, 8},
-        {"low-pass", "Hz", {1100, 1000, 900}, 3000, -500, 200, lowPassed},
-        {"high-pass", "Hz", {5000, 6000, 6000}, -4500, 7000, 500, highPassed},
+        {"white noise", ratio, {-9.6, -16.6, -20.7}, 20, -7, 2, addWhite, 1, 8},
+        {"pink noise", ratio, {-5.5, -13, -16.4}, 17, -7, 2, add<testsignals::pinkNoise>, 1, 8},
+        {"hum", ratio, {-72, -86, -92}, 50, -15, 6, add<testsignals::hum>, 1, 8},
+        {"wind", ratio, {-43, -52, -55}, 35, -15, 5, add<testsignals::windNoise>, 1, 8},
+        {"radio channel", ratio, {2, -6, -11.7}, 17, -7, 2, radio, 1, 8},
+        {"speech", ratio, {-21, -36, -52}, 35, -15, 5, add<testsignals::speechLike>, 1, 8},
+        {"music", ratio, {-24, -33, -33}, 30, -15, 4, add<testsignals::musicLike>, 1, 8},
+        {"low-pass", "Hz", {700, 650, 600}, 2500, -350, 120, lowPassed},
+        {"high-pass in noise", "Hz", {1500, 2500, 4500}, -500, 5000, 300, highPassed},
         {"spikes in white noise", ratio, {-7, -14, -18}, 24, -7, 2, spikes},
-        {"clipping after white noise", ratio, {-7, -14, -18}, 24, -7, 2, clipped},
+        {"clipping after white noise", ratio, {-9, -16, -20}, 24, -7, 2, clipped},
         {"gain control with speech", ratio, {-6, -14, -20}, 30, -20, 4, gainControl},
-        {"wireless link", "grade", {4.5, 5, 5.5}, -3.5, 2, 0.5, wirelessLink},
-        {"AAC 64 kbit/s after pink noise", ratio, {-3, -10, -14}, 17, -7, 2, throughCodecAfterNoise<1>, 0, 1},
-        {"MP3 64 kbit/s after pink noise", ratio, {-3, -10, -14}, 17, -7, 2, throughCodecAfterNoise<4>, 0, 1},
+        {"wireless link", "grade", {3, 4, 5.5}, -1.2, 2, 0.4, wirelessLink},
+        {"AAC 64 kbit/s after pink noise",
+         ratio,
+         {-4, -13, -16.5},
+         17,
+         -7,
+         2,
+         throughCodecAfterNoise<1>,
+         0,
+         1},
+        {"MP3 64 kbit/s after pink noise", ratio, {-7, -13, -18}, 17, -7, 2, throughCodecAfterNoise<4>, 0, 1},
     };
     return disturbances;
 }
