@@ -104,7 +104,7 @@ private:
     std::size_t at = 0;
 };
 
-/// \a start so many frames later, at the rate and position of \a signal.
+/// The line of \a signal by which frame number \a index says what \a frame says.
 Truth lineOf(LtcSignal signal, const SentFrame &frame, std::int64_t index)
 {
     signal.rate.dropFrame = signal.rate.base == 30 && signal.rate.ntsc && frame.dropFlag;
@@ -152,24 +152,24 @@ WholeFrames wholeFrames(const LtcSignal &signal, double begin, double end)
 std::vector<Stretch> stretchesOf(const LtcSignal &signal, const FrameAt &frameAt, WholeFrames whole)
 {
     std::vector<Stretch> stretches;
-    std::optional<SentFrame> expected;
+    std::int64_t expected = -1; // count of the frame that would go on
+    bool expectedFlag = false;
     for (std::int64_t index = whole.first; index < whole.first + whole.count; ++index) {
         const SentFrame frame = frameAt(index);
         LtcRate rate = signal.rate;
         rate.dropFrame = rate.base == 30 && rate.ntsc && frame.dropFlag;
         if (!isLegal(frame, rate)) {
             stretches.push_back({std::nullopt, 1});
-            expected.reset();
+            expected = -1;
             continue;
         }
-        const bool goesOn = expected && expected->dropFlag == frame.dropFlag &&
-                            testsignals::text(expected->label, rate) == testsignals::text(frame.label, rate);
-        if (goesOn)
+        const std::int64_t count = testsignals::frameNumber(frame.label, rate);
+        if (count == expected && frame.dropFlag == expectedFlag)
             ++stretches.back().frames;
         else
             stretches.push_back({lineOf(signal, frame, index), 1});
-        expected = frame;
-        expected->label = testsignals::timeOfFrame(testsignals::frameNumber(frame.label, rate) + 1, rate);
+        expected = (count + 1) % testsignals::framesPerDay(rate);
+        expectedFlag = frame.dropFlag;
     }
     return stretches;
 }
