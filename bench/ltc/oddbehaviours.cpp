@@ -119,33 +119,6 @@ std::int64_t anyDistance(const LtcSignal &signal, Random &random)
     return static_cast<std::int64_t>(std::pow(random.uniform(), 3.0) * farthest * signal.rate.base) + 2;
 }
 
-OddSignal jumpForwards(LtcSignal signal, Random &random)
-{
-    return jump(signal, anyDistance(signal, random), random);
-}
-
-OddSignal jumpBackwards(LtcSignal signal, Random &random)
-{
-    return jump(signal, -anyDistance(signal, random), random);
-}
-
-OddSignal jumpAnywhere(LtcSignal signal, Random &random)
-{
-    const auto day = static_cast<double>(testsignals::framesPerDay(signal.rate));
-    return jump(signal, static_cast<std::int64_t>(random.uniform(0.001, 0.999) * day), random);
-}
-
-OddSignal jumpByAnHour(LtcSignal signal, Random &random)
-{
-    const std::int64_t hour = testsignals::framesPerDay(signal.rate) / 24;
-    return jump(signal, random.chance(0.5) ? hour : -hour, random);
-}
-
-OddSignal jumpByAFrame(LtcSignal signal, Random &random)
-{
-    return labelsJump(signal, random.chance(0.5) ? 1 : -1, random);
-}
-
 /// Every so many frames the labels go \a step too far.
 OddSignal nowAndThen(const LtcSignal &signal, std::int64_t step, Random &random)
 {
@@ -154,21 +127,6 @@ OddSignal nowAndThen(const LtcSignal &signal, std::int64_t step, Random &random)
     return running(signal, [&](std::int64_t index) {
         return frameOf(startCount(signal) + index + step * floorOf(index + phase, every), signal);
     });
-}
-
-OddSignal framesRepeated(LtcSignal signal, Random &random)
-{
-    return nowAndThen(signal, -1, random);
-}
-
-OddSignal framesSkipped(LtcSignal signal, Random &random)
-{
-    return nowAndThen(signal, 1, random);
-}
-
-OddSignal secondsSkipped(LtcSignal signal, Random &random)
-{
-    return nowAndThen(signal, signal.rate.base, random);
 }
 
 bool isNonDrop(LtcRate rate)
@@ -205,33 +163,6 @@ OddSignal held(LtcSignal signal, Random &random)
     const int phase = random.integer(0, times - 1);
     return notRunning(signal, [&](std::int64_t index) {
         return frameOf(startCount(signal) + floorOf(index + phase, times), signal);
-    });
-}
-
-OddSignal frozen(LtcSignal signal, Random &)
-{
-    return notRunning(signal, [&](std::int64_t) { return frameOf(startCount(signal), signal); });
-}
-
-OddSignal countingDown(LtcSignal signal, Random &)
-{
-    return notRunning(signal,
-                      [&](std::int64_t index) { return frameOf(startCount(signal) - index, signal); });
-}
-
-OddSignal pausedThenRunning(LtcSignal signal, Random &random)
-{
-    const std::int64_t change = anyFrame(signal, random);
-    return withPause(signal, [&](std::int64_t index) {
-        return frameOf(startCount(signal) + std::max<std::int64_t>(0, index - change), signal);
-    });
-}
-
-OddSignal runningThenPaused(LtcSignal signal, Random &random)
-{
-    const std::int64_t change = anyFrame(signal, random);
-    return withPause(signal, [&](std::int64_t index) {
-        return frameOf(startCount(signal) + std::min(index, change), signal);
     });
 }
 
@@ -313,16 +244,6 @@ bool hasNoDropCount(LtcRate rate)
     return rate.base != 30 || !rate.ntsc;
 }
 
-/// The flag is set at a rate that has no drop-frame count.
-OddSignal flagAtOtherRate(LtcSignal signal, Random &)
-{
-    return running(signal, [&](std::int64_t index) {
-        SentFrame frame = frameOf(startCount(signal) + index, signal);
-        frame.dropFlag = true;
-        return frame;
-    });
-}
-
 bool isNonDrop2997(LtcRate rate)
 {
     return rate.base == 30 && rate.ntsc && !rate.dropFrame;
@@ -355,16 +276,6 @@ OddSignal atSpeed(const LtcSignal &signal, double speed)
     Transport transport;
     transport.deviation = speed - 1.0;
     return {signal, testsignals::biphaseMarkAudio(signal, transport), {}};
-}
-
-OddSignal doubleSpeed(LtcSignal signal, Random &)
-{
-    return atSpeed(signal, 2.0);
-}
-
-OddSignal halfSpeed(LtcSignal signal, Random &)
-{
-    return atSpeed(signal, 0.5);
 }
 
 /// 48, 50 or 60 frames a second, counted through or in pairs.
@@ -440,20 +351,6 @@ OddSignal wrongSampleRate(LtcSignal signal, Random &random)
     return inOrder(signal, testsignals::biphaseMarkAudio(signal, transport), false);
 }
 
-OddSignal startsLate(LtcSignal signal, Random &random)
-{
-    OddSignal result = ordinary(signal, random);
-    testsignals::keepOnly(result.samples, signal.sampleRate, anyMoment(signal, random), signal.duration);
-    return result;
-}
-
-OddSignal endsEarly(LtcSignal signal, Random &random)
-{
-    OddSignal result = ordinary(signal, random);
-    testsignals::keepOnly(result.samples, signal.sampleRate, 0.0, anyMoment(signal, random));
-    return result;
-}
-
 OddSignal programme(LtcSignal signal, Random &random)
 {
     const auto &sounds = testsignals::otherSounds();
@@ -466,46 +363,87 @@ OddSignal programme(LtcSignal signal, Random &random)
 
 const std::vector<Behaviour> &allBehaviours()
 {
-    const std::string itsLine = "its line";
-    const std::string firstLine =
+    constexpr const char *itsLine = "its line";
+    constexpr const char *firstLine =
         "the first line; where fewer than two whole frames are before the first jump, "
         "also the next line";
-    const std::string noLine = "nothing, unless all whole frames count up by one";
-    const std::string noSpeed = "nothing: no rate is near this speed";
-    const std::string baseRate = "its line; of the rate the base only";
+    constexpr const char *noLine = "nothing, unless all whole frames count up by one";
+    constexpr const char *noSpeed = "nothing: no rate is near this speed";
+    constexpr const char *baseRate = "its line; of the rate the base only";
     static const std::vector<Behaviour> behaviours{
         {"ordinary", 3, itsLine, ordinary},
-        {"jump anywhere", 1, firstLine, jumpAnywhere},
-        {"jump forwards", 1, firstLine, jumpForwards},
-        {"jump backwards", 1, firstLine, jumpBackwards},
-        {"jump by an hour", 1, firstLine, jumpByAnHour},
-        {"jump by a frame", 1, firstLine, jumpByAFrame},
-        {"frames repeated", 1, firstLine, framesRepeated},
-        {"frames skipped", 1, firstLine, framesSkipped},
-        {"seconds skipped", 1, firstLine, secondsSkipped},
+        {"jump anywhere", 1, firstLine,
+         [](LtcSignal signal, Random &random) {
+             const auto day = static_cast<double>(testsignals::framesPerDay(signal.rate));
+             return jump(signal, static_cast<std::int64_t>(random.uniform(0.001, 0.999) * day), random);
+         }},
+        {"jump forwards", 1, firstLine,
+         [](LtcSignal signal, Random &random) { return jump(signal, anyDistance(signal, random), random); }},
+        {"jump backwards", 1, firstLine,
+         [](LtcSignal signal, Random &random) { return jump(signal, -anyDistance(signal, random), random); }},
+        {"jump by an hour", 1, firstLine,
+         [](LtcSignal signal, Random &random) {
+             const std::int64_t hour = testsignals::framesPerDay(signal.rate) / 24;
+             return jump(signal, random.chance(0.5) ? hour : -hour, random);
+         }},
+        {"jump by a frame", 1, firstLine,
+         [](LtcSignal signal, Random &random) {
+             return labelsJump(signal, random.chance(0.5) ? 1 : -1, random);
+         }},
+        {"frames repeated", 1, firstLine,
+         [](LtcSignal signal, Random &random) { return nowAndThen(signal, -1, random); }},
+        {"frames skipped", 1, firstLine,
+         [](LtcSignal signal, Random &random) { return nowAndThen(signal, 1, random); }},
+        {"seconds skipped", 1, firstLine,
+         [](LtcSignal signal, Random &random) { return nowAndThen(signal, signal.rate.base, random); }},
         {"count of another rate", 1,
          "the line that its labels count, where the speed is within 13 %, base rate only; otherwise as a "
          "jump at each second",
          otherCount, isNonDrop},
         {"held", 1, noLine, held},
-        {"frozen", 1, noLine, frozen},
-        {"counting down", 1, noLine, countingDown},
+        {"frozen", 1, noLine,
+         [](LtcSignal signal, Random &) {
+             return notRunning(signal, [&](std::int64_t) { return frameOf(startCount(signal), signal); });
+         }},
+        {"counting down", 1, noLine,
+         [](LtcSignal signal, Random &) {
+             return notRunning(
+                 signal, [&](std::int64_t index) { return frameOf(startCount(signal) - index, signal); });
+         }},
         {"paused, then running", 1,
          "nothing; where fewer than two whole frames are before the running line, the first label or that "
          "line",
-         pausedThenRunning},
-        {"running, then paused", 1, firstLine, runningThenPaused},
+         [](LtcSignal signal, Random &random) {
+             const std::int64_t change = anyFrame(signal, random);
+             return withPause(signal, [&](std::int64_t index) {
+                 return frameOf(startCount(signal) + std::max<std::int64_t>(0, index - change), signal);
+             });
+         }},
+        {"running, then paused", 1, firstLine,
+         [](LtcSignal signal, Random &random) {
+             const std::int64_t change = anyFrame(signal, random);
+             return withPause(signal, [&](std::int64_t index) {
+                 return frameOf(startCount(signal) + std::min(index, change), signal);
+             });
+         }},
         {"clock in user bits", 1, itsLine, userBitClock},
         {"date in user bits", 1, itsLine, userBitDate},
         {"random user bits", 1, itsLine, randomUserBits},
         {"illegal labels", 1, noLine, illegalLabels},
-        {"flag at a rate without drop-frame", 1, "its line without drop-frame", flagAtOtherRate,
+        {"flag at a rate without drop-frame", 1, "its line without drop-frame",
+         [](LtcSignal signal, Random &) {
+             return running(signal, [&](std::int64_t index) {
+                 SentFrame frame = frameOf(startCount(signal) + index, signal);
+                 frame.dropFlag = true;
+                 return frame;
+             });
+         },
          hasNoDropCount},
         {"flag with non-drop count", 1,
          "its line, drop-frame or not, since flag and count contradict each other", flagOverAMinute,
          isNonDrop2997},
-        {"double speed", 1, noSpeed, doubleSpeed},
-        {"half speed", 1, noSpeed, halfSpeed},
+        {"double speed", 1, noSpeed, [](LtcSignal signal, Random &) { return atSpeed(signal, 2.0); }},
+        {"half speed", 1, noSpeed, [](LtcSignal signal, Random &) { return atSpeed(signal, 0.5); }},
         {"48, 50 or 60 frames a second", 1, noSpeed, highFrameRate, isNonDrop},
         {"two timecodes", 1, "either line", twoTimecodes},
         {"polarity flip", 1, itsLine, polarityFlip},
@@ -513,8 +451,19 @@ const std::vector<Behaviour> &allBehaviours()
         {"dropouts", 1, itsLine, dropouts},
         {"clock 400 to 600 ppm off", 1, baseRate, clockOff},
         {"sample rate 0.1 % off", 1, baseRate, wrongSampleRate},
-        {"starts late", 1, itsLine, startsLate},
-        {"ends early", 1, itsLine, endsEarly},
+        {"starts late", 1, itsLine,
+         [](LtcSignal signal, Random &random) {
+             OddSignal result = ordinary(signal, random);
+             testsignals::keepOnly(result.samples, signal.sampleRate, anyMoment(signal, random),
+                                   signal.duration);
+             return result;
+         }},
+        {"ends early", 1, itsLine,
+         [](LtcSignal signal, Random &random) {
+             OddSignal result = ordinary(signal, random);
+             testsignals::keepOnly(result.samples, signal.sampleRate, 0.0, anyMoment(signal, random));
+             return result;
+         }},
         {"programme sound", 2, "nothing", programme, nullptr, false},
     };
     return behaviours;

@@ -3,11 +3,11 @@
 
 #include "bench/ltc/figures.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
+
 #include <algorithm>
 #include <cmath>
-#include <map>
-#include <stdexcept>
-#include <utility>
 
 namespace ltcbench
 {
@@ -16,93 +16,6 @@ namespace
 {
 
 constexpr int framesOfALine = 2; // a line runs from one frame to the next
-
-/// A flat JSON object as text is taken apart; throws std::invalid_argument where it is none.
-class ObjectParser
-{
-public:
-    explicit ObjectParser(const std::string &json) : text(json) {}
-
-    std::map<std::string, std::string> members()
-    {
-        std::map<std::string, std::string> result;
-        expect('{');
-        for (bool more = !accept('}'); more;) {
-            const std::string key = string();
-            expect(':');
-            skipBlanks();
-            result[key] = text[std::min(at, text.size() - 1)] == '"' ? string() : word();
-            more = accept(',');
-            if (!more)
-                expect('}');
-        }
-        skipBlanks();
-        if (at != text.size())
-            throw std::invalid_argument("text after the object");
-        return result;
-    }
-
-private:
-    void skipBlanks() { at = std::min(text.find_first_not_of(" \t\r\n", at), text.size()); }
-
-    bool accept(char letter)
-    {
-        skipBlanks();
-        const bool found = at < text.size() && text[at] == letter;
-        at += found ? 1 : 0;
-        return found;
-    }
-
-    void expect(char letter)
-    {
-        if (!accept(letter))
-            throw std::invalid_argument(std::string("no ") + letter);
-    }
-
-    /// Without escapes, of which the report has none.
-    std::string string()
-    {
-        expect('"');
-        const std::size_t end = text.find_first_of("\"\\\n", at);
-        if (end == std::string::npos || text[end] != '"')
-            throw std::invalid_argument("no string");
-        const std::string result = text.substr(at, end - at);
-        at = end + 1;
-        return result;
-    }
-
-    /// A number, or true or false.
-    std::string word()
-    {
-        const std::size_t end = std::min(text.find_first_of(",} \t\r\n", at), text.size());
-        const std::string result = text.substr(at, end - at);
-        at = end;
-        if (result != "true" && result != "false" && !isNumber(result))
-            throw std::invalid_argument("\"" + result + "\" is no value");
-        return result;
-    }
-
-    static bool isNumber(const std::string &word)
-    {
-        std::size_t next = word.starts_with('-') ? 1 : 0;
-        const auto digits = [&word, &next] {
-            const std::size_t end = std::min(word.find_first_not_of("0123456789", next), word.size());
-            return std::exchange(next, end) < end;
-        };
-        const std::size_t whole = next;
-        if (!digits() || (word[whole] == '0' && next > whole + 1))
-            return false;
-        if (next < word.size() && word[next] == '.') {
-            ++next;
-            if (!digits())
-                return false;
-        }
-        return next == word.size(); // the report writes no exponents
-    }
-
-    const std::string &text;
-    std::size_t at = 0;
-};
 
 /// The line of \a signal by which frame number \a index says what \a frame says.
 Truth lineOf(LtcSignal signal, const SentFrame &frame, std::int64_t index)
@@ -228,27 +141,26 @@ OddVerdict judge(const std::vector<Truth> &right, const std::optional<Answer> &a
 
 std::string faultIn(const std::string &report, int sampleRate)
 {
-    try {
-        const auto members = ObjectParser(report).members();
-        for (const char *key : {"Timecode", "DropFrame", "NTSC", "FrameRateFound", "FrameRateBaseFound",
-                                "ChannelFound", "SamplesSinceMidnight", "MeasuredFrameRate"}) {
-            if (!members.contains(key))
-                return std::string("no ") + key;
-        }
-        const LtcRate rate{numberFrom<int>(members.at("FrameRateBaseFound")), members.at("NTSC") == "true",
-                           members.at("DropFrame") == "true"};
-        const auto samples = numberFrom<std::int64_t>(members.at("SamplesSinceMidnight"));
-        const double day = static_cast<double>(testsignals::framesPerDay(rate)) *
-                           testsignals::samplesPerFrame(rate, sampleRate);
-        if (samples < 0 || static_cast<double>(samples) >= day)
-            return "samples outside the day: " + std::to_string(samples);
-        const auto measured = numberFrom<double>(members.at("MeasuredFrameRate"));
-        constexpr double tolerated = 0.15;
-        if (!(std::abs(measured / testsignals::framesPerSecond(rate) - 1.0) <= tolerated))
-            return "measured " + format("%.5g", measured) + " frames/s";
-    } catch (const std::invalid_argument &error) {
-        return error.what();
+    QJsonParseError error{};
+    const QJsonObject object = QJsonDocument::fromJson(QByteArray::fromStdString(report), &error).object();
+    if (error.error != QJsonParseError::NoError)
+        return "no JSON: " + error.errorString().toStdString();
+    for (const char *key : {"Timecode", "DropFrame", "NTSC", "FrameRateFound", "FrameRateBaseFound",
+                            "ChannelFound", "SamplesSinceMidnight", "MeasuredFrameRate"}) {
+        if (!object.contains(key))
+            return std::string("no ") + key;
     }
+    const LtcRate rate{object["FrameRateBaseFound"].toInt(), object["NTSC"].toBool(),
+                       object["DropFrame"].toBool()};
+    const double samples = object["SamplesSinceMidnight"].toDouble(-1.0);
+    const double day =
+        static_cast<double>(testsignals::framesPerDay(rate)) * testsignals::samplesPerFrame(rate, sampleRate);
+    if (!(samples >= 0.0 && samples < day))
+        return "samples outside the day: " + format("%.0f", samples);
+    const double measured = object["MeasuredFrameRate"].toDouble();
+    constexpr double tolerated = 0.15;
+    if (!(std::abs(measured / testsignals::framesPerSecond(rate) - 1.0) <= tolerated))
+        return "measured " + format("%.5g", measured) + " frames/s";
     return {};
 }
 
