@@ -284,7 +284,7 @@ OddSignal highFrameRate(LtcSignal signal, Random &random)
     const bool pairs = random.chance(0.5);
     Transport transport;
     transport.deviation = 1.0;
-    const std::int64_t fullRate = 2 * signal.rate.base;
+    const std::int64_t fullRate = std::int64_t{2} * signal.rate.base;
     const FrameAt frameAt = [&](std::int64_t index) {
         const std::int64_t count = 2 * startCount(signal) + index + fullRate;
         SentFrame frame = frameOf(count / fullRate * signal.rate.base, signal);

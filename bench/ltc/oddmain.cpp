@@ -97,11 +97,12 @@ void printList()
     for (const Disturbance &disturbance : allDisturbances()) {
         std::cout << disturbance.name << ": weight " << disturbance.weight << ", with --edge "
                   << disturbance.edgeWeight;
-        if (disturbance.apply)
+        if (disturbance.apply) {
             std::cout << format("; at the edge %g, %g, %g (0.2, 1, 3 s), easy %+g, beyond %+g, +-%g %s",
                                 disturbance.edge[0], disturbance.edge[1], disturbance.edge[2],
                                 disturbance.easyBy, disturbance.beyondBy, disturbance.step,
                                 disturbance.unit.c_str());
+        }
         std::cout << "\n";
     }
     for (const Length &length : allLengths())
@@ -120,9 +121,9 @@ std::vector<Draw> draws(const Options &options)
         if (result.empty() && index == untilFirst)
             throw std::invalid_argument("nothing is called \"" + options.only +
                                         "\"; --list prints all names");
-        Draw draw = drawOf(options.kind, options.seed, index);
+        const Draw draw = drawOf(options.kind, options.seed, index);
         if (isWanted(draw.behaviour->name) || isWanted(draw.disturbance->name))
-            result.push_back(std::move(draw));
+            result.push_back(draw);
     }
     return result;
 }

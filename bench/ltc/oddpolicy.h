@@ -22,8 +22,6 @@ struct SentFrame {
     std::uint32_t userBits = 0;
     int badDigitAt = -1; ///< first bit of a digit that is replaced; -1 = none
     int badDigit = 0;    ///< 10 to 15, in its place
-
-    friend bool operator==(const SentFrame &, const SentFrame &) = default;
 };
 
 /// What a generator says \a index frames after the signal's `start`, at any index.
