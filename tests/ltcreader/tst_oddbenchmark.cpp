@@ -277,7 +277,8 @@ void TestOddBenchmark::everyBehaviourIsDrawnAndMade()
             continue;
         const OddCase odd = caseOf(draw);
         ++made[draw.behaviour->name];
-        QCOMPARE(odd.recording.channels.front().size(), static_cast<std::size_t>(draw.seconds * 48000 + 0.5));
+        QCOMPARE(odd.recording.channels.front().size(),
+                 static_cast<std::size_t>(std::lround(draw.seconds * 48000)));
         if (neverRight.contains(draw.behaviour->name))
             QVERIFY(odd.right.empty());
         if (draw.behaviour->name == "ordinary")
