@@ -8,6 +8,7 @@
 
 #include "ltcreader/bitclock.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace ltcreader
@@ -69,14 +70,34 @@ void BitClock::process(const Edge &edge, std::vector<Frame> &frames)
     bit(half, edge, half ? halfDeviation + deviation * deviation : deviation * deviation);
     halfDone = false;
     if (heldBits == bitsPerFrame && syncWindow == syncWord) {
-        double sum = 0.0;
-        for (const Bit &held : history) {
-            sum += held.squaredDeviation;
-        }
-        const Bit &first = history[next];
-        frames.push_back(
-            {dataWindow, first.start, edge.position, std::sqrt(sum / bitsPerFrame), first.startsRising});
+        frames.push_back(heldFrame());
     }
+}
+
+Frame BitClock::heldFrame() const
+{
+    // The least squares line through all bits: single edges lie.
+    constexpr double middle = 0.5 * (bitsPerFrame - 1);
+    constexpr double squares = bitsPerFrame * (bitsPerFrame * bitsPerFrame - 1.0) / 12.0;
+    double mean = 0.0;
+    double products = 0.0;
+    double deviations = 0.0;
+    double most = 0.0;
+    for (std::size_t i = 0; i < history.size(); ++i) {
+        const Bit &held = history[(next + i) % history.size()];
+        mean += held.start / bitsPerFrame;
+        products += (static_cast<double>(i) - middle) * held.start;
+        deviations += held.squaredDeviation;
+        most = std::max(most, held.squaredDeviation);
+    }
+    const double slope = products / squares;
+    const double start = mean - middle * slope;
+    return {dataWindow,
+            start,
+            start + bitsPerFrame * slope,
+            std::sqrt(deviations / bitsPerFrame),
+            std::sqrt(most),
+            history[next].startsRising};
 }
 
 void BitClock::bit(bool one, const Edge &end, double squaredDeviation)

@@ -22,6 +22,7 @@ public:
     void process(const Edge &edge, std::vector<Frame> &frames);
 
 private:
+    Frame heldFrame() const;
     void bit(bool one, const Edge &end, double squaredDeviation);
     void loseBits();
 

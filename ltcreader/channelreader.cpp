@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/channelreader.h"
 
+#include "ltcreader/linecheck.h"
+
+#include <algorithm>
 #include <cstddef>
 
 namespace ltcreader
@@ -25,49 +28,89 @@ ChannelReader::ChannelReader(const Window &window, int channel, Algorithm algori
 {
 }
 
-std::optional<FrameChain> ChannelReader::chainOf(const EdgeReader &reader) const
+ChannelReader::Track ChannelReader::trackOf(const EdgeReader &reader, Algorithm way) const
 {
-    return findChain(reader.frames(), window.sampleRate(), wanted);
+    return {findChain(reader.frames(), window.sampleRate(), wanted), reader.frames(), way};
 }
 
 std::optional<Finding> ChannelReader::follow(std::size_t from)
 {
     const std::vector<float> &samples = window.channel(channel);
     edges.process(samples.data() + from, samples.size() - from);
-    const auto chain = chainOf(edges);
-    if (!chain || !isSure(*chain))
+    const Track track = trackOf(edges, firstTried(algorithm));
+    if (!track.chain || !isSure(*track.chain) || doubtAbout(track) != Doubt::None)
         return std::nullopt;
-    return toFinding(*chain, firstTried(algorithm), channel, window);
+    return toFinding(*track.chain, track.algorithm, channel, window);
 }
 
-std::optional<Finding> ChannelReader::readThoroughly() const
+/// In all ways that the algorithm allows, up to one that is clear.
+std::vector<ChannelReader::Track> ChannelReader::tracks() const
 {
+    std::vector<Track> all{trackOf(edges, firstTried(algorithm))};
+    if (algorithm != Algorithm::Automatic)
+        return all;
     const std::vector<float> &samples = window.channel(channel);
-    auto best = chainOf(edges);
-    Algorithm bestAlgorithm = firstTried(algorithm);
-    if (algorithm == Algorithm::Automatic && !(best && isClear(*best))) {
-        for (const Algorithm other : {Algorithm::Slope, Algorithm::High, Algorithm::Low}) {
-            EdgeReader reader(other, window.sampleRate());
-            reader.process(samples.data(), samples.size());
-            const auto chain = chainOf(reader);
-            if (chain && (!best || chain->frames > best->frames)) {
-                best = chain;
-                bestAlgorithm = other;
-            }
-        }
+    for (const Algorithm other : {Algorithm::Slope, Algorithm::High, Algorithm::Low}) {
+        if (all.front().chain && isClear(*all.front().chain))
+            break;
+        EdgeReader reader(other, window.sampleRate());
+        reader.process(samples.data(), samples.size());
+        all.push_back(trackOf(reader, other));
     }
-    if (best && (isSure(*best) || isClear(*best)))
-        return toFinding(*best, bestAlgorithm, channel, window);
+    return all;
+}
+
+Doubt ChannelReader::doubtAbout(const Track &track) const
+{
+    const FrameChain &chain = *track.chain;
+    if (isContradictedBefore(chain, track.frames))
+        return Doubt::Jump;
+    if (carriesFalseFlag(chain, track.frames))
+        return Doubt::FalseFlag;
+    const Doubt speed = doubtAboutSpeed(chain.rate, chain.wraps + 1, chain.frameLength, chain.lengthDeviation,
+                                        window.sampleRate(), wanted);
+    if (speed != Doubt::None || (isClear(chain) && beginsWithRecording(chain)))
+        return speed;
+    return doubtAboutChain(chain, window.channel(channel), window.sampleRate());
+}
+
+ChannelOutcome ChannelReader::outcomeOf(const Track &track) const
+{
+    return {toFinding(*track.chain, track.algorithm, channel, window), doubtAbout(track)};
+}
+
+ChannelOutcome ChannelReader::readThoroughly() const
+{
+    const std::vector<Track> all = tracks();
+    const auto longest = std::max_element(all.begin(), all.end(), [](const Track &a, const Track &b) {
+        return (a.chain ? a.chain->frames : 0) < (b.chain ? b.chain->frames : 0);
+    });
+    if (longest->chain && isClear(*longest->chain))
+        return outcomeOf(*longest);
+    // Labels that were read and do not count up are the truth, whatever a sum over all frames makes of them.
+    for (const Track &track : all) {
+        const Doubt labels = doubtAboutLabels(track.frames);
+        if (labels != Doubt::None)
+            return {std::nullopt, labels};
+    }
+    std::optional<ChannelOutcome> byEdges;
+    if (longest->chain && isBelievable(*longest->chain))
+        byEdges = outcomeOf(*longest);
     // Spikes are what recordings with a steep high-pass filter consist of; summing reads them where slopes
     // cannot.
-    if (algorithm == Algorithm::Automatic || algorithm == Algorithm::Slope) {
-        const auto reading = readJointly(samples, window.sampleRate(), wanted);
-        if (reading)
-            return toFinding(*reading, channel);
-    }
-    if (best && isBelievable(*best))
-        return toFinding(*best, bestAlgorithm, channel, window);
-    return std::nullopt;
+    if (algorithm != Algorithm::Automatic && algorithm != Algorithm::Slope)
+        return byEdges.value_or(ChannelOutcome());
+    const JointOutcome joint = readJointly(window.channel(channel), window.sampleRate(), wanted);
+    ChannelOutcome jointly{std::nullopt, joint.doubt};
+    if (joint.likeliest)
+        jointly.likeliest = toFinding(*joint.likeliest, channel);
+    if (!byEdges)
+        return jointly;
+    if (jointly.doubt != Doubt::None)
+        return *byEdges;
+    if (contradict(*byEdges->likeliest, *jointly.likeliest))
+        jointly.doubt = Doubt::TwoTimecodes;
+    return jointly;
 }
 
 } // namespace ltcreader

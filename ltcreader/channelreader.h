@@ -9,6 +9,12 @@
 namespace ltcreader
 {
 
+/// The likeliest timecode of a channel, and what keeps it from being an answer.
+struct ChannelOutcome {
+    std::optional<Finding> likeliest;
+    Doubt doubt = Doubt::NoTimecode;
+};
+
 /// Reads one channel of a window: by its edges while it comes in, and in every other way once it is complete.
 class ChannelReader
 {
@@ -21,10 +27,20 @@ public:
     std::optional<Finding> follow(std::size_t from);
 
     /// Tries what the algorithm allows on the whole window.
-    std::optional<Finding> readThoroughly() const;
+    ChannelOutcome readThoroughly() const;
 
 private:
-    std::optional<FrameChain> chainOf(const EdgeReader &reader) const;
+    /// A chain and the frames that it was found among.
+    struct Track {
+        std::optional<FrameChain> chain;
+        std::vector<Frame> frames;
+        Algorithm algorithm;
+    };
+
+    Track trackOf(const EdgeReader &reader, Algorithm way) const;
+    std::vector<Track> tracks() const;
+    Doubt doubtAbout(const Track &track) const;
+    ChannelOutcome outcomeOf(const Track &track) const;
 
     const Window &window;
     int channel;

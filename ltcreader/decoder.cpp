@@ -27,6 +27,21 @@ void keepBetter(std::optional<Finding> &best, const std::optional<Finding> &foun
         best = found;
 }
 
+/// Keeps the louder answer, or, where there is none, the doubt that says most.
+void keepBetter(ChannelOutcome &best, const ChannelOutcome &found)
+{
+    const auto rank = [](const ChannelOutcome &outcome) {
+        return outcome.doubt == Doubt::None         ? 3
+               : outcome.doubt == Doubt::NoTimecode ? 0
+               : outcome.likeliest                  ? 2
+                                                    : 1;
+    };
+    const bool louder = rank(found) == rank(best) && found.likeliest && best.likeliest &&
+                        found.likeliest->level > best.likeliest->level;
+    if (rank(found) > rank(best) || louder)
+        best = found;
+}
+
 std::vector<ChannelReader> readersFor(const Window &window, const Settings &settings)
 {
     std::optional<FrameRate> wanted;
@@ -40,18 +55,19 @@ std::vector<ChannelReader> readersFor(const Window &window, const Settings &sett
     return readers;
 }
 
-std::optional<Finding> readWindow(Window &window, const Settings &settings)
+ChannelOutcome readWindow(Window &window, const Settings &settings)
 {
     std::vector<ChannelReader> readers = readersFor(window, settings);
-    std::optional<Finding> best;
+    std::optional<Finding> sure;
     std::size_t from = 0;
-    while (!best && (from < window.size() || window.readBlock())) {
+    while (!sure && (from < window.size() || window.readBlock())) {
         for (ChannelReader &reader : readers)
-            keepBetter(best, reader.follow(from));
+            keepBetter(sure, reader.follow(from));
         from = window.size();
     }
-    if (best)
-        return best;
+    if (sure)
+        return {sure, Doubt::None};
+    ChannelOutcome best;
     for (const ChannelReader &reader : readers)
         keepBetter(best, reader.readThoroughly());
     return best;
@@ -75,15 +91,32 @@ std::optional<FrameRate> rateClass(double frameRate)
     return std::nullopt;
 }
 
-std::optional<Reading> readTimecode(SampleSource &source, const Settings &settings)
+Outcome examine(SampleSource &source, const Settings &settings)
 {
     Window window(source);
+    Outcome outcome;
     do {
-        const auto found = readWindow(window, settings);
-        if (found)
-            return toReading(*found, static_cast<double>(window.offset()), window.sampleRate());
+        const ChannelOutcome found = readWindow(window, settings);
+        if (found.doubt == Doubt::NoTimecode)
+            continue;
+        outcome.doubt = found.doubt;
+        outcome.likeliest.reset();
+        if (found.likeliest && isWhole(*found.likeliest)) {
+            outcome.likeliest =
+                toReading(*found.likeliest, static_cast<double>(window.offset()), window.sampleRate());
+        } else if (outcome.doubt == Doubt::None) {
+            outcome.doubt = Doubt::TooNoisy;
+        }
+        if (outcome.doubt == Doubt::None)
+            return outcome;
     } while (window.moveOn());
-    return std::nullopt;
+    return outcome;
+}
+
+std::optional<Reading> readTimecode(SampleSource &source, const Settings &settings)
+{
+    const Outcome outcome = examine(source, settings);
+    return outcome.doubt == Doubt::None ? outcome.likeliest : std::nullopt;
 }
 
 } // namespace ltcreader

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ltcreader/doubt.h"
 #include "ltcreader/samplesource.h"
 #include "ltcreader/timecode.h"
 
@@ -49,8 +50,17 @@ struct Reading {
 /// dropFrame is not set: both counts of 29.97 are meant.
 std::optional<FrameRate> rateClass(double frameRate);
 
-/// Reads \a source until its timecode is beyond doubt or the part that is searched has ended. Nothing when no
-/// timecode is found. \a settings must name a channel that exists and a rate that rateClass() knows.
+/// The likeliest timecode of a recording, and what keeps it from being an answer.
+struct Outcome {
+    std::optional<Reading> likeliest; ///< none when nothing resembles timecode
+    Doubt doubt = Doubt::NoTimecode;
+};
+
+/// Reads \a source until its timecode is proven or the part that is searched has ended. \a settings must name
+/// a channel that exists and a rate that rateClass() knows.
+Outcome examine(SampleSource &source, const Settings &settings);
+
+/// The proven timecode of \a source as examine() finds it; nothing when there is none.
 std::optional<Reading> readTimecode(SampleSource &source, const Settings &settings);
 
 } // namespace ltcreader

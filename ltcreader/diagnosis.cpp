@@ -91,6 +91,11 @@ std::string histogram(const Diagnosis &diagnosis)
     return text;
 }
 
+bool looksLikeTimecode(const Diagnosis &diagnosis)
+{
+    return diagnosis.biphase > biphaseShare && diagnosis.edges > leastEdges && diagnosis.edges < mostEdges;
+}
+
 } // namespace
 
 std::vector<Diagnosis> diagnose(SampleSource &source)
@@ -122,11 +127,39 @@ std::vector<Diagnosis> diagnose(SampleSource &source)
     return all;
 }
 
-std::string reasonFor(const Diagnosis &diagnosis)
+std::string reasonFor(Doubt doubt, const Diagnosis &diagnosis)
 {
+    switch (doubt) {
+    case Doubt::None:
+        return {};
+    case Doubt::Frozen:
+        return "frozen: all frames carry the same label";
+    case Doubt::Held:
+        return "held: each label stays for several frames";
+    case Doubt::CountingDown:
+        return "counting down: the recording plays backwards";
+    case Doubt::Jump:
+        return "a jump: no line of labels is proven at the first sample";
+    case Doubt::TwoTimecodes:
+        return "two timecodes that contradict each other";
+    case Doubt::Unreal:
+        return "labels that no clock shows, such as second 61";
+    case Doubt::FalseFlag:
+        return "the drop-frame flag contradicts the labels or the speed";
+    case Doubt::Speed:
+        return "too fast or too slow for the frame rate of its labels";
+    case Doubt::RateClass:
+        return "the frame rate cannot be told from its 1000/1001 neighbour; name it with -f";
+    case Doubt::TooNoisy:
+        if (!looksLikeTimecode(diagnosis))
+            return "too noisy: something like timecode, but its label is not proven";
+        break;
+    case Doubt::NoTimecode:
+        break;
+    }
     if (diagnosis.peak < silence)
         return "silence";
-    if (diagnosis.biphase > biphaseShare && diagnosis.edges > leastEdges && diagnosis.edges < mostEdges)
+    if (looksLikeTimecode(diagnosis))
         return "a signal like timecode, but without sync words that count up";
     if (diagnosis.level < quiet)
         return "very low level, nothing like timecode in it";
@@ -137,7 +170,7 @@ std::string reasonFor(const Diagnosis &diagnosis)
     return "programme sound only";
 }
 
-std::string toText(const Diagnosis &diagnosis, int channel, bool found)
+std::string toText(const Diagnosis &diagnosis, int channel, Doubt doubt)
 {
     constexpr double finite = 1e-9; // [full scale] keeps logarithms finite
     std::string text = "Channel " + std::to_string(channel + 1) + ": ";
@@ -145,8 +178,8 @@ std::string toText(const Diagnosis &diagnosis, int channel, bool found)
     text += number(", peak %.1f dBFS", 20.0 * std::log10(diagnosis.peak + finite));
     text += number(", %.0f edges per second", diagnosis.edges);
     text += number(", %.0f %% of them at distances of timecode\n", 100.0 * diagnosis.biphase);
-    if (!found)
-        text += "No timecode: " + reasonFor(diagnosis) + "\n";
+    if (doubt != Doubt::None)
+        text += "No timecode: " + reasonFor(doubt, diagnosis) + "\n";
     const std::string wave = picture(diagnosis.wave);
     if (!wave.empty())
         text += "Waveform, 4 ms from the middle:\n" + wave;

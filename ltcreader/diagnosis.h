@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ltcreader/doubt.h"
 #include "ltcreader/samplesource.h"
 
 #include <array>
@@ -24,11 +25,11 @@ struct Diagnosis {
 /// Looks at the first seconds of each channel of \a source.
 std::vector<Diagnosis> diagnose(SampleSource &source);
 
-/// Why no timecode was found, in plain words.
-std::string reasonFor(const Diagnosis &diagnosis);
+/// Why no timecode was found, in plain words: \a doubt says it, or what \a diagnosis shows.
+std::string reasonFor(Doubt doubt, const Diagnosis &diagnosis);
 
-/// \a diagnosis of the channel with the number \a channel (from 0) in lines: level, reason where none was
-/// found, a picture of the waveform and the lengths between edges.
-std::string toText(const Diagnosis &diagnosis, int channel, bool found);
+/// \a diagnosis of the channel with the number \a channel (from 0) in lines: level, reason unless \a doubt is
+/// None, a picture of the waveform and the lengths between edges.
+std::string toText(const Diagnosis &diagnosis, int channel, Doubt doubt);
 
 } // namespace ltcreader

@@ -117,7 +117,7 @@ void evaluate(const NumberedSum &sum, Hypothesis &hypothesis)
         }
     }
     hypothesis.fit = impossibleFit;
-    for (const HoursAllowed &hours : hoursAllowed) {
+    for (const HoursAllowed &hours : hoursOf(hypothesis)) {
         Allowed allowed = hypothesis.allowed;
         allowed[HourTens] &= hours.tens;
         allowed[HourUnits] &= hours.units;
@@ -265,8 +265,6 @@ std::optional<JointDecision> decideByDigits(const FrameGrid &grid, double measur
         });
         evaluate(*sum, other);
     };
-    const double lead =
-        static_cast<double>(best.fit - bestRival(best, hypotheses, grid.frames / 2, evaluateAgain));
     decision->levels = levelsOfDigits(grid, best);
     const Resemblance resemblance = resemblanceOf(grid, decision->levels);
     decision->amplitude = resemblance.amplitude;
@@ -275,8 +273,9 @@ std::optional<JointDecision> decideByDigits(const FrameGrid &grid, double measur
     const double unexplained = noiseBeside(decision->amplitude);
     const double repeated = repeatedError(grid, decision->levels);
     decision->errorRepeats = repeated > unexplained;
-    // The lead is a log-likelihood already; errors that repeat make it worth less.
-    decision->margin = lead * std::min(1.0, unexplained / repeated);
+    decision->trust = unexplained / std::max(unexplained, repeated);
+    // Fits are log-likelihoods already; errors that repeat make them worth less.
+    decision->margin = marginOf(best, hypotheses, grid.frames / 2, decision->trust, evaluateAgain);
     return decision;
 }
 

@@ -16,8 +16,10 @@ constexpr int unbrokenFrames = 3;       // in short recordings and between gaps
 constexpr double sureDeviation = 0.1;   // [bits] edges this close to their places leave no doubt about bits
 constexpr double believableShare = 0.6; // of the frames in its span that a row must hold
 constexpr double toleratedStrangers = 0.1; // frames that say something else, as a share of the row's
-constexpr double sureConfidence = 0.999999;
-constexpr double believableConfidence = 0.999;
+constexpr double latestStart = 2.0;        // [frames] more than that before a row could carry other labels
+constexpr double wrongFrame =
+    0.01; // share of frames beyond the edges' reach in which the same digit is misread
+constexpr double leastDoubt = 1e-9; // no recording leaves less
 
 double spanInFrames(const FrameChain &chain)
 {
@@ -26,10 +28,16 @@ double spanInFrames(const FrameChain &chain)
 
 } // namespace
 
+bool beginsWithRecording(const FrameChain &chain)
+{
+    return chain.first < latestStart * chain.frameLength;
+}
+
 bool isSure(const FrameChain &chain)
 {
-    return chain.frames >= sureFrames && chain.wraps > 0 && chain.strangers == 0 &&
-           chain.deviation < sureDeviation && chain.frames >= spanInFrames(chain) - 0.5;
+    return beginsWithRecording(chain) && chain.frames >= sureFrames && chain.wraps > 0 &&
+           chain.strangers == 0 && chain.deviation < sureDeviation &&
+           chain.frames >= spanInFrames(chain) - 0.5;
 }
 
 bool isClear(const FrameChain &chain)
@@ -56,7 +64,7 @@ Finding toFinding(const FrameChain &chain, Algorithm algorithm, int channel, con
     finding.frameLength = chain.frameLength;
     finding.channel = channel;
     finding.level = window.level(channel, chain.first, chain.last);
-    finding.confidence = isSure(chain) ? sureConfidence : believableConfidence;
+    finding.confidence = 1.0 - std::max(leastDoubt, std::pow(wrongFrame, chain.frames)) - chain.classDoubt;
     finding.frames = chain.frames;
     finding.bits = chain.bits;
     finding.algorithm = algorithm;
@@ -72,12 +80,25 @@ Finding toFinding(const JointReading &reading, int channel)
     finding.frameLength = reading.frameLength;
     finding.channel = channel;
     finding.level = reading.level;
-    finding.confidence = 1.0 - std::exp(-reading.decision.margin);
+    finding.confidence = 1.0 / (1.0 + std::exp(-reading.decision.margin)) - reading.classDoubt;
     finding.frames = reading.frames;
     finding.bits = reading.decision.bits;
     finding.algorithm = Algorithm::Automatic;
     finding.inverted = reading.inverted;
     return finding;
+}
+
+bool isWhole(const Finding &finding)
+{
+    const bool onADay = std::abs(finding.startCount) < 2.0 * static_cast<double>(framesPerDay(finding.rate));
+    return onADay && finding.frameLength > 0.0 && std::isfinite(finding.frameLength) &&
+           std::isfinite(finding.level) && std::isfinite(finding.confidence);
+}
+
+bool contradict(const Finding &a, const Finding &b)
+{
+    return a.rate.base != b.rate.base || a.rate.dropFrame != b.rate.dropFrame ||
+           std::abs(a.startCount - b.startCount) > 0.5;
 }
 
 Reading toReading(const Finding &finding, double offset, int sampleRate)
@@ -91,7 +112,7 @@ Reading toReading(const Finding &finding, double offset, int sampleRate)
     reading.baseRate = finding.rate.base;
     reading.channel = finding.channel;
     reading.samplesSinceMidnight = samplesAt(startCount, finding.rate, sampleRate);
-    reading.confidence = finding.confidence;
+    reading.confidence = std::max(0.0, finding.confidence);
     reading.measuredRate = sampleRate / finding.frameLength;
     reading.rateError = 1e6 * (reading.measuredRate / finding.rate.framesPerSecond() - 1.0);
     reading.level = 20.0 * std::log10(std::max(finding.level, silence));

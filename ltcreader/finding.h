@@ -23,7 +23,11 @@ struct Finding {
     bool inverted = false;
 };
 
-/// True when \a chain leaves no doubt, so that nothing else needs to be looked at.
+/// True when less than two whole frames lie before \a chain.
+bool beginsWithRecording(const FrameChain &chain);
+
+/// True when \a chain leaves no doubt and begins with the recording, so that nothing else needs to be looked
+/// at.
 bool isSure(const FrameChain &chain);
 
 /// True when \a chain is right as far as it goes, though the recording holds more that is not part of it.
@@ -34,6 +38,12 @@ bool isBelievable(const FrameChain &chain);
 
 Finding toFinding(const FrameChain &chain, Algorithm algorithm, int channel, const Window &window);
 Finding toFinding(const JointReading &reading, int channel);
+
+/// Whether all numbers of \a finding are finite and can be those of timecode.
+bool isWhole(const Finding &finding);
+
+/// Whether two findings in one window cannot both be true.
+bool contradict(const Finding &a, const Finding &b);
 
 /// \a finding in a window that begins \a offset [samples] after the recording's first one.
 Reading toReading(const Finding &finding, double offset, int sampleRate);

@@ -58,6 +58,7 @@ struct Frame {
     double start = 0.0;         ///< [samples] since the start of the recording
     double end = 0.0;           ///< [samples] start of the frame that follows
     double meanDeviation = 0.0; ///< [bits] root mean square distance of its edges from where they belong
+    double mostDeviation = 0.0; ///< [bits] of a single bit: one edge that is off can change a digit
     bool startsRising = false;  ///< polarity of its first edge
 };
 

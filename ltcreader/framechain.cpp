@@ -25,6 +25,14 @@ namespace
 constexpr std::size_t shortestChain = 3; // [frames] fewer could agree by chance
 constexpr std::size_t longChain = 6;     // [frames] enough without any other sign
 constexpr double speedMatters = 0.003;   // a larger speed error says nothing about 1000 / 1001
+constexpr double toleratedSpeed = 0.13;  // machines that run faster or slower than that do not exist
+constexpr double leastDeviation = 1e-6;  // [samples] keeps quotients finite
+constexpr double provenClass = 4.3;      // standard deviations between the measured speed and the midpoint
+constexpr double nearSpeed = 0.012;      // most machines that do not run true come that near
+constexpr int provingSeconds = 3;        // touched: two returns of the frame number, where a jump makes one
+constexpr double clearBit = 0.2;         // [bits] half a bit and a whole one differ by 0.25 from their middle
+constexpr int toleratedBefore = 1;       // [frames] misread while the slicer finds the level
+constexpr int tellingPairs = 5;          // of clean neighbouring frames: their labels show how they move
 
 struct Member {
     const Frame *frame;
@@ -105,6 +113,15 @@ void fitLine(const std::vector<Member> &members, FrameChain &chain)
         squares += place * place;
     }
     chain.frameLength = products / squares;
+    double residuals = 0.0;
+    double jitter = 0.0; // [samples squared] of starts, each at the end of a line through 80 edges
+    for (const Member &member : members) {
+        const double place = static_cast<double>(member.place) - meanPlace;
+        residuals += std::pow(member.frame->start - meanStart - chain.frameLength * place, 2.0);
+        jitter += 4.0 / bitsPerFrame *
+                  std::pow(member.frame->meanDeviation * chain.frameLength / bitsPerFrame, 2.0) / n;
+    }
+    chain.lengthDeviation = std::sqrt(std::max(residuals / (n - 2.0), jitter) / squares);
     const double startPlace = meanPlace - meanStart / chain.frameLength;
     chain.startCount = startPlace + static_cast<double>(members.front().count - members.front().place);
 }
@@ -153,17 +170,40 @@ double speedPenalty(const FrameChain &chain, int sampleRate, const std::optional
 constexpr std::array<FrameRate, 4> waysOfCounting{
     FrameRate{24, false, false}, {25, false, false}, {30, false, false}, {30, true, true}};
 
-/// Whether \a next follows \a frame without a gap, its number one higher.
-bool follows(const Frame &frame, const Frame &next)
+/// Whether the label of \a next is one higher than that of \a frame.
+bool isOneHigher(const Frame &frame, const Frame &next)
 {
     const auto label = labelOf(frame.bits);
     const auto nextLabel = labelOf(next.bits);
-    const double gap = std::abs(next.start - frame.end) / (frame.end - frame.start);
-    if (!label || !nextLabel || gap > clearDeviation / bitsPerFrame)
+    if (!label || !nextLabel)
         return false;
     return std::any_of(waysOfCounting.begin(), waysOfCounting.end(), [&](const FrameRate &way) {
         return isLabel(*label, way) && labelAt(frameCount(*label, way) + 1, way) == *nextLabel;
     });
+}
+
+/// Whether \a next follows \a frame without a gap, its label one higher.
+bool follows(const Frame &frame, const Frame &next)
+{
+    const double gap = std::abs(next.start - frame.end) / (frame.end - frame.start);
+    return gap <= clearDeviation / bitsPerFrame && isOneHigher(frame, next);
+}
+
+bool isClear(const Frame &frame)
+{
+    return frame.meanDeviation < clearDeviation && frame.mostDeviation < clearBit;
+}
+
+/// The digits of the label, whether they are a time of day or not.
+FrameBits labelBits(FrameBits bits)
+{
+    constexpr std::array<BitField, 8> digits{field::frameUnits, field::frameTens,   field::secondUnits,
+                                             field::secondTens, field::minuteUnits, field::minuteTens,
+                                             field::hourUnits,  field::hourTens};
+    FrameBits mask = 0;
+    for (const BitField &digit : digits)
+        mask |= ((FrameBits{1} << digit.width) - 1) << digit.first;
+    return bits & mask;
 }
 
 /// The first frames that count up without a gap and with edges that cannot be mistaken; empty when there are
@@ -172,15 +212,14 @@ std::vector<Frame> firstClearRun(const std::vector<Frame> &frames)
 {
     std::vector<Frame> run;
     for (const Frame &frame : frames) {
-        const bool clear = frame.meanDeviation < clearDeviation;
-        if (clear && !run.empty() && follows(run.back(), frame)) {
+        if (isClear(frame) && !run.empty() && follows(run.back(), frame)) {
             run.push_back(frame);
             continue;
         }
         if (run.size() >= shortestChain)
             return run;
         run.clear();
-        if (clear)
+        if (isClear(frame))
             run.push_back(frame);
     }
     return run.size() >= shortestChain ? run : std::vector<Frame>();
@@ -192,6 +231,29 @@ bool majorityHasDropFlag(const std::vector<Member> &members)
         return fieldValue(member.frame->bits, field::dropFrame) != 0;
     });
     return 2 * static_cast<std::size_t>(flagged) > members.size();
+}
+
+/// Whether the speed is that of a way of counting other than \a base.
+bool isRateOfAnotherBase(int base, double frameLength, int sampleRate)
+{
+    return std::any_of(waysOfCounting.begin(), waysOfCounting.end(), [&](FrameRate way) {
+        const double whole = speedError(frameLength, {way.base, false, false}, sampleRate);
+        const double ntsc = speedError(frameLength, {way.base, way.base != 25, false}, sampleRate);
+        return way.base != base && std::min(whole, ntsc) < speedMatters;
+    });
+}
+
+/// How far the speed is from the midpoint between \a rate and its neighbour in the ratio of 1000/1001, on the
+/// side of \a rate [standard deviations]; very far where nothing is to be told apart.
+double distanceFromMidpoint(const FrameRate &rate, double frameLength, double lengthDeviation, int sampleRate,
+                            const std::optional<FrameRate> &wanted)
+{
+    constexpr double veryFar = 100.0;
+    if (rate.base == 25 || wanted || speedError(frameLength, rate, sampleRate) > speedMatters)
+        return veryFar;
+    const double midpoint = std::sqrt(1000.0 / 1001.0) * rate.base; // [frames/s]
+    const double distance = std::log(sampleRate / frameLength / midpoint) * (rate.ntsc ? -1.0 : 1.0);
+    return std::clamp(distance * frameLength / std::max(leastDeviation, lengthDeviation), -veryFar, veryFar);
 }
 
 } // namespace
@@ -209,6 +271,28 @@ FrameRate rateBySpeed(FrameRate rate, double frameLength, int sampleRate,
     if (rate.dropFrame)
         rate.ntsc = true;
     return rate;
+}
+
+Doubt doubtAboutSpeed(const FrameRate &rate, int seconds, double frameLength, double lengthDeviation,
+                      int sampleRate, const std::optional<FrameRate> &wanted)
+{
+    const double error = speedError(frameLength, rate, sampleRate);
+    if (!(error < toleratedSpeed))
+        return Doubt::Speed;
+    if (seconds < provingSeconds && error > nearSpeed &&
+        isRateOfAnotherBase(rate.base, frameLength, sampleRate))
+        return Doubt::Speed;
+    const double distance = distanceFromMidpoint(rate, frameLength, lengthDeviation, sampleRate, wanted);
+    if (std::abs(distance) < provenClass)
+        return Doubt::RateClass;
+    return distance > 0.0 ? Doubt::None : Doubt::FalseFlag;
+}
+
+double chanceOfOtherClass(const FrameRate &rate, double frameLength, double lengthDeviation, int sampleRate,
+                          const std::optional<FrameRate> &wanted)
+{
+    const double distance = distanceFromMidpoint(rate, frameLength, lengthDeviation, sampleRate, wanted);
+    return 0.5 * std::erfc(distance / std::numbers::sqrt2); // the tail of a normal distribution
 }
 
 std::optional<FrameChain> findChain(const std::vector<Frame> &frames, int sampleRate,
@@ -241,12 +325,70 @@ std::optional<FrameChain> findChain(const std::vector<Frame> &frames, int sample
     best->rate = rateBySpeed(best->rate, best->frameLength, sampleRate, wanted);
     if (wanted && (wanted->base != best->rate.base || wanted->ntsc != best->rate.ntsc))
         return std::nullopt;
+    best->classDoubt =
+        chanceOfOtherClass(best->rate, best->frameLength, best->lengthDeviation, sampleRate, wanted);
     best->strangers =
         static_cast<int>(std::count_if(
             frames.begin(), frames.end(),
             [&](const Frame &frame) { return frame.start >= best->first && frame.end <= best->last; })) -
         best->frames;
     return best;
+}
+
+Doubt doubtAboutLabels(const std::vector<Frame> &frames)
+{
+    int clear = 0;
+    int unreal = 0;
+    int pairs = 0;
+    int up = 0;
+    int down = 0;
+    int still = 0;
+    const Frame *before = nullptr;
+    for (const Frame &frame : frames) {
+        if (!isClear(frame))
+            continue;
+        ++clear;
+        if (!labelOf(frame.bits))
+            ++unreal;
+        if (before && std::abs(frame.start - before->end) < 0.5 * (frame.end - frame.start)) {
+            ++pairs;
+            up += isOneHigher(*before, frame) ? 1 : 0;
+            down += isOneHigher(frame, *before) ? 1 : 0;
+            still += labelBits(frame.bits) == labelBits(before->bits) ? 1 : 0;
+        }
+        before = &frame;
+    }
+    if (unreal > 1 && 2 * unreal > clear)
+        return Doubt::Unreal;
+    if (pairs < tellingPairs || 2 * up > pairs)
+        return Doubt::None;
+    if (10 * still > 9 * pairs)
+        return Doubt::Frozen;
+    if (4 * still > pairs)
+        return Doubt::Held;
+    return 2 * down > pairs ? Doubt::CountingDown : Doubt::Jump;
+}
+
+bool carriesFalseFlag(const FrameChain &chain, const std::vector<Frame> &frames)
+{
+    return chain.rate.dropFrame && std::any_of(frames.begin(), frames.end(), [&chain](const Frame &frame) {
+               const auto label = labelOf(frame.bits);
+               return isClear(frame) && label && !isLabel(*label, chain.rate);
+           });
+}
+
+bool isContradictedBefore(const FrameChain &chain, const std::vector<Frame> &frames)
+{
+    const std::int64_t day = framesPerDay(chain.rate);
+    const auto contradicting = std::count_if(frames.begin(), frames.end(), [&](const Frame &frame) {
+        if (!isClear(frame) || frame.start >= chain.first)
+            return false;
+        const auto label = labelOf(frame.bits);
+        const double count = chain.startCount + frame.start / chain.frameLength;
+        return !label || !isLabel(*label, chain.rate) ||
+               (frameCount(*label, chain.rate) - std::llround(count)) % day != 0;
+    });
+    return contradicting > toleratedBefore;
 }
 
 } // namespace ltcreader

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ltcreader/doubt.h"
 #include "ltcreader/frame.h"
 
 #include <optional>
@@ -15,17 +16,19 @@ constexpr double clearDeviation = 0.06;
 /// Frames of one recording that count up as time goes by.
 struct FrameChain {
     FrameRate rate;
-    double startCount = 0.0;  ///< [frames] since midnight at the first sample of the recording, any sign
-    double frameLength = 0.0; ///< [samples] as recorded
-    double deviation = 0.0;   ///< [bits] root mean square deviation of the edges
-    int frames = 0;           ///< that belong to the chain
-    int unbroken = 0;         ///< most of them in a row without a gap
-    int strangers = 0;        ///< frames within its span that do not
-    int wraps = 0;            ///< times that the frame number returned to its lowest label within the chain
-    double first = 0.0;       ///< [samples] where its first frame starts
-    double last = 0.0;        ///< [samples] where its last frame ends
-    FrameBits bits = 0;       ///< of its first frame
-    bool inverted = false;    ///< its frames begin with a falling edge
+    double startCount = 0.0;      ///< [frames] since midnight at the first sample of the recording, any sign
+    double frameLength = 0.0;     ///< [samples] as recorded
+    double lengthDeviation = 0.0; ///< [samples] standard deviation of frameLength
+    double deviation = 0.0;       ///< [bits] root mean square deviation of the edges
+    int frames = 0;               ///< that belong to the chain
+    int unbroken = 0;             ///< most of them in a row without a gap
+    int strangers = 0;            ///< frames within its span that do not
+    int wraps = 0;           ///< times that the frame number returned to its lowest label within the chain
+    double first = 0.0;      ///< [samples] where its first frame starts
+    double last = 0.0;       ///< [samples] where its last frame ends
+    FrameBits bits = 0;      ///< of its first frame
+    double classDoubt = 0.0; ///< probability that 1000/1001 is wrong
+    bool inverted = false;   ///< its frames begin with a falling edge
 };
 
 /// \a rate with ntsc as the measured frame length [samples] tells. Where the speed fits neither of both, \a
@@ -33,9 +36,32 @@ struct FrameChain {
 FrameRate rateBySpeed(FrameRate rate, double frameLength, int sampleRate,
                       const std::optional<FrameRate> &wanted);
 
+/// What the speed says against \a rate, as rateBySpeed() gave it. No machine runs more than 13 % too fast or
+/// too slow. Film at 24 runs at 25, but labels that jump once look like it: so the frame number must return
+/// twice, \a seconds touched be three. 1000/1001 is proven only where the midpoint to the whole rate is four
+/// standard deviations away, \a lengthDeviation [samples]; far from both rates, and where one is \a wanted,
+/// it need not be.
+Doubt doubtAboutSpeed(const FrameRate &rate, int seconds, double frameLength, double lengthDeviation,
+                      int sampleRate, const std::optional<FrameRate> &wanted);
+
+/// The probability, by the measured speed alone, that the class of \a rate is the other one.
+double chanceOfOtherClass(const FrameRate &rate, double frameLength, double lengthDeviation, int sampleRate,
+                          const std::optional<FrameRate> &wanted);
+
 /// The chain that the recording starts with: the earliest of \a frames (in order of time) that is long enough
 /// to be believed. \a wanted restricts the rate (its dropFrame is not looked at). \a sampleRate [Hz].
 std::optional<FrameChain> findChain(const std::vector<Frame> &frames, int sampleRate,
                                     const std::optional<FrameRate> &wanted);
+
+/// How the labels of those of \a frames move whose edges cannot be mistaken: None when they count up, or
+/// where there are fewer than six of them.
+Doubt doubtAboutLabels(const std::vector<Frame> &frames);
+
+/// Whether one of \a frames carries a label that the drop-frame flag of \a chain leaves out.
+bool carriesFalseFlag(const FrameChain &chain, const std::vector<Frame> &frames);
+
+/// Whether frames of \a frames whose edges cannot be mistaken, more than one, lie before \a chain and are not
+/// part of its line.
+bool isContradictedBefore(const FrameChain &chain, const std::vector<Frame> &frames);
 
 } // namespace ltcreader

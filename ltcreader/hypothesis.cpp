@@ -14,6 +14,7 @@ namespace
 constexpr int secondsPerMinute = 60;
 constexpr int minutesPerHour = 60;
 constexpr int hoursPerDay = 24;
+constexpr double leastDoubt = 1e-300; // keeps logarithms finite
 
 /// The hypotheses in which the minute changes \a hypothesis.second seconds before a full one.
 void addWithMinutes(Hypothesis hypothesis, std::vector<Hypothesis> &hypotheses)
@@ -105,24 +106,36 @@ bool sameTimecode(const Hypothesis &a, const Hypothesis &b, int frame)
            std::equal(digitsA.begin() + SecondUnits, digitsA.end(), digitsB.begin() + SecondUnits);
 }
 
-float bestRival(const Hypothesis &best, const std::vector<Hypothesis> &others, int frame,
+double marginOf(const Hypothesis &best, const std::vector<Hypothesis> &others, int frame, double perFit,
                 const std::function<void(Hypothesis &)> &evaluate)
 {
-    float rival = impossibleFit;
+    double sum = 0.0; // of likelihood ratios of rivals against best
+    const auto add = [&](const Hypothesis &rival) {
+        sum += std::exp(std::min(0.0, perFit * static_cast<double>(rival.fit - best.fit)));
+    };
     for (const Hypothesis &other : others) {
         if (!sameTimecode(other, best, frame))
-            rival = std::max(rival, other.fit);
+            add(other);
     }
     const Digits assumed = digitsAfter(best, 0);
-    for (const Digit digit : {MinuteUnits, MinuteTens, HourUnits, HourTens}) {
-        if (assumed[digit] >= 0)
+    for (const Digit digit : {DropFlag, MinuteUnits, MinuteTens, HourUnits, HourTens}) {
+        if (assumed[digit] >= 0 || (digit == DropFlag && best.numbering.base != 30))
             continue;
         Hypothesis other = best;
-        other.allowed[digit] &= ~(1U << fieldValue(best.bits, digitFields[digit]));
+        other.realHours = false;
+        other.allowed[digit] = ((1U << (1 << digitFields[digit].width)) - 1U) &
+                               ~(1U << fieldValue(best.bits, digitFields[digit]));
         evaluate(other);
-        rival = std::max(rival, other.fit);
+        add(other);
     }
-    return rival;
+    return -std::log(sum + leastDoubt);
+}
+
+std::vector<HoursAllowed> hoursOf(const Hypothesis &hypothesis)
+{
+    if (hypothesis.realHours)
+        return {hoursAllowed.begin(), hoursAllowed.end()};
+    return {{0xF, 0xFFFF}};
 }
 
 double speedPenalty(int base, double measuredRate)

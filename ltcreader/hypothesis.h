@@ -20,6 +20,7 @@ struct Hypothesis {
     int minute = -1;           ///< of frame 0; -1 = stands still
     int hour = -1;             ///< likewise
     Allowed allowed = anyTime; ///< values of the digits left open
+    bool realHours = true;     ///< hours stop at 23
     float fit = 0.0F;          ///< to the recording, once it was evaluated
     FrameBits bits = 0;        ///< of frame 0 without its number, once it was evaluated
 };
@@ -33,15 +34,20 @@ Digits digitsFoundAfter(const Hypothesis &hypothesis, int later);
 /// Writes the digits that \a hypothesis assumes for frame 0 into its bits.
 void putAssumedDigits(Hypothesis &hypothesis);
 
+/// The hours that \a hypothesis may have.
+std::vector<HoursAllowed> hoursOf(const Hypothesis &hypothesis);
+
 /// All hypotheses with \a numbering for \a frames frames, not yet evaluated.
 std::vector<Hypothesis> hypothesesWith(const FrameNumbering &numbering, int frames);
 
 /// Whether two evaluated hypotheses name frame \a frame alike.
 bool sameTimecode(const Hypothesis &a, const Hypothesis &b, int frame);
 
-/// The best fit of a timecode other than that of \a best: among \a others and, as \a evaluate finds it, with
-/// each digit of best that stands still forced to another value. Frame \a frame is compared.
-float bestRival(const Hypothesis &best, const std::vector<Hypothesis> &others, int frame,
+/// The log-likelihood ratio of \a best against all timecodes together that are other ones: \a others and, as
+/// \a evaluate finds them, those with a digit of best that stands still forced to another value, legal or
+/// not. The drop-frame flag counts where there are 30 labels in a second. Frame \a frame is compared. \a
+/// perFit is the log-likelihood that each unit of fit is worth.
+double marginOf(const Hypothesis &best, const std::vector<Hypothesis> &others, int frame, double perFit,
                 const std::function<void(Hypothesis &)> &evaluate);
 
 /// Where two ways of counting fit alike the speed decides: the log-likelihood that a recording at \a

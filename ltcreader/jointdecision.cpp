@@ -109,6 +109,7 @@ std::optional<JointDecision> decisionFor(const Hypothesis &best, int frames,
 {
     JointDecision decision;
     decision.rate.base = best.numbering.base;
+    decision.seconds = secondsTouched(best.numbering, frames);
     decision.bits = best.bits | static_cast<FrameBits>(best.numbering.first % 10) << field::frameUnits.first |
                     static_cast<FrameBits>(best.numbering.first / 10) << field::frameTens.first;
     decision.rate.dropFrame = best.numbering.base == 30 && fieldValue(decision.bits, field::dropFrame) != 0;
@@ -149,17 +150,18 @@ std::optional<JointDecision> decideTimecode(const FrameGrid &grid, double measur
     if (!decision)
         return std::nullopt;
     const auto evaluateAgain = [&](Hypothesis &other) { evaluate(foldOf(other, folds), other); };
-    const float rival = bestRival(best, hypotheses, grid.frames / 2, evaluateAgain);
     decision->amplitude = static_cast<double>(best.fit) / halves;
     decision->significance = static_cast<double>(best.fit) / std::sqrt(halves);
     decision->syncAmplitude = polarities.amplitude;
+    decision->steadyBits = true;
     decision->levels = levelsOf(grid, polarities, best);
     const double unexplained = noiseBeside(decision->amplitude);
     const double repeated = repeatedError(grid, decision->levels);
     decision->errorRepeats = repeated > unexplained;
+    decision->trust = unexplained / std::max(unexplained, repeated);
     // From fit to log-likelihood, with the greater of both kinds of noise.
-    decision->margin = std::min(1.0, decision->amplitude) / std::max(unexplained, repeated) *
-                       static_cast<double>(best.fit - rival);
+    const double perFit = std::min(1.0, decision->amplitude) / std::max(unexplained, repeated);
+    decision->margin = marginOf(best, hypotheses, grid.frames / 2, perFit, evaluateAgain);
     return decision;
 }
 

@@ -9,6 +9,7 @@
 #include "ltcreader/candidate.h"
 #include "ltcreader/digitdecision.h"
 #include "ltcreader/framechain.h"
+#include "ltcreader/linecheck.h"
 #include "ltcreader/timing.h"
 
 #include <algorithm>
@@ -30,7 +31,7 @@ constexpr double shortest = 0.1;            // [s] two frames
 
 // What a decision must reach. Chosen with the benchmark: wrong ones stay well below, what is lost is the last
 // decibel.
-constexpr double leastMargin = 10.0;
+constexpr double leastMargin = 11.5; // one wrong answer in a hundred thousand
 constexpr double leastSignificance = 14.0;
 constexpr double leastShareOfSync = 0.5; // a waveform that is all sync word is none
 constexpr double digitsSyncScore = 7.0;  // deep in noise digits alone tell nothing
@@ -85,20 +86,32 @@ bool contradict(const Decided &a, const Decided &b)
     return a.decision.rate.base != b.decision.rate.base || std::abs(a.startCount() - b.startCount()) > 0.5;
 }
 
-/// The decision with the greatest margin if it can be believed; that must be much greater than those of
-/// decisions that contradict it.
-const Decided *believable(const std::vector<Decided> &all)
+/// The decision with the greatest margin; null when there is none.
+const Decided *likeliest(const std::vector<Decided> &all)
 {
     const auto best = std::max_element(all.begin(), all.end(), [](const Decided &a, const Decided &b) {
         return a.decision.margin < b.decision.margin;
     });
-    if (best == all.end() || !isBelievable(best->decision))
-        return nullptr;
-    const bool doubted = std::any_of(all.begin(), all.end(), [best](const Decided &other) {
-        return other.decision.margin > contradictingMargin * best->decision.margin &&
-               contradict(other, *best);
+    return best == all.end() ? nullptr : &*best;
+}
+
+/// What keeps \a best of \a all from being an answer: its own margin, that of others which contradict it, or
+/// frames that do.
+Doubt doubtAbout(const Decided &best, const std::vector<Decided> &all)
+{
+    if (!isBelievable(best.decision))
+        return Doubt::TooNoisy;
+    const bool doubted = std::any_of(all.begin(), all.end(), [&best](const Decided &other) {
+        return other.decision.margin > contradictingMargin * best.decision.margin && contradict(other, best);
     });
-    return doubted ? nullptr : &*best;
+    if (doubted)
+        return Doubt::TwoTimecodes;
+    const Candidate &candidate = *best.candidate;
+    if (isPrecededByAnother(candidate.grid, *candidate.sound, candidate.clock))
+        return Doubt::Jump;
+    return doubtAboutLine({best.decision.rate, best.decision.count}, candidate.grid,
+                          best.decision.steadyBits ? best.decision.levels : std::vector<float>(),
+                          best.decision.trust);
 }
 
 /// RMS of the square wave in \a samples: the mean of its half bits, each with the sign that was decided for.
@@ -139,10 +152,13 @@ std::optional<JointReading> readingOf(const Decided &decided, const std::vector<
     JointReading reading;
     reading.decision = decided.decision;
     reading.frameLength = line.slope * bitsPerFrame * samplesPerConditioned;
+    reading.lengthDeviation = line.slopeDeviation * bitsPerFrame * samplesPerConditioned;
     reading.startCount = static_cast<double>(reading.decision.count) - frameZero / reading.frameLength;
     reading.rate = rateBySpeed(reading.decision.rate, reading.frameLength, sampleRate, wanted);
     if (wanted && (wanted->base != reading.rate.base || wanted->ntsc != reading.rate.ntsc))
         return std::nullopt;
+    reading.classDoubt =
+        chanceOfOtherClass(reading.rate, reading.frameLength, reading.lengthDeviation, sampleRate, wanted);
     reading.level = levelOf(samples, reading, frameZero);
     reading.frames = candidate.grid.frames;
     reading.inverted = startsLow(reading.decision.levels);
@@ -151,11 +167,12 @@ std::optional<JointReading> readingOf(const Decided &decided, const std::vector<
 
 } // namespace
 
-std::optional<JointReading> readJointly(const std::vector<float> &samples, int sampleRate,
-                                        const std::optional<FrameRate> &wanted)
+JointOutcome readJointly(const std::vector<float> &samples, int sampleRate,
+                         const std::optional<FrameRate> &wanted)
 {
+    JointOutcome outcome;
     if (static_cast<double>(samples.size()) < shortest * sampleRate)
-        return std::nullopt;
+        return outcome;
     std::vector<Candidate> candidates = findCandidates(samples, sampleRate);
     candidates.resize(std::min(decidedCandidates, candidates.size()));
     std::vector<Decided> all;
@@ -170,10 +187,24 @@ std::optional<JointReading> readJointly(const std::vector<float> &samples, int s
             if (all.back().decision.margin > plainMargin)
                 break;
         }
-        if (const Decided *best = believable(all))
-            return readingOf(*best, samples, sampleRate, wanted);
+        const Decided *best = likeliest(all);
+        if (!best)
+            continue;
+        outcome.doubt = doubtAbout(*best, all);
+        if (outcome.doubt == Doubt::TooNoisy && decideOn == decideTimecode)
+            continue;
+        outcome.likeliest = readingOf(*best, samples, sampleRate, wanted);
+        if (outcome.likeliest && outcome.doubt == Doubt::None &&
+            isMaskedBefore(best->candidate->grid, samples, outcome.likeliest->frameLength))
+            outcome.doubt = Doubt::TooNoisy;
+        if (outcome.likeliest && outcome.doubt == Doubt::None) {
+            outcome.doubt = doubtAboutSpeed(outcome.likeliest->rate, best->decision.seconds,
+                                            outcome.likeliest->frameLength,
+                                            outcome.likeliest->lengthDeviation, sampleRate, wanted);
+        }
+        break;
     }
-    return std::nullopt;
+    return outcome;
 }
 
 } // namespace ltcreader

@@ -51,21 +51,22 @@ int answer(Question question)
 }
 
 /// What was read, or why nothing was, with a picture of the channels concerned.
-int describe(const Run &run, const std::optional<Reading> &reading)
+int describe(const Run &run, const Outcome &outcome)
 {
     SoundFileError error = SoundFileError::None;
     const auto file = SoundFile::open(run.path, error);
     if (!file)
         return fail(ExitCode::CannotOpen, "cannot open " + run.path);
-    std::string text = reading ? toText(*reading) : std::string();
+    const bool found = outcome.doubt == Doubt::None;
+    std::string text = found ? toText(*outcome.likeliest) : std::string();
     const std::vector<Diagnosis> channels = diagnose(*file);
-    const int only = reading ? reading->channel : run.settings.channel;
+    const int only = found ? outcome.likeliest->channel : run.settings.channel;
     for (int channel = 0; channel < static_cast<int>(channels.size()); ++channel) {
         if (only < 0 || channel == only)
-            text += toText(channels[static_cast<std::size_t>(channel)], channel, reading.has_value());
+            text += toText(channels[static_cast<std::size_t>(channel)], channel, outcome.doubt);
     }
     const int printed = print(text);
-    return reading ? printed : fail(ExitCode::NotFound, "no timecode found in " + run.path);
+    return found ? printed : fail(ExitCode::NotFound, "no timecode found in " + run.path);
 }
 
 int readFile(const Run &run)
@@ -81,12 +82,12 @@ int readFile(const Run &run)
         return fail(ExitCode::ChannelOutOfRange,
                     run.path + " has " + std::to_string(file->channels()) + " channels, counted from 0");
     }
-    const auto reading = readTimecode(*file, run.settings);
+    const Outcome outcome = examine(*file, run.settings);
     if (run.format == OutputFormat::Text)
-        return describe(run, reading);
-    if (!reading)
+        return describe(run, outcome);
+    if (outcome.doubt != Doubt::None)
         return fail(ExitCode::NotFound, "no timecode found in " + run.path);
-    return print(toJson(*reading));
+    return print(toJson(*outcome.likeliest));
 }
 
 int runProgram(const std::vector<std::string> &arguments)

@@ -31,15 +31,6 @@ constexpr std::array<float, syncHalves> syncLevels = [] {
     return levels;
 }();
 
-/// How much \a halves, as many as a sync word has, resemble one; the sign is its polarity.
-float syncResemblance(const float *halves)
-{
-    float sum = 0.0F;
-    for (std::size_t half = 0; half < syncHalves; ++half)
-        sum += halves[half] * syncLevels[half];
-    return sum;
-}
-
 /// How clearly the sync words show that begin at \a place and every frame after it, in standard deviations of
 /// what chance brings; the better of one sign for all and a sign for each.
 double scoreAt(std::size_t place, const std::vector<float> &resemblances)
@@ -61,7 +52,16 @@ double scoreAt(std::size_t place, const std::vector<float> &resemblances)
     return std::max(steady, free);
 }
 
-/// Cuts \a values into frames, one of whose sync words begins at \a syncPlace, below halvesPerFrame.
+} // namespace
+
+float syncResemblance(const float *halves)
+{
+    float sum = 0.0F;
+    for (std::size_t half = 0; half < syncHalves; ++half)
+        sum += halves[half] * syncLevels[half];
+    return sum;
+}
+
 FrameGrid cutIntoFrames(const std::vector<float> &values, std::size_t syncPlace)
 {
     FrameGrid grid;
@@ -75,8 +75,6 @@ FrameGrid cutIntoFrames(const std::vector<float> &values, std::size_t syncPlace)
     measureSyncs(grid);
     return grid;
 }
-
-} // namespace
 
 FrameGrid findFrames(const HalfBits &halfBits)
 {

@@ -31,6 +31,12 @@ struct FrameGrid {
     const float *frame(int number) const { return halves.data() + std::ptrdiff_t{number} * halvesPerFrame; }
 };
 
+/// How much \a halves, as many as a sync word has, resemble one; the sign is its polarity.
+float syncResemblance(const float *halves);
+
+/// Cuts \a values into frames, one of whose sync words begins at \a syncPlace, below halvesPerFrame.
+FrameGrid cutIntoFrames(const std::vector<float> &values, std::size_t syncPlace);
+
 /// Finds where frames begin.
 FrameGrid findFrames(const HalfBits &halfBits);
 

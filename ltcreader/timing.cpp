@@ -19,22 +19,31 @@ namespace
 
 constexpr int rounds = 3;           // each from the line of the last: lateness is told best where it is small
 constexpr double timingShift = 0.2; // [bits] to each side, on the flank of the half bits' correlation
-constexpr int framesPerPart = 5;    // whose timing is measured together
+constexpr int mostPerPart = 5;      // [frames] whose timing is measured together
+constexpr int leastParts = 12;      // fewer show less well how they agree
+constexpr double fewParts =
+    40.0; // quantile of Student's distribution beside the normal one, times their square
+constexpr double slopeReach = 1e-3; // of the clock, beyond which a measured slope is noise
 constexpr double leastCurve = 0.05; // of the fit: a flatter curve is noise
 constexpr double leastFit = 1e-9;   // keeps quotients finite
+
+int framesPerPart(const Candidate &candidate)
+{
+    return std::clamp(candidate.grid.frames / leastParts, 1, mostPerPart);
+}
 
 /// Fit of the decided levels with the half bits summed \a shift [bits] late, for each part of the recording.
 std::vector<double> fitsOfParts(const Candidate &candidate, const std::vector<float> &levels, double shift)
 {
+    const int perPart = framesPerPart(candidate);
     const HalfBits halfBits = sumHalfBits(*candidate.sound, candidate.clock, shift);
-    std::vector<double> fits(
-        static_cast<std::size_t>((candidate.grid.frames + framesPerPart - 1) / framesPerPart));
+    std::vector<double> fits(static_cast<std::size_t>((candidate.grid.frames + perPart - 1) / perPart));
     const int count = static_cast<int>(halfBits.values.size());
     for (int half = 0; half < candidate.grid.frames * halvesPerFrame; ++half) {
         const int place = half + candidate.grid.firstHalf;
         if (place < 0 || place >= count)
             continue;
-        fits[static_cast<std::size_t>(half / (framesPerPart * halvesPerFrame))] +=
+        fits[static_cast<std::size_t>(half / (perPart * halvesPerFrame))] +=
             static_cast<double>(levels[static_cast<std::size_t>(half)]) *
             static_cast<double>(halfBits.values[static_cast<std::size_t>(place)]);
     }
@@ -60,7 +69,7 @@ std::vector<PartTiming> timingsOfParts(const Candidate &candidate, const std::ve
     // The curve of the fit has the same shape in all parts; a single part in noise would not show it.
     const double curve =
         std::max(2.0 * exactSum - earlySum - lateSum, leastCurve * std::abs(exactSum) + leastFit);
-    constexpr double partBits = framesPerPart * bitsPerFrame;
+    const double partBits = framesPerPart(candidate) * bitsPerFrame;
     std::vector<PartTiming> timings;
     for (std::size_t part = 0; part < exact.size(); ++part) {
         const double weight = exact[part] / (std::abs(exactSum) + leastFit);
@@ -75,10 +84,10 @@ std::vector<PartTiming> timingsOfParts(const Candidate &candidate, const std::ve
     return timings;
 }
 
-/// The weighted least squares line through \a timings; that of \a clock where they tell nothing.
+/// The weighted least squares line through \a timings; that of \a clock where they show nothing.
 BitLine lineThrough(const std::vector<PartTiming> &timings, const Clock &clock)
 {
-    BitLine line{clock.position(0.0), clock.bitLength};
+    BitLine line{clock.position(0.0), clock.bitLength, slopeReach * clock.bitLength};
     double weights = 0.0;
     double meanBit = 0.0;
     double meanTime = 0.0;
@@ -97,8 +106,17 @@ BitLine lineThrough(const std::vector<PartTiming> &timings, const Clock &clock)
         products += timing.weight * (timing.bit - meanBit) * (timing.time - meanTime);
         squares += timing.weight * (timing.bit - meanBit) * (timing.bit - meanBit);
     }
-    if (squares > 0.0)
+    // A single part has no slope, whatever rounding leaves in the squares.
+    if (timings.size() > 2 && std::abs(products / squares / clock.bitLength - 1.0) < slopeReach) {
         line.slope = products / squares;
+        double residuals = 0.0;
+        for (const PartTiming &timing : timings)
+            residuals +=
+                timing.weight * std::pow(timing.time - meanTime - line.slope * (timing.bit - meanBit), 2.0);
+        const auto freedom = static_cast<double>(timings.size() - 2);
+        line.slopeDeviation =
+            (1.0 + fewParts / (freedom * freedom)) * std::sqrt(residuals / freedom / squares);
+    }
     line.start = meanTime - line.slope * meanBit;
     return line;
 }

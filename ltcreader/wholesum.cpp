@@ -148,7 +148,7 @@ void evaluate(const FrameFold &fold, Hypothesis &hypothesis)
     for (std::size_t digit = 0; digit < digitCount; ++digit)
         sum.given[digit] = digits[digit] >= 0;
     FittingBits best{impossibleFit, 0};
-    for (const HoursAllowed &hours : hoursAllowed) {
+    for (const HoursAllowed &hours : hoursOf(hypothesis)) {
         Allowed allowed = hypothesis.allowed;
         allowed[HourTens] &= hours.tens;
         allowed[HourUnits] &= hours.units;

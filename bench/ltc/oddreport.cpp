@@ -73,11 +73,11 @@ std::string textOf(LtcTime label, LtcRate rate)
     return testsignals::text(label, rate) + " at " + nameOf(rate);
 }
 
-/// Why the decoder did not read \a recording.
-std::string reasonOfRefusal(const Case &recording)
+/// Why the decoder did not answer for \a recording.
+std::string reasonOfRefusal(ltcreader::Doubt doubt, const Case &recording)
 {
     ltcreader::MemorySource source(recording.channels.front(), 1, recording.sampleRate);
-    return ltcreader::reasonFor(ltcreader::diagnose(source).front());
+    return ltcreader::reasonFor(doubt, ltcreader::diagnose(source).front());
 }
 
 std::string quoted(const std::string &text)
@@ -95,16 +95,21 @@ OddResult measure(const Draw &draw)
     const OddCase odd = caseOf(draw);
     OddResult result;
     result.draw = draw;
-    const auto reading = fullReading(odd.recording);
-    if (!reading) {
-        result.reason = reasonOfRefusal(odd.recording);
+    const ltcreader::Outcome outcome = outcomeOf(odd.recording);
+    const auto &reading = outcome.likeliest;
+    if (reading) {
+        result.confidence = reading->confidence;
+        result.likelyRight = judge(odd.right, answerOf(*reading), {}) == OddVerdict::Right;
+    }
+    result.tooNoisy =
+        outcome.doubt == ltcreader::Doubt::TooNoisy || outcome.doubt == ltcreader::Doubt::RateClass;
+    if (outcome.doubt != ltcreader::Doubt::None) {
+        result.reason = reasonOfRefusal(outcome.doubt, odd.recording);
         return result;
     }
     const Answer answer = answerOf(*reading);
     result.reason = faultIn(ltcreader::toJson(*reading), odd.recording.sampleRate);
     result.verdict = judge(odd.right, answer, result.reason);
-    result.confidence = reading->confidence;
-    result.likelyRight = judge(odd.right, answer, {}) == OddVerdict::Right;
     if (result.verdict != OddVerdict::Right) {
         result.there = textOf(odd.right);
         result.answered = textOf(answer.start, answer.rate);
@@ -172,7 +177,7 @@ std::string calibrationOf(const std::vector<OddResult> &results)
     };
     std::array<Decade, 7> decades{};
     for (const OddResult &result : results) {
-        if (result.verdict == OddVerdict::Refused)
+        if (result.verdict == OddVerdict::Refused && !(result.tooNoisy && result.confidence > 0.0))
             continue;
         constexpr double least = 1e-12; // keeps the logarithm finite
         const double doubt = std::clamp(1.0 - result.confidence, least, 1.0);
@@ -183,7 +188,7 @@ std::string calibrationOf(const std::vector<OddResult> &results)
         decade.claimed += doubt;
     }
     std::string text =
-        format("%-40s %8s %8s %12s %12s\n", "1 - confidence", "answers", "wrong", "wrong share", "claimed");
+        format("%-40s %8s %8s %12s %12s\n", "1 - confidence", "likeliest", "wrong", "wrong share", "claimed");
     for (std::size_t place = 0; place < decades.size(); ++place) {
         const Decade &decade = decades[place];
         const std::string range = place + 1 == decades.size() ? format("1e-%zu and less", place)

@@ -14,7 +14,8 @@ namespace ltcbench
 struct OddResult {
     Draw draw;
     OddVerdict verdict = OddVerdict::Refused;
-    double confidence = 0.0;  ///< of the answer
+    double confidence = 0.0;  ///< of the likeliest timecode, answered or not
+    bool tooNoisy = false;    ///< it was not answered because it is not proven
     bool likelyRight = false; ///< what the confidence is of is right, whatever is broken beside it
     std::string reason;       ///< of a refusal, or what is broken in the report
     std::string there;        ///< right lines, of wrong and broken answers only
@@ -33,7 +34,8 @@ std::string tablesOf(const std::vector<OddResult> &results);
 /// Wrong and broken answers, one a line.
 std::string faultsOf(const std::vector<OddResult> &results);
 
-/// How often answers are wrong beside how often their confidence says so, in decades of 1 - confidence.
+/// How often the likeliest timecode is wrong and how often its confidence says so, in decades of 1 -
+/// confidence: of all that were answered and those that were only not proven.
 std::string calibrationOf(const std::vector<OddResult> &results);
 
 /// A row for each recording.

@@ -4,14 +4,14 @@
 namespace ltcbench
 {
 
-std::optional<ltcreader::Reading> fullReading(const Case &recording, const ltcreader::Settings &settings)
+ltcreader::Outcome outcomeOf(const Case &recording, const ltcreader::Settings &settings)
 {
     const std::size_t channels = recording.channels.size();
     std::vector<float> interleaved(channels * recording.channels.front().size());
     for (std::size_t i = 0; i < interleaved.size(); ++i)
         interleaved[i] = recording.channels[i % channels][i / channels];
     ltcreader::MemorySource source(std::move(interleaved), static_cast<int>(channels), recording.sampleRate);
-    return ltcreader::readTimecode(source, settings);
+    return ltcreader::examine(source, settings);
 }
 
 Answer answerOf(const ltcreader::Reading &reading)
@@ -25,8 +25,9 @@ Answer answerOf(const ltcreader::Reading &reading)
 
 std::optional<Answer> readWithOurs(const Case &recording, const ltcreader::Settings &settings)
 {
-    const std::optional<ltcreader::Reading> reading = fullReading(recording, settings);
-    return reading ? std::optional(answerOf(*reading)) : std::nullopt;
+    const ltcreader::Outcome outcome = outcomeOf(recording, settings);
+    return outcome.doubt == ltcreader::Doubt::None ? std::optional(answerOf(*outcome.likeliest))
+                                                   : std::nullopt;
 }
 
 } // namespace ltcbench

@@ -9,8 +9,7 @@ namespace ltcbench
 {
 
 /// What the product's decoder says in full.
-std::optional<ltcreader::Reading> fullReading(const Case &recording,
-                                              const ltcreader::Settings &settings = {});
+ltcreader::Outcome outcomeOf(const Case &recording, const ltcreader::Settings &settings = {});
 Answer answerOf(const ltcreader::Reading &reading);
 
 /// The product's decoder.

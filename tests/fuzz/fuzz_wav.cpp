@@ -93,7 +93,9 @@ void checkDiagnosis(const MemoryFile &sound)
     const std::vector<Diagnosis> channels = diagnose(*file);
     require(channels.size() == static_cast<std::size_t>(file->channels()), "each channel is looked at");
     for (const Diagnosis &channel : channels)
-        require(!toText(channel, 0, false).empty() && !reasonFor(channel).empty(), "a reason is told");
+        require(!toText(channel, 0, Doubt::TooNoisy).empty() &&
+                    !reasonFor(Doubt::NoTimecode, channel).empty(),
+                "a reason is given");
 }
 
 } // namespace

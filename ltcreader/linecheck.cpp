@@ -1,0 +1,459 @@
+// SPDX-License-Identifier: MIT
+
+// A decision adds up all frames, on the assumption that one line of labels runs through all of them and that
+// user bits stand still. Both are checked here, frame by frame: how likely the half bits of each digit are
+// for each value, whichever polarity it begins with. The sync word of a frame and its neighbours gives the
+// amplitude: where timecode pauses or fades there is no evidence for anything. Log-likelihoods of different
+// frames add up, so those of an alternative against the line, summed from the recording's beginning or to its
+// end, show where labels jump.
+
+#include "ltcreader/linecheck.h"
+
+#include "ltcreader/conditioner.h"
+#include "ltcreader/digits.h"
+#include "ltcreader/framefold.h"
+#include "ltcreader/halfbits.h"
+#include "ltcreader/likelihood.h"
+#include "ltcreader/trellis.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <functional>
+
+namespace ltcreader
+{
+namespace
+{
+
+// [log-likelihood ratios]
+constexpr double contradiction = 3.0;  // for another label in the whole recording
+constexpr double otherMotion = -5.0;   // for labels that do not count up, which are rare
+constexpr double otherStretch = 10.0;  // for one digit that differs at the beginning or the end
+constexpr double otherLine = 6.0;      // for any other line there, averaged over all lines
+constexpr double otherPhase = 5.5;     // [standard deviations] of sync words that lie elsewhere
+constexpr int leastStretch = 2;        // [frames] a shorter line is not looked for
+constexpr int neighbours = 2;          // to each side, whose sync words give a frame's amplitude
+constexpr double polarityTrust = 0.9;  // in polarities that were decided: user bits may change
+constexpr double mostAmplitude = 0.95; // beyond, what is left is the recording's doing, not noise
+constexpr double steadyShare = 0.8; // of the amplitude, from which all sync words are taken for one polarity
+constexpr double hiding = 1.2;      // times the level of the recording: sound enough to hide other labels
+constexpr double shows = 0.6;       // of the amplitude of the frames behind: a frame's own sync word is there
+constexpr double absent = 0.35;     // of the amplitude of the frames behind: no timecode yet
+
+constexpr int secondsPerMinute = 60;
+
+constexpr std::size_t partCount = 2 + digitCount;
+constexpr std::array<BitField, partCount> parts{field::frameUnits,  field::frameTens,  field::dropFrame,
+                                                field::secondUnits, field::secondTens, field::minuteUnits,
+                                                field::minuteTens,  field::hourUnits,  field::hourTens};
+enum Part : std::size_t {
+    FrameUnitsPart,
+    FrameTensPart,
+    FlagPart,
+    SecondUnitsPart,
+    SecondTensPart,
+    MinuteUnitsPart
+};
+
+using PartValues = std::array<int, partCount>;
+
+PartValues valuesOf(const Timecode &label, bool dropFrame)
+{
+    return {label.frames % 10,  label.frames / 10,  dropFrame ? 1 : 0, label.seconds % 10, label.seconds / 10,
+            label.minutes % 10, label.minutes / 10, label.hours % 10,  label.hours / 10};
+}
+
+/// For each frame, part and value the log-likelihood, up to what is common to all values.
+using Evidence = std::vector<std::array<std::array<double, 16>, partCount>>;
+
+/// How strong timecode is among the half bits of some frames.
+struct Strength {
+    double amplitude = 0.0; ///< of half bits of mean square 1, 0 to 1
+    double rms = 1.0;       ///< of the half bits as they are
+};
+
+/// The strength in frames \a from to \a to - 1, as their sync words show it: \a steady where all have one
+/// polarity.
+Strength strengthOf(const FrameGrid &grid, int from, int to, bool steady)
+{
+    constexpr double halves = 2.0 * syncBits;
+    double sum = 0.0;
+    double squares = 0.0;
+    double power = 0.0;
+    double count = 0.0;
+    for (int frame = std::max(0, from); frame < std::min(grid.frames, to); ++frame) {
+        const auto sync = static_cast<double>(grid.syncs[static_cast<std::size_t>(frame)]);
+        if (sync == 0.0)
+            continue;
+        sum += sync;
+        squares += sync * sync;
+        count += 1.0;
+        for (int half = dataHalves; half < halvesPerFrame; ++half)
+            power += std::pow(static_cast<double>(grid.frame(frame)[half]), 2.0) / halves;
+    }
+    if (count < 1.0 || !(power > 0.0))
+        return {};
+    const double rms = std::sqrt(power / count);
+    const double noise = halves * power / count; // of the square of a sync word without timecode
+    const double found = steady ? std::abs(sum) / count : std::sqrt(std::max(0.0, squares / count - noise));
+    return {std::min(mostAmplitude, found / (halves * rms)), rms};
+}
+
+bool isSteady(const FrameGrid &grid)
+{
+    return strengthOf(grid, 0, grid.frames, true).amplitude >
+           steadyShare * strengthOf(grid, 0, grid.frames, false).amplitude;
+}
+
+/// The polarity in which \a part of frame \a frame begins, 1 high to -1 low, 0 where it is not known.
+double polarityOf(const FrameGrid &grid, const Polarities &polarities, const std::vector<float> &levels,
+                  int frame, std::size_t part)
+{
+    if (part == FrameUnitsPart)
+        return polarityTrust * static_cast<double>(polarities.atStart[static_cast<std::size_t>(frame)]);
+    if (levels.empty())
+        return 0.0;
+    const std::ptrdiff_t place = halvesOf(grid.frame(frame), parts[part].first) - grid.halves.data();
+    return polarityTrust * static_cast<double>(levels[static_cast<std::size_t>(place)]);
+}
+
+Evidence evidenceOf(const FrameGrid &grid, const std::vector<float> &levels, double trust)
+{
+    const Polarities polarities = findPolarities(grid);
+    const bool steady = isSteady(grid);
+    Evidence evidence(static_cast<std::size_t>(grid.frames));
+    for (int frame = 0; frame < grid.frames; ++frame) {
+        const auto index = static_cast<std::size_t>(frame);
+        const Strength strength = strengthOf(grid, frame - neighbours, frame + neighbours + 1, steady);
+        const double scale = trust * strength.amplitude / noiseBeside(strength.amplitude) / strength.rms;
+        for (std::size_t part = 0; part < partCount; ++part) {
+            const double polarity = polarityOf(grid, polarities, levels, frame, part);
+            for (int value = 0; value < 1 << parts[part].width; ++value) {
+                const float fit =
+                    resemblance(halvesOf(grid.frame(frame), parts[part].first), value, parts[part].width);
+                evidence[index][part][static_cast<std::size_t>(value)] =
+                    logCosh(scale * static_cast<double>(fit), polarity);
+            }
+        }
+    }
+    return evidence;
+}
+
+/// The log-likelihood ratio of an alternative against the line in each frame.
+using Gains = std::vector<double>;
+
+/// Alternatives of one kind, of which at most one can be true.
+struct Rivals {
+    Doubt doubt; ///< that they raise
+    std::vector<Gains> gains;
+};
+
+class LineCheck
+{
+public:
+    LineCheck(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels, double trust)
+        : evidence(evidenceOf(grid, levels, trust)), rate(line.rate)
+    {
+        for (int frame = 0; frame < grid.frames; ++frame)
+            labels.push_back(valuesOf(labelAt(line.count + frame, line.rate), line.rate.dropFrame));
+    }
+
+    /// \a motion: the log-likelihood ratio that labels which do not count up may have.
+    Doubt doubt(double motion) const;
+
+private:
+    using Change = std::function<PartValues(PartValues values, int frame)>;
+
+    Gains gainsOf(const Change &change) const;
+    Rivals otherNumbers() const;
+    Rivals otherSeconds() const;
+    Rivals otherValues(std::size_t part) const;
+    Rivals otherMotions() const;
+
+    Evidence evidence;
+    FrameRate rate;
+    std::vector<PartValues> labels; ///< of the line
+};
+
+Gains LineCheck::gainsOf(const Change &change) const
+{
+    Gains gains;
+    for (std::size_t frame = 0; frame < labels.size(); ++frame) {
+        const PartValues other = change(labels[frame], static_cast<int>(frame));
+        double gain = 0.0;
+        for (std::size_t part = 0; part < partCount; ++part) {
+            gain += evidence[frame][part][static_cast<std::size_t>(other[part])] -
+                    evidence[frame][part][static_cast<std::size_t>(labels[frame][part])];
+        }
+        gains.push_back(gain);
+    }
+    return gains;
+}
+
+PartValues withNumber(PartValues values, int number)
+{
+    values[FrameUnitsPart] = number % 10;
+    values[FrameTensPart] = number / 10;
+    return values;
+}
+
+Rivals LineCheck::otherNumbers() const
+{
+    Rivals rivals{Doubt::Jump, {}};
+    for (int shift = 1; shift < rate.base; ++shift) {
+        rivals.gains.push_back(gainsOf([&](PartValues values, int) {
+            const int number = 10 * values[FrameTensPart] + values[FrameUnitsPart];
+            return withNumber(values, (number + shift) % rate.base);
+        }));
+    }
+    return rivals;
+}
+
+Rivals LineCheck::otherSeconds() const
+{
+    Rivals rivals{Doubt::Jump, {}};
+    for (int shift = 1; shift < secondsPerMinute; ++shift) {
+        rivals.gains.push_back(gainsOf([&](PartValues values, int) {
+            const int second =
+                (10 * values[SecondTensPart] + values[SecondUnitsPart] + shift) % secondsPerMinute;
+            values[SecondUnitsPart] = second % 10;
+            values[SecondTensPart] = second / 10;
+            return values;
+        }));
+    }
+    return rivals;
+}
+
+Rivals LineCheck::otherValues(std::size_t part) const
+{
+    Rivals rivals{Doubt::Jump, {}};
+    for (int shift = 1; shift < 1 << parts[part].width; ++shift) {
+        rivals.gains.push_back(gainsOf([&](PartValues values, int) {
+            values[part] = (values[part] + shift) % (1 << parts[part].width);
+            return values;
+        }));
+    }
+    return rivals;
+}
+
+Rivals LineCheck::otherMotions() const
+{
+    Rivals rivals{Doubt::Frozen, {}};
+    for (int number = 0; number < rate.base; ++number)
+        rivals.gains.push_back(gainsOf([&](PartValues values, int) { return withNumber(values, number); }));
+    for (int number = 0; number < rate.base; ++number) {
+        rivals.gains.push_back(gainsOf([&](PartValues values, int frame) {
+            return withNumber(values, ((number - frame) % rate.base + rate.base) % rate.base);
+        }));
+        for (const int held : {2, 3}) {
+            for (int phase = 0; phase < held; ++phase) {
+                rivals.gains.push_back(gainsOf([&](PartValues values, int frame) {
+                    return withNumber(values, (number + (frame + phase) / held) % rate.base);
+                }));
+            }
+        }
+    }
+    return rivals;
+}
+
+double sumOf(const Gains &gains)
+{
+    double sum = 0.0;
+    for (const double gain : gains)
+        sum += gain;
+    return sum;
+}
+
+double bestWhole(const Rivals &rivals)
+{
+    double best = -1e9;
+    for (const Gains &gains : rivals.gains)
+        best = std::max(best, sumOf(gains));
+    return best;
+}
+
+/// The sums of \a gains over the first one, two, three... frames.
+std::vector<Gains> runningSums(const Rivals &rivals, bool backwards)
+{
+    std::vector<Gains> sums;
+    for (Gains gains : rivals.gains) {
+        if (backwards)
+            std::reverse(gains.begin(), gains.end());
+        double sum = 0.0;
+        for (double &gain : gains)
+            gain = sum += gain;
+        sums.push_back(std::move(gains));
+    }
+    return sums;
+}
+
+double bestStretch(const std::vector<Gains> &sums)
+{
+    double best = -1e9;
+    for (const Gains &gains : sums) {
+        for (std::size_t frame = leastStretch - 1; frame < gains.size(); ++frame)
+            best = std::max(best, gains[frame]);
+    }
+    return best;
+}
+
+/// Adds to \a odds the logarithm of the mean likelihood ratio over the line itself and all rivals with \a
+/// sums.
+void addMeanRatio(const std::vector<Gains> &sums, std::vector<double> &odds)
+{
+    for (std::size_t frame = 0; frame < odds.size(); ++frame) {
+        double most = 0.0;
+        for (const Gains &gains : sums)
+            most = std::max(most, gains[frame]);
+        double mean = std::exp(-most);
+        for (const Gains &gains : sums)
+            mean += std::exp(gains[frame] - most);
+        odds[frame] += most + std::log(mean / static_cast<double>(sums.size() + 1));
+    }
+}
+
+Doubt LineCheck::doubt(double motion) const
+{
+    std::vector<Rivals> lines{otherNumbers(), otherSeconds()};
+    for (std::size_t part = 0; part < partCount; ++part) {
+        if (part != FlagPart || rate.base == 30)
+            lines.push_back(otherValues(part));
+    }
+    for (const Rivals &rivals : lines) {
+        if (bestWhole(rivals) > contradiction)
+            return Doubt::TooNoisy;
+    }
+    const Rivals motions = otherMotions();
+    if (labels.size() > 1 && bestWhole(motions) > motion)
+        return motions.doubt;
+    for (const bool backwards : {false, true}) {
+        std::vector<double> odds(labels.size());
+        for (const Rivals &rivals : lines) {
+            const std::vector<Gains> sums = runningSums(rivals, backwards);
+            if (bestStretch(sums) > otherStretch)
+                return Doubt::Jump;
+            addMeanRatio(sums, odds);
+        }
+        for (std::size_t frame = leastStretch - 1; frame < odds.size(); ++frame) {
+            if (odds[frame] > otherLine)
+                return Doubt::Jump;
+        }
+        if (bestStretch(runningSums(motions, backwards)) > otherStretch)
+            return Doubt::Jump;
+    }
+    return Doubt::None;
+}
+
+/// Whether sync words show somewhere in \a count half bits that begin at \a halves.
+bool hasSyncWords(const float *halves, std::size_t count)
+{
+    constexpr std::size_t syncHalves = 2 * std::size_t{syncBits};
+    for (std::size_t place = 0; place < halvesPerFrame; ++place) {
+        double sum = 0.0;
+        double squares = 0.0;
+        double used = 0.0;
+        for (std::size_t i = place; i + syncHalves <= count; i += halvesPerFrame) {
+            const auto fit = static_cast<double>(syncResemblance(halves + i));
+            sum += fit;
+            squares += fit * fit;
+            used += fit != 0.0 ? 1.0 : 0.0;
+        }
+        used = std::max(1.0, used);
+        const double steady = std::abs(sum) / std::sqrt(used * static_cast<double>(syncHalves));
+        // The cube root of a chi-square sum is nearly normal (Wilson and Hilferty).
+        const double spread = 2.0 / (9.0 * used);
+        const double root = std::cbrt(squares / (static_cast<double>(syncHalves) * used));
+        const double free = (root - (1.0 - spread)) / std::sqrt(spread);
+        if (std::max(steady, free) > otherPhase)
+            return true;
+    }
+    return false;
+}
+
+/// How many frames of \a grid pass before its timecode shows.
+int framesBefore(const FrameGrid &grid)
+{
+    const bool steady = isSteady(grid);
+    int before = 0;
+    for (int frame = leastStretch; frame < grid.frames; ++frame) {
+        const double earlier = strengthOf(grid, 0, frame, steady).amplitude;
+        if (earlier < absent * strengthOf(grid, frame, grid.frames, steady).amplitude)
+            before = frame;
+    }
+    return before;
+}
+
+/// RMS of \a samples between \a from and \a to.
+double levelBetween(const std::vector<float> &samples, double from, double to)
+{
+    double squares = 0.0;
+    double count = 0.0;
+    for (auto i = static_cast<std::size_t>(std::max(0.0, from));
+         i < samples.size() && static_cast<double>(i) < to; ++i) {
+        squares += static_cast<double>(samples[i]) * static_cast<double>(samples[i]);
+        count += 1.0;
+    }
+    return std::sqrt(squares / std::max(1.0, count));
+}
+
+} // namespace
+
+bool isPrecededByAnother(const FrameGrid &grid, const Conditioned &sound, const Clock &clock)
+{
+    const int before = framesBefore(grid);
+    const double strongest = strengthOf(grid, before, grid.frames, false).amplitude;
+    int end = 0; // of the frames in which nothing shows where it should
+    while (end < before && strengthOf(grid, end, end + 1, true).amplitude < shows * strongest)
+        ++end;
+    if (end < leastStretch)
+        return false;
+    // Half way between half bits those of a one cancel out: what begins there shows only in a second look.
+    const std::vector<float> between = sumHalfBits(sound, clock, 0.25).values;
+    const auto count = static_cast<std::size_t>(end) * halvesPerFrame;
+    return hasSyncWords(grid.halves.data(), count) ||
+           hasSyncWords(between.data(), std::min(between.size(), count));
+}
+
+bool isMaskedBefore(const FrameGrid &grid, const std::vector<float> &samples, double frameLength)
+{
+    const int frames = framesBefore(grid);
+    const double before = frames * frameLength;
+    return frames > leastStretch &&
+           levelBetween(samples, 0.0, before) >
+               hiding * levelBetween(samples, before, static_cast<double>(samples.size()));
+}
+
+Doubt doubtAboutLine(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels,
+                     double trust)
+{
+    // Errors that repeat repeat in all parts of the recording: between parts they weigh less.
+    return LineCheck(line, grid, levels, std::sqrt(trust)).doubt(otherMotion);
+}
+
+Doubt doubtAboutChain(const FrameChain &chain, const std::vector<float> &samples, int sampleRate)
+{
+    // Behind the chain its clock would run out of step.
+    const auto end = std::min(samples.size(), static_cast<std::size_t>(chain.last));
+    const std::vector<float> part(samples.begin(), samples.begin() + static_cast<std::ptrdiff_t>(end));
+    const Conditioned sound = Conditioner(part, sampleRate).prepare(FrontEnd::Flat);
+    const double perSample = sound.sampleRate / sampleRate;
+    Clock clock;
+    clock.bitLength = chain.frameLength * perSample / bitsPerFrame;
+    const double start = chain.first * perSample;
+    const double bitsBefore = std::floor(start / clock.bitLength);
+    clock.knotDistance = static_cast<double>(part.size()) * perSample;
+    clock.knots = {start - bitsBefore * clock.bitLength};
+    const auto syncBit = (static_cast<std::int64_t>(bitsBefore) + dataBits) % bitsPerFrame;
+    const FrameGrid grid =
+        cutIntoFrames(sumHalfBits(sound, clock, 0.0).values, static_cast<std::size_t>(2 * syncBit));
+    const double frameZero = (clock.position(0.5 * grid.firstHalf)) / perSample;
+    const LabelLine line{chain.rate, std::llround(chain.startCount + frameZero / chain.frameLength)};
+    if (isPrecededByAnother(grid, sound, clock))
+        return Doubt::Jump;
+    if (isMaskedBefore(grid, part, chain.frameLength))
+        return Doubt::TooNoisy;
+    return LineCheck(line, grid, {}, 1.0).doubt(contradiction); // that its labels count up was read
+}
+
+} // namespace ltcreader
