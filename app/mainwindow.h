@@ -87,7 +87,6 @@ private:
     bool mayQuitNow();
     void startCancelling();
     void showExportResult(const QString &text);
-    void onImportBusyChanged(bool busy);
 
     QThread workerThread; ///< the thread in which mainControl lives
     QWidget *centralWidget;

@@ -12,7 +12,6 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QBoxLayout>
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QEventLoop>
@@ -24,17 +23,6 @@
 
 namespace
 {
-
-/// Whether \a status is one of an import or a reading that goes on.
-bool tellsOfReading(const QString &status)
-{
-    for (const char *running :
-         {"importing files...", "prepare files for reading...", "reading audio TC..."}) {
-        if (status.endsWith(running))
-            return true;
-    }
-    return false;
-}
 
 void openWebLink(const QString &link)
 {
@@ -62,21 +50,6 @@ void MainWindow::readingFinished()
     progressBar->setValue(0);
     statusLabel->setText(tr("Status: read finished"));
     fileList->readingFinished();
-}
-
-void MainWindow::onImportBusyChanged(bool busy)
-{
-    if (busy && !exportRunning) {
-        // The first result of a large folder may be a while away, and its rows may come faster than the
-        // window gets to paint itself.
-        statusLabel->setText(tr("Status: ") + "importing files...");
-        topLayout->activate();
-        statusLabel->repaint();
-    } else if (!busy && tellsOfReading(statusLabel->text())) {
-        // The import has ended without a word, so nothing must look as if it went on.
-        statusLabel->setText(tr("Status:"));
-        progressBar->setValue(0);
-    }
 }
 
 /// The worker may be a while in taking the request; another export must not be asked for meanwhile.
