@@ -234,6 +234,20 @@ class GuiTest(unittest.TestCase):
         self.assertEqual(self.program.wait_end(), 0)
         self.assert_export_wound_up()
 
+    def test_a_hang_up_ends_the_program_unless_it_was_started_to_stay(self):
+        stays = pathlib.Path(self.target) / "stays"
+        stays.write_text(f'#!/bin/sh\nexec nohup "{PROGRAM}" >/dev/null\n', encoding="utf-8")
+        stays.chmod(0o755)
+        self.program = Program(str(stays))
+        self.addCleanup(self.program.end)
+        self.program.process.send_signal(signal.SIGHUP)
+        self.import_files("a.mov")
+        self.program.process.send_signal(signal.SIGTERM)
+        self.assertEqual(self.program.wait_end(), 0)
+        self.start()
+        self.program.process.send_signal(signal.SIGHUP)
+        self.assertEqual(self.program.wait_end(), 0)
+
     def test_the_window_closes_at_once_when_nothing_runs(self):
         self.start()
         click_close_box(self.program.window)
