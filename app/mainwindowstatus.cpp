@@ -6,7 +6,6 @@
 #include "app/windowtexts.h"
 #include "control/maincontrol.h"
 #include "control/resultcodes.h"
-#include "ffmpeg/exportwindow.h"
 #include "filelist/filelist.h"
 #include "update/versiondescriptor.h"
 
@@ -76,7 +75,6 @@ void MainWindow::offerExports(bool offered)
 {
     exportAction->setEnabled(offered);
     exportAllAction->setEnabled(offered);
-    exportWindow->setEnabled(offered);
 }
 
 bool MainWindow::confirmed(const QString &title, const QString &question)
@@ -129,7 +127,9 @@ void MainWindow::showExportResult(const QString &text)
         return;
     QMessageBox box(QMessageBox::Information, tr("Export Result"), text, QMessageBox::Ok, this);
     box.setTextFormat(Qt::PlainText); // file names may look like markup
+    resultShown = true;
     box.exec();
+    resultShown = false;
 }
 
 void MainWindow::updateFileInfo(FileData fileData)
@@ -216,8 +216,9 @@ void MainWindow::quitWithoutAsking()
         return;
     }
     quitPending = true;
-    startCancelling();
-    // Nobody answers what is being asked, or reads what is told.
+    if (!resultShown)
+        startCancelling();
+    // No user is left to answer a question or to read a message.
     while (QWidget *box = QApplication::activeModalWidget()) {
         if (!box->close())
             break;
@@ -234,6 +235,6 @@ void MainWindow::onSessionEnd()
     connect(&deadline, &QTimer::timeout, &loop, &QEventLoop::quit);
     deadline.start(longestWait);
     connect(mainControl, &MainControl::exportReady, &loop, &QEventLoop::quit);
-    if (exportRunning)
+    if (exportRunning && !resultShown)
         loop.exec();
 }
