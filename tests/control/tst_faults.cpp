@@ -72,6 +72,7 @@ private slots:
     void aToolThatDiesFailsItsJob_data();
     void aToolThatDiesFailsItsJob();
     void aStoppedToolHoldsUpNothingElse();
+    void aProbeThatNeverStopsPrintingHoldsUpNothingElse();
     void aVanishedSourceFailsItsNextJob_data();
     void aVanishedSourceFailsItsNextJob();
     void anExportFolderRemovedInMidBatchFailsTheRest();
@@ -237,6 +238,20 @@ void TestFaults::aStoppedToolHoldsUpNothingElse()
     }
     QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
     QCOMPARE(bench->eventsOf("read ").size(), 21);
+}
+
+void TestFaults::aProbeThatNeverStopsPrintingHoldsUpNothingElse()
+{
+    bench->actAsFileTable();
+    const QJsonArray actions{QJsonObject{{"stdoutMiB", 1'000'000}}};
+    bench->makeFile("a.mov", plan("probe", {{"actions", actions}}));
+    bench->makeFile("b.mov");
+    bench->control().onIterateThroughDir({bench->mediaUrl("a.mov"), bench->mediaUrl("b.mov")});
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importIdle"), longWait);
+    QCOMPARE(bench->count("probed 0: 1001"), 1);
+    QVERIFY(bench->events.contains("read 1 stream 1: 0 10:00:00:00"));
+    QCOMPARE(bench->handlers(), 0);
+    QVERIFY(!bench->hasTemporaryFolder());
 }
 
 void TestFaults::aVanishedSourceFailsItsNextJob_data()
