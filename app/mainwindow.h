@@ -116,5 +116,5 @@ private:
     bool resultShown = false;   ///< the batch is over and a message box shows its result
     bool quitPending = false;   ///< quit confirmed during an export; the window closes when it has ended
     bool cancelling = false;    ///< cancel confirmed; until exportReady()
-    bool sessionEnding = false; ///< nobody is there any more to answer a message box
+    bool sessionEnding = false; ///< no user is left to answer a message box
 };
