@@ -232,11 +232,10 @@ void MainWindow::connectAll()
 }
 // clang-format on
 
-/// What holds the program together beside its work: the end of the worker, and a sign of life after a drop.
+/// What holds the program together: the end of the worker, and requests that are still on their way to it.
 void MainWindow::connectWorker()
 {
     connect(&workerThread, &QThread::finished, mainControl, &MainControl::shutDown);
-    connect(fileList, &FileList::importBusyChanged, this, &MainWindow::onImportBusyChanged);
     connect(mainControl, &MainControl::dropTaken, fileList, &FileList::dropTaken);
     connect(fileList, &FileList::exportFilesReq, this, &MainWindow::onExportRequest);
 }

@@ -87,7 +87,6 @@ private:
     bool mayQuitNow();
     void startCancelling();
     void showExportResult(const QString &text);
-    void onImportBusyChanged(bool busy);
 
     QThread workerThread; ///< the thread in which mainControl lives
     QWidget *centralWidget;
@@ -114,7 +113,8 @@ private:
     QVBoxLayout *rightLayout;
     QHBoxLayout *topLayout;
     bool exportRunning = false; ///< from onExportStart() to the end of exportReady()
+    bool resultShown = false;   ///< the batch is over and a message box shows its result
     bool quitPending = false;   ///< quit confirmed during an export; the window closes when it has ended
     bool cancelling = false;    ///< cancel confirmed; until exportReady()
-    bool sessionEnding = false; ///< nobody is there any more to answer a message box
+    bool sessionEnding = false; ///< no user is left to answer a message box
 };

@@ -6,13 +6,11 @@
 #include "app/windowtexts.h"
 #include "control/maincontrol.h"
 #include "control/resultcodes.h"
-#include "ffmpeg/exportwindow.h"
 #include "filelist/filelist.h"
 #include "update/versiondescriptor.h"
 
 #include <QAction>
 #include <QApplication>
-#include <QBoxLayout>
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QEventLoop>
@@ -24,17 +22,6 @@
 
 namespace
 {
-
-/// Whether \a status is one of an import or a reading that goes on.
-bool tellsOfReading(const QString &status)
-{
-    for (const char *running :
-         {"importing files...", "prepare files for reading...", "reading audio TC..."}) {
-        if (status.endsWith(running))
-            return true;
-    }
-    return false;
-}
 
 void openWebLink(const QString &link)
 {
@@ -64,21 +51,6 @@ void MainWindow::readingFinished()
     fileList->readingFinished();
 }
 
-void MainWindow::onImportBusyChanged(bool busy)
-{
-    if (busy && !exportRunning) {
-        // The first result of a large folder may be a while away, and its rows may come faster than the
-        // window gets to paint itself.
-        statusLabel->setText(tr("Status: ") + "importing files...");
-        topLayout->activate();
-        statusLabel->repaint();
-    } else if (!busy && tellsOfReading(statusLabel->text())) {
-        // The import has ended without a word, so nothing must look as if it went on.
-        statusLabel->setText(tr("Status:"));
-        progressBar->setValue(0);
-    }
-}
-
 /// The worker may be a while in taking the request; another export must not be asked for meanwhile.
 void MainWindow::onExportRequest(const QVector<FileData> &files)
 {
@@ -103,7 +75,6 @@ void MainWindow::offerExports(bool offered)
 {
     exportAction->setEnabled(offered);
     exportAllAction->setEnabled(offered);
-    exportWindow->setEnabled(offered);
 }
 
 bool MainWindow::confirmed(const QString &title, const QString &question)
@@ -156,7 +127,9 @@ void MainWindow::showExportResult(const QString &text)
         return;
     QMessageBox box(QMessageBox::Information, tr("Export Result"), text, QMessageBox::Ok, this);
     box.setTextFormat(Qt::PlainText); // file names may look like markup
+    resultShown = true;
     box.exec();
+    resultShown = false;
 }
 
 void MainWindow::updateFileInfo(FileData fileData)
@@ -243,8 +216,9 @@ void MainWindow::quitWithoutAsking()
         return;
     }
     quitPending = true;
-    startCancelling();
-    // Nobody answers what is being asked, or reads what is told.
+    if (!resultShown)
+        startCancelling();
+    // No user is left to answer a question or to read a message.
     while (QWidget *box = QApplication::activeModalWidget()) {
         if (!box->close())
             break;
@@ -261,6 +235,6 @@ void MainWindow::onSessionEnd()
     connect(&deadline, &QTimer::timeout, &loop, &QEventLoop::quit);
     deadline.start(longestWait);
     connect(mainControl, &MainControl::exportReady, &loop, &QEventLoop::quit);
-    if (exportRunning)
+    if (exportRunning && !resultShown)
         loop.exec();
 }

@@ -28,8 +28,12 @@ void handle(void (*handler)(int))
     action.sa_handler = handler;
     sigemptyset(&action.sa_mask);
     action.sa_flags = SA_RESTART;
-    for (const int number : {SIGTERM, SIGINT, SIGHUP})
-        sigaction(number, &action, nullptr);
+    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+        struct sigaction before = {};
+        sigaction(number, nullptr, &before);
+        if (number != SIGHUP || before.sa_handler != SIG_IGN) // "nohup" starts programs that stay
+            sigaction(number, &action, nullptr);
+    }
 }
 
 } // namespace

@@ -6,8 +6,8 @@
 class QSocketNotifier;
 
 /// Turns the signals by which a session or a terminal ends the program (SIGTERM, SIGINT, SIGHUP) into a
-/// signal of the event loop, so that an export under way is wound up. One per process; does nothing on
-/// Windows.
+/// signal of the event loop, so that an export under way is wound up. A SIGHUP that was ignored when the
+/// program started stays ignored. One per process; does nothing on Windows.
 class TerminationSignals : public QObject
 {
     Q_OBJECT

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "control/droppedfiles.h"
 
+#include <QDir>
+#include <QFile>
+
 #include <algorithm>
+#include <system_error>
 
 const QStringList mediaNameFilters{"*.mov", "*.mxf", "*.mp4", "*.mts", "*.wav"};
 
@@ -16,6 +20,30 @@ bool endsLikePattern(const QString &path, int skipped)
     });
 }
 
+// The toolkit's own walk leaves out every name that it cannot turn into text and back. So folders are walked
+// by the bytes of their names.
+#ifdef Q_OS_WIN
+std::filesystem::path pathOf(const QString &text)
+{
+    return text.toStdWString();
+}
+
+QString textOf(const std::filesystem::path &path)
+{
+    return QDir::fromNativeSeparators(QString::fromStdWString(path.native()));
+}
+#else
+std::filesystem::path pathOf(const QString &text)
+{
+    return QFile::encodeName(text).toStdString();
+}
+
+QString textOf(const std::filesystem::path &path)
+{
+    return QFile::decodeName(path.c_str());
+}
+#endif
+
 } // namespace
 
 bool endsLikeMedia(const QString &path)
@@ -25,34 +53,45 @@ bool endsLikeMedia(const QString &path)
 
 std::optional<QFileInfo> DroppedFiles::step()
 {
-    return folder ? stepInFolder() : enterNextUrl();
+    return folders.empty() ? enterNextUrl() : stepInFolder();
 }
 
 std::optional<QFileInfo> DroppedFiles::enterNextUrl()
 {
     const QString path = urls.takeFirst().toLocalFile();
     const QFileInfo fileInfo(path);
-    if (!fileInfo.isDir()) {
-        if (endsLikeMedia(path))
-            return fileInfo;
-        return std::nullopt;
-    }
-    // The iterator's own name filters would skip any number of foreign files in one call; so would leaving
-    // out the sub-folders. Both are passed over below, entry by entry.
-    folder = std::make_unique<QDirIterator>(path, QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot,
-                                            QDirIterator::Subdirectories);
-    if (!folder->hasNext())
-        folder.reset();
+    if (fileInfo.isDir())
+        enterFolder(pathOf(path));
+    else if (endsLikeMedia(path))
+        return fileInfo;
     return std::nullopt;
+}
+
+void DroppedFiles::enterFolder(const std::filesystem::path &path)
+{
+    std::error_code error; // a folder that cannot be read is as good as empty
+    const std::filesystem::directory_iterator folder(path, error);
+    if (folder != std::filesystem::directory_iterator())
+        folders.push_back(folder);
 }
 
 std::optional<QFileInfo> DroppedFiles::stepInFolder()
 {
-    const QString path = folder->next();
-    const bool isMedia = !folder->fileInfo().isDir() && endsLikePattern(path, 1); // behind "*"
-    if (!folder->hasNext())
-        folder.reset();
-    if (isMedia)
-        return QFileInfo(path);
-    return std::nullopt;
+    std::error_code error;
+    const std::filesystem::directory_entry entry = *folders.back();
+    folders.back().increment(error);
+    if (folders.back() == std::filesystem::directory_iterator())
+        folders.pop_back();
+
+    const QFileInfo fileInfo(textOf(entry.path()));
+    if (fileInfo.isHidden())
+        return std::nullopt;
+    if (entry.is_directory(error)) {
+        if (!entry.is_symlink(error)) // such a link may lead in a circle
+            enterFolder(entry.path());
+        return std::nullopt;
+    }
+    const bool isMedia =
+        endsLikePattern(fileInfo.filePath(), 1) && entry.is_regular_file(error); // behind "*"
+    return isMedia ? std::make_optional(fileInfo) : std::nullopt;
 }

@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #ifdef Q_OS_UNIX
 #include <sys/stat.h>
@@ -14,6 +15,7 @@ namespace
 {
 
 const QLatin1String lockSuffix(".lock");
+constexpr int mostPrivateNames = 10; // of one process; another user may have guessed its id
 
 QString folderIn(const QString &parentPath)
 {
@@ -62,15 +64,21 @@ std::unique_ptr<QLockFile> lockFolder(const QString &path)
     return lock->tryLock() ? std::move(lock) : nullptr;
 }
 
-/// Removes the folders of instances that took a private name beside \a sharedPath and have not removed it.
+/// Removes the folders of instances that took a private name next to \a sharedPath and have not removed it.
+/// Anything else that only begins like it is someone else's.
 void removeLeftOvers(const QString &sharedPath)
 {
     const QFileInfo shared(sharedPath);
+    const QRegularExpression privateName(
+        QRegularExpression::anchoredPattern(QRegularExpression::escape(shared.fileName()) +
+                                            QString("-[1-9][0-9]{0,9}-{0,%1}").arg(mostPrivateNames)));
     const auto names =
         shared.dir().entryList({shared.fileName() + "-*"}, QDir::Dirs | QDir::Files | QDir::NoDotAndDotDot);
     for (QString name : names) {
         if (name.endsWith(lockSuffix))
             name.chop(lockSuffix.size());
+        if (!privateName.match(name).hasMatch())
+            continue;
         const QString path = shared.dir().filePath(name);
         if (const auto lock = lockFolder(path))
             removeFolder(path);
@@ -99,9 +107,9 @@ bool TemporaryFolder::claim(const QString &path)
 
 void TemporaryFolder::claimPrivateName()
 {
-    constexpr int tries = 10; // somebody may have guessed the process id
+    lock.reset();
     folderPath = sharedPath + '-' + QString::number(QCoreApplication::applicationPid());
-    for (int i = 0; i < tries && !claim(folderPath); ++i)
+    for (int i = 0; i < mostPrivateNames && !claim(folderPath); ++i)
         folderPath += '-';
 }
 
@@ -112,9 +120,10 @@ QString TemporaryFolder::subFolder(const QString &baseName) const
 
 QString TemporaryFolder::createSubFolder(const QString &baseName)
 {
-    if (!isOursToUse(folderPath))
-        claimPrivateName(); // between two stages there is no folder, so somebody else may have made one
-    makePrivateFolder(folderPath);
+    if (!lock || !isOursToUse(folderPath))
+        claimPrivateName(); // between two stages there is no folder, so someone else may have made one
+    if (lock)
+        makePrivateFolder(folderPath);
     QString path = subFolder(baseName);
     QDir().mkdir(path);
     return path;
@@ -122,7 +131,8 @@ QString TemporaryFolder::createSubFolder(const QString &baseName)
 
 void TemporaryFolder::remove()
 {
-    removeFolder(folderPath);
+    if (lock) // otherwise it is another instance's by now
+        removeFolder(folderPath);
 }
 
 void TemporaryFolder::release()

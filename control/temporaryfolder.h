@@ -29,10 +29,11 @@ public:
     /// be made, nothing can be written there and the extraction fails.
     QString createSubFolder(const QString &baseName);
 
-    /// Removes the folder with all its contents, but nothing that a link in it points to.
+    /// Removes the folder with all its contents, but nothing that a link in it points to. Does nothing after
+    /// release().
     void remove();
 
-    /// Removes the folder and lets go of its name.
+    /// Removes the folder and frees its name. Does nothing when called again.
     void release();
 
 private:
@@ -41,5 +42,5 @@ private:
 
     QString sharedPath; ///< the name without a process id
     QString folderPath;
-    std::unique_ptr<QLockFile> lock; ///< of folderPath
+    std::unique_ptr<QLockFile> lock; ///< of folderPath; null = the folder is not ours
 };

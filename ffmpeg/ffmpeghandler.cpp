@@ -15,12 +15,25 @@
 #include <algorithm>
 #include <utility>
 
+namespace
+{
+
+// A description takes kilobytes. Of a tool that does not stop printing, no more than this is kept.
+constexpr int mostProbeOutput = 64 * 1024 * 1024; // [bytes]
+
+} // namespace
+
 FFMpegHandler::FFMpegHandler(QObject *parent)
     : QObject(parent),
       exportProcess(new ToolProcess(this)),
       probeProcess(new ToolProcess(this)),
       extractProcess(new ToolProcess(this))
 {
+    // A process keeps what it is not asked for, and damaged sources make tools print a line for each frame.
+    for (QProcess *process : {probeProcess, extractProcess})
+        process->setStandardErrorFile(QProcess::nullDevice());
+    for (QProcess *process : {extractProcess, exportProcess})
+        process->setStandardOutputFile(QProcess::nullDevice());
 }
 
 void FFMpegHandler::probe(const QString &mediaPath, uint number)
@@ -35,11 +48,18 @@ void FFMpegHandler::probe(const QString &mediaPath, uint number)
 void FFMpegHandler::ffprobeReady()
 {
     probeOutput += probeProcess->readAllStandardOutput();
+    if (probeOutput.size() > mostProbeOutput) {
+        probeProcess->closeReadChannel(QProcess::StandardOutput);
+        probeProcess->kill();
+    }
 }
 
 void FFMpegHandler::ffprobeFinished(int exitCode)
 {
-    emit ffprobeResult(this, QJsonDocument::fromJson(probeOutput).object(), fileNumber, exitCode);
+    if (probeOutput.size() > mostProbeOutput) // it has not failed but was stopped
+        emit ffprobeResult(this, {}, fileNumber, 0);
+    else
+        emit ffprobeResult(this, QJsonDocument::fromJson(probeOutput).object(), fileNumber, exitCode);
     probeOutput.clear();
 }
 
@@ -72,6 +92,8 @@ void FFMpegHandler::buildExportArguments(const FileData &fileData, const ExportO
     connect(exportProcess, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
             &FFMpegHandler::ffmpegExportFinished);
     connect(exportProcess, &QProcess::readyReadStandardError, this, &FFMpegHandler::ffmpegExportError);
+    connect(exportProcess, &QProcess::readyReadStandardError, this,
+            [this] { exportProcess->readAllStandardError(); }); // it is no more than a heartbeat
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     exporthints::insertInto(environment, record, options);
     exportProcess->setProcessEnvironment(environment);

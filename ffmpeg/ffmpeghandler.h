@@ -22,7 +22,8 @@ class FFMpegHandler : public QObject
 public:
     explicit FFMpegHandler(QObject *parent);
 
-    /// Starts the probe tool on \a mediaPath; \a fileNumber comes back with the result.
+    /// Starts the probe tool on \a mediaPath; \a fileNumber comes back with the result. A tool that prints
+    /// more than 64 MiB is killed; the result is then an empty object with the exit code 0.
     void probe(const QString &mediaPath, uint fileNumber);
 
     /// Starts writing the first seconds of each audio stream of \a fileData to WAV files in the existing

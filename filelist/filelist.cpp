@@ -95,7 +95,7 @@ void FileList::dropEvent(QDropEvent *event)
         importBusy = true;
         importUnderWay = true;
         ++dropsOnTheWay;
-        emit importBusyChanged(true);
+        showWhetherBusy();
         emit iterateThroughDirReq(urls);
     }
     event->acceptProposedAction();
@@ -164,6 +164,7 @@ void FileList::onAudioTCReadReq(AudioTCOptions audioTCOptions)
     if (!files.isEmpty()) {
         ++readingsPending;
         readingWaitsForImport = importBusy;
+        showWhetherBusy();
     }
     emit updateAudioTCInfoReq(files, audioTCOptions);
 }
@@ -197,7 +198,21 @@ void FileList::importReady()
     else if (dropsOnTheWay == 0) // otherwise it is the end of an earlier import
         importUnderWay = false;
     importBusy = false;
-    emit importBusyChanged(false);
+    showWhetherBusy();
+}
+
+bool FileList::isBusy() const
+{
+    return importUnderWay || isReading();
+}
+
+/// The pointer shows that work has begun, and that it has ended, also when no text does.
+void FileList::showWhetherBusy()
+{
+    if (isBusy())
+        setCursor(Qt::BusyCursor); // for the viewport too, which has no pointer of its own
+    else
+        unsetCursor();
 }
 
 bool FileList::isReading() const
@@ -218,6 +233,7 @@ void FileList::dropTaken()
 void FileList::readingFinished()
 {
     readingsPending = qMax(0, readingsPending - 1);
+    showWhetherBusy();
 }
 
 bool FileList::hasRecord(int row) const

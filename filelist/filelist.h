@@ -31,6 +31,9 @@ public:
     /// \a mainControl is the object that answers the requests; it is not owned.
     explicit FileList(MainControl *mainControl);
 
+    /// Whether an import or a second reading is under way. The table shows the busy pointer meanwhile.
+    bool isBusy() const;
+
     /// Whether a second reading, asked for by onAudioTCReadReq(), is waited for. Its results carry row
     /// numbers.
     bool isReading() const;
@@ -52,9 +55,6 @@ signals:
     void updateAudioTCInfoReq(QVector<FileData> audioTCUpdateFileVector, AudioTCOptions audioTCOptions);
     void updateFileInfo(FileData fileData);
     void exportFilesReq(QVector<FileData> exportFileVector, ExportOptions exportOptions);
-
-    /// An import has begun with a drop (true) or has come to its end (false).
-    void importBusyChanged(bool busy);
 
 private slots:
     void onCellClicked(int row);
@@ -81,6 +81,7 @@ protected:
 private:
     // in filelist.cpp
     void setUpTable();
+    void showWhetherBusy();
     bool hasRecord(int row) const;
 
     // in filelistrows.cpp

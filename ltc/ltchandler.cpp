@@ -28,6 +28,7 @@ void LTCHandler::readTimecode(const QString &audioPath, const AudioTCOptions &re
 void LTCHandler::start()
 {
     process = new ToolProcess(this);
+    process->setStandardErrorFile(QProcess::nullDevice()); // what no one reads would pile up
     connect(process, &QProcess::readyReadStandardOutput, this, &LTCHandler::ltcReaderReady);
     connect(process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
             &LTCHandler::ltcReaderFinished);

@@ -38,16 +38,19 @@ WorkingWindow::WorkingWindow()
 void WorkingWindow::import(const QString &folder)
 {
     const auto *status = window.findChild<QLabel *>("statusLabel");
+    auto *fileList = window.findChild<FileList *>("fileList");
     watch.restart();
-    drop({folder}, *window.findChild<FileList *>("fileList"));
+    drop({folder}, *fileList);
     QElapsedTimer timer;
     timer.start();
-    while (status->text() != "Status: import ready") {
+    while (fileList->isBusy()) {
         if (timer.hasExpired(patience))
             throw Failure("the import does not end: " + status->text());
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     longest = watch.longestBlock();
+    if (status->text() != "Status: import ready")
+        throw Failure("the import ends with: " + status->text());
 }
 
 void WorkingWindow::exportAll(const ExportOptions &options)

@@ -6,7 +6,7 @@ namespace bench
 
 struct ForeignTreeRun {
     int files = 0;
-    double statusTime = 0.0;   ///< [ms] from the drop to the answer in the status line
+    double answerTime = 0.0;   ///< [ms] from the drop to the painted table with the busy pointer
     double longestBlock = 0.0; ///< [ms] for which the event loop answered nothing while the tree is walked
     double quitTime = 0.0; ///< [s] from the wish to quit, while the tree is walked, to the end of the window
 };

@@ -2,9 +2,17 @@
 #include "control/droppedfiles.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <filesystem>
+#include <fstream>
+
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
 
 class TestDroppedFiles : public QObject
 {
@@ -18,6 +26,8 @@ private slots:
     void theOrderIsThatOfTheFolders();
     void aFolderNamedLikeAFileIsWalked();
     void linksToFoldersAreNotFollowed();
+    void namesThatAreNoTextAreFound();
+    void onlyFilesAreFound();
     void whatIsNotThereIsPassedOver();
     void everyStepLooksAtOneEntry();
     void laterDropsFollowEarlierOnes();
@@ -126,6 +136,39 @@ void TestDroppedFiles::linksToFoldersAreNotFollowed()
     QStringList result = found({"day"});
     result.sort();
     QCOMPARE(result, (QStringList{"day/a.mov", "day/b.mov"}));
+}
+
+void TestDroppedFiles::namesThatAreNoTextAreFound()
+{
+#ifndef Q_OS_UNIX
+    QSKIP("every name is text here");
+#endif
+    make("day/good.mov");
+    const QByteArray day = QFile::encodeName(folder->filePath("day/"));
+    std::filesystem::create_directory((day + "card\xFE").constData());
+    for (const char *name : {"take\xFF.mov", "Caf\xE9.WAV", "\xFF.txt", ".\xFF.mov", "card\xFE/inner.mxf"})
+        QVERIFY(std::ofstream((day + name).constData()));
+    QStringList result = found({"day"});
+    result.sort();
+    const QChar replaced(QChar::ReplacementCharacter);
+    QStringList expected{"day/good.mov", QString("day/take%1.mov").arg(replaced),
+                         QString("day/Caf%1.WAV").arg(replaced),
+                         QString("day/card%1/inner.mxf").arg(replaced)};
+    expected.sort();
+    QCOMPARE(result, expected);
+    std::filesystem::remove_all(day.constData()); // the toolkit could not
+}
+
+void TestDroppedFiles::onlyFilesAreFound()
+{
+#ifdef Q_OS_UNIX
+    make("day/a.mov");
+    const QByteArray pipe = QFile::encodeName(folder->filePath("day/pipe.mov"));
+    QCOMPARE(mkfifo(pipe.constData(), S_IRWXU), 0);
+    QCOMPARE(found({"day"}), QStringList{"day/a.mov"});
+#else
+    QSKIP("there are no pipes in folders here");
+#endif
 }
 
 void TestDroppedFiles::whatIsNotThereIsPassedOver()

@@ -72,6 +72,7 @@ private slots:
     void aToolThatDiesFailsItsJob_data();
     void aToolThatDiesFailsItsJob();
     void aStoppedToolHoldsUpNothingElse();
+    void aProbeThatNeverStopsPrintingHoldsUpNothingElse();
     void aVanishedSourceFailsItsNextJob_data();
     void aVanishedSourceFailsItsNextJob();
     void anExportFolderRemovedInMidBatchFailsTheRest();
@@ -239,6 +240,20 @@ void TestFaults::aStoppedToolHoldsUpNothingElse()
     QCOMPARE(bench->eventsOf("read ").size(), 21);
 }
 
+void TestFaults::aProbeThatNeverStopsPrintingHoldsUpNothingElse()
+{
+    bench->actAsFileTable();
+    const QJsonArray actions{QJsonObject{{"stdoutMiB", 1'000'000}}};
+    bench->makeFile("a.mov", plan("probe", {{"actions", actions}}));
+    bench->makeFile("b.mov");
+    bench->control().onIterateThroughDir({bench->mediaUrl("a.mov"), bench->mediaUrl("b.mov")});
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importIdle"), longWait);
+    QCOMPARE(bench->count("probed 0: 1001"), 1);
+    QVERIFY(bench->events.contains("read 1 stream 1: 0 10:00:00:00"));
+    QCOMPARE(bench->handlers(), 0);
+    QVERIFY(!bench->hasTemporaryFolder());
+}
+
 void TestFaults::aVanishedSourceFailsItsNextJob_data()
 {
     QTest::addColumn<QString>("held");
@@ -359,7 +374,7 @@ void TestFaults::oddNamesGoAllTheWay()
 
 void TestFaults::aNameThatIsNoTextIsAFailedProbe()
 {
-    const QByteArray name = QFile::encodeName(bench->mediaPath("card")) + "/\xFF\xFE.mov";
+    const QByteArray name = QFile::encodeName(bench->mediaPath("card")) + "/take\xFF.mov";
     QVERIFY(QDir().mkpath(bench->mediaPath("card")));
     FILE *file = std::fopen(name.constData(), "w");
     QVERIFY(file);
@@ -368,9 +383,16 @@ void TestFaults::aNameThatIsNoTextIsAFailedProbe()
     bench->makeFile("card/good.mov");
     bench->control().onIterateThroughDir({bench->mediaUrl("card")});
     QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
+    QCOMPARE(bench->eventsOf("found ").size(), 2);
     QCOMPARE(bench->eventsOf("probed ").filter(": 0").size(), 1);
-    QCOMPARE(bench->eventsOf("probed ").size(), bench->eventsOf("found ").size());
-    QCOMPARE(std::remove(name.constData()), 0); // nobody else could
+    QCOMPARE(bench->eventsOf("probed ").filter(": 1000").size(), 1);
+
+    bench->events.clear(); // and when it is dropped by itself
+    bench->control().onIterateThroughDir({QUrl::fromEncoded("file://" + name.toPercentEncoding("/"))});
+    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
+    QCOMPARE(bench->eventsOf("found ").size(), 1);
+    QCOMPARE(bench->eventsOf("probed ").filter(": 1000").size(), 1);
+    QCOMPARE(std::remove(name.constData()), 0); // the toolkit could not
 }
 
 void TestFaults::brokenFilesHoldUpNothingElse()

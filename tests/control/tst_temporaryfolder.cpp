@@ -53,6 +53,9 @@ private slots:
     void theNameIsFreeAgainAfterTheFirstInstance();
     void aLockOfADeadInstanceDoesNotCount();
     void whatADeadInstanceHasLeftIsRemoved();
+    void whatHasAnotherNameIsLeftAlone_data();
+    void whatHasAnotherNameIsLeftAlone();
+    void releasingTwiceSparesTheNextOwner();
     void aLinkOfTheNameIsNeitherUsedNorFollowed();
     void aLinkThatAppearsLaterIsNotUsed();
     void aFileOfTheNameIsLeftAlone();
@@ -196,6 +199,39 @@ void TestTemporaryFolder::whatADeadInstanceHasLeftIsRemoved()
     QVERIFY(!QFileInfo::exists(mainPath() + "-2.lock"));
     QVERIFY(QFileInfo::exists(second.subFolder("clip")));
     QVERIFY(QFileInfo::exists(parent->filePath("Other-1")));
+}
+
+void TestTemporaryFolder::whatHasAnotherNameIsLeftAlone_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char *name : {"-backup", "-1 copy", "-1.5", "-", "--", "-0", "-01", "-1-backup", "-+1",
+                             "-1-old", "-99999999999999999999", "2", ".old", "-1------------"})
+        QTest::newRow(name) << QString("OstrelSyncTemp") + name;
+}
+
+void TestTemporaryFolder::whatHasAnotherNameIsLeftAlone()
+{
+    QFETCH(QString, name);
+    const QString path = parent->filePath(name);
+    QVERIFY(QDir().mkpath(path + "/clip"));
+    writeDeadLock(path + ".lock");
+    const TemporaryFolder first(parent->path());
+    const TemporaryFolder second(parent->path());
+    QVERIFY(QFileInfo::exists(path + "/clip"));
+    QVERIFY(QFileInfo::exists(path + ".lock"));
+}
+
+void TestTemporaryFolder::releasingTwiceSparesTheNextOwner()
+{
+    TemporaryFolder first(parent->path());
+    first.release();
+    TemporaryFolder second(parent->path());
+    QCOMPARE(second.path(), first.path());
+    const QString folder = second.createSubFolder("clip");
+    first.release();
+    QVERIFY(QFileInfo::exists(folder));
+    first.remove();
+    QVERIFY(QFileInfo::exists(folder));
 }
 
 void TestTemporaryFolder::aLinkOfTheNameIsNeitherUsedNorFollowed()

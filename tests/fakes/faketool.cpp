@@ -36,6 +36,16 @@ void print(FILE *stream, const QByteArray &text)
     std::fflush(stream);
 }
 
+/// Prints \a mebibytes of lines as a tool does that complains of every frame.
+void printMany(FILE *stream, int mebibytes)
+{
+    constexpr int mebibyte = 1024 * 1024; // [bytes]
+    const QByteArray line("[h264 @ 0x55d0c0ffee00] error while decoding MB 12 34, bytestream -5\n");
+    const QByteArray lines = line.repeated(mebibyte / line.size() + 1).left(mebibyte - 1) + '\n';
+    for (int i = 0; i < mebibytes; ++i)
+        print(stream, lines);
+}
+
 bool isThere(const QString &path)
 {
     return QFileInfo::exists(path);
@@ -142,6 +152,10 @@ void act(const FakeJob &job, const QDir &folder, const QString &what, const QJso
         print(stdout, how.toString().toUtf8());
     else if (what == "stderr")
         print(stderr, how.toString().toUtf8());
+    else if (what == "stdoutMiB")
+        printMany(stdout, how.toInt());
+    else if (what == "stderrMiB")
+        printMany(stderr, how.toInt());
     else if (what == "pauseMs")
         QThread::msleep(static_cast<unsigned long>(how.toInt()));
     else if (what == "waitFor")

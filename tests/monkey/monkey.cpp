@@ -32,7 +32,6 @@ Monkey::Monkey(std::uint64_t seed)
     qputenv("OSTREL_MONKEY_SEED", QByteArray::number(static_cast<qulonglong>(seed)));
     bench = std::make_unique<WindowBench>();
     fileList = bench->child<FileList>("fileList");
-    QObject::connect(fileList, &FileList::importBusyChanged, [this](bool busy) { importRuns = busy; });
     inWorker = std::make_unique<QObject>();
     inWorker->moveToThread(bench->child<QThread>("workerThread"));
     exportFolder = bench->exportFolder();
@@ -117,7 +116,7 @@ void Monkey::flushWorker()
 bool Monkey::isBusy() const
 {
     const bool exports = !bench->child<QAction>("exportAction")->isEnabled();
-    return importRuns || exports || fileList->isReading() || !ownprocesses::children().isEmpty() ||
+    return fileList->isBusy() || exports || !ownprocesses::children().isEmpty() ||
            QApplication::activeModalWidget();
 }
 
@@ -145,11 +144,11 @@ void Monkey::settle()
         if (quiet == 0)
             QTest::qWait(5);
     }
-    require(!isBusy(), QString("everything ends, but import %1, reading %2, children %3, status \"%4\"")
-                           .arg(importRuns)
-                           .arg(fileList->isReading())
+    require(!isBusy(), QString("everything ends, but import or reading %1, children %2, status \"%3\"")
+                           .arg(fileList->isBusy())
                            .arg(ownprocesses::children().size())
                            .arg(bench->status()));
+    require(fileList->viewport()->cursor().shape() == Qt::ArrowCursor, "the pointer is not busy any more");
 }
 
 /// After all that, one more file goes all the way, and progress counts this file alone.

@@ -78,5 +78,4 @@ private:
     QStringList sourceFolders;
     QHash<QString, QByteArray> sources; ///< path and content of all media files
     QString exportFolder;
-    bool importRuns = false;
 };

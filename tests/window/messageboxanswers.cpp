@@ -63,6 +63,9 @@ void MessageBoxAnswers::look()
     auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
     if (!box || !box->isVisible() || answers.isEmpty() || current.contains(box))
         return;
+    const QAbstractButton *button = box->button(answers.constFirst().button);
+    if (button && button->size().isEmpty())
+        return; // not laid out yet, so a click would miss it
     const Answer answer = answers.takeFirst();
     boxes.append(whatItSays(*box));
     current.append(box);

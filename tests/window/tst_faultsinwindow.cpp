@@ -7,9 +7,13 @@
 #include <QComboBox>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QSemaphore>
 #include <QTest>
 #include <QThread>
+
+#include <cstdio>
+#include <fstream>
 
 // Requests and results that cross between the window and its worker at an awkward moment.
 
@@ -62,6 +66,7 @@ private slots:
     void aDropAtTheEndOfAnImportKeepsItsRows();
     void aDropThatWaitsForAFailedReadingKeepsItsRows();
     void aSecondExportIsNotOfferedWhileTheFirstIsOnItsWay();
+    void aNameThatIsNoTextGetsARow();
 };
 
 void TestFaultsInWindow::aDropAtTheEndOfAnImportKeepsItsRows()
@@ -134,6 +139,17 @@ void TestFaultsInWindow::aSecondExportIsNotOfferedWhileTheFirstIsOnItsWay()
     tryToDeleteAll(bench);
     bench.startExport(); // of nothing, which never starts
     QVERIFY(exportAll->isEnabled());
+}
+
+void TestFaultsInWindow::aNameThatIsNoTextGetsARow()
+{
+    WindowBench bench;
+    const QByteArray name = QFile::encodeName(bench.media) + "/Caf\xE9.mov"; // in Latin-1
+    QVERIFY(std::ofstream(name.constData()));
+    QVERIFY(bench.import());
+    QCOMPARE(bench.column(0), QStringList{QString("Caf%1.mov").arg(QChar(QChar::ReplacementCharacter))});
+    QCOMPARE(bench.column(3), QStringList{"error while reading file data"});
+    QCOMPARE(std::remove(name.constData()), 0); // the toolkit could not
 }
 
 QTEST_MAIN(TestFaultsInWindow)

@@ -9,6 +9,7 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QDir>
+#include <QJsonArray>
 #include <QMenu>
 #include <QSignalSpy>
 #include <QTest>
@@ -33,22 +34,23 @@ void progress(MainWindow &window, int current, int all, const QString &text)
     call(window, "statusProgressUpdate", Q_ARG(int, current), Q_ARG(int, all), Q_ARG(QString, text));
 }
 
-/// Notes what a label said when it was painted last.
-class PaintedText : public QObject
+bool showsPointer(const WindowBench &bench, Qt::CursorShape shape)
 {
-public:
-    explicit PaintedText(QLabel &label) : label(label) { label.installEventFilter(this); }
-    bool eventFilter(QObject *, QEvent *event) override
-    {
-        if (event->type() == QEvent::Paint)
-            last = label.text();
-        return false;
-    }
-    QString last;
+    return bench.fileList->cursor().shape() == shape && bench.fileList->viewport()->cursor().shape() == shape;
+}
 
-private:
-    QLabel &label;
-};
+QJsonObject plan(const char *job, const QJsonObject &part)
+{
+    return {{job, part}};
+}
+
+void readAllAgain(const WindowBench &bench)
+{
+    bench.child<QAction>("readAudioTCAction")->trigger();
+    const QWidget *dialog = topLevel("audioTCWindow");
+    dialog->findChild<QComboBox *>("filesCombo")->setCurrentText("all files");
+    dialog->findChild<QPushButton *>("readAudioTCButton")->click();
+}
 
 } // namespace
 
@@ -67,8 +69,13 @@ private slots:
     void deleteClearsAndIsPassedOnWithoutSelection();
     void deleteWaitsForTheEndOfAReading();
     void aFolderIsImportedAndItsStreamsShown();
-    void aDropIsAnsweredAtOnce();
-    void theStatusIsPaintedBeforeTheFolderIsWalked();
+    void aDropChangesNeitherLabelNorBar();
+    void aSilentEndChangesNeitherLabelNorBar();
+    void thePointerIsBusyDuringAnImport_data();
+    void thePointerIsBusyDuringAnImport();
+    void thePointerIsBusyDuringAReading_data();
+    void thePointerIsBusyDuringAReading();
+    void thePointerIsBusyUntilTheLastOfSeveralEnds();
     void aDropOfNothingUsableEndsQuietly();
     void rowsCanBeDeletedAfterADropOfNothingUsable();
     void rowsCannotBeDeletedDuringAnImport();
@@ -226,31 +233,125 @@ void TestMainWindow::aFolderIsImportedAndItsStreamsShown()
     QVERIFY(QGuiApplication::clipboard()->text().contains("a.mov\t00:00:10\t"));
 }
 
-void TestMainWindow::aDropIsAnsweredAtOnce()
+void TestMainWindow::aDropChangesNeitherLabelNorBar()
 {
     WindowBench bench;
-    const QString file = bench.addFile("a.wav");
-    faketools::setPlan(file, {{"probe", QJsonObject{{"waitFor", "gate"}}}});
-    bench.dropFolder();
-    QCOMPARE(bench.status(), QString("Status: importing files..."));
+    bench.addFile("a.wav");
+    QVERIFY(bench.import());
+    const QString file = bench.addFile("b.wav");
+    faketools::setPlan(file, plan("probe", {{"waitFor", "gate"}}));
+    progress(*bench.window, 2, 7, "as before");
+    bench.drop({file});
+    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(file, "probe").size(), 1, longWait);
+    QCOMPARE(bench.status(), QString("Status: as before"));
+    QCOMPARE(bench.progressBar->maximum(), 7);
+    QCOMPARE(bench.progressBar->value(), 2);
     faketools::openGate(bench.media + "/gate");
     QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), longWait);
 }
 
-void TestMainWindow::theStatusIsPaintedBeforeTheFolderIsWalked()
+void TestMainWindow::aSilentEndChangesNeitherLabelNorBar()
 {
     WindowBench bench;
-    PaintedText painted(*bench.statusLabel);
-    QString beforeTheWalk;
-    bool hasRoom = false;
-    connect(qobject_cast<FileList *>(bench.fileList), &FileList::iterateThroughDirReq, bench.window.get(),
-            [&] {
-                beforeTheWalk = painted.last;
-                hasRoom = bench.statusLabel->width() >= bench.statusLabel->sizeHint().width();
-            });
+    const QString silent = bench.addFile("silent.mov");
+    const QString good = bench.addFile("good.mov");
+    faketools::setPlan(silent, plan("probe", {{"json", QJsonObject()}}));
+    faketools::setPlan(good, plan("read", {{"waitFor", "gate"}}));
+    bench.drop({silent, good});
+    QTRY_COMPARE_WITH_TIMEOUT(bench.column(audioColumn).value(0), QString("couldn't read file data"),
+                              longWait);
+    faketools::openGate(bench.media + "/gate");
+    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(bench, Qt::ArrowCursor), longWait);
+    QCOMPARE(bench.column(audioColumn).value(1), QString("10:00:00:00@25.00 on ch. 1"));
+    QCOMPARE(bench.status(), QString("Status: reading audio TC..."));
+    QCOMPARE(bench.progressBar->value(), 4);
+    QCOMPARE(bench.progressBar->maximum(), 6);
+    bench.fileList->selectAll();
+    QTest::keyClick(bench.fileList, Qt::Key_Delete);
+    QCOMPARE(bench.fileList->rowCount(), 0);
+}
+
+void TestMainWindow::thePointerIsBusyDuringAnImport_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QJsonObject>("plan");
+    QTest::addColumn<QString>("status");
+    QTest::newRow("import ready") << "a.wav" << QJsonObject() << "Status: import ready";
+    QTest::newRow("the probe fails") << "a.wav" << plan("probe", {{"exitCode", 1}}) << "Status: import ready";
+    QTest::newRow("the extraction fails")
+        << "a.wav" << plan("extract", {{"exitCode", 1}}) << "Status: import ready";
+    QTest::newRow("silent, the probe says nothing")
+        << "a.wav" << plan("probe", {{"json", QJsonObject()}}) << "Status: importing files...";
+    QTest::newRow("silent, nothing was extracted")
+        << "a.wav" << plan("extract", {{"actions", QJsonArray()}}) << "Status: prepare files for reading...";
+    QTest::newRow("silent, nothing usable was dropped") << "notes.txt" << QJsonObject() << "Status:";
+}
+
+void TestMainWindow::thePointerIsBusyDuringAnImport()
+{
+    QFETCH(QString, name);
+    QFETCH(QJsonObject, plan);
+    QFETCH(QString, status);
+    WindowBench bench;
+    faketools::setPlan(bench.addFile(name), plan);
+    QVERIFY(showsPointer(bench, Qt::ArrowCursor));
     bench.dropFolder();
-    QCOMPARE(beforeTheWalk, QString("Status: importing files..."));
-    QVERIFY(hasRoom);
+    QVERIFY2(showsPointer(bench, Qt::BusyCursor), "from the drop on");
+    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(bench, Qt::ArrowCursor), longWait);
+    QCOMPARE(bench.status(), status);
+    QCOMPARE(bench.window->cursor().shape(), Qt::ArrowCursor);
+}
+
+void TestMainWindow::thePointerIsBusyDuringAReading_data()
+{
+    QTest::addColumn<QJsonObject>("plan");
+    QTest::addColumn<QString>("status");
+    QTest::newRow("read finished") << QJsonObject() << "Status: read finished";
+    QTest::newRow("the extraction fails, which ends it like an import")
+        << plan("extract", {{"exitCode", 1}}) << "Status: import ready";
+    QTest::newRow("silent, nothing was extracted")
+        << plan("extract", {{"actions", QJsonArray()}}) << "Status: prepare files for reading...";
+}
+
+void TestMainWindow::thePointerIsBusyDuringAReading()
+{
+    QFETCH(QJsonObject, plan);
+    QFETCH(QString, status);
+    WindowBench bench;
+    readAllAgain(bench);
+    QVERIFY2(showsPointer(bench, Qt::ArrowCursor), "there is nothing to read");
+    const QString file = bench.addFile("a.wav");
+    QVERIFY(bench.import());
+    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(bench, Qt::ArrowCursor), longWait);
+    faketools::setPlan(file, plan);
+    readAllAgain(bench);
+    QVERIFY(showsPointer(bench, Qt::BusyCursor));
+    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(bench, Qt::ArrowCursor), longWait);
+    QCOMPARE(bench.status(), status);
+}
+
+void TestMainWindow::thePointerIsBusyUntilTheLastOfSeveralEnds()
+{
+    WindowBench bench;
+    const QString first = bench.addFile("a.wav");
+    const QString second = bench.addFile("b.wav");
+    faketools::setPlan(first, plan("read", {{"waitFor", "first"}}));
+    bench.drop({first});
+    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(first, "read").size(), 1, longWait);
+    faketools::setPlan(first, plan("read", {{"waitFor", "second"}}));
+    readAllAgain(bench); // waits for the end of the import
+    faketools::openGate(bench.media + "/first");
+    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(first, "read").size(), 2, longWait);
+    QVERIFY(showsPointer(bench, Qt::BusyCursor));
+    faketools::setPlan(second, plan("probe", {{"waitFor", "third"}}));
+    bench.drop({second}); // waits for the end of the reading
+    faketools::openGate(bench.media + "/second");
+    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(second, "probe").size(), 1, longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: read finished"), longWait);
+    QVERIFY(showsPointer(bench, Qt::BusyCursor));
+    faketools::openGate(bench.media + "/third");
+    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), longWait);
+    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(bench, Qt::ArrowCursor), longWait);
 }
 
 void TestMainWindow::aDropOfNothingUsableEndsQuietly()
@@ -258,7 +359,8 @@ void TestMainWindow::aDropOfNothingUsableEndsQuietly()
     WindowBench bench;
     bench.addFile("notes.txt");
     bench.dropFolder();
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status:"), longWait);
+    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(bench, Qt::ArrowCursor), longWait);
+    QCOMPARE(bench.status(), QString("Status:"));
     QCOMPARE(bench.fileList->rowCount(), 0);
     bench.addFile("a.wav");
     QVERIFY(bench.import());
@@ -273,7 +375,8 @@ void TestMainWindow::rowsCanBeDeletedAfterADropOfNothingUsable()
     bench.addFile("a.wav");
     QVERIFY(bench.import());
     bench.drop({bench.addFile("notes.txt")});
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status:"), longWait);
+    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(bench, Qt::ArrowCursor), longWait);
+    QCOMPARE(bench.status(), QString("Status: import ready"));
     bench.fileList->selectAll();
     QTest::keyClick(bench.fileList, Qt::Key_Delete);
     QCOMPARE(bench.fileList->rowCount(), 0);

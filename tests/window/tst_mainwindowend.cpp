@@ -5,6 +5,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
@@ -38,6 +39,8 @@ private slots:
     void anExportThatIsEndedLeavesNothing_data();
     void anExportThatIsEndedLeavesNothing();
     void theEndOfASessionIsWaitedForUntilNothingIsLeft();
+    void theEndOfASessionDoesNotWaitForABatchThatIsOver_data();
+    void theEndOfASessionDoesNotWaitForABatchThatIsOver();
     void theEndOfASessionClosesWhatStandsOpen_data();
     void theEndOfASessionClosesWhatStandsOpen();
     void theWindowClosesAtOnceWhenNothingRuns();
@@ -194,6 +197,44 @@ void TestMainWindowEnd::theEndOfASessionIsWaitedForUntilNothingIsLeft()
     QCOMPARE(bench.exportedFiles(), QStringList());
     QVERIFY(!faketools::isAlive(bench.hangingTool()));
     QVERIFY(!bench.window->isVisible());
+}
+
+void TestMainWindowEnd::theEndOfASessionDoesNotWaitForABatchThatIsOver_data()
+{
+    QTest::addColumn<int>("exitCode");
+    QTest::newRow("all exported") << 0;
+    QTest::newRow("some failed") << 1;
+}
+
+void TestMainWindowEnd::theEndOfASessionDoesNotWaitForABatchThatIsOver()
+{
+    QFETCH(int, exitCode);
+    constexpr qint64 atOnce = 2'000; // [ms] far less than the time that a running batch is given
+    WindowBench bench;
+    const QString file = bench.addFile("a.mov");
+    QVERIFY(bench.import());
+    faketools::setPlan(file, {{"export", QJsonObject{{"exitCode", exitCode}}}});
+    const QSignalSpy cancelled(bench.window.get(), &MainWindow::cancelExport);
+    qint64 waited = -1; // [ms]
+    QTimer look;
+    connect(&look, &QTimer::timeout, bench.window.get(), [&] {
+        const QWidget *box = QApplication::activeModalWidget();
+        if (!box || box->windowTitle() != "Export Result")
+            return;
+        look.stop();
+        QElapsedTimer timer;
+        timer.start();
+        bench.window->onSessionEnd();
+        waited = timer.elapsed();
+    });
+    look.start(5);
+    bench.startExport();
+    QTRY_VERIFY_WITH_TIMEOUT(waited >= 0, longWait);
+    QVERIFY2(waited < atOnce, qPrintable(QString("it took %1 ms").arg(waited)));
+    QCOMPARE(cancelled.count(), 0);
+    QVERIFY(!QApplication::activeModalWidget());
+    QVERIFY(!bench.window->isVisible());
+    QCOMPARE(bench.exportedFiles().size(), exitCode == 0 ? 1 : 0);
 }
 
 void TestMainWindowEnd::theEndOfASessionClosesWhatStandsOpen_data()

@@ -31,6 +31,7 @@ private slots:
     void aNewerVersionIsAnnounced_data();
     void aNewerVersionIsAnnounced();
     void anExportThatStartsOffersToCancel();
+    void theExportDialogStaysEnabledDuringAnExport();
     void aFinishedExportIsTold();
     void failedFilesAreTold_data();
     void failedFilesAreTold();
@@ -115,6 +116,25 @@ void TestMainWindowMessages::anExportThatStartsOffersToCancel()
     QVERIFY(!bench.cancelButton->isVisible());
     QVERIFY(bench.child<QAction>("exportAction")->isEnabled());
     QVERIFY(bench.child<QAction>("exportAllAction")->isEnabled());
+}
+
+void TestMainWindowMessages::theExportDialogStaysEnabledDuringAnExport()
+{
+    WindowBench bench;
+    bench.addFile("a.mov");
+    QVERIFY(bench.import());
+    const QWidget *dialog = topLevel("exportWindow");
+    const auto *exportAll = bench.child<QAction>("exportAllAction");
+    const auto *exportSelected = bench.child<QAction>("exportAction");
+    bench.boxes.answerNext(QMessageBox::Ok, [&] {
+        QVERIFY(!exportAll->isEnabled());
+        QVERIFY(dialog->isEnabled());
+    });
+    bench.startExport();
+    QVERIFY2(!exportAll->isEnabled() && !exportSelected->isEnabled(), "from the request on");
+    QVERIFY(dialog->isEnabled());
+    QTRY_VERIFY_WITH_TIMEOUT(exportAll->isEnabled() && exportSelected->isEnabled(), longWait);
+    QVERIFY(bench.boxes.answered({"Export Result"}));
 }
 
 void TestMainWindowMessages::aFinishedExportIsTold()

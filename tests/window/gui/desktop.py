@@ -3,11 +3,13 @@
 with real key presses, clicks and drags."""
 
 import contextlib
+import ctypes
 import json
 import os
 import pathlib
 import signal
 import subprocess
+import sys
 import tempfile
 import time
 
@@ -88,6 +90,47 @@ def labels_of(node):
     return [relation.getTarget(index).name
             for relation in node.getRelationSet() if relation.getRelationType() == pyatspi.RELATION_LABELLED_BY
             for index in range(relation.getNTargets())]
+
+
+class Pointer:
+    """What the mouse pointer looks like on the screen."""
+
+    class Cookie(ctypes.Structure):
+        _fields_ = [("sequence", ctypes.c_uint)]
+
+    def __init__(self):
+        self.xcb = ctypes.CDLL("libxcb.so.1")
+        self.xfixes = ctypes.CDLL("libxcb-xfixes.so.0")
+        self.libc = ctypes.CDLL(None)
+        self.libc.free.argtypes = [ctypes.c_void_p]
+        self.xcb.xcb_connect.restype = ctypes.c_void_p
+        self.connection = ctypes.c_void_p(self.xcb.xcb_connect(None, None))
+        self.ask("query_version", ctypes.c_uint32(4), ctypes.c_uint32(0))
+
+    def ask(self, question, *arguments, extra=lambda reply: 0):
+        """Asks the display; returns the 32 bytes of its reply and as many behind them as extra says."""
+        request = getattr(self.xfixes, f"xcb_xfixes_{question}")
+        request.restype = self.Cookie
+        wait = getattr(self.xfixes, f"xcb_xfixes_{question}_reply")
+        wait.restype = ctypes.c_void_p
+        wait.argtypes = [ctypes.c_void_p, self.Cookie, ctypes.c_void_p]
+        reply = wait(self.connection, request(self.connection, *arguments), None)
+        if not reply:
+            raise AssertionError(f"the display does not answer {question}")
+        size = 32
+        found = ctypes.string_at(reply, size)
+        found += ctypes.string_at(reply + size, extra(found))
+        self.libc.free(reply)
+        return found
+
+    def shape(self):
+        """The picture of the pointer, with its size and its hot spot, but without its place."""
+        reply = self.ask("get_cursor_image", extra=lambda head: 4 * int.from_bytes(head[4:8], sys.byteorder))
+        width_height_hot_spot = reply[12:20]
+        return width_height_hot_spot + reply[32:]
+
+    def end(self):
+        self.xcb.xcb_disconnect(self.connection)
 
 
 class Tools:

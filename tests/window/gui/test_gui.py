@@ -13,7 +13,7 @@ import threading
 import unittest
 
 import desktop
-from desktop import (MAIN_WINDOW, Drag, Program, Tools, click, click_close_box, descendants, labels_of, press,
+from desktop import (MAIN_WINDOW, Drag, Pointer, Program, Tools, click, click_close_box, descendants, labels_of, press,
                      role_of, settled_extents, wait_for)
 
 PROGRAM = os.environ["OSTREL_PROGRAM"]
@@ -97,6 +97,54 @@ class GuiTest(unittest.TestCase):
         self.assertEqual(streams.childCount, 0)
         press("Delete")
         self.assertEqual(self.program.table().nRows, 0)
+
+    # -- the pointer, which shows whether an import or a reading is under way
+
+    def pointer_over_the_table(self):
+        """The pointer, and what it looks like over the table while nothing is under way."""
+        pointer = Pointer()
+        self.addCleanup(pointer.end)
+        self.move_over_the_table()
+        return pointer, pointer.shape()
+
+    def move_over_the_table(self):
+        table = self.program.get("table", "Imported files")
+        box = wait_for(lambda: settled_extents(table), "the table to stand still")
+        desktop.xdotool("mousemove", box.x + box.width // 2, box.y + box.height // 2, "sleep", 0.2)
+
+    def test_the_pointer_is_busy_until_a_silent_end(self):
+        self.start()
+        pointer, idle = self.pointer_over_the_table()
+        self.tools.plan("silent.mov", probe={"json": {}})
+        self.tools.plan("good.mov", read={"waitFor": "gate"})
+        for name in ("silent.mov", "good.mov"):
+            (self.media / name).touch()
+        self.drop()
+        wait_for(lambda: pointer.shape() != idle, "the busy pointer")
+        wait_for(lambda: "couldn't read file data" in [row[3] for row in self.program.rows()], "the failed probe")
+        wait_for(lambda: self.tools.calls("good.mov", "read"), "the reader")
+        self.program.wait_status("Status: prepare files for reading...")
+        self.assertNotEqual(pointer.shape(), idle)
+        self.tools.open_gate()
+        wait_for(lambda: pointer.shape() == idle, "the usual pointer")
+        self.assertEqual(self.program.status(), "Status: reading audio TC...")
+        self.assertIn(FOUND, [row[3] for row in self.program.rows()])
+
+    def test_the_pointer_is_busy_while_files_are_read_again(self):
+        self.start()
+        self.import_files("a.mov")
+        pointer, idle = self.pointer_over_the_table()
+        self.tools.plan("a.mov", read={"waitFor": "gate"})
+        self.program.menu("e", "Return")
+        dialog = self.program.wait_window("Read audio timecode")
+        self.program.choose(dialog, "Read files:", "all files")
+        click(self.program.find_button("Read audio TC", dialog))
+        wait_for(lambda: len(self.tools.calls("a.mov", "read")) == 2, "the reader")
+        self.move_over_the_table()
+        wait_for(lambda: pointer.shape() != idle, "the busy pointer")
+        self.tools.open_gate()
+        wait_for(lambda: pointer.shape() == idle, "the usual pointer")
+        self.program.wait_status("Status: read finished")
 
     def test_a_click_shows_the_streams(self):
         self.start()
@@ -185,6 +233,20 @@ class GuiTest(unittest.TestCase):
         self.program.process.send_signal(signal.SIGTERM)
         self.assertEqual(self.program.wait_end(), 0)
         self.assert_export_wound_up()
+
+    def test_a_hang_up_ends_the_program_unless_it_was_started_to_stay(self):
+        stays = pathlib.Path(self.target) / "stays"
+        stays.write_text(f'#!/bin/sh\nexec nohup "{PROGRAM}" >/dev/null\n', encoding="utf-8")
+        stays.chmod(0o755)
+        self.program = Program(str(stays))
+        self.addCleanup(self.program.end)
+        self.program.process.send_signal(signal.SIGHUP)
+        self.import_files("a.mov")
+        self.program.process.send_signal(signal.SIGTERM)
+        self.assertEqual(self.program.wait_end(), 0)
+        self.start()
+        self.program.process.send_signal(signal.SIGHUP)
+        self.assertEqual(self.program.wait_end(), 0)
 
     def test_the_window_closes_at_once_when_nothing_runs(self):
         self.start()
