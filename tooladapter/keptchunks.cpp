@@ -105,6 +105,8 @@ std::optional<Rewriting> rewritingWithChunksOf(const Bytes &source, const Bytes 
             others.push_back(std::move(chunk));
         }
     }
+    // Common readers of RF64 do not skip the padding; a coding history may end in zeros.
+    bext.append(bext.size() % 2, '\0');
     const std::string info = contentOf(written, infoOf(written, writtenList));
     const std::string newInfo = mergedInfo(info, contentOf(source, infoOf(source, sourceList)));
     return rewritingOf(written, bext, newInfo == "INFO" ? info : newInfo, others);

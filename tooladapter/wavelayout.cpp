@@ -77,7 +77,9 @@ std::optional<Rewriting> rewritingOf(const Bytes &written, const std::string &be
     const ChunkList list = chunksOf(written);
     const Chunk *const data = list.find("data");
     const Chunk *const oldBext = list.find("bext");
-    if (!list.isWhole || !data || !oldBext || oldBext->begin > data->begin || data->begin > longestHeader)
+    const auto bexts = std::count_if(list.chunks.begin(), list.chunks.end(),
+                                     [](const Chunk &chunk) { return chunk.name == "bext"; });
+    if (!list.isWhole || !data || bexts != 1 || oldBext->begin > data->begin || data->begin > longestHeader)
         return std::nullopt;
     const Chunk *const oldInfo = infoOf(written, list);
     if (oldInfo && oldInfo->begin > data->begin)

@@ -25,7 +25,7 @@ struct Rewriting {
 /// The rewriting that gives the chunk "bext" of \a written the content \a bext, its metadata chunk, the
 /// "LIST" called "INFO", the content \a info, and adds \a others behind the samples. Of the first two, what
 /// fits stays before the samples. Nothing if that changes nothing, and if \a written is not as the tool
-/// writes it: whole, with "bext" before the samples, and with a header of at most 1 MiB.
+/// writes it: whole, with one "bext" before the samples, and with a header of at most 1 MiB.
 std::optional<Rewriting> rewritingOf(const Bytes &written, const std::string &bext, const std::string &info,
                                      const std::vector<NewChunk> &others);
 

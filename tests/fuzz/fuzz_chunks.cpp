@@ -86,6 +86,7 @@ void checkBext(const std::string &file, const std::string &written, const std::s
 {
     const auto reference = timeReferenceOf(contentOf(file, "bext"));
     require(reference.has_value(), "the broadcast extension has all fields");
+    require(contentOf(file, "bext").size() % 2 == 0, "the broadcast extension needs no padding");
     const auto toolReference = timeReferenceOf(contentOf(written, "bext"));
     require(!changes.setsStart || reference == toolReference, "the start is the tool's");
     bool isSourcesOwn = reference == toolReference;

@@ -33,7 +33,7 @@ std::string toolFile(std::uint64_t start = 777)
     return riff({{"JUNK", std::string(28, '\0')},
                  {"fmt ", format(2, 16)},
                  {"bext", field(std::string(), 338) + numberBytes(start, 8) +
-                              std::string(bext(0).size() - 346, '\0')},
+                              std::string(evened(bext(0)).size() - 346, '\0')},
                  {"LIST", "INFOICMT\4\0\0\0tool"s},
                  {"data", samples}});
 }
@@ -73,6 +73,7 @@ class TestKeptChunks : public QObject
 private slots:
     void theBroadcastExtensionHasTheNewStart();
     void theSourcesStartStaysWithoutANewOne();
+    void theBroadcastExtensionHasAnEvenLength();
     void chunksAreKeptByteForByte();
     void whatIsDamagedIsLeftOut_data();
     void whatIsDamagedIsLeftOut();
@@ -115,7 +116,7 @@ void TestKeptChunks::keep(const char *source, const char *written) const
 void TestKeptChunks::theBroadcastExtensionHasTheNewStart()
 {
     const std::string file = kept(riff({{"bext", bext(123)}, {"fmt ", format(2, 16)}, {"data", samples}}));
-    QVERIFY(contentOf(file, "bext") == bext(777));
+    QVERIFY(contentOf(file, "bext") == evened(bext(777)));
     QCOMPARE(contentOf(file, "data"), samples);
     QVERIFY(file.find("bext") < file.find("data"));
 }
@@ -124,7 +125,18 @@ void TestKeptChunks::theSourcesStartStaysWithoutANewOne()
 {
     const std::string file =
         kept(riff({{"bext", bext(123)}, {"fmt ", format(2, 16)}, {"data", samples}}), {});
-    QVERIFY(contentOf(file, "bext") == bext(123));
+    QVERIFY(contentOf(file, "bext") == evened(bext(123)));
+}
+
+void TestKeptChunks::theBroadcastExtensionHasAnEvenLength()
+{
+    const std::string odd = bext(123);
+    QCOMPARE(odd.size() % 2, std::size_t{1});
+    const std::string file = kept(riff({{"bext", odd}, {"fmt ", format(2, 16)}, {"data", samples}}), {});
+    QVERIFY(contentOf(file, "bext") == odd + '\0');
+    const std::string even = odd + "\r";
+    const std::string other = kept(riff({{"bext", even}, {"fmt ", format(2, 16)}, {"data", samples}}), {});
+    QVERIFY(contentOf(other, "bext") == even);
 }
 
 void TestKeptChunks::chunksAreKeptByteForByte()
@@ -190,7 +202,7 @@ void TestKeptChunks::whatIsDamagedIsLeftOut()
     QCOMPARE(namesIn(file), names);
     QVERIFY(chunksOf(bytesOf(file)).isWhole);
     QCOMPARE(contentOf(file, "data"), samples);
-    QCOMPARE(contentOf(file, "bext") == bext(777), isBextKept);
+    QCOMPARE(contentOf(file, "bext") == evened(bext(777)), isBextKept);
     QCOMPARE(*timeReferenceOf(contentOf(file, "bext")), std::uint64_t{777});
 }
 

@@ -250,6 +250,8 @@ void TestWaveChunks::filesThatAreNotTheToolsStayAsTheyAre_data()
     QTest::newRow("no bext") << riff({{"fmt ", format(1, 16)}, {"data", samples}});
     QTest::newRow("bext behind the samples")
         << riff({{"fmt ", format(1, 16)}, {"data", samples}, {"bext", bext}});
+    QTest::newRow("two of bext") << riff(
+        {{"fmt ", format(1, 16)}, {"bext", bext}, {"bext", "short"}, {"data", samples}});
     QTest::newRow("metadata behind the samples")
         << riff({{"fmt ", format(1, 16)}, {"bext", bext}, {"data", samples}, {"LIST", "INFO"}});
     QTest::newRow("no samples") << riff({{"fmt ", format(1, 16)}, {"bext", bext}});

@@ -91,6 +91,13 @@ inline std::string bext(std::uint64_t timeReference, const std::string &descript
            std::string(180, '\0') + "A=PCM,F=48000,W=24,M=multi,T=Recorder\r\n";
 }
 
+/// \a content with a zero behind it if its length is odd.
+inline std::string evened(std::string content)
+{
+    content.append(content.size() % 2, '\0');
+    return content;
+}
+
 /// \a original after \a rewriting.
 inline std::string rewritten(std::string original, const tooladapter::Rewriting &rewriting)
 {
