@@ -18,7 +18,7 @@ says() {
 }
 says app/applicationinfo.h "$(number Major).$(number Minor)" "${version%.*}"
 says packaging/linux/changelog "$(sed -n '1s/.*(\(.*\)).*/\1/p' packaging/linux/changelog)" "$version"
-says CHANGELOG.md "$(sed -n 's/^## //p' CHANGELOG.md | head -n 1)" "$version"
+says CHANGELOG.md "$(sed -n 's/^## \([0-9]\)/\1/p' CHANGELOG.md | head -n 1)" "$version"
 says metainfo "$(sed -n 's/.*<release version="\([^"]*\)".*/\1/p' packaging/linux/*.metainfo.xml | head -n 1)" "$version"
 for page in packaging/*.1; do
     says "$page" "$(sed -n 's/^\.TH .*Ostrel Timecode Tool \([0-9.]*\)".*/\1/p' "$page")" "${version%.*}"

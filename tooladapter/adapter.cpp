@@ -7,6 +7,7 @@
 #include "tooladapter/exportrules.h"
 #include "tooladapter/extractionrules.h"
 #include "tooladapter/fileheader.h"
+#include "tooladapter/keptchunks.h"
 #include "tooladapter/refusal.h"
 #include "tooladapter/source.h"
 #include "tooladapter/toolsearch.h"
@@ -74,10 +75,14 @@ int runExport(const ArgumentList &list)
     const Source source = sourceAt(filePath(list.input));
     const auto timecodeChannel = channelFromText(environment("OSTREL_TIMECODE_CHANNEL"));
     const auto timecodeRate = FrameRate::fromText(environment("OSTREL_TIMECODE_RATE"));
-    const Export job = exportOf(planOf(list, source, timecodeChannel), source, timecodeRate);
+    const ExportPlan plan = planOf(list, source, timecodeChannel);
+    const Export job = exportOf(plan, source, timecodeRate);
     const int exitCode = run({toolPath("ffmpeg"), job.arguments});
-    if (exitCode == 0)
+    if (exitCode == 0) {
         checkWrittenFile(job, source);
+        if (plan.container == Container::Wave)
+            keepChunks(filePath(list.input), job.path, waveChangesOf(plan, timecodeRate));
+    }
     return exitCode;
 }
 
