@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ffmpeg/exporthints.h"
 
+#include "ffmpeg/audiomapping.h"
+
 #include <QJsonObject>
 #include <QJsonValue>
 #include <QVariant>
@@ -22,8 +24,8 @@ QString line(const char *key, const QJsonValue &value)
 QString streamLines(int index, const QJsonObject &stream)
 {
     QString lines = line("index", index);
-    for (const char *key : {"codec_type", "codec_name", "channels", "channel_layout", "r_frame_rate",
-                            "avg_frame_rate", "start_time", "duration"})
+    for (const char *key : {"codec_type", "codec_name", "channels", "sample_rate", "channel_layout",
+                            "r_frame_rate", "avg_frame_rate", "start_time", "duration"})
         lines += line(key, stream[QLatin1String(key)]);
     lines += line("DISPOSITION:attached_pic", stream["disposition"].toObject()["attached_pic"]);
     return lines + line("TAG:timecode", stream["tags"].toObject()["timecode"]);
@@ -55,6 +57,19 @@ QString timecodeRate(const FileData &file)
     return QString::number(qint64{baseRate} * 1000) + "/1001";
 }
 
+QString soundChoice(const ExportOptions &options)
+{
+    if (options.audioType == 0)
+        return "pass";
+    return audiomapping::codecOf(options.audioType) == "pcm_s24le" ? "pcm24" : "pcm16";
+}
+
+QString timecodeSampleRate(const FileData &file)
+{
+    const int rate = file.audioTCResult["SampleRate"].toInt();
+    return file.hasAudioTC && rate > 0 ? QString::number(rate) : QString();
+}
+
 QString sourceDescription(const FileData &file)
 {
     if (file.streams.isEmpty())
@@ -77,6 +92,8 @@ void insertInto(QProcessEnvironment &environment, const FileData &file, const Ex
 {
     set(environment, "OSTREL_TIMECODE_CHANNEL", mutedChannel(file, options));
     set(environment, "OSTREL_TIMECODE_RATE", timecodeRate(file));
+    set(environment, "OSTREL_TIMECODE_SAMPLE_RATE", timecodeSampleRate(file));
+    set(environment, "OSTREL_SOUND", soundChoice(options));
     insertSource(environment, file);
 }
 

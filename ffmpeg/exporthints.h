@@ -20,6 +20,14 @@ QString mutedChannel(const FileData &file, const ExportOptions &options);
 /// "30000/1001"; empty when it is not known. The arguments name it for some video types only.
 QString timecodeRate(const FileData &file);
 
+/// What \a options choose for the sound: "pass", "pcm16" or "pcm24". The arguments name codecs, which do not
+/// tell a choice from a codec that happens to be the source's.
+QString soundChoice(const ExportOptions &options);
+
+/// The rate [samples per second] at which the audio timecode of \a file counts its samples where that is
+/// another file's: it was taken over from a sibling. Empty for a timecode of its own.
+QString timecodeSampleRate(const FileData &file);
+
 /// What the import has learnt of \a file, in the probe tool's own words: one line "key=value" for each fact,
 /// each stream begun by its "index", the file as a whole by "[FORMAT]". Saves the tool a probe of its own.
 /// Empty where nothing is known, and where there is more than an environment variable can hold.

@@ -72,9 +72,8 @@ void checkWrittenFile(const Export &job, const Source &source)
 int runExport(const ArgumentList &list)
 {
     const Source source = sourceAt(filePath(list.input));
-    const auto timecodeChannel = channelFromText(environment("OSTREL_TIMECODE_CHANNEL"));
-    const auto timecodeRate = FrameRate::fromText(environment("OSTREL_TIMECODE_RATE"));
-    const Export job = exportOf(planOf(list, source, timecodeChannel), source, timecodeRate);
+    const Hints hints = hintsFrom(environment);
+    const Export job = exportOf(planOf(list, source, hints), source, hints);
     const int exitCode = run({toolPath("ffmpeg"), job.arguments});
     if (exitCode == 0)
         checkWrittenFile(job, source);

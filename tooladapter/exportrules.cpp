@@ -7,6 +7,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
 
 namespace tooladapter
 {
@@ -131,6 +134,35 @@ Options pictureAndTracks(const ExportPlan &plan, const Source &source, Export &r
     return options;
 }
 
+/// The position \a samples, counted since midnight at \a counted samples a second, at the rate \a own: the
+/// same time of day.
+std::int64_t samplesAtRate(std::int64_t samples, int counted, int own)
+{
+    constexpr std::int64_t secondsOfDay = 86400;
+    const std::int64_t day = secondsOfDay * counted;
+    samples %= day;
+    return (samples * own + counted / 2) / counted % (secondsOfDay * own);
+}
+
+/// The time reference of a sound file that took its timecode over from another one counts that file's
+/// samples.
+void countAtOwnRate(Options &metadata, const Source &source, int counted)
+{
+    constexpr std::string_view key = "time_reference=";
+    const std::vector<int> sounds = source.audioStreams();
+    const int own = sounds.empty() ? 0 : source.streams[static_cast<std::size_t>(sounds.front())].sampleRate;
+    if (counted <= 0 || own <= 0 || own == counted)
+        return;
+    for (Option &option : metadata) {
+        if (!option.value.starts_with(key))
+            continue;
+        const std::int64_t samples = std::strtoll(option.value.c_str() + key.size(), nullptr, 10);
+        if (samples < 0)
+            throw Refusal("the time reference " + std::to_string(samples) + " is no time of day");
+        option.value = std::string(key) + std::to_string(samplesAtRate(samples, counted, own));
+    }
+}
+
 /// What the kind of file needs to hold all that it is given.
 void addContainerOptions(Options &options, const ExportPlan &plan, bool hasPicture)
 {
@@ -150,10 +182,11 @@ std::string filePath(const std::string &path)
     return isMisread ? "./" + path : path;
 }
 
-Export exportOf(ExportPlan plan, const Source &source, const FrameRate &timecodeRate)
+Export exportOf(ExportPlan plan, const Source &source, const Hints &hints)
 {
     takeAllStreams(plan, source);
-    chooseCodecs(plan, source);
+    chooseCodecs(plan, source, hints.sound);
+    countAtOwnRate(plan.metadata, source, hints.timecodeSampleRate);
     Export result;
     result.path = filePath(plan.output);
     result.pictureStream = plan.takesPicture ? source.firstPicture() : -1;
@@ -165,7 +198,7 @@ Export exportOf(ExportPlan plan, const Source &source, const FrameRate &timecode
     if (result.pictureStream >= 0)
         options.insert(options.end(), plan.pictureOptions.begin(), plan.pictureOptions.end());
     if (plan.timecode) {
-        result.timecode = startTimecode(plan, source, result.pictureStream, timecodeRate);
+        result.timecode = startTimecode(plan, source, result.pictureStream, hints.timecodeRate);
         options.push_back({"-timecode", result.timecode});
     }
     Options general{{"-y", {}}};

@@ -30,8 +30,8 @@ struct Export {
 /// A path that the tools take for a file of that name and nothing else.
 std::string filePath(const std::string &path);
 
-/// The export that \a plan means for \a source. \a timecodeRate is the frame rate of the audio timecode as
-/// the application knows it, for lists that carry none. Throws Refusal where no right file could come of it.
-Export exportOf(ExportPlan plan, const Source &source, const FrameRate &timecodeRate = {});
+/// The export that \a plan means for \a source, completed by \a hints. Throws Refusal where no right file
+/// could come of it.
+Export exportOf(ExportPlan plan, const Source &source, const Hints &hints = {});
 
 } // namespace tooladapter

@@ -46,6 +46,8 @@ void readStreamKey(Stream &stream, std::string_view key, const std::string &valu
         stream.codec = value;
     else if (key == "channels")
         stream.channels = std::clamp(std::atoi(value.c_str()), 0, mostChannels);
+    else if (key == "sample_rate")
+        stream.sampleRate = std::clamp(std::atoi(value.c_str()), 0, highestSampleRate);
     else if (key == "channel_layout")
         stream.layout = value;
     else if (key == "r_frame_rate")
@@ -122,12 +124,13 @@ std::string Source::startTimecode() const
 
 std::vector<std::string> probeArguments(const std::string &path)
 {
-    const std::string entries = "stream=index,codec_type,codec_name,channels,channel_layout,r_frame_rate,"
-                                "avg_frame_rate,start_time,duration"
-                                ":stream_disposition=attached_pic"
-                                ":stream_tags=timecode"
-                                ":format=start_time,duration"
-                                ":format_tags=timecode";
+    const std::string entries =
+        "stream=index,codec_type,codec_name,channels,sample_rate,channel_layout,r_frame_rate,"
+        "avg_frame_rate,start_time,duration"
+        ":stream_disposition=attached_pic"
+        ":stream_tags=timecode"
+        ":format=start_time,duration"
+        ":format_tags=timecode";
     return {"-v", "error", "-show_entries", entries, "-i", path};
 }
 

@@ -11,6 +11,8 @@
 namespace tooladapter
 {
 
+constexpr int highestSampleRate = 1'000'000; ///< [samples/s] a rate beyond is damage
+
 /// What the probe tool says of one stream of a media file.
 struct Stream {
     enum class Kind { Picture, Audio, Other };
@@ -19,6 +21,7 @@ struct Stream {
     bool isAttachedPicture = false; ///< a cover or poster image, no moving picture
     std::string codec;              ///< as the probe tool names it, for example "pcm_s24le"
     int channels = 0;               ///< audio only
+    int sampleRate = 0;             ///< [samples/s] audio only
     std::string layout;             ///< channel layout; empty where the file names none
     FrameRate baseRate;             ///< the lowest rate that all time stamps fit, for pictures
     FrameRate averageRate;          ///< for pictures

@@ -17,6 +17,9 @@ namespace
 
 constexpr std::array shallowCodecs{"pcm_s16le"sv, "pcm_s16be"sv, "pcm_u16le"sv,
                                    "pcm_u16be"sv, "pcm_s8"sv,    "pcm_u8"sv}; // 16 bits hold all of them
+constexpr std::array keptPcm{"pcm_s16le"sv, "pcm_s16be"sv, "pcm_s24le"sv, "pcm_s24be"sv, "pcm_s32le"sv,
+                             "pcm_s32be"sv, "pcm_f32le"sv, "pcm_f32be"sv, "pcm_f64le"sv, "pcm_f64be"sv,
+                             "pcm_alaw"sv,  "pcm_mulaw"sv, "pcm_s8"sv,    "pcm_u8"sv};
 constexpr std::array lossyCodecs{"aac"sv, "ac3"sv};
 constexpr std::array lossyLayouts{"mono"sv, "stereo"sv, "3.0"sv, "4.0"sv, "5.0"sv, "5.1"sv}; // by channels
 
@@ -42,13 +45,21 @@ std::string littleEndian(std::string codec)
     return codec;
 }
 
-/// A list without streams names one codec for all. One that is none of the two PCM types to choose from is
-/// that of a single stream, named so that it passes through; then every stream does.
-bool passesThrough(const ExportPlan &plan, const Stream &stream)
+/// Whether the sound is to stay as it is. The application says so; for other callers, a list without streams
+/// names one codec for all, and one that is none of the two PCM types to choose from is that of a single
+/// stream, named so that it passes through.
+bool passesThrough(const ExportPlan &plan, SoundType sound)
 {
     const bool isChosen = plan.commonCodec == "pcm_s16le" || plan.commonCodec == "pcm_s24le";
-    return !plan.streamsAreNamed && !isChosen &&
-           (stream.codec.starts_with("pcm_") || isOneOf(lossyCodecs, stream.codec));
+    return sound == SoundType::PassThrough ||
+           (sound == SoundType::Unknown && !plan.streamsAreNamed && !isChosen);
+}
+
+/// The codec that takes \a stream over as it is, or at the depth that holds most others.
+std::string ownCodec(const Stream &stream)
+{
+    const bool isKept = isOneOf(keptPcm, stream.codec) || isOneOf(lossyCodecs, stream.codec);
+    return isKept ? stream.codec : "pcm_s24be";
 }
 
 std::string heldCodec(Container container, const std::string &codec)
@@ -73,11 +84,12 @@ void takeAllStreams(ExportPlan &plan, const Source &source)
         plan.tracks.push_back({stream, plan.commonCodec, {}});
 }
 
-void chooseCodecs(ExportPlan &plan, const Source &source)
+void chooseCodecs(ExportPlan &plan, const Source &source, SoundType sound)
 {
+    const bool staysItself = passesThrough(plan, sound);
     for (AudioTrack &track : plan.tracks) {
         const Stream &stream = source.streams[static_cast<std::size_t>(track.stream)];
-        track.codec = heldCodec(plan.container, passesThrough(plan, stream) ? stream.codec : track.codec);
+        track.codec = heldCodec(plan.container, staysItself ? ownCodec(stream) : track.codec);
         if (!isOneOf(lossyCodecs, track.codec))
             continue;
         if (track.channels.empty() && track.codec == stream.codec)

@@ -14,8 +14,8 @@ namespace tooladapter
 void takeAllStreams(ExportPlan &plan, const Source &source);
 
 /// Gives each track of \a plan a codec that its kind of file can hold, and that loses no more than was asked
-/// for.
-void chooseCodecs(ExportPlan &plan, const Source &source);
+/// for by \a sound and by the list.
+void chooseCodecs(ExportPlan &plan, const Source &source, SoundType sound);
 
 /// More silence than this is put neither before nor behind a sound [s]: the source is damaged then, or no
 /// recording of one take.

@@ -44,8 +44,8 @@ QString wantedCodec(const FileData &record, const ExportOptions &options, Contai
                     const QString &own)
 {
     const QString asked = options.audioType == 2 ? "pcm_s24le" : "pcm_s16le";
-    if (options.muteAudioTC && container == Container::mxf)
-        return isMxf(record) ? own : asked;
+    if (options.muteAudioTC && container == Container::mxf && isMxf(record))
+        return own;
     return options.audioType == 0 ? keptCodec(own, container) : asked;
 }
 

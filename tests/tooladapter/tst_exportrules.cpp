@@ -12,7 +12,7 @@ namespace
 {
 
 /// A source written as one text, a word for each stream: "video:RATE[:AVERAGE]", "cover", "data",
-/// "audio:CODEC:CHANNELS[:LAYOUT]".
+/// "audio:CODEC:CHANNELS[:LAYOUT[:RATE]]".
 Source sourceOf(const QString &text)
 {
     Source source;
@@ -26,6 +26,7 @@ Source sourceOf(const QString &text)
             stream.codec = part(1);
             stream.channels = parts.at(2).toInt();
             stream.layout = part(3);
+            stream.sampleRate = parts.value(4).toInt();
         } else if (parts.first() != "data") {
             stream.kind = Stream::Kind::Picture;
             stream.isAttachedPicture = parts.first() == "cover";
@@ -37,22 +38,34 @@ Source sourceOf(const QString &text)
     return source;
 }
 
-Export exportFor(const QString &words, const QString &source, const QString &channel = {},
-                 const QString &timecodeRate = {})
+/// The hints in \a text: words "VARIABLE=value", the variables without "OSTREL_".
+Hints hintsOf(const QString &text)
+{
+    const QStringList words = text.split(' ', Qt::SkipEmptyParts);
+    return hintsFrom([&words](const char *variable) {
+        for (const QString &word : words) {
+            if ("OSTREL_" + word.section('=', 0, 0) == variable)
+                return word.section('=', 1).toStdString();
+        }
+        return std::string();
+    });
+}
+
+Export exportFor(const QString &words, const QString &source, const QString &hintWords = {})
 {
     const auto list = parseArguments(wordsOf(words));
     if (!list || jobOf(*list) != Job::Export)
         qFatal("\"%s\" is no export", qPrintable(words));
     const Source facts = sourceOf(source);
-    return exportOf(planOf(*list, facts, channelFromText(channel.toStdString())), facts,
-                    FrameRate::fromText(timecodeRate.toStdString()));
+    const Hints hints = hintsOf(hintWords);
+    return exportOf(planOf(*list, facts, hints), facts, hints);
 }
 
 bool isRefused(const QString &output, const Source &source)
 {
     const auto list = parseArguments(wordsOf("-y -i in.mov -acodec pcm_s24le " + output));
     try {
-        exportOf(planOf(*list, source, {}), source);
+        exportOf(planOf(*list, source), source);
     } catch (const Refusal &) {
         return true;
     }
@@ -74,6 +87,10 @@ private slots:
     void everyStreamIsTakenWhereNoneIsNamed();
     void everyStreamHasItsOwnCodec_data();
     void everyStreamHasItsOwnCodec();
+    void soundThatPassesThroughKeepsItsDepth_data();
+    void soundThatPassesThroughKeepsItsDepth();
+    void theTimeReferenceCountsTheFilesOwnSamples_data();
+    void theTimeReferenceCountsTheFilesOwnSamples();
     void soundLiesBesideThePicture_data();
     void soundLiesBesideThePicture();
     void soundThatBeginsTooLateForMxfIsRefused();
@@ -154,7 +171,8 @@ void TestExportRules::onlyTheTimecodeChannelGoes()
     QFETCH(QString, channel);
     QFETCH(QString, given);
     QFETCH(QString, mended);
-    const Export job = exportFor("-y -i in.mov " + given + " -vcodec copy out.MOV", source, channel);
+    const Export job =
+        exportFor("-y -i in.mov " + given + " -vcodec copy out.MOV", source, "TIMECODE_CHANNEL=" + channel);
     QCOMPARE(textOf(job.arguments), mended);
 }
 
@@ -253,6 +271,87 @@ void TestExportRules::everyStreamHasItsOwnCodec()
     QCOMPARE(textOf(arguments).remove("-xerror "), "-y -i in " + mended);
 }
 
+void TestExportRules::soundThatPassesThroughKeepsItsDepth_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QString>("sound");
+    QTest::addColumn<QString>("given");
+    QTest::addColumn<QString>("codecs"); // of the written streams
+    const QString depths = "video:25/1 audio:pcm_s16le:2 audio:pcm_s24le:1";
+    const auto row = [](const char *name, const QString &source, const char *sound, const char *given,
+                        const char *codecs) {
+        QTest::newRow(name) << source << QString(sound) << QString(given) << QString(codecs);
+    };
+    row("the widest stream is the shallow one", depths, "pass", "-acodec pcm_s16le out.MOV",
+        "pcm_s16le pcm_s24le");
+    row("into MXF", depths, "pass", "-acodec pcm_s16le out.MXF", "pcm_s16le pcm_s24le");
+    row("into MXF, whose list says 16 bit for all", depths, "pass",
+        "-map 0:v -map -0:d -map 0:1 -acodec pcm_s16le -map 0:2 -acodec pcm_s16le out.MXF",
+        "pcm_s16le pcm_s24le");
+    row("lossy sound beside PCM", "video:25/1 audio:pcm_s16le:2 audio:aac:1", "pass",
+        "-acodec pcm_s16le out.MOV", "pcm_s16le copy");
+    row("lossy sound into MXF", "video:25/1 audio:aac:2", "pass",
+        "-map 0:v -map -0:d -map 0:1 -acodec pcm_s16le out.MXF", "pcm_s24le");
+    row("PCM that only a camera's own container holds", "video:25/1 audio:pcm_bluray:2", "pass",
+        "-acodec pcm_s24be out.MOV", "pcm_s24be");
+    row("16 bit is chosen", depths, "pcm16", "-acodec pcm_s16le out.MOV", "pcm_s16le pcm_s16le");
+    row("16 bit is chosen for MXF", depths, "pcm16",
+        "-map 0:v -map -0:d -map 0:1 -acodec pcm_s16le -map 0:2 -acodec pcm_s16le out.MXF",
+        "pcm_s16le pcm_s16le");
+}
+
+void TestExportRules::soundThatPassesThroughKeepsItsDepth()
+{
+    QFETCH(QString, source);
+    QFETCH(QString, sound);
+    QFETCH(QString, given);
+    QFETCH(QString, codecs);
+    const QStringList words =
+        textOf(exportFor("-y -i in.mov " + given, source, "SOUND=" + sound).arguments).split(' ');
+    QStringList written;
+    for (int i = 0; i + 1 < words.size(); ++i) {
+        if (words.at(i).startsWith("-c:a:"))
+            written += words.at(i + 1);
+    }
+    QCOMPARE(written.join(' '), codecs);
+}
+
+void TestExportRules::theTimeReferenceCountsTheFilesOwnSamples_data()
+{
+    QTest::addColumn<QString>("counted"); // [samples/s] empty: the file's own
+    QTest::addColumn<QString>("own");
+    QTest::addColumn<QString>("given");
+    QTest::addColumn<QString>("written");
+    const auto row = [](const char *name, const char *counted, const char *own, const char *given,
+                        const char *written) {
+        QTest::newRow(name) << QString(counted) << QString(own) << QString(given) << QString(written);
+    };
+    row("its own timecode", "", "48000", "1728000001", "1728000001");
+    row("a sibling of the same rate", "48000", "48000", "1728000001", "1728000001");
+    row("a sibling of half the rate", "48000", "96000", "1728000001", "3456000002");
+    row("a sibling of twice the rate", "96000", "48000", "3456000001", "1728000001");
+    row("44.1 and 48 kHz", "44100", "48000", "1587600000", "1728000000");
+    row("the nearest sample", "44100", "48000", "1", "1");
+    row("what is nearer to midnight than to the day's last sample", "96000", "48000", "8294399999", "0");
+    row("the file does not tell its rate", "44100", "0", "1587600000", "1587600000");
+    row("a rate that cannot be is none", "0", "48000", "1587600000", "1587600000");
+}
+
+void TestExportRules::theTimeReferenceCountsTheFilesOwnSamples()
+{
+    QFETCH(QString, counted);
+    QFETCH(QString, own);
+    QFETCH(QString, given);
+    QFETCH(QString, written);
+    const QString words =
+        textOf(exportFor("-y -i in.wav -write_bext 1 -acodec pcm_s24le -metadata time_reference=" + given +
+                             " -metadata comment=sSPEED=025.000-ND out.WAV",
+                         "audio:pcm_s24le:1::" + own, "TIMECODE_SAMPLE_RATE=" + counted)
+                   .arguments);
+    QVERIFY2(words.contains("time_reference=" + written + " -metadata comment=sSPEED=025.000-ND"),
+             qPrintable(words));
+}
+
 void TestExportRules::soundLiesBesideThePicture_data()
 {
     QTest::addColumn<QString>("given");
@@ -294,7 +393,7 @@ void TestExportRules::soundLiesBesideThePicture()
     source.streams[1].duration = end == 0.0 ? 0.0 : end - start;
     const auto list = parseArguments(wordsOf("-y -i in.mov -map 0:v " + given));
     QVERIFY(list.has_value());
-    const QString mended = textOf(exportOf(planOf(*list, source, {}), source).arguments);
+    const QString mended = textOf(exportOf(planOf(*list, source), source).arguments);
     QCOMPARE(mended.section(" -filter", 1, 1, QString::SectionIncludeLeadingSep).section(' ', 1, 2), filter);
 }
 
@@ -364,7 +463,7 @@ void TestExportRules::thePictureKeepsItsRate()
     QFETCH(QString, given);
     QFETCH(QString, mended);
     const Export job =
-        exportFor("-y -i in.mov " + given + " out.MOV", "video:" + rate, QString(), timecodeRate);
+        exportFor("-y -i in.mov " + given + " out.MOV", "video:" + rate, "TIMECODE_RATE=" + timecodeRate);
     QCOMPARE(textOf(job.arguments).remove("-xerror "), "-y -i in.mov -map 0:0 " + mended + " out.MOV");
 }
 
@@ -463,7 +562,7 @@ void TestExportRules::theJobTellsWhatTheFileMustHold()
         exportFor("-y -i in.mov -map 0:v -map 0:1 -acodec pcm_s24le -map 0:2 -map_channel -0.2.3 "
                   "-map_channel 0.2.0:0.0 -acodec pcm_s24le -vcodec copy -timecode 10:11:12:13 -r 25 "
                   "-x/out.MOV",
-                  "video:50/1 audio:pcm_s24le:2 audio:pcm_s24le:4", "2.3");
+                  "video:50/1 audio:pcm_s24le:2 audio:pcm_s24le:4", "TIMECODE_CHANNEL=2.3");
     QCOMPARE(job.path, std::string("./-x/out.MOV"));
     QCOMPARE(job.pictureStream, 0);
     QCOMPARE(job.timecode, std::string("10:11:12:26"));
