@@ -73,7 +73,7 @@ void FFMpegHandler::buildExportArguments(const FileData &fileData, const ExportO
             &FFMpegHandler::ffmpegExportFinished);
     connect(exportProcess, &QProcess::readyReadStandardError, this, &FFMpegHandler::ffmpegExportError);
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    exporthints::insertInto(environment, record, options);
+    exporthints::insertInto(environment, record, options, batchSize);
     exportProcess->setProcessEnvironment(environment);
     start(exportProcess, ffmpegPath, command.arguments);
 }

@@ -13,6 +13,9 @@
 #include "tooladapter/writtenfile.h"
 
 #include <cstdlib>
+#include <filesystem>
+#include <system_error>
+#include <thread>
 
 namespace tooladapter
 {
@@ -67,17 +70,40 @@ void checkWrittenFile(const Export &job, const Source &source)
         throw Refusal(fault);
 }
 
-/// The tool stays this process's child, since a tool that reports success may have left a file that ends too
-/// early.
-int runExport(const ArgumentList &list)
+/// Gives what is left of a failed export a name that nobody takes for a file to work with. A name that cannot
+/// be given stays as it is.
+void setAside(const std::string &path)
 {
-    const Source source = sourceAt(filePath(list.input));
-    const Hints hints = hintsFrom(environment);
-    const Export job = exportOf(planOf(list, source, hints), source, hints);
+    std::error_code ignored;
+    if (std::filesystem::is_regular_file(path, ignored))
+        std::filesystem::rename(path, path + ".incomplete", ignored);
+}
+
+/// Runs the tool and looks at what it has written. It stays this process's child, since a tool that reports
+/// success may have left a file that ends too early.
+int write(const Export &job, const Source &source)
+{
     const int exitCode = run({toolPath("ffmpeg"), job.arguments});
     if (exitCode == 0)
         checkWrittenFile(job, source);
     return exitCode;
+}
+
+int runExport(const ArgumentList &list)
+{
+    const Source source = sourceAt(filePath(list.input));
+    Hints hints = hintsFrom(environment);
+    hints.processors = static_cast<int>(std::thread::hardware_concurrency());
+    const Export job = exportOf(planOf(list, source, hints), source, hints);
+    try {
+        const int exitCode = write(job, source);
+        if (exitCode != 0)
+            setAside(job.path);
+        return exitCode;
+    } catch (const Refusal &) {
+        setAside(job.path);
+        throw;
+    }
 }
 
 } // namespace

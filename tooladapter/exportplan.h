@@ -22,6 +22,7 @@ struct AudioTrack {
     int stream = 0;            ///< index of the source's stream
     std::string codec;         ///< as asked for; empty where the list names none
     std::vector<int> channels; ///< the channels that are kept, in order; empty = all, untouched
+    long bitRate = 0;          ///< [bit/s] of a lossy codec; 0 = none is set
 };
 
 /// What the application's export list asks for, independent of how it says so.

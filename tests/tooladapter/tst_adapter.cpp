@@ -52,6 +52,8 @@ private slots:
     void errorOutputAndExitCodeComeThrough();
     void aToolThatWasKilledIsAFailure();
     void anIncompleteFileIsAFailure();
+    void whatIsLeftOfAFailureIsSetAside_data();
+    void whatIsLeftOfAFailureIsSetAside();
     void whatTheApplicationToldIsNotProbed_data();
     void whatTheApplicationToldIsNotProbed();
     void anUnreadableSourceIsAFailure();
@@ -211,6 +213,41 @@ void TestAdapter::anIncompleteFileIsAFailure()
     finish();
     QVERIFY(adapter->exitCode() != 0);
     QVERIFY2(errors.contains("picture ends after 3.00 s, the source's after 5.00 s"), qPrintable(errors));
+}
+
+void TestAdapter::whatIsLeftOfAFailureIsSetAside_data()
+{
+    QTest::addColumn<QByteArray>("ffmpeg");
+    QTest::addColumn<QStringList>("left"); // files in the folder
+    QTest::newRow("the tool fails") << QByteArray("#!/bin/sh\necho half >out.MOV\nexit 1\n")
+                                    << QStringList{"out.MOV.incomplete"};
+    QTest::newRow("the tool is killed")
+        << QByteArray("#!/bin/sh\necho half >out.MOV\nkill -KILL $$\n") << QStringList{"out.MOV.incomplete"};
+    QTest::newRow("the written file is not complete")
+        << QByteArray("#!/bin/sh\necho half >out.MOV\n") << QStringList{"out.MOV.incomplete"};
+    QTest::newRow("nothing was written") << QByteArray("#!/bin/sh\nexit 1\n") << QStringList();
+    QTest::newRow("what is left of an earlier one gives way")
+        << QByteArray("#!/bin/sh\necho old >out.MOV.incomplete\necho half >out.MOV\nexit 1\n")
+        << QStringList{"out.MOV.incomplete"};
+    QTest::newRow("a folder has the name")
+        << QByteArray("#!/bin/sh\nmkdir out.MOV\nexit 1\n") << QStringList{"out.MOV"};
+    QTest::newRow("a folder has the name that it is to get")
+        << QByteArray("#!/bin/sh\nmkdir out.MOV.incomplete\necho half >out.MOV\nexit 1\n")
+        << QStringList{"out.MOV", "out.MOV.incomplete"};
+}
+
+void TestAdapter::whatIsLeftOfAFailureIsSetAside()
+{
+    QFETCH(QByteArray, ffmpeg);
+    QFETCH(QStringList, left);
+    makeTool("ffmpeg", ffmpeg);
+    makeTool("ffprobe", QByteArray(completeFile).replace("codec_type=video", "codec_type=${6#out}"));
+    start(exportList(), {"OSTREL_SOURCE=index=0\ncodec_type=video\navg_frame_rate=25/1\nduration=5.0"});
+    finish();
+    QVERIFY(adapter->exitCode() != 0);
+    QCOMPARE(QDir(folder->path()).entryList({"out*"}, QDir::Files | QDir::Dirs, QDir::Name), left);
+    if (QFileInfo(folder->filePath("out.MOV.incomplete")).isFile())
+        QCOMPARE(contents("out.MOV.incomplete"), QByteArray("half\n"));
 }
 
 void TestAdapter::whatTheApplicationToldIsNotProbed_data()
