@@ -10,10 +10,12 @@
 #include "tooladapter/refusal.h"
 #include "tooladapter/source.h"
 #include "tooladapter/toolsearch.h"
+#include "tooladapter/turn.h"
 #include "tooladapter/writtenfile.h"
 
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <system_error>
 #include <thread>
 
@@ -95,6 +97,9 @@ int runExport(const ArgumentList &list)
     Hints hints = hintsFrom(environment);
     hints.processors = static_cast<int>(std::thread::hardware_concurrency());
     const Export job = exportOf(planOf(list, source, hints), source, hints);
+    std::optional<Turn> turn;
+    if (job.together > 0)
+        turn.emplace(job.together);
     try {
         const int exitCode = write(job, source);
         if (exitCode != 0)

@@ -19,6 +19,10 @@ namespace tooladapter
 namespace
 {
 
+// Tools that work at once where there are few processors: one that waits for its disk leaves room for
+// another.
+constexpr int fewestTogether = 4;
+
 // Shares by which two rates of pictures may differ and be meant for one.
 constexpr double frameTolerance = 0.1;    // a base rate that is farther off counts fields
 constexpr double pictureTolerance = 0.05; // a rate that is farther off is another picture's
@@ -229,7 +233,11 @@ Export exportOf(ExportPlan plan, const Source &source, const Hints &hints)
     // A copy stops at the first error; a coder may meet damaged pictures and go on after them.
     if (!hasPicture || isCopied(plan)) {
         general.push_back({"-xerror", {}});
-    } else if (const int threads = threadsOf(hints); threads > 0) {
+    } else if (hints.batchSize > 0) {
+        result.together = std::max(fewestTogether, hints.processors);
+    }
+    const int threads = hasPicture && !isCopied(plan) ? threadsOf(hints) : 0;
+    if (threads > 0) {
         general.push_back({"-filter_threads", std::to_string(threads)});
         general.push_back({"-threads", std::to_string(threads)}); // of the decoder
         options.push_back({"-threads", std::to_string(threads)}); // and of the coder

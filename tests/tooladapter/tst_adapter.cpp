@@ -8,8 +8,12 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
 
+#include <algorithm>
 #include <csignal>
+#include <memory>
+#include <vector>
 
 namespace
 {
@@ -58,6 +62,7 @@ private slots:
     void whatTheApplicationToldIsNotProbed();
     void anUnreadableSourceIsAFailure();
     void aRefusalStartsNoTool();
+    void aLargeBatchWorksByTurns();
     void killingTheAdapterKillsTheTool_data();
     void killingTheAdapterKillsTheTool();
 
@@ -296,6 +301,33 @@ void TestAdapter::aRefusalStartsNoTool()
     QCOMPARE(errors.count('\n'), 1);
     QVERIFY(errors.contains("no audio stream"));
     QVERIFY(!QFile::exists(folder->filePath("started")));
+}
+
+void TestAdapter::aLargeBatchWorksByTurns()
+{
+    // Each tool leaves a mark while it works and writes down how many it sees.
+    makeTool("ffmpeg", "#!/bin/sh\ntouch mark.$$\nls mark.* | wc -l >>seen\nsleep 0.2\nrm mark.$$\nexit 1\n");
+    constexpr int files = 12;
+    const int together = std::max(4, QThread::idealThreadCount());
+    QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+    variables.insert("PATH", folder->path() + ":/usr/bin:/bin");
+    variables.insert("OSTREL_BATCH_SIZE", QString::number(100 * files));
+    std::vector<std::unique_ptr<QProcess>> batch;
+    for (int i = 0; i < files; ++i) {
+        batch.push_back(std::make_unique<QProcess>());
+        batch.back()->setProcessEnvironment(variables);
+        batch.back()->setWorkingDirectory(folder->path());
+        batch.back()->start(QStandardPaths::findExecutable("ffmpeg.exe"),
+                            {"-y", "-i", "in.mov", "-vcodec", "mpeg2video", QString("out%1.MXF").arg(i)});
+    }
+    for (const auto &process : batch) {
+        QVERIFY(process->waitForFinished());
+        QCOMPARE(process->exitCode(), 1);
+    }
+    const QList<QByteArray> counts = contents("seen").trimmed().split('\n');
+    QCOMPARE(counts.size(), files);
+    for (const QByteArray &count : counts)
+        QVERIFY2(count.trimmed().toInt() <= together, count.constData());
 }
 
 void TestAdapter::killingTheAdapterKillsTheTool_data()

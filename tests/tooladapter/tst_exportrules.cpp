@@ -6,6 +6,8 @@
 
 #include <QTest>
 
+#include <algorithm>
+
 using namespace tooladapter;
 
 namespace
@@ -532,6 +534,9 @@ void TestExportRules::aBatchSharesTheProcessors()
     QVERIFY2(words.startsWith("-y " + limited + "-i in.mov") || words.startsWith("-y -xerror -i in.mov"),
              qPrintable(words));
     QVERIFY2(words.endsWith(given + ' ' + coder + "out.MXF"), qPrintable(words));
+    const bool takesTurns = batchSize > 0 && given != "-vcodec copy";
+    QCOMPARE(exportOf(planOf(*list, source, hints), source, hints).together,
+             takesTurns ? std::max(4, processors) : 0);
 }
 
 void TestExportRules::thePictureKeepsItsRate_data()
