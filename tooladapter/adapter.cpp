@@ -6,6 +6,7 @@
 #include "tooladapter/exportplan.h"
 #include "tooladapter/exportrules.h"
 #include "tooladapter/extractionrules.h"
+#include "tooladapter/fieldatom.h"
 #include "tooladapter/fileheader.h"
 #include "tooladapter/refusal.h"
 #include "tooladapter/source.h"
@@ -86,8 +87,11 @@ void setAside(const std::string &path)
 int write(const Export &job, const Source &source)
 {
     const int exitCode = run({toolPath("ffmpeg"), job.arguments});
-    if (exitCode == 0)
-        checkWrittenFile(job, source);
+    if (exitCode != 0)
+        return exitCode;
+    if (job.notesFields)
+        noteFieldOrder(job.path, source.streams[static_cast<std::size_t>(job.pictureStream)].topFieldFirst());
+    checkWrittenFile(job, source);
     return exitCode;
 }
 

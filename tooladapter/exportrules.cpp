@@ -229,6 +229,8 @@ Export exportOf(ExportPlan plan, const Source &source, const Hints &hints)
         result.timecode = startTimecode(plan, source, result.pictureStream, hints.timecodeRate);
         options.push_back({"-timecode", result.timecode});
     }
+    result.notesFields = hasPicture && isCopied(plan) && plan.container == Container::QuickTime &&
+                         source.streams[static_cast<std::size_t>(result.pictureStream)].isInterlaced();
     Options general{{"-y", {}}};
     // A copy stops at the first error; a coder may meet damaged pictures and go on after them.
     if (!hasPicture || isCopied(plan)) {

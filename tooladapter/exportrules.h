@@ -21,9 +21,10 @@ struct WrittenAudio {
 /// end.
 struct Export {
     std::vector<std::string> arguments;
-    std::string path;       ///< of the file to be written, as the file system knows it
-    int together = 0;       ///< tools of the batch that may work at once; 0 = all
-    int pictureStream = -1; ///< index of the source's picture that is taken, -1 = none
+    std::string path;         ///< of the file to be written, as the file system knows it
+    bool notesFields = false; ///< the order of the picture's fields is to be noted in the file
+    int together = 0;         ///< tools of the batch that may work at once; 0 = all
+    int pictureStream = -1;   ///< index of the source's picture that is taken, -1 = none
     std::vector<WrittenAudio> audio;
     std::string timecode; ///< start timecode; empty = none is asked for
 };

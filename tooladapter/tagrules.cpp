@@ -82,7 +82,7 @@ Options tagOptions(const ExportPlan &plan, const Source &source, int picture, co
             options.push_back(without(key));
     }
     const std::string reel = reelOf(source);
-    if (picture >= 0 && !reel.empty())
+    if (isQuickTime && picture >= 0 && !reel.empty())
         options.push_back({"-metadata:s:v:0", "reel_name=" + reel});
     // Keys hold every note; and without a picture there is no timecode track, only a note.
     if (hasKeys || (isQuickTime && picture < 0 && plan.timecode))
