@@ -116,7 +116,7 @@ void readFormatKey(Source &source, std::string_view key, const std::string &valu
 {
     constexpr std::string_view tag = "TAG:";
     if (key.starts_with(tag) && source.tags.size() < mostTags)
-        source.tags.emplace_back(key.substr(tag.size()));
+        source.tags.emplace(key.substr(tag.size()));
     if (key == "start_time")
         source.start = toSeconds(value);
     else if (key == "duration")

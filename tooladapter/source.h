@@ -4,6 +4,7 @@
 #include "tooladapter/framerate.h"
 
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -53,11 +54,11 @@ struct Stream {
 
 /// What the probe tool says of one media file.
 struct Source {
-    std::vector<Stream> streams;        ///< by stream index
-    double start = 0.0;                 ///< [s] time stamp of what comes first in the file
-    double duration = 0.0;              ///< [s] of the longest stream; 0 where the file does not tell
-    std::string timecode;               ///< start timecode of the file as a whole; empty where it has none
-    std::vector<std::string> tags = {}; ///< keys of the notes on the file as a whole
+    std::vector<Stream> streams;     ///< by stream index
+    double start = 0.0;              ///< [s] time stamp of what comes first in the file
+    double duration = 0.0;           ///< [s] of the longest stream; 0 where the file does not tell
+    std::string timecode;            ///< start timecode of the file as a whole; empty where it has none
+    std::set<std::string> tags = {}; ///< keys of the notes on the file as a whole
 
     bool operator==(const Source &) const = default;
 

@@ -52,7 +52,7 @@ void TestTagRules::notesAreKept_data()
     row("what QuickTime holds by itself", Container::QuickTime, plain, false, "-map_metadata 0");
     row("an old timecode gives way to a new one", Container::QuickTime, plain, true, drops);
     row("keys", Container::QuickTime, keys, false,
-        "-map_metadata 0 -metadata major_brand= -metadata compatible_brands= -movflags use_metadata_tags");
+        "-map_metadata 0 -metadata compatible_brands= -metadata major_brand= -movflags use_metadata_tags");
     row("keys that hold a timecode", Container::QuickTime, {"com.vendor.camera.TimeCode", "reel"}, true,
         drops + " -metadata com.vendor.camera.TimeCode= -movflags use_metadata_tags");
     row("into MXF", Container::Mxf, keys, true, drops);
@@ -77,7 +77,7 @@ void TestTagRules::notesAreKept()
         plan.timecode = "10:11:12:13";
     Source source;
     for (const QString &tag : qAsConst(tags))
-        source.tags.push_back(tag.toStdString());
+        source.tags.insert(tag.toStdString());
     Hints hints;
     hints.isUnread = isUnread;
     QCOMPARE(textOf(tagOptions(plan, source, 0, hints)), options);
