@@ -55,6 +55,7 @@ void MainControl::startExport(const FileData &file)
     connect(handler, &FFMpegHandler::ffmpegExportProgress, this, &MainControl::onExportProgress);
     connect(handler, &FFMpegHandler::couldNotStart, this, &MainControl::failExport);
     connect(this, &MainControl::cancelExportReq, handler, &FFMpegHandler::onExportCancel);
+    handler->setBatchSize(static_cast<int>(exportFileCount));
     handler->buildExportArguments(file, exportOptions);
     jobs.started(JobQueues::Export);
 }

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ffmpeg/exporthints.h"
 
+#include "ffmpeg/audiomapping.h"
+#include "ffmpeg/videocodec.h"
+
 #include <QJsonObject>
 #include <QJsonValue>
 #include <QVariant>
@@ -11,22 +14,28 @@ namespace exporthints
 namespace
 {
 
-constexpr int longestDescription = 40'000; // [characters]; the system takes 131,072 bytes, three a character
+constexpr int longestDescription = 120'000; // [bytes]; the system takes 131,072
 
-QString line(const char *key, const QJsonValue &value)
+QString line(const QByteArray &key, const QJsonValue &value)
 {
     const QString text = value.toVariant().toString().simplified(); // the end of a line ends the fact
-    return text.isEmpty() ? QString() : QLatin1String(key) + QString('=' + text + '\n');
+    return text.isEmpty() ? QString() : QString::fromUtf8(key) + '=' + text + '\n';
 }
 
 QString streamLines(int index, const QJsonObject &stream)
 {
     QString lines = line("index", index);
-    for (const char *key : {"codec_type", "codec_name", "channels", "channel_layout", "r_frame_rate",
-                            "avg_frame_rate", "start_time", "duration"})
+    for (const char *key :
+         {"codec_type", "codec_name", "channels", "sample_rate", "channel_layout", "r_frame_rate",
+          "avg_frame_rate", "start_time", "duration", "width", "height", "sample_aspect_ratio", "pix_fmt",
+          "color_range", "color_space", "color_primaries", "field_order", "bit_rate"})
         lines += line(key, stream[QLatin1String(key)]);
+    for (const QJsonValue sideData : stream["side_data_list"].toArray())
+        lines += line("rotation", sideData.toObject()["rotation"]);
     lines += line("DISPOSITION:attached_pic", stream["disposition"].toObject()["attached_pic"]);
-    return lines + line("TAG:timecode", stream["tags"].toObject()["timecode"]);
+    for (const char *tag : {"timecode", "reel_name", "rotate"})
+        lines += line(QByteArray("TAG:") + tag, stream["tags"].toObject()[QLatin1String(tag)]);
+    return lines;
 }
 
 void set(QProcessEnvironment &environment, const QString &variable, const QString &value)
@@ -55,6 +64,24 @@ QString timecodeRate(const FileData &file)
     return QString::number(qint64{baseRate} * 1000) + "/1001";
 }
 
+QString pictureChoice(const ExportOptions &options)
+{
+    return videocodec::nameOf(options.videoType);
+}
+
+QString soundChoice(const ExportOptions &options)
+{
+    if (options.audioType == 0)
+        return "pass";
+    return audiomapping::codecOf(options.audioType) == "pcm_s24le" ? "pcm24" : "pcm16";
+}
+
+QString timecodeSampleRate(const FileData &file)
+{
+    const int rate = file.audioTCResult["SampleRate"].toInt();
+    return file.hasAudioTC && rate > 0 ? QString::number(rate) : QString();
+}
+
 QString sourceDescription(const FileData &file)
 {
     if (file.streams.isEmpty())
@@ -63,9 +90,12 @@ QString sourceDescription(const FileData &file)
     for (int i = 0; i < file.streams.size(); ++i)
         text += streamLines(i, file.streams.at(i).toObject());
     text += "[FORMAT]\n" + line("start_time", file.format["start_time"]) +
-            line("duration", file.format["duration"]) +
-            line("TAG:timecode", file.format["tags"].toObject()["timecode"]);
-    return text.size() <= longestDescription ? text : QString();
+            line("duration", file.format["duration"]);
+    const QJsonObject tags = file.format["tags"].toObject();
+    // Of the other notes, only their names matter.
+    for (auto tag = tags.begin(); tag != tags.end(); ++tag)
+        text += line("TAG:" + tag.key().simplified().toUtf8(), tag.key() == "timecode" ? tag.value() : "...");
+    return text.toUtf8().size() <= longestDescription ? text : QString();
 }
 
 void insertSource(QProcessEnvironment &environment, const FileData &file)
@@ -73,10 +103,15 @@ void insertSource(QProcessEnvironment &environment, const FileData &file)
     set(environment, "OSTREL_SOURCE", sourceDescription(file));
 }
 
-void insertInto(QProcessEnvironment &environment, const FileData &file, const ExportOptions &options)
+void insertInto(QProcessEnvironment &environment, const FileData &file, const ExportOptions &options,
+                int batchSize)
 {
     set(environment, "OSTREL_TIMECODE_CHANNEL", mutedChannel(file, options));
     set(environment, "OSTREL_TIMECODE_RATE", timecodeRate(file));
+    set(environment, "OSTREL_TIMECODE_SAMPLE_RATE", timecodeSampleRate(file));
+    set(environment, "OSTREL_PICTURE", pictureChoice(options));
+    set(environment, "OSTREL_SOUND", soundChoice(options));
+    set(environment, "OSTREL_BATCH_SIZE", batchSize > 0 ? QString::number(batchSize) : QString());
     insertSource(environment, file);
 }
 

@@ -20,6 +20,18 @@ QString mutedChannel(const FileData &file, const ExportOptions &options);
 /// "30000/1001"; empty when it is not known. The arguments name it for some video types only.
 QString timecodeRate(const FileData &file);
 
+/// What \a options choose for the picture: "pass", "mpeg2", or the DNxHD family by its lowest data rate,
+/// "dnxhd-36", "dnxhd-115" or "dnxhd-175". At some frame rates the arguments name none.
+QString pictureChoice(const ExportOptions &options);
+
+/// What \a options choose for the sound: "pass", "pcm16" or "pcm24". The arguments name codecs, which do not
+/// tell a choice from a codec that happens to be the source's.
+QString soundChoice(const ExportOptions &options);
+
+/// The rate [samples per second] at which the audio timecode of \a file counts its samples where that is
+/// another file's: it was taken over from a sibling. Empty for a timecode of its own.
+QString timecodeSampleRate(const FileData &file);
+
 /// What the import has learnt of \a file, in the probe tool's own words: one line "key=value" for each fact,
 /// each stream begun by its "index", the file as a whole by "[FORMAT]". Saves the tool a probe of its own.
 /// Empty where nothing is known, and where there is more than an environment variable can hold.
@@ -29,8 +41,9 @@ QString sourceDescription(const FileData &file);
 /// there already never stays.
 void insertSource(QProcessEnvironment &environment, const FileData &file);
 
-/// Sets the variables for the export of \a file with \a options in \a environment. One of them that is there
-/// already never stays.
-void insertInto(QProcessEnvironment &environment, const FileData &file, const ExportOptions &options);
+/// Sets the variables for the export of \a file with \a options, one of \a batchSize (0 = not known) that run
+/// together, in \a environment. One of them that is there already never stays.
+void insertInto(QProcessEnvironment &environment, const FileData &file, const ExportOptions &options,
+                int batchSize = 0);
 
 } // namespace exporthints

@@ -95,7 +95,7 @@ void FFMpegHandler::buildExportArguments(const FileData &fileData, const ExportO
     connect(exportProcess, &QProcess::readyReadStandardError, this,
             [this] { exportProcess->readAllStandardError(); }); // it is no more than a heartbeat
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    exporthints::insertInto(environment, record, options);
+    exporthints::insertInto(environment, record, options, batchSize);
     exportProcess->setProcessEnvironment(environment);
     start(exportProcess, ffmpegPath, command.arguments);
 }

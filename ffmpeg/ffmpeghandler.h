@@ -34,6 +34,9 @@ public:
     /// and that no other running export of the same parent writes.
     void buildExportArguments(const FileData &fileData, const ExportOptions &exportOptions);
 
+    /// Lets the export know that it is one of \a files that run together. Call it before the export starts.
+    void setBatchSize(int files) { batchSize = files; }
+
     /// The file that the export writes; empty before buildExportArguments().
     QString outputFilePath() const { return outputPath; }
 
@@ -74,6 +77,7 @@ private:
     uint fileNumber = 0;                 ///< the caller's number of the file being probed
     uint progressStepsDone = 0;          ///< progress steps reported so far, 0 ... options.progressSteps
     ExportOptions options;               ///< of the export
+    int batchSize = 0;                   ///< exports that run together; 0 = not known
     qint64 inputFileSize = 0;            ///< [bytes]
     qint64 expectedOutputSize = 0;       ///< [bytes per progress step]
     QProcess *exportProcess;             ///< child of this handler

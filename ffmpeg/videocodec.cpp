@@ -112,6 +112,17 @@ VideoCodec forType(int videoType, const QJsonObject &videoStream)
     return {};
 }
 
+QString nameOf(int videoType)
+{
+    constexpr std::array familyNames{"dnxhd-36", "dnxhd-115", "dnxhd-175"};
+    const VideoType *const type = find(videoType);
+    if (!type)
+        return {};
+    if (type->kind == VideoType::dnxhd)
+        return familyNames.at(type->family);
+    return type->kind == VideoType::mpeg2 ? "mpeg2" : "pass";
+}
+
 bool leavesFrameRateOpen(int videoType)
 {
     const VideoType *const type = find(videoType);

@@ -23,6 +23,10 @@ int frameRateClass(const QJsonObject &videoStream);
 /// The codec that \a videoType (code of exportTypes) writes \a videoStream with.
 VideoCodec forType(int videoType, const QJsonObject &videoStream);
 
+/// A name of \a videoType for the tool, "pass", "mpeg2", or "dnxhd-" and the lowest data rate [Mbit/s] of the
+/// family; empty for a code of no type.
+QString nameOf(int videoType);
+
 /// True for the types that keep or leave open the frame rate; the DNxHD types set one of their own.
 bool leavesFrameRateOpen(int videoType);
 

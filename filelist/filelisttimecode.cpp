@@ -102,7 +102,7 @@ void FileList::linkRow(int row, int sourceRow)
     FileData &record = fileDataVector[row];
     showOwnAudioTC(row, celltexts::linkedTimecode(source.audioTC),
                    celltexts::linkedTimecodeToolTip(source.audioTCResult, source.fileName));
-    record.setLinkedAudioTC(sourceRow, source.audioTC, source.audioTCResult);
+    record.setLinkedAudioTC(sourceRow, source.audioTC, linking::passedOnResult(source));
     setHasAudioTC(row, !source.audioTC.isEmpty()); // an export would write an empty one as midnight
 }
 
@@ -120,7 +120,7 @@ void FileList::linkSiblings(int sourceRow)
         }
         return;
     }
-    const Link link{sourceRow, source.fileName, source.audioTC, source.audioTCResult,
+    const Link link{sourceRow, source.fileName, source.audioTC, linking::passedOnResult(source),
                     widthOf(celltexts::linkedTimecode(source.audioTC))};
     const SiblingLinks::PassedOn passedOn = siblingLinks.passOn(sourceRow, link);
     {

@@ -30,4 +30,14 @@ bool recordedTogether(const FileData &first, const FileData &second)
            areClose(first.duration, second.duration);
 }
 
+QJsonObject passedOnResult(const FileData &source)
+{
+    QJsonObject result = source.audioTCResult;
+    const int sampleRate =
+        source.streams.at(source.audioStreamIndex).toObject()["sample_rate"].toString().toInt();
+    if (!result.contains("SampleRate") && sampleRate > 0) // what was taken over itself tells it already
+        result["SampleRate"] = sampleRate;
+    return result;
+}
+
 } // namespace linking

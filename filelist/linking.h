@@ -3,7 +3,7 @@
 
 #include "app/filedata.h"
 
-#include <QVector>
+#include <QJsonObject>
 
 /// Tells the sound files of the table that were recorded at the same moment: WAV files with equal
 /// modification times and durations closer than 0.05 s. Recorders that split a take into several files leave
@@ -19,5 +19,9 @@ bool areClose(double first, double second);
 
 /// Whether two different files, \a first and \a second, are siblings of one recording.
 bool recordedTogether(const FileData &first, const FileData &second);
+
+/// What the reader has told of \a source, as its siblings take it over: together with the rate, "SampleRate"
+/// [samples per second], at which its samples are counted, which theirs need not be.
+QJsonObject passedOnResult(const FileData &source);
 
 } // namespace linking

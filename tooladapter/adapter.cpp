@@ -6,14 +6,20 @@
 #include "tooladapter/exportplan.h"
 #include "tooladapter/exportrules.h"
 #include "tooladapter/extractionrules.h"
+#include "tooladapter/fieldatom.h"
 #include "tooladapter/fileheader.h"
 #include "tooladapter/keptchunks.h"
 #include "tooladapter/refusal.h"
 #include "tooladapter/source.h"
 #include "tooladapter/toolsearch.h"
+#include "tooladapter/turn.h"
 #include "tooladapter/writtenfile.h"
 
 #include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+#include <thread>
 
 namespace tooladapter
 {
@@ -68,22 +74,49 @@ void checkWrittenFile(const Export &job, const Source &source)
         throw Refusal(fault);
 }
 
-/// The tool stays this process's child, since a tool that reports success may have left a file that ends too
-/// early.
+/// Gives what is left of a failed export a name that nobody takes for a file to work with. A name that cannot
+/// be given stays as it is.
+void setAside(const std::string &path)
+{
+    std::error_code ignored;
+    if (std::filesystem::is_regular_file(path, ignored))
+        std::filesystem::rename(path, path + ".incomplete", ignored);
+}
+
+/// Runs the tool and looks at what it has written. It stays this process's child, since a tool that reports
+/// success may have left a file that ends too early.
+int write(const Export &job, const Source &source)
+{
+    const int exitCode = run({toolPath("ffmpeg"), job.arguments});
+    if (exitCode != 0)
+        return exitCode;
+    if (job.notesFields)
+        noteFieldOrder(job.path, source.streams[static_cast<std::size_t>(job.pictureStream)].topFieldFirst());
+    checkWrittenFile(job, source);
+    return exitCode;
+}
+
 int runExport(const ArgumentList &list)
 {
     const Source source = sourceAt(filePath(list.input));
-    const auto timecodeChannel = channelFromText(environment("OSTREL_TIMECODE_CHANNEL"));
-    const auto timecodeRate = FrameRate::fromText(environment("OSTREL_TIMECODE_RATE"));
-    const ExportPlan plan = planOf(list, source, timecodeChannel);
-    const Export job = exportOf(plan, source, timecodeRate);
-    const int exitCode = run({toolPath("ffmpeg"), job.arguments});
-    if (exitCode == 0) {
-        checkWrittenFile(job, source);
-        if (plan.container == Container::Wave)
-            keepChunks(filePath(list.input), job.path, waveChangesOf(plan, timecodeRate));
+    Hints hints = hintsFrom(environment);
+    hints.processors = static_cast<int>(std::thread::hardware_concurrency());
+    const ExportPlan plan = planOf(list, source, hints);
+    const Export job = exportOf(plan, source, hints);
+    std::optional<Turn> turn;
+    if (job.together > 0)
+        turn.emplace(job.together);
+    try {
+        const int exitCode = write(job, source);
+        if (exitCode != 0)
+            setAside(job.path);
+        else if (plan.container == Container::Wave)
+            keepChunks(filePath(list.input), job.path, waveChangesOf(plan, hints.timecodeRate));
+        return exitCode;
+    } catch (const Refusal &) {
+        setAside(job.path);
+        throw;
     }
-    return exitCode;
 }
 
 } // namespace

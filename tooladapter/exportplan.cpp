@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <string_view>
 
 namespace tooladapter
 {
@@ -111,20 +110,7 @@ Container containerOf(const std::string &path)
     return suffix == ".wav" ? Container::Wave : Container::Other;
 }
 
-std::optional<ChannelPosition> channelFromText(const std::string &text)
-{
-    const std::size_t dot = text.find('.');
-    if (dot == std::string::npos)
-        return std::nullopt;
-    const auto stream = numberFrom(std::string_view{text}.substr(0, dot));
-    const auto channel = numberFrom(std::string_view{text}.substr(dot + 1));
-    if (!stream || !channel)
-        return std::nullopt;
-    return ChannelPosition{*stream, *channel};
-}
-
-ExportPlan planOf(const ArgumentList &list, const Source &source,
-                  std::optional<ChannelPosition> timecodeChannel)
+ExportPlan planOf(const ArgumentList &list, const Source &source, const Hints &hints)
 {
     const Output &output = list.outputs.front();
     ExportPlan plan;
@@ -155,7 +141,7 @@ ExportPlan planOf(const ArgumentList &list, const Source &source,
     for (std::size_t i = 0; i < groups.size(); ++i) {
         AudioTrack &track = plan.tracks[i];
         track.channels =
-            keptChannels(groups[i], track.stream, audioStreamOf(source, track.stream), timecodeChannel);
+            keptChannels(groups[i], track.stream, audioStreamOf(source, track.stream), hints.timecodeChannel);
     }
     return plan;
 }

@@ -2,11 +2,11 @@
 #pragma once
 
 #include "tooladapter/argumentlist.h"
+#include "tooladapter/hints.h"
 #include "tooladapter/source.h"
 
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace tooladapter
@@ -22,6 +22,7 @@ struct AudioTrack {
     int stream = 0;            ///< index of the source's stream
     std::string codec;         ///< as asked for; empty where the list names none
     std::vector<int> channels; ///< the channels that are kept, in order; empty = all, untouched
+    long bitRate = 0;          ///< [bit/s] of a lossy codec; 0 = none is set
 };
 
 /// What the application's export list asks for, independent of how it says so.
@@ -39,16 +40,9 @@ struct ExportPlan {
     std::optional<std::string> readerRate; ///< the frame rate that came with the timecode
 };
 
-/// A stream index and a channel in it.
-using ChannelPosition = std::pair<int, int>;
-
-/// Reads "s.c"; nothing for any other text.
-std::optional<ChannelPosition> channelFromText(const std::string &text);
-
-/// Reads the plan out of \a list, whose job is an export. \a timecodeChannel is the channel that carries the
-/// timecode, as the application knows it; where it says nothing, the list's channel groups and \a source
-/// tell. Throws Refusal when the list names a stream that \a source does not have.
-ExportPlan planOf(const ArgumentList &list, const Source &source,
-                  std::optional<ChannelPosition> timecodeChannel);
+/// Reads the plan out of \a list, whose job is an export. Where \a hints do not name the channel that carries
+/// the timecode, the list's channel groups and \a source do. Throws Refusal when the list names a stream that
+/// \a source does not have.
+ExportPlan planOf(const ArgumentList &list, const Source &source, const Hints &hints = {});
 
 } // namespace tooladapter

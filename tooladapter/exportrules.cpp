@@ -1,35 +1,36 @@
 // SPDX-License-Identifier: MIT
 #include "tooladapter/exportrules.h"
 
+#include "tooladapter/picturecodec.h"
+#include "tooladapter/picturefilter.h"
 #include "tooladapter/refusal.h"
 #include "tooladapter/starttimecode.h"
+#include "tooladapter/tagrules.h"
 #include "tooladapter/trackrules.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
 
 namespace tooladapter
 {
 namespace
 {
 
+// Tools that work at once where there are few processors: one that waits for its disk leaves room for
+// another.
+constexpr int fewestTogether = 4;
+
 // Shares by which two rates of pictures may differ and be meant for one.
 constexpr double frameTolerance = 0.1;    // a base rate that is farther off counts fields
 constexpr double pictureTolerance = 0.05; // a rate that is farther off is another picture's
 
-bool isCopied(const ExportPlan &plan)
-{
-    return std::any_of(plan.pictureOptions.begin(), plan.pictureOptions.end(), [](const Option &option) {
-        return option.name == "-vcodec" && option.value == "copy";
-    });
-}
-
 /// The rate that the coder was given; an invalid one where it was given none.
 FrameRate codedRate(const ExportPlan &plan)
 {
-    const auto found = std::find_if(plan.pictureOptions.begin(), plan.pictureOptions.end(),
-                                    [](const Option &option) { return option.name == "-r"; });
-    return found == plan.pictureOptions.end() ? FrameRate{} : FrameRate::fromText(found->value);
+    return FrameRate::fromText(valueOf(plan.pictureOptions, "-r"));
 }
 
 bool differs(const FrameRate &rate, const FrameRate &other, double tolerance)
@@ -80,8 +81,9 @@ void checkPicture(const ExportPlan &plan, const Source &source, int picture)
     if (picture < 0 && plan.tracks.empty())
         throw Refusal("nothing of " + plan.input + " is left to be written");
     // The list's rate may be that of another picture in the file.
-    if (picture >= 0 && differs(codedRate(plan), source.streams[static_cast<std::size_t>(picture)].baseRate,
-                                pictureTolerance))
+    if (picture >= 0 &&
+        differs(codedRate(plan), source.streams[static_cast<std::size_t>(picture)].frameRate(),
+                pictureTolerance))
         throw Refusal("the picture of " + plan.input + " does not run at the rate that is to be coded");
 }
 
@@ -121,6 +123,8 @@ Options pictureAndTracks(const ExportPlan &plan, const Source &source, Export &r
         options.push_back({"-map", "0:" + std::to_string(track.stream)});
         if (!track.codec.empty())
             options.push_back({"-c:a:" + number, track.codec});
+        if (track.bitRate > 0)
+            options.push_back({"-b:a:" + number, std::to_string(track.bitRate)});
         const std::string filter = filterOf(track, plan, source, result.pictureStream);
         if (!filter.empty())
             options.push_back({"-filter:a:" + number, filter});
@@ -131,15 +135,64 @@ Options pictureAndTracks(const ExportPlan &plan, const Source &source, Export &r
     return options;
 }
 
-/// What the kind of file needs to hold all that it is given.
-void addContainerOptions(Options &options, const ExportPlan &plan, bool hasPicture)
+/// The position \a samples, counted since midnight at \a counted samples a second, at the rate \a own: the
+/// same time of day.
+std::int64_t samplesAtRate(std::int64_t samples, int counted, int own)
 {
-    if (plan.container == Container::Mxf)
-        options.push_back({"-ar", "48000"}); // the only rate that can be written
-    if (plan.container == Container::Wave)
-        options.push_back({"-rf64", "auto"}); // long takes pass 4 GiB
-    if (plan.container == Container::QuickTime && !hasPicture && plan.timecode)
-        options.push_back({"-movflags", "use_metadata_tags"}); // without a picture there is no timecode track
+    constexpr std::int64_t secondsOfDay = 86400;
+    const std::int64_t day = secondsOfDay * counted;
+    samples %= day;
+    return (samples * own + counted / 2) / counted % (secondsOfDay * own);
+}
+
+/// The time reference of a sound file that took its timecode over from another one counts that file's
+/// samples.
+void countAtOwnRate(Options &metadata, const Source &source, int counted)
+{
+    constexpr std::string_view key = "time_reference=";
+    const std::vector<int> sounds = source.audioStreams();
+    const int own = sounds.empty() ? 0 : source.streams[static_cast<std::size_t>(sounds.front())].sampleRate;
+    if (counted <= 0 || own <= 0 || own == counted)
+        return;
+    for (Option &option : metadata) {
+        if (!option.value.starts_with(key))
+            continue;
+        const std::int64_t samples = std::strtoll(option.value.c_str() + key.size(), nullptr, 10);
+        if (samples < 0)
+            throw Refusal("the time reference " + std::to_string(samples) + " is no time of day");
+        option.value = std::string(key) + std::to_string(samplesAtRate(samples, counted, own));
+    }
+}
+
+/// What the kind of file needs to hold all that it is given.
+Options containerOptions(Container container)
+{
+    if (container == Container::Mxf)
+        return {{"-ar", "48000"}}; // the only rate that can be written
+    if (container == Container::Wave)
+        return {{"-rf64", "auto"}}; // long takes pass 4 GiB
+    return {};
+}
+
+/// The codec of \a picture and how the tool gets there.
+Options pictureOptions(const ExportPlan &plan, const Stream &picture)
+{
+    Options options = plan.pictureOptions;
+    if (!isCopied(plan) && hasOption(options, "-vcodec")) {
+        const Options treatment = pictureTreatment(plan.pictureOptions, picture);
+        options.insert(options.end(), treatment.begin(), treatment.end());
+    }
+    return options;
+}
+
+/// How many threads each tool of a batch may use, so that all together use the machine once; 0 = as it likes.
+int threadsOf(const Hints &hints)
+{
+    constexpr int mostTogether = 45; // that the application lets run
+    if (hints.batchSize < 1 || hints.processors < 1)
+        return 0;
+    const int threads = std::max(1, hints.processors / std::min(hints.batchSize, mostTogether));
+    return threads < hints.processors ? threads : 0;
 }
 
 } // namespace
@@ -150,28 +203,47 @@ std::string filePath(const std::string &path)
     return isMisread ? "./" + path : path;
 }
 
-Export exportOf(ExportPlan plan, const Source &source, const FrameRate &timecodeRate)
+Export exportOf(ExportPlan plan, const Source &source, const Hints &hints)
 {
-    takeAllStreams(plan, source);
-    chooseCodecs(plan, source);
+    takeAllStreams(plan, source, hints);
+    chooseCodecs(plan, source, hints.sound);
+    countAtOwnRate(plan.metadata, source, hints.timecodeSampleRate);
     Export result;
     result.path = filePath(plan.output);
     result.pictureStream = plan.takesPicture ? source.firstPicture() : -1;
+    const bool hasPicture = result.pictureStream >= 0;
+    if (hasPicture)
+        choosePictureCodec(plan, source.streams[static_cast<std::size_t>(result.pictureStream)],
+                           hints.picture);
     checkPicture(plan, source, result.pictureStream);
 
     Options options = pictureAndTracks(plan, source, result);
-    addContainerOptions(options, plan, result.pictureStream >= 0);
-    options.insert(options.end(), plan.metadata.begin(), plan.metadata.end());
-    if (result.pictureStream >= 0)
-        options.insert(options.end(), plan.pictureOptions.begin(), plan.pictureOptions.end());
+    const auto append = [&options](const Options &more) {
+        options.insert(options.end(), more.begin(), more.end());
+    };
+    append(containerOptions(plan.container));
+    append(tagOptions(plan, source, result.pictureStream, hints));
+    if (hasPicture)
+        append(pictureOptions(plan, source.streams[static_cast<std::size_t>(result.pictureStream)]));
     if (plan.timecode) {
-        result.timecode = startTimecode(plan, source, result.pictureStream, timecodeRate);
+        result.timecode = startTimecode(plan, source, result.pictureStream, hints.timecodeRate);
         options.push_back({"-timecode", result.timecode});
     }
+    result.notesFields = hasPicture && isCopied(plan) && plan.container == Container::QuickTime &&
+                         source.streams[static_cast<std::size_t>(result.pictureStream)].isInterlaced();
     Options general{{"-y", {}}};
     // A copy stops at the first error; a coder may meet damaged pictures and go on after them.
-    if (result.pictureStream < 0 || isCopied(plan))
+    if (!hasPicture || isCopied(plan)) {
         general.push_back({"-xerror", {}});
+    } else if (hints.batchSize > 0) {
+        result.together = std::max(fewestTogether, hints.processors);
+    }
+    const int threads = hasPicture && !isCopied(plan) ? threadsOf(hints) : 0;
+    if (threads > 0) {
+        general.push_back({"-filter_threads", std::to_string(threads)});
+        general.push_back({"-threads", std::to_string(threads)}); // of the decoder
+        options.push_back({"-threads", std::to_string(threads)}); // and of the coder
+    }
     result.arguments = renderArguments({general, filePath(plan.input), {{options, result.path}}});
     return result;
 }

@@ -21,8 +21,10 @@ struct WrittenAudio {
 /// end.
 struct Export {
     std::vector<std::string> arguments;
-    std::string path;       ///< of the file to be written, as the file system knows it
-    int pictureStream = -1; ///< index of the source's picture that is taken, -1 = none
+    std::string path;         ///< of the file to be written, as the file system knows it
+    bool notesFields = false; ///< the order of the picture's fields is to be noted in the file
+    int together = 0;         ///< tools of the batch that may work at once; 0 = all
+    int pictureStream = -1;   ///< index of the source's picture that is taken, -1 = none
     std::vector<WrittenAudio> audio;
     std::string timecode; ///< start timecode; empty = none is asked for
 };
@@ -30,8 +32,8 @@ struct Export {
 /// A path that the tools take for a file of that name and nothing else.
 std::string filePath(const std::string &path);
 
-/// The export that \a plan means for \a source. \a timecodeRate is the frame rate of the audio timecode as
-/// the application knows it, for lists that carry none. Throws Refusal where no right file could come of it.
-Export exportOf(ExportPlan plan, const Source &source, const FrameRate &timecodeRate = {});
+/// The export that \a plan means for \a source, completed by \a hints. Throws Refusal where no right file
+/// could come of it.
+Export exportOf(ExportPlan plan, const Source &source, const Hints &hints = {});
 
 } // namespace tooladapter

@@ -35,6 +35,11 @@ int FrameRate::nominal() const
     return static_cast<int>(std::lround(perSecond()));
 }
 
+std::string FrameRate::toText() const
+{
+    return std::to_string(numerator) + '/' + std::to_string(denominator);
+}
+
 bool FrameRate::isNtsc() const
 {
     const double whole = nominal();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace tooladapter
@@ -25,6 +26,8 @@ struct FrameRate {
 
     /// Whether the rate is nearer to nominal() x 1000 / 1001 than to nominal() itself.
     bool isNtsc() const;
+
+    std::string toText() const; ///< as a fraction, "25/1"
 };
 
 } // namespace tooladapter

@@ -13,6 +13,8 @@ namespace
 // What a damaged file claims must not cost memory; the tools stop at fewer.
 constexpr std::size_t mostStreams = 10'000;
 constexpr int mostChannels = 512;
+constexpr int longestSide = 32768; // [pixels]
+constexpr std::size_t mostTags = 1000;
 
 double toSeconds(const std::string &text)
 {
@@ -34,9 +36,51 @@ bool isExported(const Stream &stream)
            (stream.kind == Stream::Kind::Picture && !stream.isAttachedPicture);
 }
 
+/// The quotient that \a text, "16:15", names; 1 where it names none.
+double toAspect(const std::string &text)
+{
+    const std::size_t colon = text.find(':');
+    if (colon == std::string::npos)
+        return 1.0;
+    const double aspect = toSeconds(text) / toSeconds(text.substr(colon + 1));
+    return std::isfinite(aspect) && aspect > 0.0 ? aspect : 1.0;
+}
+
+int toRotation(const std::string &text)
+{
+    constexpr int quarter = 90; // [degrees]
+    const double degrees = toSeconds(text);
+    return std::abs(degrees) <= 360.0 ? static_cast<int>(std::lround(degrees / quarter)) * quarter : 0;
+}
+
+bool readPictureKey(Stream &stream, std::string_view key, const std::string &value)
+{
+    if (key == "width")
+        stream.width = std::clamp(std::atoi(value.c_str()), 0, longestSide);
+    else if (key == "height")
+        stream.height = std::clamp(std::atoi(value.c_str()), 0, longestSide);
+    else if (key == "sample_aspect_ratio")
+        stream.pixelAspect = toAspect(value);
+    else if (key == "rotation" || key == "TAG:rotate")
+        stream.rotation = toRotation(value);
+    else if (key == "pix_fmt")
+        stream.pixelFormat = value;
+    else if (key == "color_range")
+        stream.colorRange = value;
+    else if (key == "color_space")
+        stream.colorSpace = value;
+    else if (key == "color_primaries")
+        stream.colorPrimaries = value;
+    else if (key == "field_order")
+        stream.fieldOrder = value;
+    else
+        return false;
+    return true;
+}
+
 void readStreamKey(Stream &stream, std::string_view key, const std::string &value)
 {
-    if (value == "unknown") // only some of the probe tool's formats spell this out
+    if (value == "unknown" || readPictureKey(stream, key, value)) // only some formats spell "unknown" out
         return;
     if (key == "codec_type" && value == "video")
         stream.kind = Stream::Kind::Picture;
@@ -46,6 +90,8 @@ void readStreamKey(Stream &stream, std::string_view key, const std::string &valu
         stream.codec = value;
     else if (key == "channels")
         stream.channels = std::clamp(std::atoi(value.c_str()), 0, mostChannels);
+    else if (key == "sample_rate")
+        stream.sampleRate = std::clamp(std::atoi(value.c_str()), 0, highestSampleRate);
     else if (key == "channel_layout")
         stream.layout = value;
     else if (key == "r_frame_rate")
@@ -56,6 +102,10 @@ void readStreamKey(Stream &stream, std::string_view key, const std::string &valu
         stream.start = toTimeStamp(value);
     else if (key == "duration")
         stream.duration = toSeconds(value);
+    else if (key == "bit_rate")
+        stream.bitRate = std::max(0L, std::strtol(value.c_str(), nullptr, 10));
+    else if (key == "TAG:reel_name")
+        stream.reel = value;
     else if (key == "DISPOSITION:attached_pic")
         stream.isAttachedPicture = value == "1";
     else if (key == "TAG:timecode")
@@ -64,6 +114,9 @@ void readStreamKey(Stream &stream, std::string_view key, const std::string &valu
 
 void readFormatKey(Source &source, std::string_view key, const std::string &value)
 {
+    constexpr std::string_view tag = "TAG:";
+    if (key.starts_with(tag) && source.tags.size() < mostTags)
+        source.tags.emplace(key.substr(tag.size()));
     if (key == "start_time")
         source.start = toSeconds(value);
     else if (key == "duration")
@@ -73,6 +126,21 @@ void readFormatKey(Source &source, std::string_view key, const std::string &valu
 }
 
 } // namespace
+
+bool Stream::isInterlaced() const
+{
+    return fieldOrder == "tt" || fieldOrder == "bb" || fieldOrder == "tb" || fieldOrder == "bt";
+}
+
+FrameRate Stream::frameRate() const
+{
+    constexpr double tolerance = 0.1;
+    if (!baseRate.isValid())
+        return averageRate;
+    const bool countsFields = isInterlaced() && averageRate.isValid() &&
+                              std::abs(baseRate.perSecond() / averageRate.perSecond() - 2.0) < tolerance;
+    return countsFields ? averageRate : baseRate;
+}
 
 int Source::firstPicture() const
 {
@@ -122,12 +190,15 @@ std::string Source::startTimecode() const
 
 std::vector<std::string> probeArguments(const std::string &path)
 {
-    const std::string entries = "stream=index,codec_type,codec_name,channels,channel_layout,r_frame_rate,"
-                                "avg_frame_rate,start_time,duration"
-                                ":stream_disposition=attached_pic"
-                                ":stream_tags=timecode"
-                                ":format=start_time,duration"
-                                ":format_tags=timecode";
+    const std::string entries =
+        "stream=index,codec_type,codec_name,channels,sample_rate,channel_layout,r_frame_rate,"
+        "avg_frame_rate,start_time,duration,width,height,sample_aspect_ratio,pix_fmt,color_range,"
+        "color_space,color_primaries,field_order,bit_rate"
+        ":stream_disposition=attached_pic"
+        ":stream_tags=timecode,reel_name,rotate"
+        ":stream_side_data=rotation"
+        ":format=start_time,duration"
+        ":format_tags";
     return {"-v", "error", "-show_entries", entries, "-i", path};
 }
 
@@ -140,6 +211,8 @@ Source parseProbe(std::string_view text)
         const std::string_view line = text.substr(0, text.find('\n'));
         text.remove_prefix(std::min(text.size(), line.size() + 1));
         const std::size_t equals = line.find('=');
+        if (line.ends_with("SIDE_DATA]"))
+            continue; // it belongs to the stream
         if (equals == std::string_view::npos) {
             stream = nullptr;
             inFormat = line == "[FORMAT]";
@@ -147,7 +220,7 @@ Source parseProbe(std::string_view text)
         }
         const std::string_view key = line.substr(0, equals);
         const std::string value{line.substr(equals + 1)};
-        if (key == "index") {
+        if (key == "index" && !inFormat) {
             // Transport streams list their streams twice, once by programme; the index tells which is which.
             const std::size_t index = std::strtoul(value.c_str(), nullptr, 10);
             stream = nullptr;

@@ -4,12 +4,15 @@
 #include "tooladapter/framerate.h"
 
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace tooladapter
 {
+
+constexpr int highestSampleRate = 1'000'000; ///< [samples/s] a rate beyond is damage
 
 /// What the probe tool says of one stream of a media file.
 struct Stream {
@@ -19,22 +22,43 @@ struct Stream {
     bool isAttachedPicture = false; ///< a cover or poster image, no moving picture
     std::string codec;              ///< as the probe tool names it, for example "pcm_s24le"
     int channels = 0;               ///< audio only
+    int sampleRate = 0;             ///< [samples/s] audio only
     std::string layout;             ///< channel layout; empty where the file names none
     FrameRate baseRate;             ///< the lowest rate that all time stamps fit, for pictures
     FrameRate averageRate;          ///< for pictures
+    int width = 0;                  ///< [pixels] as coded, pictures only; so are all up to fieldOrder
+    int height = 0;                 ///< [pixels]
+    double pixelAspect = 1.0;       ///< width of a pixel divided by its height
+    int rotation = 0;               ///< [degrees] a multiple of 90, in either sense
+    std::string pixelFormat;        ///< as the probe tool names it, for example "yuv422p10le"
+    std::string colorRange;         ///< "tv", "pc"; empty where the file does not tell
+    std::string colorSpace;         ///< for example "bt709"; empty where the file does not tell
+    std::string colorPrimaries;     ///< likewise
+    std::string fieldOrder;         ///< "progressive", "tt", "bb", "tb", "bt"; empty = not known
+    long bitRate = 0;               ///< [bit/s]; 0 where the file does not tell
+    std::string reel;               ///< name of the tape or card; empty where the stream has none
     std::optional<double> start;    ///< [s] time stamp of what comes first; none where the file does not tell
     double duration = 0.0;          ///< [s]; 0 where the file does not tell
     std::string timecode;           ///< start timecode; empty where the stream has none
 
     bool operator==(const Stream &) const = default;
+
+    bool isInterlaced() const;
+
+    /// Of an interlaced picture: whether the upper line of two is the earlier one.
+    bool topFieldFirst() const { return fieldOrder.starts_with('t'); }
+
+    /// The rate of a picture's frames: baseRate, unless that counts the fields of an interlaced picture.
+    FrameRate frameRate() const;
 };
 
 /// What the probe tool says of one media file.
 struct Source {
-    std::vector<Stream> streams; ///< by stream index
-    double start = 0.0;          ///< [s] time stamp of what comes first in the file
-    double duration = 0.0;       ///< [s] of the longest stream; 0 where the file does not tell
-    std::string timecode;        ///< start timecode of the file as a whole; empty where it has none
+    std::vector<Stream> streams;     ///< by stream index
+    double start = 0.0;              ///< [s] time stamp of what comes first in the file
+    double duration = 0.0;           ///< [s] of the longest stream; 0 where the file does not tell
+    std::string timecode;            ///< start timecode of the file as a whole; empty where it has none
+    std::set<std::string> tags = {}; ///< keys of the notes on the file as a whole
 
     bool operator==(const Source &) const = default;
 

@@ -9,13 +9,14 @@
 namespace tooladapter
 {
 
-/// Takes every audio stream where the list names none. Throws Refusal where none would be left of a sound
-/// file.
-void takeAllStreams(ExportPlan &plan, const Source &source);
+/// Takes every audio stream where the list names none, also where it names the picture alone and \a hints
+/// tell of no timecode channel that it leaves out: it was made without knowing the sound. Throws Refusal
+/// where none would be left of a sound file.
+void takeAllStreams(ExportPlan &plan, const Source &source, const Hints &hints);
 
 /// Gives each track of \a plan a codec that its kind of file can hold, and that loses no more than was asked
-/// for.
-void chooseCodecs(ExportPlan &plan, const Source &source);
+/// for by \a sound and by the list.
+void chooseCodecs(ExportPlan &plan, const Source &source, SoundType sound);
 
 /// More silence than this is put neither before nor behind a sound [s]: the source is damaged then, or no
 /// recording of one take.

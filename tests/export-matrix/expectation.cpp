@@ -44,8 +44,8 @@ QString wantedCodec(const FileData &record, const ExportOptions &options, Contai
                     const QString &own)
 {
     const QString asked = options.audioType == 2 ? "pcm_s24le" : "pcm_s16le";
-    if (options.muteAudioTC && container == Container::mxf)
-        return isMxf(record) ? own : asked;
+    if (options.muteAudioTC && container == Container::mxf && isMxf(record))
+        return own;
     return options.audioType == 0 ? keptCodec(own, container) : asked;
 }
 
@@ -82,7 +82,7 @@ QVector<ExpectedTrack> expectedTracks(const SourceFile &source, const FileData &
 }
 
 void expectPicture(Expectation &expected, const SourceFile &source, const FileData &record,
-                   const ExportOptions &options, Container container)
+                   const ExportOptions &options)
 {
     constexpr int mpeg2 = 1;
     const int type = options.videoType;
@@ -99,12 +99,11 @@ void expectPicture(Expectation &expected, const SourceFile &source, const FileDa
     expected.pictureCodec = source.pictureArguments.contains("libx264") ? "h264" : "mpeg2video";
     if (isCopied)
         return;
-    expected.pictureCodec =
-        container == Container::mxf ? "mpeg2video" : "h264"; // what the tool codes by itself
-    if (type != mpeg2 && !hasFamily)
-        return;
+    const bool isDnxhr = type != mpeg2 && !hasFamily;
     expected.pictureCodec = type == mpeg2 ? "mpeg2video" : "dnxhd";
-    expected.pixelFormat = isTopFamily && rateClass <= 25 ? "yuv422p10le" : "yuv422p";
+    expected.pixelFormat = isTopFamily && (rateClass <= 25 || isDnxhr) ? "yuv422p10le" : "yuv422p";
+    if (isDnxhr)
+        return;
     expected.width = 1920;
     expected.height = 1080;
 }
@@ -157,7 +156,7 @@ Expectation expectationOf(const MadeFile &file, const ExportOptions &options)
     }
     expectTimecode(expected, source, record);
     if (!source.pictureRate.isEmpty())
-        expectPicture(expected, source, record, options, container);
+        expectPicture(expected, source, record, options);
     else if (container == Container::mxf)
         expected.refusal = "no picture";
     return expected;

@@ -98,6 +98,7 @@ QVector<SourceFile> quickTimeSources()
         movie("44100.mov", "25/1", {channels(2, 1)}, coded("pcm_s16le")),
         movie("old-timecode.mov", "25/1", {channels(2, 0)}, coded("pcm_s16le"), true),
         movie("aac-and-pcm.mov", "25/1", {channels(2, -1), channels(2, 1, at25, 2)}, coded("pcm_s24le")),
+        movie("two-depths.mov", "25/1", {channels(2, -1), channels(2, 1, at25, 2)}, coded("pcm_s24le"), true),
         movie("two-pictures.mov", "25/1", {channels(2, 1)}, coded("pcm_s16le"), true),
         movie("sound-only.mov", {}, single(2, 1), coded("pcm_s24le"), true),
         movie("no-timecode.mov", "25/1", {channels(2, -1)}, coded("pcm_s16le")),
@@ -115,6 +116,8 @@ QVector<SourceFile> quickTimeSources()
             source.sampleRate = 44100;
         if (source.name == "old-timecode.mov")
             source.fileArguments = QStringList{"-timecode", "01:02:03:04"};
+        if (source.name == "two-depths.mov")
+            source.trackArguments[0] = coded("pcm_s16le");
         if (source.name == "aac-and-pcm.mov")
             source.trackArguments[0] = coded("aac");
         source.hasCover = source.name == "two-pictures.mov";

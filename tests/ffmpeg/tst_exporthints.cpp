@@ -17,6 +17,9 @@ private slots:
     void theMutedChannelIsTheTruePlace();
     void theTimecodesRateAccompaniesExports_data();
     void theTimecodesRateAccompaniesExports();
+    void theChosenSoundAccompaniesExports_data();
+    void theChosenSoundAccompaniesExports();
+    void theSampleRateOfATimecodeTakenOverAccompaniesExports();
     void theSourceIsDescribedInTheProbesWords();
     void nothingIsSaidOfWhatIsNotKnown_data();
     void nothingIsSaidOfWhatIsNotKnown();
@@ -88,35 +91,79 @@ void TestExportHints::theTimecodesRateAccompaniesExports()
     QTEST(exporthints::timecodeRate(file), "expected");
 }
 
+void TestExportHints::theChosenSoundAccompaniesExports_data()
+{
+    QTest::addColumn<int>("audioType");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("pass trough") << 0 << "pass";
+    QTest::newRow("PCM 16 bit") << 1 << "pcm16";
+    QTest::newRow("PCM 24 bit") << 2 << "pcm24";
+    QTest::newRow("any other code") << 7 << "pcm16";
+}
+
+void TestExportHints::theChosenSoundAccompaniesExports()
+{
+    QFETCH(int, audioType);
+    ExportOptions options;
+    options.audioType = audioType;
+    QTEST(exporthints::soundChoice(options), "expected");
+}
+
+void TestExportHints::theSampleRateOfATimecodeTakenOverAccompaniesExports()
+{
+    FileData file = mediaFile("/a.wav", {sound("pcm_s24le", 2)});
+    QCOMPARE(exporthints::timecodeSampleRate(file), QString());
+    file.setLinkedAudioTC(3, "10:00:00:00", {{"SamplesSinceMidnight", 5}, {"SampleRate", 44100}});
+    QCOMPARE(exporthints::timecodeSampleRate(file), QString("44100"));
+    file.audioTCResult = QJsonObject{{"SamplesSinceMidnight", 5}};
+    QCOMPARE(exporthints::timecodeSampleRate(file), QString());
+}
+
 void TestExportHints::theSourceIsDescribedInTheProbesWords()
 {
     FileData file;
     file.streams = QJsonArray{
-        QJsonObject{{"index", 0},
-                    {"codec_type", "video"},
-                    {"codec_name", "h264"},
-                    {"r_frame_rate", "50/1"},
-                    {"avg_frame_rate", "25/1"},
-                    {"start_time", "1.400000"},
-                    {"duration", "2.000000"},
-                    {"disposition", QJsonObject{{"default", 1}, {"attached_pic", 0}}},
-                    {"tags", QJsonObject{{"timecode", "10:11:12:13"}, {"handler_name", "x"}}}},
+        QJsonObject{
+            {"index", 0},
+            {"codec_type", "video"},
+            {"codec_name", "h264"},
+            {"r_frame_rate", "50/1"},
+            {"avg_frame_rate", "25/1"},
+            {"start_time", "1.400000"},
+            {"duration", "2.000000"},
+            {"width", 1920},
+            {"height", 1080},
+            {"sample_aspect_ratio", "1:1"},
+            {"pix_fmt", "yuv420p"},
+            {"color_range", "tv"},
+            {"color_space", "bt709"},
+            {"color_primaries", "bt709"},
+            {"field_order", "tt"},
+            {"bit_rate", "5000000"},
+            {"side_data_list", QJsonArray{QJsonObject{{"rotation", -90}}}},
+            {"disposition", QJsonObject{{"default", 1}, {"attached_pic", 0}}},
+            {"tags", QJsonObject{{"timecode", "10:11:12:13"}, {"handler_name", "x"}, {"reel_name", "A001"}}}},
         QJsonObject{{"codec_type", "audio"},
                     {"codec_name", "pcm_s24le"},
                     {"channels", 4},
+                    {"sample_rate", "48000"},
                     {"channel_layout", "4.0\nindex=7"}},
     };
     file.format = {{"start_time", "1.400000"},
                    {"duration", "2.040000"},
                    {"size", "5000"},
-                   {"tags", QJsonObject{{"timecode", "01:02:03:04"}}}};
-    QCOMPARE(exporthints::sourceDescription(file),
-             QString("index=0\ncodec_type=video\ncodec_name=h264\nr_frame_rate=50/1\navg_frame_rate=25/1\n"
-                     "start_time=1.400000\nduration=2.000000\nDISPOSITION:attached_pic=0\n"
-                     "TAG:timecode=10:11:12:13\n"
-                     "index=1\ncodec_type=audio\ncodec_name=pcm_s24le\nchannels=4\n"
-                     "channel_layout=4.0 index=7\n"
-                     "[FORMAT]\nstart_time=1.400000\nduration=2.040000\nTAG:timecode=01:02:03:04\n"));
+                   {"tags", QJsonObject{{"timecode", "01:02:03:04"}, {"title", "a note\nindex=9"}}}};
+    QCOMPARE(
+        exporthints::sourceDescription(file),
+        QString(
+            "index=0\ncodec_type=video\ncodec_name=h264\nr_frame_rate=50/1\navg_frame_rate=25/1\n"
+            "start_time=1.400000\nduration=2.000000\nwidth=1920\nheight=1080\nsample_aspect_ratio=1:1\n"
+            "pix_fmt=yuv420p\ncolor_range=tv\ncolor_space=bt709\ncolor_primaries=bt709\n"
+            "field_order=tt\nbit_rate=5000000\nrotation=-90\nDISPOSITION:attached_pic=0\n"
+            "TAG:timecode=10:11:12:13\nTAG:reel_name=A001\n"
+            "index=1\ncodec_type=audio\ncodec_name=pcm_s24le\nchannels=4\nsample_rate=48000\n"
+            "channel_layout=4.0 index=7\n"
+            "[FORMAT]\nstart_time=1.400000\nduration=2.040000\nTAG:timecode=01:02:03:04\nTAG:title=...\n"));
 }
 
 void TestExportHints::nothingIsSaidOfWhatIsNotKnown_data()
@@ -136,14 +183,19 @@ void TestExportHints::nothingIsSaidOfWhatIsNotKnown()
 void TestExportHints::anEarlierHintNeverStays()
 {
     QProcessEnvironment environment;
-    for (const char *variable : {"OSTREL_TIMECODE_CHANNEL", "OSTREL_TIMECODE_RATE", "OSTREL_SOURCE"})
+    for (const char *variable :
+         {"OSTREL_TIMECODE_CHANNEL", "OSTREL_TIMECODE_RATE", "OSTREL_TIMECODE_SAMPLE_RATE", "OSTREL_PICTURE",
+          "OSTREL_SOUND", "OSTREL_BATCH_SIZE", "OSTREL_SOURCE"})
         environment.insert(variable, "old");
     environment.insert("PATH", "/bin");
     exporthints::insertInto(environment, FileData(), muting(true));
-    QCOMPARE(environment.keys(), QStringList{"PATH"});
+    QCOMPARE(environment.keys(), (QStringList{"OSTREL_PICTURE", "OSTREL_SOUND", "PATH"}));
+    QCOMPARE(environment.value("OSTREL_PICTURE"), QString("pass"));
+    QCOMPARE(environment.value("OSTREL_SOUND"), QString("pass"));
 
     const FileData file = withTimecode(mediaFile("/a.mov", {sound("pcm_s16le", 2)}), 1, 0);
-    exporthints::insertInto(environment, file, muting(true));
+    exporthints::insertInto(environment, file, muting(true), 60);
+    QCOMPARE(environment.value("OSTREL_BATCH_SIZE"), QString("60"));
     QCOMPARE(environment.value("OSTREL_TIMECODE_CHANNEL"), QString("1.0"));
     QCOMPARE(environment.value("OSTREL_TIMECODE_RATE"), QString("25/1"));
     QCOMPARE(environment.value("OSTREL_SOURCE"), exporthints::sourceDescription(file));

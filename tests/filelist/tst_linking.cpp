@@ -14,6 +14,7 @@ class TestLinking : public QObject
 private slots:
     void filesOfOneRecordingAreSiblings_data();
     void filesOfOneRecordingAreSiblings();
+    void siblingsLearnTheSampleRateOfWhatTheyTakeOver();
 };
 
 void TestLinking::filesOfOneRecordingAreSiblings_data()
@@ -42,6 +43,23 @@ void TestLinking::filesOfOneRecordingAreSiblings()
     QFETCH(FileData, second);
     QTEST(linking::recordedTogether(first, second), "together");
     QTEST(linking::recordedTogether(second, first), "together");
+}
+
+void TestLinking::siblingsLearnTheSampleRateOfWhatTheyTakeOver()
+{
+    FileData source = file("wav", 10.0);
+    source.audioTCResult = QJsonObject{{"SamplesSinceMidnight", 5}};
+    source.audioStreamIndex = 0;
+    QCOMPARE(linking::passedOnResult(source), source.audioTCResult); // it does not know its own
+
+    source.streams = QJsonArray{QJsonObject{{"sample_rate", "44100"}}};
+    const QJsonObject expected{{"SamplesSinceMidnight", 5}, {"SampleRate", 44100}};
+    QCOMPARE(linking::passedOnResult(source), expected);
+
+    FileData sibling = file("wav", 10.0);
+    sibling.streams = QJsonArray{QJsonObject{{"sample_rate", "48000"}}};
+    sibling.setLinkedAudioTC(0, "00:00:00:00", expected);
+    QCOMPARE(linking::passedOnResult(sibling), expected); // passed on once more
 }
 
 QTEST_APPLESS_MAIN(TestLinking)

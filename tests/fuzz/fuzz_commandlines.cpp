@@ -108,9 +108,10 @@ void adapterCommand(fuzz::Input &input)
             rewriteExtraction(*list, parseProbe(input.rest().toStdString()));
         if (job == Job::Export) {
             const Source source = parseProbe(input.rest().toStdString());
-            checkExport(
-                *list, source,
-                exportOf(planOf(*list, source, channelFromText(channel)), source, FrameRate::fromText(rate)));
+            Hints hints;
+            hints.timecodeChannel = channelFromText(channel);
+            hints.timecodeRate = FrameRate::fromText(rate);
+            checkExport(*list, source, exportOf(planOf(*list, source, hints), source, hints));
         }
     } catch (const Refusal &refusal) {
         require(*refusal.what() != '\0', "a refusal has a reason");

@@ -8,8 +8,12 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
 
+#include <algorithm>
 #include <csignal>
+#include <memory>
+#include <vector>
 
 namespace
 {
@@ -52,10 +56,13 @@ private slots:
     void errorOutputAndExitCodeComeThrough();
     void aToolThatWasKilledIsAFailure();
     void anIncompleteFileIsAFailure();
+    void whatIsLeftOfAFailureIsSetAside_data();
+    void whatIsLeftOfAFailureIsSetAside();
     void whatTheApplicationToldIsNotProbed_data();
     void whatTheApplicationToldIsNotProbed();
     void anUnreadableSourceIsAFailure();
     void aRefusalStartsNoTool();
+    void aLargeBatchWorksByTurns();
     void killingTheAdapterKillsTheTool_data();
     void killingTheAdapterKillsTheTool();
 
@@ -213,6 +220,41 @@ void TestAdapter::anIncompleteFileIsAFailure()
     QVERIFY2(errors.contains("picture ends after 3.00 s, the source's after 5.00 s"), qPrintable(errors));
 }
 
+void TestAdapter::whatIsLeftOfAFailureIsSetAside_data()
+{
+    QTest::addColumn<QByteArray>("ffmpeg");
+    QTest::addColumn<QStringList>("left"); // files in the folder
+    QTest::newRow("the tool fails") << QByteArray("#!/bin/sh\necho half >out.MOV\nexit 1\n")
+                                    << QStringList{"out.MOV.incomplete"};
+    QTest::newRow("the tool is killed")
+        << QByteArray("#!/bin/sh\necho half >out.MOV\nkill -KILL $$\n") << QStringList{"out.MOV.incomplete"};
+    QTest::newRow("the written file is not complete")
+        << QByteArray("#!/bin/sh\necho half >out.MOV\n") << QStringList{"out.MOV.incomplete"};
+    QTest::newRow("nothing was written") << QByteArray("#!/bin/sh\nexit 1\n") << QStringList();
+    QTest::newRow("what is left of an earlier one gives way")
+        << QByteArray("#!/bin/sh\necho old >out.MOV.incomplete\necho half >out.MOV\nexit 1\n")
+        << QStringList{"out.MOV.incomplete"};
+    QTest::newRow("a folder has the name")
+        << QByteArray("#!/bin/sh\nmkdir out.MOV\nexit 1\n") << QStringList{"out.MOV"};
+    QTest::newRow("a folder has the name that it is to get")
+        << QByteArray("#!/bin/sh\nmkdir out.MOV.incomplete\necho half >out.MOV\nexit 1\n")
+        << QStringList{"out.MOV", "out.MOV.incomplete"};
+}
+
+void TestAdapter::whatIsLeftOfAFailureIsSetAside()
+{
+    QFETCH(QByteArray, ffmpeg);
+    QFETCH(QStringList, left);
+    makeTool("ffmpeg", ffmpeg);
+    makeTool("ffprobe", QByteArray(completeFile).replace("codec_type=video", "codec_type=${6#out}"));
+    start(exportList(), {"OSTREL_SOURCE=index=0\ncodec_type=video\navg_frame_rate=25/1\nduration=5.0"});
+    finish();
+    QVERIFY(adapter->exitCode() != 0);
+    QCOMPARE(QDir(folder->path()).entryList({"out*"}, QDir::Files | QDir::Dirs, QDir::Name), left);
+    if (QFileInfo(folder->filePath("out.MOV.incomplete")).isFile())
+        QCOMPARE(contents("out.MOV.incomplete"), QByteArray("half\n"));
+}
+
 void TestAdapter::whatTheApplicationToldIsNotProbed_data()
 {
     QTest::addColumn<QString>("duration"); // [s] of the source
@@ -259,6 +301,33 @@ void TestAdapter::aRefusalStartsNoTool()
     QCOMPARE(errors.count('\n'), 1);
     QVERIFY(errors.contains("no audio stream"));
     QVERIFY(!QFile::exists(folder->filePath("started")));
+}
+
+void TestAdapter::aLargeBatchWorksByTurns()
+{
+    // Each tool leaves a mark while it works and writes down how many it sees.
+    makeTool("ffmpeg", "#!/bin/sh\ntouch mark.$$\nls mark.* | wc -l >>seen\nsleep 0.2\nrm mark.$$\nexit 1\n");
+    constexpr int files = 12;
+    const int together = std::max(4, QThread::idealThreadCount());
+    QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+    variables.insert("PATH", folder->path() + ":/usr/bin:/bin");
+    variables.insert("OSTREL_BATCH_SIZE", QString::number(100 * files));
+    std::vector<std::unique_ptr<QProcess>> batch;
+    for (int i = 0; i < files; ++i) {
+        batch.push_back(std::make_unique<QProcess>());
+        batch.back()->setProcessEnvironment(variables);
+        batch.back()->setWorkingDirectory(folder->path());
+        batch.back()->start(QStandardPaths::findExecutable("ffmpeg.exe"),
+                            {"-y", "-i", "in.mov", "-vcodec", "mpeg2video", QString("out%1.MXF").arg(i)});
+    }
+    for (const auto &process : batch) {
+        QVERIFY(process->waitForFinished());
+        QCOMPARE(process->exitCode(), 1);
+    }
+    const QList<QByteArray> counts = contents("seen").trimmed().split('\n');
+    QCOMPARE(counts.size(), files);
+    for (const QByteArray &count : counts)
+        QVERIFY2(count.trimmed().toInt() <= together, count.constData());
 }
 
 void TestAdapter::killingTheAdapterKillsTheTool_data()

@@ -55,6 +55,10 @@ private slots:
     void soundThatBeginsLateKeepsItsPlace();
     void soundThatEndsEarlyCostsNoFrame_data();
     void soundThatEndsEarlyCostsNoFrame();
+    void aCircleStaysACircle_data();
+    void aCircleStaysACircle();
+    void copiedFieldsKeepTheirOrder_data();
+    void copiedFieldsKeepTheirOrder();
     void killingAnExportLeavesNoProcess_data();
     void killingAnExportLeavesNoProcess();
 
@@ -329,6 +333,96 @@ void TestRealExports::soundThatEndsEarlyCostsNoFrame()
     QVERIFY2(exportFile("short.mov", coded(), "short.MXF") == 0, qPrintable(errors));
     QVERIFY(framesOf("short.mov") >= 50);
     QCOMPARE(framesOf("short.MXF"), framesOf("short.mov"));
+}
+
+void TestRealExports::aCircleStaysACircle_data()
+{
+    QTest::addColumn<QString>("size");
+    QTest::addColumn<QString>("pixelAspect"); // width/height
+    QTest::addColumn<QString>("rotation");    // [degrees]
+    QTest::newRow("16:9") << "640x360"
+                          << "1"
+                          << "0";
+    QTest::newRow("4:3") << "640x480"
+                         << "1"
+                         << "0";
+    QTest::newRow("wider than 16:9") << "1024x540"
+                                     << "1"
+                                     << "0";
+    QTest::newRow("portrait") << "360x640"
+                              << "1"
+                              << "0";
+    QTest::newRow("turned by a tag") << "640x360"
+                                     << "1"
+                                     << "90";
+    QTest::newRow("PAL 4:3") << "720x576"
+                             << "16/15"
+                             << "0";
+    QTest::newRow("PAL 16:9") << "720x576"
+                              << "64/45"
+                              << "0";
+}
+
+void TestRealExports::aCircleStaysACircle()
+{
+    QFETCH(QString, size);
+    QFETCH(QString, pixelAspect);
+    QFETCH(QString, rotation);
+    const QString circle = QString("color=c=black:size=%1:rate=25:duration=0.08,format=gray,"
+                                   "geq=lum='255*lte(hypot((X-W/2)*%2,Y-H/2),80)',setsar=%2")
+                               .arg(size, pixelAspect);
+    QCOMPARE(run("ffmpeg", {"-v", "error", "-y", "-f", "lavfi", "-i", circle, "-c:v", "mpeg2video", "-q:v",
+                            "2", "-pix_fmt", "yuv420p", "upright.mov"}),
+             0);
+    QCOMPARE(run("ffmpeg", {"-v", "error", "-y", "-i", "upright.mov", "-c", "copy", "-metadata:s:v:0",
+                            "rotate=" + rotation, "circle.mov"}),
+             0);
+    const int exported = exportFile("circle.mov", coded(), "circle.MXF");
+    QVERIFY2(exported == 0, qPrintable(errors));
+    QCOMPARE(run("ffmpeg", {"-v", "error", "-i", "circle.MXF", "-frames:v", "1", "-f", "rawvideo", "-pix_fmt",
+                            "gray", "-"}),
+             0);
+    constexpr int width = 1920;
+    constexpr int height = 1080;
+    QCOMPARE(output.size(), width * height);
+    const auto isWhite = [this](int x, int y) {
+        return static_cast<unsigned char>(output.at(y * width + x)) > 128;
+    };
+    int across = 0;
+    for (int x = 0; x < width; ++x)
+        across += isWhite(x, height / 2) ? 1 : 0;
+    int down = 0;
+    for (int y = 0; y < height; ++y)
+        down += isWhite(width / 2, y) ? 1 : 0;
+    QVERIFY(down > 100);
+    QVERIFY2(std::abs(across - down) <= down / 50, qPrintable(QString("%1 x %2").arg(across).arg(down)));
+    run("ffprobe", {"-v", "error", "-select_streams", "v", "-show_entries", "stream=display_aspect_ratio",
+                    "-of", "default=nokey=1:noprint_wrappers=1", "circle.MXF"});
+    QCOMPARE(output.trimmed(), QByteArray("16:9"));
+}
+
+void TestRealExports::copiedFieldsKeepTheirOrder_data()
+{
+    QTest::addColumn<QString>("first"); // field
+    QTest::addColumn<QByteArray>("order");
+    QTest::newRow("top field first") << "tff=1" << QByteArray("tb");
+    QTest::newRow("bottom field first") << "bff=1" << QByteArray("bt");
+}
+
+void TestRealExports::copiedFieldsKeepTheirOrder()
+{
+    QFETCH(QString, first);
+    QFETCH(QByteArray, order);
+    QCOMPARE(run("ffmpeg", {"-v", "error", "-y", "-f", "lavfi", "-i",
+                            "testsrc2=size=720x576:rate=25:duration=0.4", "-c:v", "libx264", "-preset",
+                            "ultrafast", "-x264-params", first, "-flags", "+ildct+ilme", "fields.mov"}),
+             0);
+    QVERIFY2(exportFile("fields.mov", copied(), "fields.MOV.MOV") == 0, qPrintable(errors));
+    QCOMPARE(run("ffmpeg", {"-v", "error", "-i", "fields.MOV.MOV", "-f", "null", "-"}), 0);
+    QCOMPARE(errors, QString());
+    run("ffprobe", {"-v", "error", "-select_streams", "v", "-show_entries", "stream=field_order", "-of",
+                    "default=nokey=1:noprint_wrappers=1", "fields.MOV.MOV"});
+    QCOMPARE(output.trimmed(), order);
 }
 
 void TestRealExports::killingAnExportLeavesNoProcess_data()

@@ -13,6 +13,8 @@ class TestSource : public QObject
 
 private slots:
     void streamsAreRead();
+    void picturesAreRead();
+    void notesOnTheFileAreNamed();
     void anUnknownLayoutIsNone();
     void aStreamThatIsListedTwiceIsReadOnce();
     void claimsOfDamagedFilesAreBounded();
@@ -49,6 +51,46 @@ void TestSource::streamsAreRead()
     QCOMPARE(source.streams[2].layout, std::string("4.0"));
     QVERIFY(!source.streams[2].baseRate.isValid());
     QCOMPARE(source.duration, 2.04);
+}
+
+void TestSource::picturesAreRead()
+{
+    const Source source =
+        parseProbe("[STREAM]\nindex=0\ncodec_type=video\nwidth=1440\nheight=1080\nsample_aspect_ratio=4:3\n"
+                   "pix_fmt=yuv420p\ncolor_range=tv\ncolor_space=bt709\ncolor_primaries=bt470bg\n"
+                   "field_order=bt\nr_frame_rate=50/1\navg_frame_rate=25/1\nbit_rate=25000000\n"
+                   "TAG:reel_name=A001\n[SIDE_DATA]\nrotation=-90\n[/SIDE_DATA]\nduration=2.0\n[/STREAM]\n"
+                   "[STREAM]\nindex=1\nwidth=-5\nheight=1000000\nsample_aspect_ratio=0:1\nrotation=nan\n"
+                   "field_order=unknown\nbit_rate=N/A\n[/STREAM]\n");
+    const Stream &picture = source.streams.at(0);
+    QCOMPARE(picture.width, 1440);
+    QCOMPARE(picture.height, 1080);
+    QVERIFY(std::abs(picture.pixelAspect - 4.0 / 3) < 1e-9);
+    QCOMPARE(picture.rotation, -90);
+    QCOMPARE(picture.duration, 2.0); // what follows the side data belongs to the stream again
+    QCOMPARE(picture.pixelFormat, std::string("yuv420p"));
+    QCOMPARE(picture.colorRange, std::string("tv"));
+    QCOMPARE(picture.colorSpace, std::string("bt709"));
+    QCOMPARE(picture.colorPrimaries, std::string("bt470bg"));
+    QCOMPARE(picture.bitRate, 25'000'000L);
+    QCOMPARE(picture.reel, std::string("A001"));
+    QVERIFY(picture.isInterlaced() && !picture.topFieldFirst());
+    QCOMPARE(picture.frameRate().toText(), std::string("25/1"));
+
+    const Stream &damaged = source.streams.at(1);
+    QCOMPARE(damaged.width, 0);
+    QCOMPARE(damaged.height, 32768);
+    QCOMPARE(damaged.pixelAspect, 1.0);
+    QCOMPARE(damaged.rotation, 0);
+    QVERIFY(!damaged.isInterlaced());
+}
+
+void TestSource::notesOnTheFileAreNamed()
+{
+    const Source source = parseProbe("[STREAM]\nindex=0\nTAG:language=eng\n[/STREAM]\n"
+                                     "[FORMAT]\nTAG:title=a note\nindex=7\nTAG:timecode=01:02:03:04\n");
+    QVERIFY(source.tags == (std::set<std::string>{"timecode", "title"}));
+    QCOMPARE(int(source.streams.size()), 1); // a note of two lines makes no stream
 }
 
 void TestSource::anUnknownLayoutIsNone()

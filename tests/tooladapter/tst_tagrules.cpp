@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+#include "tooladapter/tagrules.h"
+
+#include <QStringList>
+#include <QTest>
+
+using namespace tooladapter;
+
+namespace
+{
+
+QString textOf(const Options &options)
+{
+    QStringList words;
+    for (const Option &option : options)
+        words += QString::fromStdString(option.name + ' ' + option.value);
+    return words.join(' ');
+}
+
+const char dropsTimecode[] = "-map_metadata 0 -metadata:s timecode= -metadata timecode=";
+
+} // namespace
+
+Q_DECLARE_METATYPE(tooladapter::Container)
+
+class TestTagRules : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void notesAreKept_data();
+    void notesAreKept();
+    void theReelIsKept();
+    void aSoundFileKeepsTheListsOwn();
+};
+
+void TestTagRules::notesAreKept_data()
+{
+    QTest::addColumn<Container>("container");
+    QTest::addColumn<QStringList>("tags"); // of the source
+    QTest::addColumn<bool>("hasTimecode"); // a new one
+    QTest::addColumn<bool>("isUnread");
+    QTest::addColumn<QString>("options");
+    const QString drops = dropsTimecode;
+    const QStringList plain{"major_brand", "creation_time", "title", "location", "location-eng", "timecode"};
+    const QStringList keys{"major_brand", "compatible_brands", "com.apple.quicktime.make", "title"};
+    const auto row = [](const char *name, Container container, const QStringList &tags, bool hasTimecode,
+                        const QString &options) {
+        QTest::newRow(name) << container << tags << hasTimecode << false << options;
+    };
+    row("nothing to note", Container::QuickTime, {}, false, "-map_metadata 0");
+    row("what QuickTime holds by itself", Container::QuickTime, plain, false, "-map_metadata 0");
+    row("an old timecode gives way to a new one", Container::QuickTime, plain, true, drops);
+    row("keys", Container::QuickTime, keys, false,
+        "-map_metadata 0 -metadata compatible_brands= -metadata major_brand= -movflags use_metadata_tags");
+    row("keys that hold a timecode", Container::QuickTime, {"com.vendor.camera.TimeCode", "reel"}, true,
+        drops + " -metadata com.vendor.camera.TimeCode= -movflags use_metadata_tags");
+    row("into MXF", Container::Mxf, keys, true, drops);
+    row("an MXF file is not the work of the program that wrote its source", Container::Mxf,
+        {"company_name", "product_name", "product_version", "uid"}, false,
+        "-map_metadata 0 -metadata company_name= -metadata product_name= -metadata product_version=");
+    QTest::newRow("the timecode of a source that is not read yet")
+        << Container::QuickTime << plain << false << true << drops;
+}
+
+void TestTagRules::notesAreKept()
+{
+    QFETCH(Container, container);
+    QFETCH(QStringList, tags);
+    QFETCH(bool, hasTimecode);
+    QFETCH(bool, isUnread);
+    QFETCH(QString, options);
+    ExportPlan plan;
+    plan.container = container;
+    plan.metadata = {{"-map_metadata", "-1"}};
+    if (hasTimecode)
+        plan.timecode = "10:11:12:13";
+    Source source;
+    for (const QString &tag : qAsConst(tags))
+        source.tags.insert(tag.toStdString());
+    Hints hints;
+    hints.isUnread = isUnread;
+    QCOMPARE(textOf(tagOptions(plan, source, 0, hints)), options);
+}
+
+void TestTagRules::theReelIsKept()
+{
+    ExportPlan plan;
+    plan.container = Container::QuickTime;
+    plan.timecode = "10:11:12:13";
+    Source source;
+    source.streams.resize(2);
+    source.streams[1].reel = "A001";
+    QCOMPARE(textOf(tagOptions(plan, source, 0, {})),
+             QString(dropsTimecode) + " -metadata:s:v:0 reel_name=A001");
+    QCOMPARE(textOf(tagOptions(plan, source, -1, {})),
+             QString(dropsTimecode) + " -movflags use_metadata_tags"); // no picture to tell it of
+}
+
+void TestTagRules::aSoundFileKeepsTheListsOwn()
+{
+    ExportPlan plan;
+    plan.container = Container::Wave;
+    plan.metadata = {{"-write_bext", "1"}, {"-metadata", "time_reference=5"}};
+    QVERIFY(tagOptions(plan, {}, -1, {}) == plan.metadata);
+}
+
+QTEST_APPLESS_MAIN(TestTagRules)
+#include "tst_tagrules.moc"

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+#include "tooladapter/tagrules.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <string_view>
+
+using namespace std::string_view_literals;
+
+namespace tooladapter
+{
+namespace
+{
+
+// What the tool makes itself, or would tell of another container.
+constexpr std::array containerTags{"major_brand"sv, "minor_version"sv, "compatible_brands"sv};
+constexpr std::array programTags{"company_name"sv, "product_name"sv, "product_version"sv};
+
+// What QuickTime files hold without keys of their own, and what the tool fills in itself.
+constexpr std::array plainTags{"title"sv,   "artist"sv,        "album"sv,   "comment"sv, "date"sv,
+                               "genre"sv,   "copyright"sv,     "make"sv,    "model"sv,   "location"sv,
+                               "encoder"sv, "creation_time"sv, "timecode"sv};
+
+template <typename Names>
+bool isOneOf(const Names &names, std::string_view name)
+{
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+/// \a key without the language that some carry, "location-eng".
+std::string_view withoutLanguage(std::string_view key)
+{
+    constexpr std::size_t length = 4;
+    return key.size() > length && key[key.size() - length] == '-' ? key.substr(0, key.size() - length) : key;
+}
+
+bool isPlain(const std::string &key)
+{
+    return isOneOf(containerTags, key) || isOneOf(plainTags, withoutLanguage(key));
+}
+
+bool holdsTimecode(std::string key)
+{
+    std::transform(key.begin(), key.end(), key.begin(),
+                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+    return key.find("timecode") != std::string::npos;
+}
+
+Option without(const std::string &key)
+{
+    return {"-metadata", key + '='};
+}
+
+std::string reelOf(const Source &source)
+{
+    const auto found = std::find_if(source.streams.begin(), source.streams.end(),
+                                    [](const Stream &stream) { return !stream.reel.empty(); });
+    return found == source.streams.end() ? std::string() : found->reel;
+}
+
+} // namespace
+
+Options tagOptions(const ExportPlan &plan, const Source &source, int picture, const Hints &hints)
+{
+    if (plan.container != Container::QuickTime && plan.container != Container::Mxf)
+        return plan.metadata;
+
+    const bool isQuickTime = plan.container == Container::QuickTime;
+    const bool hasKeys = isQuickTime && !std::all_of(source.tags.begin(), source.tags.end(), isPlain);
+    Options options{
+        {"-map_metadata", "0"}}; // named, since the tool leaves the time of recording out otherwise
+    if (plan.timecode || hints.isUnread) {
+        options.push_back({"-metadata:s", "timecode="});
+        options.push_back(without("timecode"));
+    }
+    for (const std::string &key : source.tags) {
+        const bool isOld = (plan.timecode || hints.isUnread) && holdsTimecode(key) && key != "timecode";
+        const bool isForeign =
+            hasKeys ? isOneOf(containerTags, key) : !isQuickTime && isOneOf(programTags, key);
+        if (isOld || isForeign)
+            options.push_back(without(key));
+    }
+    const std::string reel = reelOf(source);
+    if (isQuickTime && picture >= 0 && !reel.empty())
+        options.push_back({"-metadata:s:v:0", "reel_name=" + reel});
+    // Keys hold every note; and without a picture there is no timecode track, only a note.
+    if (hasKeys || (isQuickTime && picture < 0 && plan.timecode))
+        options.push_back({"-movflags", "use_metadata_tags"});
+    return options;
+}
+
+} // namespace tooladapter

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tooladapter/exportplan.h"
+#include "tooladapter/hints.h"
+#include "tooladapter/source.h"
+
+namespace tooladapter
+{
+
+/// The options that carry the notes of \a source over: all but those that hold a timecode which the file is
+/// not to have, and those that tell of the source's container. For sound files they are the list's own.
+Options tagOptions(const ExportPlan &plan, const Source &source, int picture, const Hints &hints);
+
+} // namespace tooladapter
