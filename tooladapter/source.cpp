@@ -214,6 +214,8 @@ Source parseProbe(std::string_view text)
         if (line.ends_with("SIDE_DATA]"))
             continue; // it belongs to the stream
         if (equals == std::string_view::npos) {
+            if (!line.starts_with('['))
+                continue; // a note may have several lines
             stream = nullptr;
             inFormat = line == "[FORMAT]";
             continue;

@@ -82,8 +82,9 @@ Options tagOptions(const ExportPlan &plan, const Source &source, int picture, co
             options.push_back(without(key));
     }
     const std::string reel = reelOf(source);
-    if (isQuickTime && picture >= 0 && !reel.empty())
-        options.push_back({"-metadata:s:v:0", "reel_name=" + reel});
+    // QuickTime files hold it with the timecode track, MXF files as a package of their own.
+    if (picture >= 0 && !reel.empty())
+        options.push_back({isQuickTime ? "-metadata:s:v:0" : "-metadata", "reel_name=" + reel});
     // Keys hold every note; and without a picture there is no timecode track, only a note.
     if (hasKeys || (isQuickTime && picture < 0 && plan.timecode))
         options.push_back({"-movflags", "use_metadata_tags"});

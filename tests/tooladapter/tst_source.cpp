@@ -15,6 +15,7 @@ private slots:
     void streamsAreRead();
     void picturesAreRead();
     void notesOnTheFileAreNamed();
+    void aNoteOfSeveralLinesHidesNothing();
     void anUnknownLayoutIsNone();
     void aStreamThatIsListedTwiceIsReadOnce();
     void claimsOfDamagedFilesAreBounded();
@@ -91,6 +92,14 @@ void TestSource::notesOnTheFileAreNamed()
                                      "[FORMAT]\nTAG:title=a note\nindex=7\nTAG:timecode=01:02:03:04\n");
     QVERIFY(source.tags == (std::set<std::string>{"timecode", "title"}));
     QCOMPARE(int(source.streams.size()), 1); // a note of two lines makes no stream
+}
+
+void TestSource::aNoteOfSeveralLinesHidesNothing()
+{
+    const Source source =
+        parseProbe("[FORMAT]\nTAG:comment=scene 12\ntake 3\n\nduration=2.0\nTAG:title=12A\n[/FORMAT]\n");
+    QCOMPARE(source.duration, 2.0);
+    QVERIFY(source.tags == (std::set<std::string>{"comment", "title"}));
 }
 
 void TestSource::anUnknownLayoutIsNone()

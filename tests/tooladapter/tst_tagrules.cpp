@@ -95,6 +95,8 @@ void TestTagRules::theReelIsKept()
              QString(dropsTimecode) + " -metadata:s:v:0 reel_name=A001");
     QCOMPARE(textOf(tagOptions(plan, source, -1, {})),
              QString(dropsTimecode) + " -movflags use_metadata_tags"); // no picture to tell it of
+    plan.container = Container::Mxf;
+    QCOMPARE(textOf(tagOptions(plan, source, 0, {})), QString(dropsTimecode) + " -metadata reel_name=A001");
 }
 
 void TestTagRules::aSoundFileKeepsTheListsOwn()
