@@ -17,15 +17,25 @@ namespace exportmatrix
 namespace
 {
 
-Outcome outcomeOfRefusal(const ToolRun &run, const Expectation &expected)
+Outcome wrong(const QString &text)
+{
+    return {Outcome::Kind::Wrong, text, Target::CopiedMov, {}};
+}
+
+/// \a path is the file that was to be written.
+Outcome outcomeOfRefusal(const ToolRun &run, const Expectation &expected, const QString &path)
 {
     QString line = QString::fromUtf8(run.errors).trimmed();
     line = line.mid(line.lastIndexOf('\n') + 1);
     if (expected.refusal.isEmpty())
-        return {Outcome::Kind::Wrong, QString("ended with %1: %2").arg(run.exitCode).arg(line)};
+        return wrong(QString("ended with %1: %2").arg(run.exitCode).arg(line));
     if (!line.contains(expected.refusal))
-        return {Outcome::Kind::Wrong, "refused for another reason: " + line};
-    return {Outcome::Kind::Refused, line};
+        return wrong("refused for another reason: " + line);
+    if (QFileInfo::exists(path))
+        return wrong("left a file under its final name after: " + line);
+    if (expected.leavesHalf && !QFileInfo::exists(path + ".incomplete"))
+        return wrong("left no half file after: " + line);
+    return {Outcome::Kind::Refused, line, expected.target, {}};
 }
 
 } // namespace
@@ -40,7 +50,11 @@ QVector<ExportOptions> optionsFor(const SourceFile &source, bool coreOnly)
                 // Sound files come out the same whatever the picture is to be.
                 if (isSound && videoType > 0)
                     continue;
-                const bool isCoded = (videoType == 1 || videoType == 8) && audioType == 2 && mute;
+                if (source.isOneSoundEach && audioType != (mute ? 2 : 0))
+                    continue;
+                const bool hasFields = source.shape.fields != Fields::Progressive;
+                const bool isMpeg2Tried = videoType == 1 && (!source.isOfDay || hasFields);
+                const bool isCoded = (isMpeg2Tried || videoType == 8) && audioType == 2 && mute;
                 const bool isCopied = videoType == 5 && (mute ? audioType != 1 : audioType == 0);
                 const bool isCore = isSound || isCoded || isCopied;
                 if (coreOnly && (!source.isCore || !isCore))
@@ -80,13 +94,14 @@ Outcome runExport(const MadeFile &source, const ExportOptions &options,
     const ToolRun run = runTool(tool, command.arguments, toolEnvironment);
     const Expectation expected = expectationOf(source, written);
     if (!run.ended)
-        return {Outcome::Kind::Wrong, "did not end by itself"};
+        return wrong("did not end by itself");
     if (run.exitCode != 0)
-        return outcomeOfRefusal(run, expected);
+        return outcomeOfRefusal(run, expected, command.outputPath);
     if (!expected.refusal.isEmpty())
-        return {Outcome::Kind::Wrong, "should have been refused: " + expected.refusal};
-    const QStringList faults = faultsOf(command.outputPath, expected, source);
-    return {faults.isEmpty() ? Outcome::Kind::Right : Outcome::Kind::Wrong, faults.join("; ")};
+        return wrong("should have been refused: " + expected.refusal);
+    const Judgement judgement = judge(command.outputPath, expected, source);
+    return {judgement.faults.isEmpty() ? Outcome::Kind::Right : Outcome::Kind::Wrong,
+            judgement.faults.join("; "), expected.target, judgement.findings};
 }
 
 } // namespace exportmatrix

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/exportoptions.h"
+#include "tests/export-matrix/keeping.h"
 #include "tests/export-matrix/sourcefile.h"
 
 #include <QProcessEnvironment>
@@ -16,6 +17,8 @@ struct Outcome {
     enum class Kind { Right, Refused, Wrong };
     Kind kind = Kind::Wrong;
     QString text; ///< what is wrong, or the line that the refusal gave
+    Target target = Target::CopiedMov;
+    QVector<Finding> findings; ///< what became of each thing that the source holds
 };
 
 /// The export options to try on \a source: all, or for a core run a choice.

@@ -3,7 +3,12 @@
 
 #include "app/filedata.h"
 #include "demo/mediakit/recording.h"
+#include "tests/export-matrix/filefacts.h"
+#include "tests/export-matrix/pictureshape.h"
+#include "tests/export-matrix/wavechunks.h"
 
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -21,8 +26,18 @@ struct SourceFile {
     QVector<QStringList> trackArguments; ///< codec of each stream, "%1" stands for its number
     QStringList fileArguments;           ///< of the file as a whole
     int sampleRate = 48000;              ///< [samples/s]
+    PictureShape shape;                  ///< of the test card; without one another picture is made
+    QStringList chapters;                ///< titles, evenly spread
+    QVector<wavechunks::Chunk> chunks;   ///< of a sound file
     bool hasCover = false;               ///< a still image comes as a second picture stream
-    bool isCore = false;                 ///< one of those that each test run exports
+    bool hasDataTrack = false;           ///< of a sensor, in MP4 files
+    bool hasWaveringRate = false;        ///< frames come early and late, as from telephones
+    bool isCutOff = false;               ///< ends before what its header promises
+    bool isRead = true;                  ///< the application has probed it and read its timecode
+    bool isOneSoundEach = false; ///< exported with one type of sound each, with and without its timecode
+    bool isOfDay = false;        ///< one of a large day's files
+    bool isShape = false;        ///< of a day's files, one of a kind that the others repeat
+    bool isCore = false;         ///< one of those that each test run exports
 };
 
 constexpr double sourceDuration = 0.4; // [s] ten frames at 25: coding the pictures takes most of the time
@@ -37,8 +52,27 @@ using Samples = std::vector<float>;
 struct MadeFile {
     SourceFile source;
     QVector<std::vector<Samples>> samples; ///< of all channels, one list for each audio stream
-    FileData record;                       ///< what the application knows once the timecode was read
+    FileData record;                       ///< what the application knows when it exports
+    QJsonObject probe;                     ///< streams, chapters and format, by the probe tool
+    Facts facts;                           ///< beside pictures and samples
+
+    /// The probe's audio stream number \a track.
+    QJsonObject audioStream(int track) const;
+
+    /// Its moving picture; empty where there is none.
+    QJsonObject picture() const;
 };
+
+/// What the probe tool says of the file at \a path.
+QJsonObject probeOf(const QString &path);
+
+/// The facts of the file at \a path, whose probe is \a probe. Its audio streams are those of the source that
+/// \a audioNumbers names, the channels of a sound file those that \a channels names.
+Facts factsOfFile(const QString &path, const QJsonObject &probe, const QVector<int> &audioNumbers,
+                  const QVector<int> &channels);
+
+/// What mediainfo says of the tracks of the file at \a path.
+QJsonArray mediainfoOf(const QString &path);
 
 /// Makes \a source below \a folder. Throws std::runtime_error when that fails.
 MadeFile makeSource(const SourceFile &source, const QString &folder);

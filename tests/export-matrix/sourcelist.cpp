@@ -1,87 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "tests/export-matrix/sourcelist.h"
 
+#include "tests/export-matrix/dayfiles.h"
+#include "tests/export-matrix/sourceparts.h"
+
 namespace exportmatrix
 {
 namespace
 {
 
-using mediakit::Track;
-using testsignals::LtcRate;
-
-QStringList h264()
-{
-    return {"-c:v:0", "libx264", "-preset", "ultrafast", "-bf", "0", "-pix_fmt", "yuv420p"};
-}
-
-QStringList mpeg2()
-{
-    return {"-c:v:0", "mpeg2video", "-b:v", "4M", "-bf", "0", "-pix_fmt", "yuv420p"};
-}
-
-constexpr LtcRate at25{25, false, false};
-constexpr LtcRate at24{24, false, false};
-constexpr LtcRate at23976{24, true, false};
-constexpr LtcRate at2997{30, true, false};
-constexpr LtcRate at2997Drop{30, true, true};
-constexpr LtcRate at30{30, false, false};
-
-/// \a count channels; number \a timecode (from 0, -1 = none) carries timecode, every other one a tone of its
-/// own, the first of them number \a firstTone of the tones.
-Track channels(int count, int timecode, LtcRate rate = at25, int firstTone = 0)
-{
-    Track track;
-    for (int i = 0; i < count; ++i) {
-        if (i == timecode)
-            track += mediakit::timecodeChannel({10, 11, 12, 13}, rate);
-        else
-            track += mediakit::toneChannel(400.0 + 150.0 * (firstTone + i));
-    }
-    return track;
-}
-
-/// \a count streams of one channel; number \a timecode carries timecode.
-QVector<Track> single(int count, int timecode, LtcRate rate = at25)
-{
-    QVector<Track> tracks;
-    for (int i = 0; i < count; ++i)
-        tracks += channels(1, i == timecode ? 0 : -1, rate, i);
-    return tracks;
-}
-
-QStringList coded(const QString &codec)
-{
-    return {"-c:a:%1", codec};
-}
-
-/// PCM without a channel layout, as recorders write it.
-QStringList withoutLayout(const QString &codec, int count)
-{
-    QString filter = QString("pan=%1C").arg(count);
-    for (int i = 0; i < count; ++i)
-        filter += QString("|c%1=c%1").arg(i);
-    return {"-c:a:%1", codec, "-filter:a:%1", filter};
-}
-
-SourceFile movie(const QString &name, const QString &rate, const QVector<Track> &tracks,
-                 const QStringList &audio, bool isCore = false)
-{
-    SourceFile source;
-    source.name = name;
-    source.pictureRate = rate;
-    source.pictureArguments = name.endsWith(".MXF") ? mpeg2() : h264();
-    source.tracks = tracks;
-    source.trackArguments.fill(audio, tracks.size());
-    source.isCore = isCore;
-    return source;
-}
-
-SourceFile sound(const QString &name, const Track &track, const QStringList &audio, bool isCore = false)
-{
-    SourceFile source = movie(name, {}, {track}, audio, isCore);
-    source.fileArguments = QStringList{"-write_bext", "1"};
-    return source;
-}
+using namespace sourceparts;
 
 QVector<SourceFile> quickTimeSources()
 {
@@ -173,7 +101,13 @@ QVector<SourceFile> soundSources()
 
 QVector<SourceFile> allSources()
 {
-    return quickTimeSources() + otherCameraSources() + soundSources();
+    QVector<SourceFile> sources = quickTimeSources() + otherCameraSources() + soundSources();
+    const QVector<SourceFile> day = dayFiles();
+    for (const SourceFile &file : day) {
+        if (file.isShape)
+            sources += file;
+    }
+    return sources;
 }
 
 } // namespace exportmatrix
