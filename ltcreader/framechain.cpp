@@ -360,7 +360,7 @@ Doubt doubtAboutLabels(const std::vector<Frame> &frames)
     }
     if (unreal > 1 && 2 * unreal > clear)
         return Doubt::Unreal;
-    if (pairs < tellingPairs || 2 * up > pairs)
+    if (pairs < tellingPairs || 4 * up > 3 * pairs)
         return Doubt::None;
     if (10 * still > 9 * pairs)
         return Doubt::Frozen;

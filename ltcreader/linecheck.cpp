@@ -100,6 +100,19 @@ Strength strengthOf(const FrameGrid &grid, int from, int to, bool steady)
     return {std::min(mostAmplitude, found / (halves * rms)), rms};
 }
 
+/// The strength at frame \a frame: that of both sides together, or of the weaker one where timecode begins or
+/// ends.
+Strength strengthAt(const FrameGrid &grid, int frame, bool steady)
+{
+    const Strength before = strengthOf(grid, frame - neighbours, frame + 1, steady);
+    const Strength behind = strengthOf(grid, frame, frame + neighbours + 1, steady);
+    if (before.amplitude < absent * behind.amplitude && frame > 0)
+        return before;
+    if (behind.amplitude < absent * before.amplitude)
+        return behind;
+    return strengthOf(grid, frame - neighbours, frame + neighbours + 1, steady);
+}
+
 bool isSteady(const FrameGrid &grid)
 {
     return strengthOf(grid, 0, grid.frames, true).amplitude >
@@ -125,7 +138,7 @@ Evidence evidenceOf(const FrameGrid &grid, const std::vector<float> &levels, dou
     Evidence evidence(static_cast<std::size_t>(grid.frames));
     for (int frame = 0; frame < grid.frames; ++frame) {
         const auto index = static_cast<std::size_t>(frame);
-        const Strength strength = strengthOf(grid, frame - neighbours, frame + neighbours + 1, steady);
+        const Strength strength = strengthAt(grid, frame, steady);
         const double scale = trust * strength.amplitude / noiseBeside(strength.amplitude) / strength.rms;
         for (std::size_t part = 0; part < partCount; ++part) {
             const double polarity = polarityOf(grid, polarities, levels, frame, part);
@@ -320,11 +333,19 @@ Doubt LineCheck::doubt(double motion) const
         if (part != FlagPart || rate.base == 30)
             lines.push_back(otherValues(part));
     }
-    for (const Rivals &rivals : lines) {
-        if (bestWhole(rivals) > contradiction)
-            return Doubt::TooNoisy;
-    }
     const Rivals motions = otherMotions();
+    double best = contradiction;
+    Doubt doubt = Doubt::None;
+    for (const Rivals &rivals : lines) {
+        if (bestWhole(rivals) > best) {
+            best = bestWhole(rivals);
+            doubt = Doubt::TooNoisy;
+        }
+    }
+    if (bestWhole(motions) > best)
+        return motions.doubt;
+    if (doubt != Doubt::None)
+        return doubt;
     if (labels.size() > 1 && bestWhole(motions) > motion)
         return motions.doubt;
     for (const bool backwards : {false, true}) {

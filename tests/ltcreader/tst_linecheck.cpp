@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+#include "ltcreader/linecheck.h"
+#include "tests/ltcreader/timecodegrid.h"
+
+#include <QTest>
+
+#include <algorithm>
+
+using namespace ltcreader;
+
+Q_DECLARE_METATYPE(ltcreader::Timecode)
+Q_DECLARE_METATYPE(ltcreader::FrameGrid)
+
+class TestLineCheck : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aLineThatRunsThroughIsNotDoubted_data();
+    void aLineThatRunsThroughIsNotDoubted();
+    void otherLabelsAreSeen_data();
+    void otherLabelsAreSeen();
+    void framesWithoutTimecodeSayNothing();
+};
+
+namespace
+{
+
+constexpr FrameRate pal{25, false, false};
+constexpr Timecode start{10, 20, 30, 12};
+constexpr int frames = 75;
+
+FrameBits noUserBits(int)
+{
+    return 0;
+}
+
+FrameGrid gridFrom(const Timecode &label)
+{
+    return gridOfTimecode(label, pal, frames, noUserBits);
+}
+
+/// \a grid, of which frames from \a from on are those of \a other.
+FrameGrid spliced(FrameGrid grid, const FrameGrid &other, int from)
+{
+    const auto place = static_cast<std::ptrdiff_t>(from) * halvesPerFrame;
+    std::copy(other.halves.begin() + place, other.halves.end(), grid.halves.begin() + place);
+    measureSyncs(grid);
+    return grid;
+}
+
+/// Frame number \a first of \a grid in all frames.
+FrameGrid frozen(FrameGrid grid)
+{
+    for (int frame = 1; frame < frames; ++frame)
+        std::copy_n(grid.halves.begin(), halvesPerFrame,
+                    grid.halves.begin() + std::ptrdiff_t{frame} * halvesPerFrame);
+    measureSyncs(grid);
+    return grid;
+}
+
+Doubt doubtAbout(FrameGrid grid, double noise, const Timecode &label = start)
+{
+    addNoise(grid, noise);
+    measureSyncs(grid);
+    return doubtAboutLine({pal, frameCount(label, pal)}, grid, {}, 1.0);
+}
+
+} // namespace
+
+void TestLineCheck::aLineThatRunsThroughIsNotDoubted_data()
+{
+    QTest::addColumn<double>("noise"); // of a half bit, whose timecode is 1
+    QTest::newRow("clean") << 0.0;
+    QTest::newRow("as strong as the timecode") << 1.0;
+    QTest::newRow("twice as strong") << 2.0;
+}
+
+void TestLineCheck::aLineThatRunsThroughIsNotDoubted()
+{
+    QFETCH(double, noise);
+    QCOMPARE(static_cast<int>(doubtAbout(gridFrom(start), noise)), static_cast<int>(Doubt::None));
+}
+
+void TestLineCheck::otherLabelsAreSeen_data()
+{
+    QTest::addColumn<FrameGrid>("grid");
+    QTest::addColumn<int>("doubt");
+    const FrameGrid line = gridFrom(start);
+    const auto row = [](const char *name, const FrameGrid &grid, Doubt doubt) {
+        QTest::newRow(name) << grid << static_cast<int>(doubt);
+    };
+    row("another minute", gridFrom({10, 21, 30, 12}), Doubt::TooNoisy);
+    row("another second", gridFrom({10, 20, 31, 12}), Doubt::TooNoisy);
+    row("one frame on", gridFrom({10, 20, 30, 13}), Doubt::TooNoisy);
+    row("frozen", frozen(line), Doubt::Frozen);
+    row("a jump after ten frames", spliced(gridFrom({4, 5, 6, 7}), line, 10), Doubt::Jump);
+    row("a jump by an hour", spliced(gridFrom({11, 20, 30, 12}), line, 20), Doubt::Jump);
+    row("a jump by a frame", spliced(gridFrom({10, 20, 30, 11}), line, 20), Doubt::Jump);
+    row("a jump near the end", spliced(line, gridFrom({4, 5, 6, 7}), 65), Doubt::Jump);
+}
+
+void TestLineCheck::otherLabelsAreSeen()
+{
+    QFETCH(FrameGrid, grid);
+    QFETCH(int, doubt);
+    QCOMPARE(static_cast<int>(doubtAbout(grid, 0.0)), doubt);
+    QVERIFY(doubtAbout(grid, 1.0) != Doubt::None);
+}
+
+void TestLineCheck::framesWithoutTimecodeSayNothing()
+{
+    FrameGrid grid = gridFrom(start);
+    std::fill_n(grid.halves.begin(), 20 * halvesPerFrame, 0.0F);
+    measureSyncs(grid);
+    QCOMPARE(static_cast<int>(doubtAbout(grid, 0.3)), static_cast<int>(Doubt::None));
+}
+
+QTEST_APPLESS_MAIN(TestLineCheck)
+#include "tst_linecheck.moc"
