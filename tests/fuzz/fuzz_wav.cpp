@@ -77,10 +77,20 @@ void checkReading(const Reading &reading, const SampleSource &file, const Settin
 void checkAnswer(const Reading &reading)
 {
     const QByteArray answer = QByteArray::fromStdString(toJson(reading));
-    const QJsonObject json = QJsonDocument::fromJson(answer).object();
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(answer, &error);
+    require(error.error == QJsonParseError::NoError && document.isObject(), "the answer is one JSON object",
+            answer);
+    const QJsonObject json = document.object();
     for (const char *key : {"Timecode", "DropFrame", "NTSC", "FrameRateFound", "FrameRateBaseFound",
                             "ChannelFound", "SamplesSinceMidnight"})
         require(json.contains(QLatin1String(key)), "the answer has all keys", answer);
+    for (const char *key :
+         {"Confidence", "MeasuredFrameRate", "FrameRateErrorPpm", "LevelDbfs", "FramePhase"})
+        require(json[QLatin1String(key)].isDouble() && std::isfinite(json[QLatin1String(key)].toDouble()),
+                "the answer's numbers are finite", answer);
+    const double speed = json["MeasuredFrameRate"].toDouble() / json["FrameRateBaseFound"].toInt();
+    require(std::abs(speed - 1.0) < 0.15, "the measured rate is near the claimed one", answer);
     require(json["SamplesSinceMidnight"].toDouble() == static_cast<double>(reading.samplesSinceMidnight),
             "numbers survive", answer);
 }
