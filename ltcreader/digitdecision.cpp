@@ -273,9 +273,9 @@ std::optional<JointDecision> decideByDigits(const FrameGrid &grid, double measur
     const double unexplained = noiseBeside(decision->amplitude);
     const double repeated = repeatedError(grid, decision->levels);
     decision->errorRepeats = repeated > unexplained;
-    decision->trust = unexplained / std::max(unexplained, repeated);
     // Fits are log-likelihoods already; errors that repeat make them worth less.
-    decision->margin = marginOf(best, hypotheses, grid.frames / 2, decision->trust, evaluateAgain);
+    const double worth = unexplained / std::max(unexplained, repeated);
+    decision->margin = marginOf(best, hypotheses, grid.frames / 2, worth, evaluateAgain);
     return decision;
 }
 

@@ -158,7 +158,6 @@ std::optional<JointDecision> decideTimecode(const FrameGrid &grid, double measur
     const double unexplained = noiseBeside(decision->amplitude);
     const double repeated = repeatedError(grid, decision->levels);
     decision->errorRepeats = repeated > unexplained;
-    decision->trust = unexplained / std::max(unexplained, repeated);
     // From fit to log-likelihood, with the greater of both kinds of noise.
     const double perFit = std::min(1.0, decision->amplitude) / std::max(unexplained, repeated);
     decision->margin = marginOf(best, hypotheses, grid.frames / 2, perFit, evaluateAgain);

@@ -21,7 +21,6 @@ struct JointDecision {
     double significance = 0.0;  ///< fit in standard deviations of what one fixed guess has in noise
     double amplitude = 0.0;     ///< of the timecode in half bits of mean square 1, 0 to 1
     double syncAmplitude = 0.0; ///< the same, from the sync words alone
-    double trust = 1.0;         ///< what log-likelihoods are worth where errors repeat, 0 to 1
     bool steadyBits = false;    ///< all bits were decided; else only digits were
     bool errorRepeats = false;  ///< most of what is not explained is the same in every frame
     std::vector<float> levels;  ///< of all half bits of the grid, 1 or -1 (0 where not known), as decided

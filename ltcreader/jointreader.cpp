@@ -110,8 +110,7 @@ Doubt doubtAbout(const Decided &best, const std::vector<Decided> &all)
     if (isPrecededByAnother(candidate.grid, *candidate.sound, candidate.clock))
         return Doubt::Jump;
     return doubtAboutLine({best.decision.rate, best.decision.count}, candidate.grid,
-                          best.decision.steadyBits ? best.decision.levels : std::vector<float>(),
-                          best.decision.trust);
+                          best.decision.steadyBits ? best.decision.levels : std::vector<float>());
 }
 
 /// RMS of the square wave in \a samples: the mean of its half bits, each with the sign that was decided for.

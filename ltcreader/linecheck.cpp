@@ -131,7 +131,7 @@ double polarityOf(const FrameGrid &grid, const Polarities &polarities, const std
     return polarityTrust * static_cast<double>(levels[static_cast<std::size_t>(place)]);
 }
 
-Evidence evidenceOf(const FrameGrid &grid, const std::vector<float> &levels, double trust)
+Evidence evidenceOf(const FrameGrid &grid, const std::vector<float> &levels)
 {
     const Polarities polarities = findPolarities(grid);
     const bool steady = isSteady(grid);
@@ -139,7 +139,7 @@ Evidence evidenceOf(const FrameGrid &grid, const std::vector<float> &levels, dou
     for (int frame = 0; frame < grid.frames; ++frame) {
         const auto index = static_cast<std::size_t>(frame);
         const Strength strength = strengthAt(grid, frame, steady);
-        const double scale = trust * strength.amplitude / noiseBeside(strength.amplitude) / strength.rms;
+        const double scale = strength.amplitude / noiseBeside(strength.amplitude) / strength.rms;
         for (std::size_t part = 0; part < partCount; ++part) {
             const double polarity = polarityOf(grid, polarities, levels, frame, part);
             for (int value = 0; value < 1 << parts[part].width; ++value) {
@@ -165,8 +165,8 @@ struct Rivals {
 class LineCheck
 {
 public:
-    LineCheck(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels, double trust)
-        : evidence(evidenceOf(grid, levels, trust)), rate(line.rate)
+    LineCheck(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels)
+        : evidence(evidenceOf(grid, levels)), rate(line.rate)
     {
         for (int frame = 0; frame < grid.frames; ++frame)
             labels.push_back(valuesOf(labelAt(line.count + frame, line.rate), line.rate.dropFrame));
@@ -445,11 +445,9 @@ bool isMaskedBefore(const FrameGrid &grid, const std::vector<float> &samples, do
                hiding * levelBetween(samples, before, static_cast<double>(samples.size()));
 }
 
-Doubt doubtAboutLine(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels,
-                     double trust)
+Doubt doubtAboutLine(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels)
 {
-    // Errors that repeat repeat in all parts of the recording: between parts they weigh less.
-    return LineCheck(line, grid, levels, std::sqrt(trust)).doubt(otherMotion);
+    return LineCheck(line, grid, levels).doubt(otherMotion);
 }
 
 Doubt doubtAboutChain(const FrameChain &chain, const std::vector<float> &samples, int sampleRate)
@@ -474,7 +472,7 @@ Doubt doubtAboutChain(const FrameChain &chain, const std::vector<float> &samples
         return Doubt::Jump;
     if (isMaskedBefore(grid, part, chain.frameLength))
         return Doubt::TooNoisy;
-    return LineCheck(line, grid, {}, 1.0).doubt(contradiction); // that its labels count up was read
+    return LineCheck(line, grid, {}).doubt(contradiction); // that its labels count up was read
 }
 
 } // namespace ltcreader

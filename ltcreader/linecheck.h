@@ -21,10 +21,8 @@ struct LabelLine {
 
 /// What the frames of \a grid, each looked at by itself, say against \a line: that another line runs through
 /// all of the recording or a part of it, or that labels do not count up there. \a levels are those of all
-/// half bits as they were decided, empty where only digits and sync words were. \a trust, 0 to 1, is what
-/// log-likelihoods are worth where errors repeat.
-Doubt doubtAboutLine(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels,
-                     double trust);
+/// half bits as they were decided, empty where only digits and sync words were.
+Doubt doubtAboutLine(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels);
 
 /// Whether timecode lies before that of \a grid whose frames begin at other places. \a clock is that by which
 /// \a grid was cut out of \a sound.

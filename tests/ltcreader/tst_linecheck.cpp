@@ -63,7 +63,7 @@ Doubt doubtAbout(FrameGrid grid, double noise, const Timecode &label = start)
 {
     addNoise(grid, noise);
     measureSyncs(grid);
-    return doubtAboutLine({pal, frameCount(label, pal)}, grid, {}, 1.0);
+    return doubtAboutLine({pal, frameCount(label, pal)}, grid, {});
 }
 
 } // namespace
