@@ -71,7 +71,8 @@ long lossyBitRate(const Stream &stream, const AudioTrack &track)
     constexpr std::array<long, 19> ac3Rates{32'000,  40'000,  48'000,  56'000,  64'000,  80'000,  96'000,
                                             112'000, 128'000, 160'000, 192'000, 224'000, 256'000, 320'000,
                                             384'000, 448'000, 512'000, 576'000, 640'000};
-    const auto kept = static_cast<long>(track.channels.empty() ? stream.channels : track.channels.size());
+    const auto kept =
+        track.channels.empty() ? long{stream.channels} : static_cast<long>(track.channels.size());
     const long own = stream.bitRate > 0 && stream.channels > 0
                          ? (stream.bitRate + stream.channels - 1) / stream.channels
                          : otherwise;
