@@ -30,7 +30,7 @@ namespace
 constexpr double contradiction = 3.0;  // for another label in the whole recording
 constexpr double otherMotion = -5.0;   // for labels that do not count up, which are rare
 constexpr double otherStretch = 10.0;  // for one digit that differs at the beginning or the end
-constexpr double otherLine = 6.0;      // for any other line there, averaged over all lines
+constexpr double otherLine = 7.0;      // for any other line there, averaged over all lines
 constexpr double otherPhase = 5.5;     // [standard deviations] of sync words that lie elsewhere
 constexpr int leastStretch = 2;        // [frames] a shorter line is not looked for
 constexpr int neighbours = 2;          // to each side, whose sync words give a frame's amplitude
