@@ -193,10 +193,14 @@ JointOutcome readJointly(const std::vector<float> &samples, int sampleRate,
         if (outcome.doubt == Doubt::TooNoisy && decideOn == decideTimecode)
             continue;
         outcome.likeliest = readingOf(*best, samples, sampleRate, wanted);
-        if (outcome.likeliest && outcome.doubt == Doubt::None &&
+        if (!outcome.likeliest) {
+            outcome.doubt = Doubt::NoTimecode; // of the rate that is asked for
+            break;
+        }
+        if (outcome.doubt == Doubt::None &&
             isMaskedBefore(best->candidate->grid, samples, outcome.likeliest->frameLength))
             outcome.doubt = Doubt::TooNoisy;
-        if (outcome.likeliest && outcome.doubt == Doubt::None) {
+        if (outcome.doubt == Doubt::None) {
             outcome.doubt = doubtAboutSpeed(outcome.likeliest->rate, best->decision.seconds,
                                             outcome.likeliest->frameLength,
                                             outcome.likeliest->lengthDeviation, sampleRate, wanted);

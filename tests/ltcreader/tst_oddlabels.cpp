@@ -71,6 +71,7 @@ private slots:
     void aRunningPartBehindAPauseIsNotExtrapolatedThroughIt();
     void shortRecordingsGiveFiniteNumbers();
     void theRateClassIsOnlyAnsweredWhenItIsProven();
+    void aChannelOfAnotherRateDoesNotHideTheOneAskedFor();
 };
 
 namespace
@@ -259,6 +260,24 @@ void TestOddLabels::theRateClassIsOnlyAnsweredWhenItIsProven()
         });
     }();
     QCOMPARE(static_cast<int>(outcomeOf(flagged).doubt), static_cast<int>(Doubt::FalseFlag));
+}
+
+void TestOddLabels::aChannelOfAnotherRateDoesNotHideTheOneAskedFor()
+{
+    const LabelAt ordinary = [](std::int64_t index, LtcRate rate) { return counting(start, index, rate); };
+    const std::vector<float> whole = recording(ordinary, {30, false, false}, 3.0, -6.0);
+    const std::vector<float> wanted = recording(ordinary, ntsc, 3.0, -6.0, 2);
+    std::vector<float> interleaved;
+    for (std::size_t i = 0; i < std::min(whole.size(), wanted.size()); ++i) {
+        interleaved.push_back(whole[i]);
+        interleaved.push_back(wanted[i]);
+    }
+    MemorySource source(interleaved, 2, 48000);
+    Settings settings;
+    settings.frameRate = 29.97;
+    const auto reading = readTimecode(source, settings);
+    QVERIFY(reading);
+    QCOMPARE(reading->channel, 1);
 }
 
 QTEST_APPLESS_MAIN(TestOddLabels)
