@@ -31,7 +31,7 @@ if(OSTREL_PRECOMPILE)
     # g++ 12 warns falsely of string operations of the standard library where its headers are precompiled.
     target_compile_options(ostrel_flags INTERFACE
         $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds> $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
-        $<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overread>)
+        $<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overread> $<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overflow>)
 endif()
 if(OSTREL_SANITIZE)
     target_compile_options(ostrel_flags INTERFACE
