@@ -16,6 +16,13 @@ Algorithm firstTried(Algorithm algorithm)
     return algorithm == Algorithm::Automatic ? Algorithm::Mid : algorithm;
 }
 
+/// Whether \a doubt says that frames carry something else, not that they are hard to read.
+bool isOfLabels(Doubt doubt)
+{
+    return doubt != Doubt::None && doubt != Doubt::NoTimecode && doubt != Doubt::TooNoisy &&
+           doubt != Doubt::RateClass;
+}
+
 } // namespace
 
 ChannelReader::ChannelReader(const Window &window, int channel, Algorithm algorithm,
@@ -79,13 +86,20 @@ ChannelOutcome ChannelReader::outcomeOf(const Track &track) const
     return {toFinding(*track.chain, track.algorithm, channel, window), doubtAbout(track)};
 }
 
+bool ChannelReader::covers(const FrameChain &chain) const
+{
+    constexpr double latestEnd = 2.0; // [frames] more than that behind a row could carry other labels
+    return beginsWithRecording(chain) &&
+           chain.last > static_cast<double>(window.size()) - latestEnd * chain.frameLength;
+}
+
 ChannelOutcome ChannelReader::readThoroughly() const
 {
     const std::vector<Track> all = tracks();
     const auto longest = std::max_element(all.begin(), all.end(), [](const Track &a, const Track &b) {
         return (a.chain ? a.chain->frames : 0) < (b.chain ? b.chain->frames : 0);
     });
-    if (longest->chain && isClear(*longest->chain))
+    if (longest->chain && isClear(*longest->chain) && covers(*longest->chain))
         return outcomeOf(*longest);
     // Labels that were read and do not count up are the truth, whatever a sum over all frames makes of them.
     for (const Track &track : all) {
@@ -106,6 +120,8 @@ ChannelOutcome ChannelReader::readThoroughly() const
         jointly.likeliest = toFinding(*joint.likeliest, channel);
     if (!byEdges)
         return jointly;
+    if (isOfLabels(jointly.doubt))
+        byEdges->doubt = jointly.doubt;
     if (jointly.doubt != Doubt::None)
         return *byEdges;
     if (contradict(*byEdges->likeliest, *jointly.likeliest))

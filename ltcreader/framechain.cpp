@@ -279,7 +279,7 @@ Doubt doubtAboutSpeed(const FrameRate &rate, int seconds, double frameLength, do
     const double error = speedError(frameLength, rate, sampleRate);
     if (!(error < toleratedSpeed))
         return Doubt::Speed;
-    if (seconds < provingSeconds && error > nearSpeed &&
+    if (!wanted && seconds < provingSeconds && error > nearSpeed &&
         isRateOfAnotherBase(rate.base, frameLength, sampleRate))
         return Doubt::Speed;
     const double distance = distanceFromMidpoint(rate, frameLength, lengthDeviation, sampleRate, wanted);

@@ -37,10 +37,10 @@ FrameRate rateBySpeed(FrameRate rate, double frameLength, int sampleRate,
                       const std::optional<FrameRate> &wanted);
 
 /// What the speed says against \a rate, as rateBySpeed() gave it. No machine runs more than 13 % too fast or
-/// too slow. Film at 24 runs at 25, but labels that jump once look like it: so the frame number must return
-/// twice, \a seconds touched be three. 1000/1001 is proven only where the midpoint to the whole rate is four
-/// standard deviations away, \a lengthDeviation [samples]; far from both rates, and where one is \a wanted,
-/// it need not be.
+/// too slow. Film at 24 runs at 25, but labels that jump once look like it: so where no rate is \a wanted,
+/// the frame number must be read to return twice, \a seconds touched be three. 1000/1001 is proven only where
+/// the midpoint to the whole rate is four standard deviations away, \a lengthDeviation [samples]; far from
+/// both rates, and where one is \a wanted, it need not be.
 Doubt doubtAboutSpeed(const FrameRate &rate, int seconds, double frameLength, double lengthDeviation,
                       int sampleRate, const std::optional<FrameRate> &wanted);
 

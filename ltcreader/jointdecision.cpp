@@ -109,7 +109,6 @@ std::optional<JointDecision> decisionFor(const Hypothesis &best, int frames,
 {
     JointDecision decision;
     decision.rate.base = best.numbering.base;
-    decision.seconds = secondsTouched(best.numbering, frames);
     decision.bits = best.bits | static_cast<FrameBits>(best.numbering.first % 10) << field::frameUnits.first |
                     static_cast<FrameBits>(best.numbering.first / 10) << field::frameTens.first;
     decision.rate.dropFrame = best.numbering.base == 30 && fieldValue(decision.bits, field::dropFrame) != 0;

@@ -14,7 +14,6 @@ namespace ltcreader
 /// The timecode that explains all frames of a grid together best.
 struct JointDecision {
     FrameRate rate;             ///< base and dropFrame; ntsc is left to the speed
-    int seconds = 1;            ///< that its labels touch
     std::int64_t count = 0;     ///< [frames] since midnight of frame 0 of the grid
     FrameBits bits = 0;         ///< of frame 0, without its phase correction bit
     double margin = 0.0;        ///< log-likelihood ratio against all other timecodes together

@@ -201,9 +201,10 @@ JointOutcome readJointly(const std::vector<float> &samples, int sampleRate,
             isMaskedBefore(best->candidate->grid, samples, outcome.likeliest->frameLength))
             outcome.doubt = Doubt::TooNoisy;
         if (outcome.doubt == Doubt::None) {
-            outcome.doubt = doubtAboutSpeed(outcome.likeliest->rate, best->decision.seconds,
-                                            outcome.likeliest->frameLength,
-                                            outcome.likeliest->lengthDeviation, sampleRate, wanted);
+            constexpr int secondsRead = 0; // the frame number is what was decided, not what was read
+            outcome.doubt =
+                doubtAboutSpeed(outcome.likeliest->rate, secondsRead, outcome.likeliest->frameLength,
+                                outcome.likeliest->lengthDeviation, sampleRate, wanted);
         }
         break;
     }

@@ -29,8 +29,7 @@ namespace
 // [log-likelihood ratios]
 constexpr double contradiction = 3.0;  // for another label in the whole recording
 constexpr double otherMotion = -5.0;   // for labels that do not count up, which are rare
-constexpr double otherStretch = 10.0;  // for one digit that differs at the beginning or the end
-constexpr double otherLine = 7.0;      // for any other line there, averaged over all lines
+constexpr double otherBeginning = 2.0; // for something else at the beginning or the end
 constexpr double otherPhase = 5.5;     // [standard deviations] of sync words that lie elsewhere
 constexpr int leastStretch = 2;        // [frames] a shorter line is not looked for
 constexpr int neighbours = 2;          // to each side, whose sync words give a frame's amplitude
@@ -42,6 +41,12 @@ constexpr double shows = 0.6;       // of the amplitude of the frames behind: a 
 constexpr double absent = 0.35;     // of the amplitude of the frames behind: no timecode yet
 
 constexpr int secondsPerMinute = 60;
+
+// What else it may be, as shares of the cases in which it is something else.
+constexpr double shareOfNearLines = 0.5; // a line one or two frames, a second, a minute or an hour away
+constexpr double shareOfOneDigit = 0.3;  // a line that differs in one digit
+constexpr double shareOfAnyLine = 0.1;   // any other line
+constexpr double shareOfMotions = 0.1;   // labels that do not count up
 
 constexpr std::size_t partCount = 2 + digitCount;
 constexpr std::array<BitField, partCount> parts{field::frameUnits,  field::frameTens,  field::dropFrame,
@@ -166,10 +171,8 @@ class LineCheck
 {
 public:
     LineCheck(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels)
-        : evidence(evidenceOf(grid, levels)), rate(line.rate)
+        : evidence(evidenceOf(grid, levels)), line(line), rate(line.rate), labels(labelsFrom(line.count))
     {
-        for (int frame = 0; frame < grid.frames; ++frame)
-            labels.push_back(valuesOf(labelAt(line.count + frame, line.rate), line.rate.dropFrame));
     }
 
     /// \a motion: the log-likelihood ratio that labels which do not count up may have.
@@ -178,16 +181,30 @@ public:
 private:
     using Change = std::function<PartValues(PartValues values, int frame)>;
 
+    std::vector<PartValues> labelsFrom(std::int64_t count) const;
     Gains gainsOf(const Change &change) const;
+    Rivals otherCounts() const;
     Rivals otherNumbers() const;
     Rivals otherSeconds() const;
     Rivals otherValues(std::size_t part) const;
     Rivals otherMotions() const;
+    /// The greatest log-likelihood ratio, at whatever frame, of a recording that does something else up to
+    /// that frame, averaged over what else it may do; \a backwards: from that frame on.
+    double mostOdds(const std::vector<Rivals> &lines, const Rivals &motions, bool backwards) const;
 
     Evidence evidence;
+    LabelLine line;
     FrameRate rate;
     std::vector<PartValues> labels; ///< of the line
 };
+
+std::vector<PartValues> LineCheck::labelsFrom(std::int64_t count) const
+{
+    std::vector<PartValues> values;
+    for (std::size_t frame = 0; frame < evidence.size(); ++frame)
+        values.push_back(valuesOf(labelAt(count + static_cast<int>(frame), rate), rate.dropFrame));
+    return values;
+}
 
 Gains LineCheck::gainsOf(const Change &change) const
 {
@@ -202,6 +219,22 @@ Gains LineCheck::gainsOf(const Change &change) const
         gains.push_back(gain);
     }
     return gains;
+}
+
+Rivals LineCheck::otherCounts() const
+{
+    Rivals rivals{Doubt::Jump, {}};
+    const std::int64_t second = rate.base;
+    const std::int64_t minute = secondsPerMinute * second;
+    const std::int64_t hour = framesPerDay(rate) / 24;
+    for (const std::int64_t distance : {std::int64_t{1}, std::int64_t{2}, second, minute, hour}) {
+        for (const std::int64_t count : {line.count - distance, line.count + distance}) {
+            const std::vector<PartValues> others = labelsFrom(count);
+            rivals.gains.push_back(gainsOf(
+                [&](const PartValues &, int frame) { return others[static_cast<std::size_t>(frame)]; }));
+        }
+    }
+    return rivals;
 }
 
 PartValues withNumber(PartValues values, int number)
@@ -301,29 +334,55 @@ std::vector<Gains> runningSums(const Rivals &rivals, bool backwards)
     return sums;
 }
 
-double bestStretch(const std::vector<Gains> &sums)
+/// The logarithm of the sum of likelihood ratios of which the logarithms are given.
+double logSum(const std::vector<double> &logarithms)
 {
-    double best = -1e9;
-    for (const Gains &gains : sums) {
-        for (std::size_t frame = leastStretch - 1; frame < gains.size(); ++frame)
-            best = std::max(best, gains[frame]);
-    }
-    return best;
+    const double most = *std::max_element(logarithms.begin(), logarithms.end());
+    double sum = 0.0;
+    for (const double logarithm : logarithms)
+        sum += std::exp(logarithm - most);
+    return most + std::log(sum);
 }
 
-/// Adds to \a odds the logarithm of the mean likelihood ratio over the line itself and all rivals with \a
-/// sums.
-void addMeanRatio(const std::vector<Gains> &sums, std::vector<double> &odds)
+/// For the first one, two, three... frames the logarithm of the mean likelihood ratio of all \a rivals; \a
+/// withLine: and of the line itself.
+std::vector<double> meanRatios(const Rivals &rivals, bool backwards, bool withLine)
 {
-    for (std::size_t frame = 0; frame < odds.size(); ++frame) {
-        double most = 0.0;
+    const std::vector<Gains> sums = runningSums(rivals, backwards);
+    std::vector<double> means;
+    for (std::size_t frame = 0; frame < sums.front().size(); ++frame) {
+        std::vector<double> ratios;
+        if (withLine)
+            ratios.push_back(0.0);
         for (const Gains &gains : sums)
-            most = std::max(most, gains[frame]);
-        double mean = std::exp(-most);
-        for (const Gains &gains : sums)
-            mean += std::exp(gains[frame] - most);
-        odds[frame] += most + std::log(mean / static_cast<double>(sums.size() + 1));
+            ratios.push_back(gains[frame]);
+        means.push_back(logSum(ratios) - std::log(static_cast<double>(ratios.size())));
     }
+    return means;
+}
+
+double LineCheck::mostOdds(const std::vector<Rivals> &lines, const Rivals &motions, bool backwards) const
+{
+    const std::vector<double> near = meanRatios(otherCounts(), backwards, false);
+    const std::vector<double> moving = meanRatios(motions, backwards, false);
+    std::vector<std::vector<double>> digits;
+    std::vector<double> any(labels.size());
+    for (const Rivals &rivals : lines) {
+        digits.push_back(meanRatios(rivals, backwards, false));
+        const std::vector<double> withLine = meanRatios(rivals, backwards, true);
+        std::transform(any.begin(), any.end(), withLine.begin(), any.begin(), std::plus<>());
+    }
+    const double digitShare = shareOfOneDigit / static_cast<double>(lines.size());
+    double most = -1e9;
+    for (std::size_t frame = leastStretch - 1; frame < labels.size(); ++frame) {
+        std::vector<double> odds{std::log(shareOfNearLines) + near[frame],
+                                 std::log(shareOfAnyLine) + any[frame],
+                                 std::log(shareOfMotions) + moving[frame]};
+        for (const std::vector<double> &digit : digits)
+            odds.push_back(std::log(digitShare) + digit[frame]);
+        most = std::max(most, logSum(odds));
+    }
+    return most;
 }
 
 Doubt LineCheck::doubt(double motion) const
@@ -349,18 +408,7 @@ Doubt LineCheck::doubt(double motion) const
     if (labels.size() > 1 && bestWhole(motions) > motion)
         return motions.doubt;
     for (const bool backwards : {false, true}) {
-        std::vector<double> odds(labels.size());
-        for (const Rivals &rivals : lines) {
-            const std::vector<Gains> sums = runningSums(rivals, backwards);
-            if (bestStretch(sums) > otherStretch)
-                return Doubt::Jump;
-            addMeanRatio(sums, odds);
-        }
-        for (std::size_t frame = leastStretch - 1; frame < odds.size(); ++frame) {
-            if (odds[frame] > otherLine)
-                return Doubt::Jump;
-        }
-        if (bestStretch(runningSums(motions, backwards)) > otherStretch)
+        if (mostOdds(lines, motions, backwards) > otherBeginning)
             return Doubt::Jump;
     }
     return Doubt::None;

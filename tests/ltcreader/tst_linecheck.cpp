@@ -20,6 +20,8 @@ private slots:
     void aLineThatRunsThroughIsNotDoubted();
     void otherLabelsAreSeen_data();
     void otherLabelsAreSeen();
+    void likelyJumpsNeedFewFrames_data();
+    void likelyJumpsNeedFewFrames();
     void framesWithoutTimecodeSayNothing();
 };
 
@@ -106,6 +108,24 @@ void TestLineCheck::otherLabelsAreSeen()
     QFETCH(int, doubt);
     QCOMPARE(static_cast<int>(doubtAbout(grid, 0.0)), doubt);
     QVERIFY(doubtAbout(grid, 1.0) != Doubt::None);
+}
+
+void TestLineCheck::likelyJumpsNeedFewFrames_data()
+{
+    QTest::addColumn<Timecode>("before");
+    QTest::newRow("an hour later") << Timecode{9, 20, 30, 12};
+    QTest::newRow("an hour earlier") << Timecode{11, 20, 30, 12};
+    QTest::newRow("a minute earlier") << Timecode{10, 21, 30, 12};
+    QTest::newRow("a second earlier") << Timecode{10, 20, 31, 12};
+    QTest::newRow("a frame earlier") << Timecode{10, 20, 30, 13};
+}
+
+void TestLineCheck::likelyJumpsNeedFewFrames()
+{
+    QFETCH(Timecode, before);
+    constexpr int frameCounts[] = {5, 6, 7};
+    for (const int count : frameCounts)
+        QVERIFY(doubtAbout(spliced(gridFrom(before), gridFrom(start), count), 1.0) != Doubt::None);
 }
 
 void TestLineCheck::framesWithoutTimecodeSayNothing()

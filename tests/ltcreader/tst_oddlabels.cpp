@@ -9,6 +9,7 @@
 
 #include <QTest>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 
@@ -71,6 +72,8 @@ private slots:
     void aRunningPartBehindAPauseIsNotExtrapolatedThroughIt();
     void shortRecordingsGiveFiniteNumbers();
     void theRateClassIsOnlyAnsweredWhenItIsProven();
+    void aLabelRepeatedOnceASecondMakesNoOtherRate();
+    void cleanFramesAloneDoNotGiveTheRateOfTheRest();
     void aChannelOfAnotherRateDoesNotHideTheOneAskedFor();
 };
 
@@ -260,6 +263,35 @@ void TestOddLabels::theRateClassIsOnlyAnsweredWhenItIsProven()
         });
     }();
     QCOMPARE(static_cast<int>(outcomeOf(flagged).doubt), static_cast<int>(Doubt::FalseFlag));
+}
+
+void TestOddLabels::aLabelRepeatedOnceASecondMakesNoOtherRate()
+{
+    for (std::uint64_t seed = 1; seed <= 10; ++seed) {
+        const Outcome outcome = outcomeOf(recording(
+            [](std::int64_t index, LtcRate rate) { return counting(start, index - (index + 13) / 25, rate); },
+            {24, true, false}, 3.0, -10.0, seed));
+        QVERIFY2(outcome.doubt != Doubt::None || outcome.likeliest->baseRate == 24,
+                 qPrintable(QStringLiteral("seed %1").arg(seed)));
+    }
+}
+
+void TestOddLabels::cleanFramesAloneDoNotGiveTheRateOfTheRest()
+{
+    constexpr std::ptrdiff_t clean = 9600;
+    const std::vector<float> quiet =
+        recording([](std::int64_t index, LtcRate) { return counting(start, index, pal); }, {24, true, false},
+                  1.0, 60.0);
+    for (std::uint64_t seed = 1; seed <= 5; ++seed) {
+        std::vector<float> samples = quiet;
+        std::vector<float> rest(quiet.begin() + clean, quiet.end());
+        testsignals::Random random(seed);
+        testsignals::addAtRatio(rest, testsignals::whiteNoise(random, rest.size()), 0.0);
+        std::copy(rest.begin(), rest.end(), samples.begin() + clean);
+        const Outcome outcome = outcomeOf(samples);
+        QVERIFY2(outcome.doubt != Doubt::None || outcome.likeliest->baseRate == 25,
+                 qPrintable(QStringLiteral("seed %1").arg(seed)));
+    }
 }
 
 void TestOddLabels::aChannelOfAnotherRateDoesNotHideTheOneAskedFor()
