@@ -2,9 +2,9 @@
 
 // Filters in the recording's way, and notches against hum, let half bits run into their neighbours. The same
 // error then repeats in every frame, and adding up frames does not lessen it. A decision that is mostly right
-// tells the filter that undoes this: the one that brings the half bits nearest to the levels decided for, by
+// give the filter that undoes this: the one that brings the half bits nearest to the levels decided for, by
 // least squares over the whole recording. It has a few dozen degrees of freedom against thousands of half
-// bits, so it cannot learn single wrong digits: decided anew, those come out right.
+// bits, so it cannot learn single wrong digits: decided again, those come out right.
 
 #include "ltcreader/adaptation.h"
 

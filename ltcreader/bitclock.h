@@ -41,7 +41,7 @@ private:
     bool halfDone = false;                   ///< the bit under way is a one, its first half has passed
     double halfDeviation = 0.0;              ///< [bits squared] of its edge
     std::array<Bit, bitsPerFrame> history{}; ///< the last bits, a ring
-    std::size_t next = 0;                    ///< where the ring goes on; its oldest bit
+    std::size_t next = 0;                    ///< where the ring continues; its oldest bit
     int heldBits = 0;                        ///< bits since the last error, up to a frame
     FrameBits dataWindow = 0;                ///< the 64 bits before the sync window
     std::uint16_t syncWindow = 0;            ///< the last 16 bits

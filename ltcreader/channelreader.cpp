@@ -86,11 +86,17 @@ ChannelOutcome ChannelReader::outcomeOf(const Track &track) const
     return {toFinding(*track.chain, track.algorithm, channel, window), doubtAbout(track)};
 }
 
-bool ChannelReader::covers(const FrameChain &chain) const
+bool ChannelReader::standsAlone(const FrameChain &chain) const
 {
-    constexpr double latestEnd = 2.0; // [frames] more than that behind a row could carry other labels
-    return beginsWithRecording(chain) &&
-           chain.last > static_cast<double>(window.size()) - latestEnd * chain.frameLength;
+    constexpr int provingFrames = 10; // in a row; fewer may fit the count of another rate
+    constexpr double latestEnd = 2.0; // [frames] more than that behind a row could show another count
+    constexpr double quiet = 0.5;     // times the row's level: too little to hide timecode
+    const auto end = static_cast<double>(window.size());
+    const bool countsProven =
+        chain.wraps > 0 || chain.frames >= provingFrames || chain.last > end - latestEnd * chain.frameLength;
+    return countsProven &&
+           (beginsWithRecording(chain) ||
+            window.level(channel, 0.0, chain.first) < quiet * window.level(channel, chain.first, chain.last));
 }
 
 ChannelOutcome ChannelReader::readThoroughly() const
@@ -99,9 +105,9 @@ ChannelOutcome ChannelReader::readThoroughly() const
     const auto longest = std::max_element(all.begin(), all.end(), [](const Track &a, const Track &b) {
         return (a.chain ? a.chain->frames : 0) < (b.chain ? b.chain->frames : 0);
     });
-    if (longest->chain && isClear(*longest->chain) && covers(*longest->chain))
+    if (longest->chain && isClear(*longest->chain) && standsAlone(*longest->chain))
         return outcomeOf(*longest);
-    // Labels that were read and do not count up are the truth, whatever a sum over all frames makes of them.
+    // Labels that were read and do not count up are the truth, even if a sum over all frames says otherwise.
     for (const Track &track : all) {
         const Doubt labels = doubtAboutLabels(track.frames);
         if (labels != Doubt::None)
@@ -120,7 +126,7 @@ ChannelOutcome ChannelReader::readThoroughly() const
         jointly.likeliest = toFinding(*joint.likeliest, channel);
     if (!byEdges)
         return jointly;
-    if (isOfLabels(jointly.doubt))
+    if (isOfLabels(jointly.doubt) && !standsAlone(*longest->chain))
         byEdges->doubt = jointly.doubt;
     if (jointly.doubt != Doubt::None)
         return *byEdges;

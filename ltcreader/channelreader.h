@@ -40,8 +40,9 @@ private:
     Track trackOf(const EdgeReader &reader, Algorithm way) const;
     std::vector<Track> tracks() const;
     Doubt doubtAbout(const Track &track) const;
-    /// Whether \a chain is in the whole window.
-    bool covers(const FrameChain &chain) const;
+    /// Whether nothing outside \a chain can contradict it: its count is proven, and it begins where
+    /// sound begins.
+    bool standsAlone(const FrameChain &chain) const;
     ChannelOutcome outcomeOf(const Track &track) const;
 
     const Window &window;

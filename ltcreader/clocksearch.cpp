@@ -3,8 +3,8 @@
 // Each bit of LTC begins with a change of level. The sound's mean over the half bit before a moment times
 // that over the half bit after it is therefore negative at every beginning of a bit, and of either sign in
 // the middle: this product, taken at all moments, swings with the bit rate. Its spectrum over the whole
-// window shows a line at the bit rate that stands out long before single bits can be told, and the line's
-// phase tells where bits begin. Followed in pieces of the window, the phase shows how the speed wanders.
+// window shows a line at the bit rate that stands out long before single bits can be read, and the line's
+// phase shows where bits begin. Followed in pieces of the window, the phase shows how the speed wanders.
 
 #include "ltcreader/clocksearch.h"
 

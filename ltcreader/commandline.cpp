@@ -12,7 +12,7 @@ namespace ltcreader
 namespace
 {
 
-/// A whole \a text as a number in the C locale, whatever the user's locale is.
+/// A whole \a text as a number in the C locale, not the user's.
 template <typename Number>
 std::optional<Number> toNumber(std::string_view text)
 {
@@ -35,7 +35,7 @@ std::optional<Algorithm> toAlgorithm(std::string_view name)
     return std::nullopt;
 }
 
-/// Takes the switch \a text into \a run; tells what is wrong with it.
+/// Takes the switch \a text into \a run; returns what is wrong with it.
 std::optional<Refusal> takeSwitch(const std::string &text, Run &run)
 {
     const std::string_view value = std::string_view(text).substr(std::min<std::size_t>(2, text.size()));

@@ -36,7 +36,7 @@ struct Refusal {
 
 using Command = std::variant<Run, Question, Refusal>;
 
-/// Understands the \a arguments that follow the program's name. \a fileExists tells whether a path names a
+/// Understands the \a arguments that follow the program's name. \a fileExists says whether a path names a
 /// file: a first argument that begins with "-" and is no switch is a file when there is one of that name.
 Command parseCommandLine(const std::vector<std::string> &arguments,
                          const std::function<bool(const std::string &)> &fileExists);

@@ -6,10 +6,10 @@
 // is noise, so the smoothed power spectrum serves: mean logarithms over a few dozen hertz give the floor
 // between single lines, and lines that stand out of it (hum, music, whistles) are brought down to it. With
 // little noise that would take the timecode's own spectrum for noise; then the flat front end is the better
-// one, and the clock tells which of them saw more.
+// one, and the clock shows which of them saw more.
 //
 // What timecode repeats in every frame makes lines as well, at multiples of the frame rate. They carry most
-// of what is to be read and must stay: once the clock has told the frame rate, lines that fall on it are
+// of what is to be read and must stay: once the clock has given the frame rate, lines that fall on it are
 // spared, unless they are much stronger than their like.
 //
 // All is done on the spectrum of the whole window with weights without phase, so nothing is shifted in time.
@@ -27,25 +27,26 @@ namespace ltcreader
 namespace
 {
 
-constexpr double lowestFrequency = 150.0;   // [Hz] below it LTC has nothing that tells bits apart
+constexpr double lowestFrequency = 150.0;   // [Hz] below it LTC has nothing that distinguishes bits
 constexpr double highestFrequency = 8000.0; // [Hz] above it one per cent of a square wave's power is left
 constexpr double lowestRate = 20000.0; // [Hz] of the conditioned sound: eight samples in a half bit or more
 constexpr double taperTime = 0.01;     // [s] of fading at both ends, against the edges' own spectrum
 constexpr double smoothing = 30.0;     // [Hz] to each side, over which the floor is averaged
 constexpr float lineExcess = 10.0F;    // a bin this far above the floor is a line, not chance
-constexpr double meanOverLogMean = 1.781;  // of exponentially distributed power: exp(Euler's constant)
-constexpr double bandFrom = 600.0;         // [Hz] most of what tells bits apart lies between here
-constexpr double bandTo = 4500.0;          // [Hz] and here
-constexpr double quietPart = 0.25;         // of that band is taken for free of disturbances
-constexpr float tolerated = 4.0F;          // times the power there: what LTC's own spectrum reaches
-constexpr double lineWidth = 0.8;          // [Hz] to each side of a line of the timecode itself
-constexpr double ownPart = 0.75;           // of the timecode's lines are weaker than this one,
-constexpr float ownExcess = 8.0F;          // and none is so many times stronger
-constexpr double evenTime = 0.02;          // [s] to each side, over which power is taken
-constexpr double quietShare = 0.1;         // of the mean power: quieter moments are not raised further
-constexpr double restorationReach = 150.0; // [Hz] to each side, over which power is taken to tell filters by
-constexpr float leastPower = 1e-20F;       // keeps logarithms finite in silence
-constexpr double leastMean = 1e-30;        // keeps quotients finite in silence
+constexpr double meanOverLogMean = 1.781; // of exponentially distributed power: exp(Euler's constant)
+constexpr double bandFrom = 600.0;        // [Hz] most of what distinguishes bits is between here
+constexpr double bandTo = 4500.0;         // [Hz] and here
+constexpr double quietPart = 0.25;        // of that band is taken for free of disturbances
+constexpr float tolerated = 4.0F;         // times the power there: what LTC's own spectrum reaches
+constexpr double lineWidth = 0.8;         // [Hz] to each side of a line of the timecode itself
+constexpr double ownPart = 0.75;          // of the timecode's lines are weaker than this one,
+constexpr float ownExcess = 8.0F;         // and none is so many times stronger
+constexpr double evenTime = 0.02;         // [s] to each side, over which power is taken
+constexpr double quietShare = 0.1;        // of the mean power: quieter moments are not raised further
+constexpr double restorationReach =
+    150.0;                           // [Hz] to each side, over which power is taken to recognise filters by
+constexpr float leastPower = 1e-20F; // keeps logarithms finite in silence
+constexpr double leastMean = 1e-30;  // keeps quotients finite in silence
 
 /// The factor at sample \a i of \a length that fades in and out by raised cosines, \a width samples at each
 /// end.
@@ -74,7 +75,7 @@ float quantile(std::vector<float> &values, double part)
     return *place;
 }
 
-/// Weighs each moment by the power around it, so that claps and words count for no more than they tell.
+/// Weighs each moment by the power around it, so that claps and words count for no more than they show.
 void evenOut(Conditioned &sound)
 {
     std::vector<double> sums(sound.samples.size() + 1);

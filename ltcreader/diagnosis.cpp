@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// Half bits of LTC last 190 to 290 microseconds and bits 370 to 590, whatever the rate: edges at such
-// distances are biphase mark code or something much like it. Together with level and clipping that tells
+// Half bits of LTC last 190 to 290 microseconds and bits 370 to 590 at any rate: edges at such
+// distances are biphase mark code or something much like it. Together with level and clipping that shows
 // people what to look for.
 
 #include "ltcreader/diagnosis.h"
@@ -149,7 +149,7 @@ std::string reasonFor(Doubt doubt, const Diagnosis &diagnosis)
     case Doubt::Speed:
         return "too fast or too slow for the frame rate of its labels";
     case Doubt::RateClass:
-        return "the frame rate cannot be told from its 1000/1001 neighbour; name it with -f";
+        return "the frame rate and its 1000/1001 neighbour cannot be distinguished; set it with -f";
     case Doubt::TooNoisy:
         if (!looksLikeTimecode(diagnosis))
             return "too noisy: something like timecode, but its label is not proven";

@@ -11,7 +11,7 @@
 namespace ltcreader
 {
 
-/// What the beginning of one channel looks like to somebody who wonders about its timecode.
+/// What the beginning of one channel looks like to a user who wonders about its timecode.
 struct Diagnosis {
     double peak = 0.0;               ///< [full scale]
     double level = 0.0;              ///< [full scale] RMS without the mean

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// Where user bits change, or the phase correction bit is not what it should be, nobody knows the polarity in
+// Where user bits change, or the phase correction bit is not what it should be, the polarity is unknown in
 // the middle of a frame, and frames cannot be added up. But every digit can be looked at alone: how likely
 // its half bits are for each value it may have, whichever polarity it begins with. Frames and digits are
 // independent of each other then, and the log-likelihood of a label for the first frame is the sum over all
@@ -171,7 +171,7 @@ bool isSeenInAllDigits(const Hypothesis &hypothesis, const std::vector<DigitLike
            *std::min_element(digits.begin() + SecondUnits, digits.end()) > leastEvidence;
 }
 
-/// How much the digits of a hypothesis resemble the half bits, whatever their polarities.
+/// How much the digits of a hypothesis resemble the half bits in any polarity.
 struct Resemblance {
     double amplitude = 0.0;    ///< of the timecode in half bits of mean square 1
     double significance = 0.0; ///< in standard deviations of what chance brings

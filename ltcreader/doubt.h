@@ -17,7 +17,7 @@ enum class Doubt {
     Unreal,       ///< labels that no clock shows, such as second 61
     FalseFlag,    ///< labels exist that the drop-frame flag leaves out
     Speed,        ///< no machine runs that much too fast or too slow
-    RateClass     ///< the recording is too short to tell 1000/1001 from the whole rate
+    RateClass     ///< the recording is too short to distinguish 1000/1001 from the whole rate
 };
 
 } // namespace ltcreader

@@ -30,7 +30,7 @@ bool beginsWithRecording(const FrameChain &chain);
 /// at.
 bool isSure(const FrameChain &chain);
 
-/// True when \a chain is right as far as it goes, though the recording holds more that is not part of it.
+/// True when \a chain is right in its own span, though the recording holds more that is not part of it.
 bool isClear(const FrameChain &chain);
 
 /// True when \a chain may be reported where nothing better is found.

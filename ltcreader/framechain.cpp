@@ -4,9 +4,9 @@
 // faked is a row of frames whose numbers grow exactly as the clock says. For each way of counting (24, 25,
 // 30, drop-frame) the frames are turned into counts since midnight; the difference between a frame's count
 // and its place in time is the same for all frames that belong together. The way of counting under which most
-// frames agree is the true one: a frame number that returns to zero after 23, 24 or 29 decides it, whatever
-// the speed. Only where no return was seen does the speed decide. NTSC rates differ from whole ones by one in
-// a thousand, which the fit of all frame starts tells apart.
+// frames agree is the true one: a frame number that returns to zero after 23, 24 or 29 decides it at
+// any speed. Only where no return was seen does the speed decide. NTSC rates differ from whole ones by one in
+// a thousand, which the fit of all frame starts distinguishes.
 
 #include "ltcreader/framechain.h"
 
@@ -244,7 +244,7 @@ bool isRateOfAnotherBase(int base, double frameLength, int sampleRate)
 }
 
 /// How far the speed is from the midpoint between \a rate and its neighbour in the ratio of 1000/1001, on the
-/// side of \a rate [standard deviations]; very far where nothing is to be told apart.
+/// side of \a rate [standard deviations]; very far where there is nothing to distinguish.
 double distanceFromMidpoint(const FrameRate &rate, double frameLength, double lengthDeviation, int sampleRate,
                             const std::optional<FrameRate> &wanted)
 {

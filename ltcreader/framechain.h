@@ -13,7 +13,7 @@ namespace ltcreader
 /// [bits] Edges that are nearer to their places than this cannot be mistaken.
 constexpr double clearDeviation = 0.06;
 
-/// Frames of one recording that count up as time goes by.
+/// Frames of one recording that count up with time.
 struct FrameChain {
     FrameRate rate;
     double startCount = 0.0;      ///< [frames] since midnight at the first sample of the recording, any sign
@@ -31,7 +31,7 @@ struct FrameChain {
     bool inverted = false;   ///< its frames begin with a falling edge
 };
 
-/// \a rate with ntsc as the measured frame length [samples] tells. Where the speed fits neither of both, \a
+/// \a rate with ntsc as the measured frame length [samples] shows. Where the speed fits neither of both, \a
 /// wanted decides.
 FrameRate rateBySpeed(FrameRate rate, double frameLength, int sampleRate,
                       const std::optional<FrameRate> &wanted);

@@ -52,7 +52,7 @@ Polarities findPolarities(const FrameGrid &grid)
     for (const float sync : grid.syncs)
         freeLikelihood += logCosh(scale * static_cast<double>(sync));
     // Most encoders begin all frames with the same polarity. That is assumed where the sync words do not
-    // speak against it, as all of them together then tell the polarity of each.
+    // speak against it, as all of them together then show the polarity of each.
     const bool steady = logCosh(scale * sum) >= freeLikelihood;
     for (const float sync : grid.syncs) {
         const double evidence = steady ? sum : static_cast<double>(sync);

@@ -10,7 +10,7 @@
 namespace ltcreader
 {
 
-/// The polarity of each frame, as far as sync words tell it.
+/// The polarity of each frame, as far as sync words show it.
 struct Polarities {
     std::vector<float> atStart; ///< of bit 0 of each frame: 1 high, -1 low, in between where doubtful
     std::vector<float> atSync;  ///< of the first bit of the sync word of each frame

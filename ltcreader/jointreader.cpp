@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// The road from sound to an answer when single bits cannot be told: front ends, the clock, half bits, frames,
+// From sound to an answer when single bits cannot be read: front ends, the clock, half bits, frames,
 // the decision, and then back to the sound with the square wave that was decided for.
 
 #include "ltcreader/jointreader.h"
@@ -34,13 +34,13 @@ constexpr double shortest = 0.1;            // [s] two frames
 constexpr double leastMargin = 11.5; // one wrong answer in a hundred thousand
 constexpr double leastSignificance = 14.0;
 constexpr double leastShareOfSync = 0.5; // a waveform that is all sync word is none
-constexpr double digitsSyncScore = 7.0;  // deep in noise digits alone tell nothing
+constexpr double digitsSyncScore = 7.0;  // deep in noise digits alone prove nothing
 
 using Decide = std::optional<JointDecision> (*)(const FrameGrid &grid, double measuredRate,
                                                 const std::optional<FrameRate> &wanted);
 
 /// Decides, and where errors repeat decides again on what a filter makes of the frames that the decision
-/// tells. The filter learns again from the second decision; what is not as sure in both of them is not
+/// gives. The filter learns again from the second decision; what is not as sure in both of them is not
 /// believed.
 std::optional<JointDecision> decideAdaptively(Decide decideOn, const FrameGrid &grid, double measuredRate,
                                               const std::optional<FrameRate> &wanted)
@@ -65,7 +65,7 @@ struct Decided {
     const Candidate *candidate;
     JointDecision decision;
 
-    /// [frames] since midnight at the recording's first sample, as far as the clock tells.
+    /// [frames] since midnight at the recording's first sample, as far as the clock shows.
     double startCount() const
     {
         const double frameZero = candidate->clock.position(0.5 * candidate->grid.firstHalf);

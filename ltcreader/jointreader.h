@@ -16,7 +16,7 @@ struct JointReading {
     double startCount = 0.0;      ///< [frames] since midnight at the first sample, any sign
     double frameLength = 0.0;     ///< [samples] as recorded
     double lengthDeviation = 0.0; ///< [samples] standard deviation of frameLength
-    FrameRate rate;               ///< with ntsc, as the speed tells
+    FrameRate rate;               ///< with ntsc, as the speed shows
     double classDoubt = 0.0;      ///< probability that 1000/1001 is wrong
     double level = 0.0;           ///< [full scale] RMS of the timecode
     int frames = 0;               ///< complete and incomplete ones

@@ -8,7 +8,7 @@
 namespace ltcreader
 {
 
-// Half bits have a mean square of 1. Those of timecode with the amplitude a are taken for a or -a beside
+// Half bits have a mean square of 1. Those of timecode with the amplitude a are taken for a or -a in
 // Gaussian noise, whose variance is then 1 - a * a. The logarithm of the density of such a half bit x, at the
 // level s of 1 or -1, is s * x * a / variance, up to what is the same for both levels. So the sum of s * x
 // over the levels of an assumption (its fit, or resemblance) becomes a log-likelihood when it is multiplied
@@ -20,14 +20,14 @@ constexpr double leastNoise = 0.1;
 /// A fit that nothing has, worse than any.
 constexpr float impossibleFit = -1e30F;
 
-/// Variance of the noise beside timecode of \a amplitude in half bits of mean square 1.
+/// Variance of the noise around timecode of \a amplitude in half bits of mean square 1.
 inline double noiseBeside(double amplitude)
 {
     return std::max(leastNoise, 1.0 - amplitude * amplitude);
 }
 
-/// \a amplitude (0 or more) as far as it can be believed: 0.05 to 0.95. Below, likelihoods would tell nothing
-/// at all; above, what is left is the recording's doing, not noise.
+/// \a amplitude (0 or more) as far as it can be believed: 0.05 to 0.95. Below, likelihoods would prove
+/// nothing at all; above, what is left is the recording's doing, not noise.
 inline double believableAmplitude(double amplitude)
 {
     return std::clamp(amplitude, 0.05, 0.95);

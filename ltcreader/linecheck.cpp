@@ -27,12 +27,14 @@ namespace
 {
 
 // [log-likelihood ratios]
-constexpr double contradiction = 3.0;  // for another label in the whole recording
-constexpr double otherMotion = -5.0;   // for labels that do not count up, which are rare
-constexpr double otherBeginning = 2.0; // for something else at the beginning or the end
-constexpr double otherPhase = 5.5;     // [standard deviations] of sync words that lie elsewhere
-constexpr int leastStretch = 2;        // [frames] a shorter line is not looked for
-constexpr int neighbours = 2;          // to each side, whose sync words give a frame's amplitude
+constexpr double contradiction = 3.0; // for another label in the whole recording
+constexpr double otherMotion = -5.0;  // for labels that do not count up, which are rare
+constexpr double otherBeginning =
+    2.0;                           // for something else at the beginning, which the answer would be wrong for
+constexpr double otherEnd = 7.0;   // for something else at the end, which a chimera of two lines would have
+constexpr double otherPhase = 5.5; // [standard deviations] of sync words that lie elsewhere
+constexpr int leastStretch = 2;    // [frames] a shorter line is not looked for
+constexpr int neighbours = 2;      // to each side, whose sync words give a frame's amplitude
 constexpr double polarityTrust = 0.9;  // in polarities that were decided: user bits may change
 constexpr double mostAmplitude = 0.95; // beyond, what is left is the recording's doing, not noise
 constexpr double steadyShare = 0.8; // of the amplitude, from which all sync words are taken for one polarity
@@ -188,7 +190,7 @@ private:
     Rivals otherSeconds() const;
     Rivals otherValues(std::size_t part) const;
     Rivals otherMotions() const;
-    /// The greatest log-likelihood ratio, at whatever frame, of a recording that does something else up to
+    /// The greatest log-likelihood ratio, at any frame, of a recording that does something else up to
     /// that frame, averaged over what else it may do; \a backwards: from that frame on.
     double mostOdds(const std::vector<Rivals> &lines, const Rivals &motions, bool backwards) const;
 
@@ -407,10 +409,8 @@ Doubt LineCheck::doubt(double motion) const
         return doubt;
     if (labels.size() > 1 && bestWhole(motions) > motion)
         return motions.doubt;
-    for (const bool backwards : {false, true}) {
-        if (mostOdds(lines, motions, backwards) > otherBeginning)
-            return Doubt::Jump;
-    }
+    if (mostOdds(lines, motions, false) > otherBeginning || mostOdds(lines, motions, true) > otherEnd)
+        return Doubt::Jump;
     return Doubt::None;
 }
 

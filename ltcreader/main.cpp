@@ -25,12 +25,12 @@ constexpr const char *help =
     "  -cCHANNEL    read this channel only; the first is 0 (default: the best one)\n"
     "  -fRATE       accept this frame rate only: 23.98, 24, 25, 29.97 or 30 (default: any)\n"
     "  -aALGORITHM  LOW, MID or HIGH: where the signal must pass to count as changed; SLOPE: look at\n"
-    "               steepness instead of level (default: whatever the recording needs)\n"
+    "               steepness instead of level (default: as the recording needs)\n"
     "  -oFORMAT     JSON (default) or TEXT, for people\n"
     "  --help       print this and end\n"
     "  --version    print the version and end\n"
     "\n"
-    "Values follow their switch without a blank. A file name that begins with \"-\" goes after \"--\".\n";
+    "Values follow their switch without a blank. Put \"--\" before a file name that begins with \"-\".\n";
 
 int fail(ExitCode code, const std::string &reason)
 {

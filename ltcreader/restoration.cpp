@@ -2,7 +2,7 @@
 
 // Cables, capacitors and microphone inputs bend the square wave: a low-pass filter shrinks the ones, a
 // high-pass filter leaves spikes. What LTC's spectrum is like is known, so where little else is in the
-// recording its spectrum tells what the filter was, and the opposite filter restores the square wave. Such
+// recording its spectrum shows what the filter was, and the opposite filter restores the square wave. Such
 // filters have the least phase that their gain allows; the opposite one has it too, and it follows from the
 // logarithm of the gain.
 

@@ -16,7 +16,7 @@ enum class SoundFileError {
     NotASound   ///< none of the formats that are known, or a damaged head
 };
 
-/// A WAV file (plain, extensible, RF64 or W64), read as it is needed. Headers that tell no length or a wrong
+/// A WAV file (plain, extensible, RF64 or W64), read as it is needed. Headers with no length or a wrong
 /// one, as pipes leave them, and files that are cut off are read up to their end.
 class SoundFile : public SampleSource
 {

@@ -8,8 +8,8 @@ namespace ltcreader
 {
 
 /// Solves the equations of a filter of \a count taps: those whose matrix has \a diagonals[0] on its diagonal,
-/// diagonals[1] beside it on both sides and so on, and \a right on the right side. The diagonal must be above
-/// 0 and the largest of its row.
+/// diagonals[1] next to it on both sides and so on, and \a right on the right side. The diagonal must be
+/// above 0 and the largest of its row.
 template <std::size_t count>
 std::array<double, count> solveSymmetric(const std::array<double, count> &diagonals,
                                          const std::array<double, count> &right)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 // The square wave that was decided for is laid over the sound a little early and a little late: which of both
-// fits better, and by how much, tells where exactly it belongs. Done for some frames at a time, a line
+// fits better, and by how much, shows where exactly it belongs. Done for some frames at a time, a line
 // through these moments gives speed and position to a fraction of a sample.
 
 #include "ltcreader/timing.h"
@@ -17,12 +17,12 @@ namespace ltcreader
 namespace
 {
 
-constexpr int rounds = 3;           // each from the line of the last: lateness is told best where it is small
+constexpr int rounds = 3; // each from the line of the last: lateness is measured best where it is small
 constexpr double timingShift = 0.2; // [bits] to each side, on the flank of the half bits' correlation
 constexpr int mostPerPart = 5;      // [frames] whose timing is measured together
 constexpr int leastParts = 12;      // fewer show less well how they agree
 constexpr double fewParts =
-    40.0; // quantile of Student's distribution beside the normal one, times their square
+    40.0; // quantile of Student's distribution over the normal one, times their square
 constexpr double slopeReach = 1e-3; // of the clock, beyond which a measured slope is noise
 constexpr double leastCurve = 0.05; // of the fit: a flatter curve is noise
 constexpr double leastFit = 1e-9;   // keeps quotients finite
@@ -106,7 +106,7 @@ BitLine lineThrough(const std::vector<PartTiming> &timings, const Clock &clock)
         products += timing.weight * (timing.bit - meanBit) * (timing.time - meanTime);
         squares += timing.weight * (timing.bit - meanBit) * (timing.bit - meanBit);
     }
-    // A single part has no slope, whatever rounding leaves in the squares.
+    // A single part has no slope, even if rounding leaves something in the squares.
     if (timings.size() > 2 && std::abs(products / squares / clock.bitLength - 1.0) < slopeReach) {
         line.slope = products / squares;
         double residuals = 0.0;

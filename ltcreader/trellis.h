@@ -27,13 +27,13 @@ public:
     /// Begins high when \a anchored, else with either polarity.
     explicit Trellis(bool anchored);
 
-    /// Goes on over bit number \a bit, which may be 0 or 1; \a halves points to its two halves.
+    /// Continues over bit number \a bit, which may be 0 or 1; \a halves points to its two halves.
     void free(int bit, const float *halves);
 
-    /// Goes on over a number whose bits lie at \a part and which is one of the set bits of \a allowed.
+    /// Continues over a number whose bits lie at \a part and which is one of the set bits of \a allowed.
     void number(BitField part, const float *halves, std::uint32_t allowed);
 
-    /// Goes on over something that is known, changes no polarity and fits with \a fit.
+    /// Continues over something that is known, changes no polarity and fits with \a fit.
     void known(float fit);
 
     /// The best fit: of paths that end high when \a anchored, else of all.

@@ -8,7 +8,7 @@
 namespace ltcreader
 {
 
-/// The bytes of a file, in which a WAV header that tells no length shows the length that the file has.
+/// The bytes of a file, in which a WAV header without a length shows the length that the file has.
 ///
 /// A recorder that lost power leaves the length of the sound at 0; all of the sound is there nevertheless.
 class WavBytes

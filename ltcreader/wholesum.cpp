@@ -35,7 +35,7 @@ std::optional<Digit> digitEndingAt(int bit)
     return std::nullopt;
 }
 
-/// All seconds of a fold added up, as far as a hypothesis tells how.
+/// All seconds of a fold added up, as far as a hypothesis says how.
 struct WholeSum {
     SecondSum halves{};
     std::array<float, digitCount> fits{}; // of the digits that the hypothesis gives

@@ -7,7 +7,7 @@
 namespace ltcreader
 {
 
-/// How well the frames in \a fold fit their numbering, whatever seconds they show.
+/// How well the frames in \a fold fit their numbering, for any seconds they show.
 float fitOfNumbering(const FrameFold &fold, int correctionBit);
 
 /// Sets fit and bits of \a hypothesis, by whose numbering \a fold was made.

@@ -31,8 +31,8 @@ struct Answer {
 struct Truth {
     LtcSignal signal;
     int channel = 0;
-    bool speedKnown =
-        true; ///< false: the machine's speed was changed, so that NTSC cannot be told from its base rate
+    bool speedKnown = true; ///< false: the machine's speed was changed, so that NTSC and its base rate cannot
+                            ///< be distinguished
 };
 
 /// One recording for the readers.

@@ -38,7 +38,7 @@ void microphoneInput(Samples &samples, int sampleRate, double grade, Random &ran
     testsignals::lowPass(samples, sampleRate, 16000, 4);
 }
 
-/// Timecode over the air beside the camera, heard by its microphone: a loudspeaker's band, wind, speech.
+/// Timecode over the air next to the camera, heard by its microphone: a loudspeaker's band, wind, speech.
 void loudspeaker(Samples &samples, int sampleRate, double grade, Random &random)
 {
     testsignals::highPass(samples, sampleRate, 300, 4);

@@ -123,7 +123,7 @@ Case channels(double grade, Random &random)
     const Samples timecode = std::move(recording.channels.front());
     recording.channels.clear();
     recording.truth->channel = random.integer(0, count - 1);
-    // The sounds before the biphase kinds: what is found beside timecode.
+    // The sounds before the biphase kinds: what is found next to timecode.
     constexpr int programmeSounds = 9;
     for (int channel = 0; channel < count; ++channel) {
         const auto &sound =

@@ -79,7 +79,7 @@ bool continues(const DecodedFrame &frame, const DecodedFrame &first, LtcRate rat
     const std::int64_t counted =
         testsignals::frameNumber(frame.time, rate) - testsignals::frameNumber(first.time, rate);
     const double passed = (frame.end - first.end) / frameLength;
-    constexpr double jitter = 0.15;     // [frames] of the ends that the library tells
+    constexpr double jitter = 0.15;     // [frames] of the ends that the library reports
     constexpr double otherSpeed = 0.12; // of the nominal one: tape and film machines
     const double slack = jitter + otherSpeed * std::abs(passed);
     return std::abs(std::remainder(static_cast<double>(counted) - passed, static_cast<double>(day))) < slack;

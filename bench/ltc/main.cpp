@@ -24,7 +24,7 @@ namespace
 {
 
 constexpr const char *help = R"(Usage: ltc-benchmark [options]
-Measures how LTCReader's decoder reads timecode under graded impairments, and libltc's decoder beside it.
+Measures how LTCReader's decoder reads timecode under graded impairments, and compares it with libltc's.
 
   --only TEXT      only curves, sounds or parts whose name or section contains TEXT; may be given several times
                    (parts: "Without timecode", "Cost")

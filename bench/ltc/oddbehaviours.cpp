@@ -250,7 +250,7 @@ bool isNonDrop2997(LtcRate rate)
 }
 
 /// 29.97 with the flag counts labels that drop-frame leaves out. Flag and count contradict each other, and
-/// nothing tells which is true.
+/// nothing shows which is true.
 OddSignal flagOverAMinute(LtcSignal signal, Random &random)
 {
     const LtcTime minute{random.integer(0, 23), 10 * random.integer(0, 5) + random.integer(1, 9), 0, 0};
@@ -335,7 +335,7 @@ OddSignal dropouts(LtcSignal signal, Random &random)
     return result;
 }
 
-/// Neither class of a base rate is near enough to be told from the other.
+/// Neither class of a base rate is near enough to distinguish it from the other.
 OddSignal clockOff(LtcSignal signal, Random &random)
 {
     Transport transport;

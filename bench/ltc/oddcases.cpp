@@ -49,7 +49,7 @@ double valueOf(const Draw &draw, Random &random)
 double edgeOf(const Disturbance &disturbance, double seconds)
 {
     constexpr std::array<double, 3> lengths{0.2, 1.0, 3.0};
-    const std::size_t first = seconds < lengths[1] ? 0 : 1; // shorter than the first: the line goes on
+    const std::size_t first = seconds < lengths[1] ? 0 : 1; // shorter than the first: the line continues
     const double part = std::log(seconds / lengths[first]) / std::log(lengths[first + 1] / lengths[first]);
     return disturbance.edge[first] + part * (disturbance.edge[first + 1] - disturbance.edge[first]);
 }

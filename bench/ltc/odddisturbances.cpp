@@ -46,7 +46,7 @@ void lowPassed(Samples &samples, int sampleRate, double value, Random &random)
     addWhite(samples, sampleRate, 40.0, random);
 }
 
-/// The noise is that of what records, so that it stays where the timecode goes.
+/// The noise is that of what records, so that it stays where the timecode is removed.
 void highPassed(Samples &samples, int sampleRate, double value, Random &random)
 {
     Samples noisy = samples;

@@ -135,7 +135,7 @@ std::vector<OddResult> measureAll(const std::vector<Draw> &draws, unsigned jobs)
     std::atomic<std::size_t> next = 0;
     std::atomic<std::size_t> done = 0;
     std::mutex mutex; // of what follows
-    Clock::time_point told = Clock::now();
+    Clock::time_point reported = Clock::now();
     std::exception_ptr failure;
     const auto work = [&] {
         try {
@@ -143,8 +143,8 @@ std::vector<OddResult> measureAll(const std::vector<Draw> &draws, unsigned jobs)
                 results[i] = measure(draws[i]);
                 ++done;
                 const std::lock_guard lock(mutex);
-                if (Clock::now() - told > std::chrono::seconds(10)) {
-                    told = Clock::now();
+                if (Clock::now() - reported > std::chrono::seconds(10)) {
+                    reported = Clock::now();
                     std::cerr << done << " of " << draws.size() << "\n";
                 }
             }

@@ -16,7 +16,7 @@ struct OddResult {
     OddVerdict verdict = OddVerdict::Refused;
     double confidence = 0.0;  ///< of the likeliest timecode, answered or not
     bool tooNoisy = false;    ///< it was not answered because it is not proven
-    bool likelyRight = false; ///< what the confidence is of is right, whatever is broken beside it
+    bool likelyRight = false; ///< what the confidence is of is right, whatever else is broken
     std::string reason;       ///< of a refusal, or what is broken in the report
     std::string there;        ///< right lines, of wrong and broken answers only
     std::string answered;     ///< the label given, of wrong and broken answers only

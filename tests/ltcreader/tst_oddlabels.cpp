@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// Recordings whose labels do something else than counting up: whatever the decoder can read, it refuses them.
+// Recordings whose labels do something else than counting up: the decoder refuses them, however well it reads
+// them.
 
 #include "ltcreader/decoder.h"
 #include "tests/support/biphasemark.h"
@@ -46,7 +47,7 @@ LtcTime illegalSecond(std::int64_t index, LtcRate rate)
     return label;
 }
 
-/// Counts up to the end of the minute without leaving out labels, whatever the flag says.
+/// Counts up to the end of the minute without leaving out labels, against the flag.
 LtcTime countingWithoutDrops(std::int64_t index, LtcRate)
 {
     return counting({10, 20, 59, 20}, index, {30, true, false});
