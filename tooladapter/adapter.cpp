@@ -11,6 +11,7 @@
 #include "tooladapter/keptchunks.h"
 #include "tooladapter/refusal.h"
 #include "tooladapter/source.h"
+#include "tooladapter/tagrules.h"
 #include "tooladapter/toolsearch.h"
 #include "tooladapter/turn.h"
 #include "tooladapter/writtenfile.h"
@@ -55,11 +56,17 @@ Source toldSource()
     return parseProbe(environment("OSTREL_SOURCE"));
 }
 
-/// The source at \a path. The application has had it probed at the import and tells; another caller may not.
-Source sourceAt(const std::string &path)
+/// The source of \a list. The application has had it probed at the import and tells most; another caller may
+/// not.
+Source sourceOf(const ArgumentList &list)
 {
-    const Source told = toldSource();
-    return told.streams.empty() ? probe(path) : told;
+    Source source = toldSource();
+    const std::string path = filePath(list.input);
+    if (source.streams.empty())
+        return probe(path);
+    if (lacksNotes(source, list.input, list.outputs.front().path))
+        source.notes = probe(path).notes;
+    return source;
 }
 
 /// Throws Refusal where the file that \a job has left is not complete. A reading of its header settles that
@@ -98,7 +105,7 @@ int write(const Export &job, const Source &source)
 
 int runExport(const ArgumentList &list)
 {
-    const Source source = sourceAt(filePath(list.input));
+    const Source source = sourceOf(list);
     Hints hints = hintsFrom(environment);
     hints.processors = static_cast<int>(std::thread::hardware_concurrency());
     const ExportPlan plan = planOf(list, source, hints);

@@ -14,7 +14,7 @@ namespace
 constexpr std::size_t mostStreams = 10'000;
 constexpr int mostChannels = 512;
 constexpr int longestSide = 32768; // [pixels]
-constexpr std::size_t mostTags = 1000;
+constexpr std::size_t mostNotes = 1000;
 
 double toSeconds(const std::string &text)
 {
@@ -112,17 +112,84 @@ void readStreamKey(Stream &stream, std::string_view key, const std::string &valu
         stream.timecode = value;
 }
 
-void readFormatKey(Source &source, std::string_view key, const std::string &value)
+/// Reads the probe tool's report line by line.
+class ProbeReader
+{
+public:
+    void read(std::string_view line);
+
+    Source source; ///< what the lines so far have told
+
+private:
+    void beginStream(std::string_view number);
+    void readFormatLine(std::string_view line);
+
+    Stream *stream = nullptr;    ///< of \a source, that the lines are about; nullptr = none
+    bool inFormat = false;       ///< the lines are about the file as a whole
+    std::string *note = nullptr; ///< of \a source, the last one; its text may go on
+};
+
+struct Fact {
+    std::string_view key; ///< the whole line if it holds no "="
+    std::string value;
+};
+
+Fact factIn(std::string_view line)
+{
+    const std::size_t equals = std::min(line.find('='), line.size());
+    return {line.substr(0, equals), std::string(line.substr(std::min(equals + 1, line.size())))};
+}
+
+void ProbeReader::read(std::string_view line)
+{
+    if (line.ends_with("SIDE_DATA]"))
+        return; // it belongs to the stream
+    if (inFormat) {
+        readFormatLine(line);
+        return;
+    }
+    const Fact fact = factIn(line);
+    if (line.starts_with('[')) {
+        stream = nullptr;
+        inFormat = line == "[FORMAT]";
+    } else if (fact.key == "index") {
+        beginStream(fact.value);
+    } else if (stream != nullptr) {
+        readStreamKey(*stream, fact.key, fact.value);
+    }
+}
+
+/// Transport streams list their streams twice, once by programme; the index tells which is which.
+void ProbeReader::beginStream(std::string_view number)
+{
+    const std::size_t index = std::strtoul(std::string(number).c_str(), nullptr, 10);
+    stream = nullptr;
+    if (index >= mostStreams)
+        return;
+    source.streams.resize(std::max(source.streams.size(), index + 1));
+    stream = &source.streams[index];
+}
+
+/// The notes come last, and each may have several lines.
+void ProbeReader::readFormatLine(std::string_view line)
 {
     constexpr std::string_view tag = "TAG:";
-    if (key.starts_with(tag) && source.tags.size() < mostTags)
-        source.tags.emplace(key.substr(tag.size()));
-    if (key == "start_time")
-        source.start = toSeconds(value);
-    else if (key == "duration")
-        source.duration = toSeconds(value);
-    else if (key == "TAG:timecode")
-        source.timecode = value;
+    const Fact fact = factIn(line);
+    if (line == "[/FORMAT]") {
+        inFormat = false;
+    } else if (fact.key.starts_with(tag)) {
+        const std::string key{fact.key.substr(tag.size())};
+        if (key == "timecode")
+            source.timecode = fact.value;
+        if (source.notes.size() < mostNotes)
+            note = &source.notes.insert_or_assign(key, fact.value).first->second;
+    } else if (note != nullptr) {
+        note->append("\n").append(line);
+    } else if (fact.key == "start_time") {
+        source.start = toSeconds(fact.value);
+    } else if (fact.key == "duration") {
+        source.duration = toSeconds(fact.value);
+    }
 }
 
 } // namespace
@@ -204,39 +271,13 @@ std::vector<std::string> probeArguments(const std::string &path)
 
 Source parseProbe(std::string_view text)
 {
-    Source source;
-    Stream *stream = nullptr;
-    bool inFormat = false;
+    ProbeReader reader;
     while (!text.empty()) {
         const std::string_view line = text.substr(0, text.find('\n'));
         text.remove_prefix(std::min(text.size(), line.size() + 1));
-        const std::size_t equals = line.find('=');
-        if (line.ends_with("SIDE_DATA]"))
-            continue; // it belongs to the stream
-        if (equals == std::string_view::npos) {
-            if (!line.starts_with('['))
-                continue; // a note may have several lines
-            stream = nullptr;
-            inFormat = line == "[FORMAT]";
-            continue;
-        }
-        const std::string_view key = line.substr(0, equals);
-        const std::string value{line.substr(equals + 1)};
-        if (key == "index" && !inFormat) {
-            // Transport streams list their streams twice, once by programme; the index tells which is which.
-            const std::size_t index = std::strtoul(value.c_str(), nullptr, 10);
-            stream = nullptr;
-            if (index >= mostStreams)
-                continue;
-            source.streams.resize(std::max(source.streams.size(), index + 1));
-            stream = &source.streams[index];
-        } else if (stream != nullptr) {
-            readStreamKey(*stream, key, value);
-        } else if (inFormat) {
-            readFormatKey(source, key, value);
-        }
+        reader.read(line);
     }
-    return source;
+    return reader.source;
 }
 
 } // namespace tooladapter

@@ -3,8 +3,8 @@
 
 #include "tooladapter/framerate.h"
 
+#include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,6 +13,9 @@ namespace tooladapter
 {
 
 constexpr int highestSampleRate = 1'000'000; ///< [samples/s] a rate beyond is damage
+
+/// Stands for a note that the application has seen and not passed on.
+constexpr std::string_view untoldNote = "...";
 
 /// What the probe tool says of one stream of a media file.
 struct Stream {
@@ -54,11 +57,11 @@ struct Stream {
 
 /// What the probe tool says of one media file.
 struct Source {
-    std::vector<Stream> streams;     ///< by stream index
-    double start = 0.0;              ///< [s] time stamp of what comes first in the file
-    double duration = 0.0;           ///< [s] of the longest stream; 0 where the file does not tell
-    std::string timecode;            ///< start timecode of the file as a whole; empty where it has none
-    std::set<std::string> tags = {}; ///< keys of the notes on the file as a whole
+    std::vector<Stream> streams; ///< by stream index
+    double start = 0.0;          ///< [s] time stamp of what comes first in the file
+    double duration = 0.0;       ///< [s] of the longest stream; 0 where the file does not tell
+    std::string timecode;        ///< start timecode of the file as a whole; empty where it has none
+    std::map<std::string, std::string> notes = {}; ///< on the file as a whole; untoldNote = it has one
 
     bool operator==(const Source &) const = default;
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <string>
 #include <string_view>
 
 using namespace std::string_view_literals;
@@ -40,6 +41,21 @@ bool isPlain(const std::string &key)
     return isOneOf(containerTags, key) || isOneOf(plainTags, withoutLanguage(key));
 }
 
+constexpr std::string_view commentPrefix = "comment_"; // of the tool's names for comments of MXF packages
+
+/// Whether an MXF file holds the note \a key of another kind of file as a comment. For the others it has a
+/// place of their own, or the tool does.
+bool becomesComment(const std::string &key)
+{
+    constexpr std::array others{"encoder"sv, "creation_time"sv, "timecode"sv, "reel_name"sv};
+    return !isOneOf(containerTags, key) && !isOneOf(others, key) && !key.starts_with(commentPrefix);
+}
+
+bool makesComments(const std::string &input, const std::string &output)
+{
+    return containerOf(output) == Container::Mxf && containerOf(input) != Container::Mxf;
+}
+
 bool holdsTimecode(std::string key)
 {
     std::transform(key.begin(), key.end(), key.begin(),
@@ -52,6 +68,23 @@ Option without(const std::string &key)
     return {"-metadata", key + '='};
 }
 
+/// The notes of \a source as comments, but those that hold a timecode where \a dropsTimecodes is set. All
+/// together must fit into a command, and each into 64 KiB of UTF-16; what goes beyond is left out.
+Options comments(const Source &source, bool dropsTimecodes)
+{
+    std::size_t room = 30'000; // [bytes]
+    Options options;
+    for (const auto &[key, text] : source.notes) {
+        const std::size_t size = key.size() + text.size();
+        if (!becomesComment(key) || (dropsTimecodes && holdsTimecode(key)) || text == untoldNote ||
+            size > room)
+            continue;
+        room -= size;
+        options.push_back({"-metadata", std::string(commentPrefix) + key + '=' + text});
+    }
+    return options;
+}
+
 std::string reelOf(const Source &source)
 {
     const auto found = std::find_if(source.streams.begin(), source.streams.end(),
@@ -61,25 +94,39 @@ std::string reelOf(const Source &source)
 
 } // namespace
 
+bool lacksNotes(const Source &source, const std::string &input, const std::string &output)
+{
+    return makesComments(input, output) &&
+           std::any_of(source.notes.begin(), source.notes.end(), [](const auto &note) {
+               return note.second == untoldNote && becomesComment(note.first);
+           });
+}
+
 Options tagOptions(const ExportPlan &plan, const Source &source, int picture, const Hints &hints)
 {
     if (plan.container != Container::QuickTime && plan.container != Container::Mxf)
         return plan.metadata;
 
     const bool isQuickTime = plan.container == Container::QuickTime;
-    const bool hasKeys = isQuickTime && !std::all_of(source.tags.begin(), source.tags.end(), isPlain);
+    const bool dropsTimecodes = plan.timecode || hints.isUnread;
+    const bool hasKeys = isQuickTime && !std::all_of(source.notes.begin(), source.notes.end(),
+                                                     [](const auto &note) { return isPlain(note.first); });
     Options options{
         {"-map_metadata", "0"}}; // named, since the tool leaves the time of recording out otherwise
-    if (plan.timecode || hints.isUnread) {
+    if (dropsTimecodes) {
         options.push_back({"-metadata:s", "timecode="});
         options.push_back(without("timecode"));
     }
-    for (const std::string &key : source.tags) {
-        const bool isOld = (plan.timecode || hints.isUnread) && holdsTimecode(key) && key != "timecode";
+    for (const auto &[key, text] : source.notes) {
+        const bool isOld = dropsTimecodes && holdsTimecode(key) && key != "timecode";
         const bool isForeign =
             hasKeys ? isOneOf(containerTags, key) : !isQuickTime && isOneOf(programTags, key);
         if (isOld || isForeign)
             options.push_back(without(key));
+    }
+    if (makesComments(plan.input, plan.output)) {
+        const Options more = comments(source, dropsTimecodes);
+        options.insert(options.end(), more.begin(), more.end());
     }
     const std::string reel = reelOf(source);
     // QuickTime files hold it with the timecode track, MXF files as a package of their own.

@@ -111,8 +111,12 @@ void TestExportLists::theToolIsToldWhatAProbeFinds()
     const ToolRun probe = runTool("ffprobe", arguments);
     const QString told = exporthints::sourceDescription(made.record);
     QVERIFY(!told.isEmpty());
-    QVERIFY2(tooladapter::parseProbe(told.toStdString()) ==
-                 tooladapter::parseProbe(probe.output.toStdString()),
+    tooladapter::Source probed = tooladapter::parseProbe(probe.output.toStdString());
+    for (auto &[name, text] : probed.notes) {
+        if (name != "timecode") // of the others, only the names are passed on
+            text = tooladapter::untoldNote;
+    }
+    QVERIFY2(tooladapter::parseProbe(told.toStdString()) == probed,
              qPrintable(told + "\ninstead of\n" + probe.output));
 }
 

@@ -7,6 +7,13 @@
 
 using namespace tooladapter;
 
+namespace
+{
+
+using Notes = std::map<std::string, std::string>;
+
+} // namespace
+
 class TestSource : public QObject
 {
     Q_OBJECT
@@ -90,16 +97,16 @@ void TestSource::notesOnTheFileAreNamed()
 {
     const Source source = parseProbe("[STREAM]\nindex=0\nTAG:language=eng\n[/STREAM]\n"
                                      "[FORMAT]\nTAG:title=a note\nindex=7\nTAG:timecode=01:02:03:04\n");
-    QVERIFY(source.tags == (std::set<std::string>{"timecode", "title"}));
+    QVERIFY(source.notes == (Notes{{"timecode", "01:02:03:04"}, {"title", "a note\nindex=7"}}));
     QCOMPARE(int(source.streams.size()), 1); // a note of two lines makes no stream
 }
 
 void TestSource::aNoteOfSeveralLinesHidesNothing()
 {
-    const Source source =
-        parseProbe("[FORMAT]\nTAG:comment=scene 12\ntake 3\n\nduration=2.0\nTAG:title=12A\n[/FORMAT]\n");
+    const Source source = parseProbe("[FORMAT]\nduration=2.0\nTAG:comment=scene 12\n[take]\n\nduration=3.0\n"
+                                     "TAG:title=12A\n[/FORMAT]\n");
     QCOMPARE(source.duration, 2.0);
-    QVERIFY(source.tags == (std::set<std::string>{"comment", "title"}));
+    QVERIFY(source.notes == (Notes{{"comment", "scene 12\n[take]\n\nduration=3.0"}, {"title", "12A"}}));
 }
 
 void TestSource::anUnknownLayoutIsNone()

@@ -19,9 +19,12 @@ QString textOf(const Options &options)
 
 const char dropsTimecode[] = "-map_metadata 0 -metadata:s timecode= -metadata timecode=";
 
+using Notes = std::map<std::string, std::string>;
+
 } // namespace
 
 Q_DECLARE_METATYPE(tooladapter::Container)
+Q_DECLARE_METATYPE(Notes)
 
 class TestTagRules : public QObject
 {
@@ -30,6 +33,10 @@ class TestTagRules : public QObject
 private slots:
     void notesAreKept_data();
     void notesAreKept();
+    void mxfHoldsNotesAsComments_data();
+    void mxfHoldsNotesAsComments();
+    void onlyCommentsNeedTheTextsOfNotes_data();
+    void onlyCommentsNeedTheTextsOfNotes();
     void theReelIsKept();
     void aSoundFileKeepsTheListsOwn();
 };
@@ -77,10 +84,85 @@ void TestTagRules::notesAreKept()
         plan.timecode = "10:11:12:13";
     Source source;
     for (const QString &tag : qAsConst(tags))
-        source.tags.insert(tag.toStdString());
+        source.notes[tag.toStdString()] = untoldNote;
     Hints hints;
     hints.isUnread = isUnread;
     QCOMPARE(textOf(tagOptions(plan, source, 0, hints)), options);
+}
+
+void TestTagRules::mxfHoldsNotesAsComments_data()
+{
+    QTest::addColumn<QString>("input");
+    QTest::addColumn<Notes>("notes");
+    QTest::addColumn<bool>("hasTimecode");
+    QTest::addColumn<QString>("options");
+    const QString keeps = "-map_metadata 0";
+    const auto row = [](const char *name, const Notes &notes, const QString &options) {
+        QTest::newRow(name) << "in.mov" << notes << false << options;
+    };
+    row("title and key", {{"title", "Scene 12A"}, {"com.apple.quicktime.make", "Works"}},
+        keeps + " -metadata comment_com.apple.quicktime.make=Works -metadata comment_title=Scene 12A");
+    row("two lines", {{"comment", "a\nb=c"}}, keeps + " -metadata comment_comment=a\nb=c");
+    row("what has a place of its own, or is the tool's",
+        {{"creation_time", "2024"}, {"encoder", "x"}, {"major_brand", "qt"}, {"timecode", "01:02:03:04"}},
+        keeps);
+    row("a comment already", {{"comment_title", "Scene 12A"}}, keeps);
+    row("a text that is not known", {{"title", "..."}}, keeps);
+    row("more than there is room for",
+        {{"a", std::string(20'000, 'x')}, {"b", std::string(20'000, 'y')}, {"c", "z"}},
+        keeps + " -metadata comment_a=" + QString(20'000, 'x') + " -metadata comment_c=z");
+    row("a timecode, where no other is written", {{"startTimecode", "x"}},
+        keeps + " -metadata comment_startTimecode=x");
+    QTest::newRow("a timecode that gives way") << "in.mov" << Notes{{"startTimecode", "x"}} << true
+                                               << QString(dropsTimecode) + " -metadata startTimecode=";
+    QTest::newRow("from MXF") << "in.MXF" << Notes{{"material_package_name", "x"}, {"comment_title", "y"}}
+                              << false << keeps;
+}
+
+void TestTagRules::mxfHoldsNotesAsComments()
+{
+    QFETCH(QString, input);
+    QFETCH(Notes, notes);
+    QFETCH(bool, hasTimecode);
+    QFETCH(QString, options);
+    ExportPlan plan;
+    plan.input = input.toStdString();
+    plan.output = "out.MXF";
+    plan.container = Container::Mxf;
+    if (hasTimecode)
+        plan.timecode = "10:11:12:13";
+    Source source;
+    source.notes = notes;
+    QCOMPARE(textOf(tagOptions(plan, source, 0, {})), options);
+}
+
+void TestTagRules::onlyCommentsNeedTheTextsOfNotes_data()
+{
+    QTest::addColumn<QString>("input");
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<Notes>("notes");
+    QTest::addColumn<bool>("lacks");
+    const Notes untold{{"creation_time", "..."}, {"title", "..."}};
+    QTest::newRow("into MXF") << "in.mov"
+                              << "out.MXF" << untold << true;
+    QTest::newRow("told already") << "in.mov"
+                                  << "out.MXF" << Notes{{"title", "x"}} << false;
+    QTest::newRow("nothing that becomes a comment") << "in.mov"
+                                                    << "out.MXF" << Notes{{"creation_time", "..."}} << false;
+    QTest::newRow("into QuickTime") << "in.mov"
+                                    << "out.MOV" << untold << false;
+    QTest::newRow("from MXF") << "in.mxf"
+                              << "out.MXF" << untold << false;
+}
+
+void TestTagRules::onlyCommentsNeedTheTextsOfNotes()
+{
+    QFETCH(QString, input);
+    QFETCH(QString, output);
+    QFETCH(Notes, notes);
+    Source source;
+    source.notes = notes;
+    QTEST(lacksNotes(source, input.toStdString(), output.toStdString()), "lacks");
 }
 
 void TestTagRules::theReelIsKept()
