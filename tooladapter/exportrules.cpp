@@ -185,6 +185,12 @@ Options pictureOptions(const ExportPlan &plan, const Stream &picture)
     return options;
 }
 
+/// Whether the written \a picture is interlaced.
+bool isInterlaced(const ExportPlan &plan, const Stream &picture)
+{
+    return isCopied(plan) ? picture.isInterlaced() : keepsFields(plan.pictureOptions, picture);
+}
+
 /// How many threads each tool of a batch may use, so that all together use the machine once; 0 = as it likes.
 int threadsOf(const Hints &hints)
 {
@@ -229,8 +235,8 @@ Export exportOf(ExportPlan plan, const Source &source, const Hints &hints)
         result.timecode = startTimecode(plan, source, result.pictureStream, hints.timecodeRate);
         options.push_back({"-timecode", result.timecode});
     }
-    result.notesFields = hasPicture && isCopied(plan) && plan.container == Container::QuickTime &&
-                         source.streams[static_cast<std::size_t>(result.pictureStream)].isInterlaced();
+    result.notesFields = hasPicture && plan.container == Container::QuickTime &&
+                         isInterlaced(plan, source.streams[static_cast<std::size_t>(result.pictureStream)]);
     Options general{{"-y", {}}};
     // A copy stops at the first error; a coder may meet damaged pictures and go on after them.
     if (!hasPicture || isCopied(plan)) {

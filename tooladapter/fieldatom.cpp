@@ -105,8 +105,12 @@ std::optional<std::string> withFieldOrder(const std::string &movie, bool topFiel
         const std::string atom = "\0\0\0\x0a"
                                  "fiel\x02"s +
                                  (topFieldFirst ? topFirst : bottomFirst);
+        // Some descriptions end their list of atoms with a zero; behind it, no reader looks.
+        const auto atoms = atomsIn(movie, description + headerLength + picturesLength, end);
+        const std::size_t place = atoms.empty() ? description + headerLength + picturesLength
+                                                : atoms.back() + numberAt(movie, atoms.back());
         std::string noted = movie;
-        noted.insert(end, atom);
+        noted.insert(place, atom);
         putNumber(noted, 0, movie.size() + atom.size());
         for (const std::size_t parent : path)
             putNumber(noted, parent, numberAt(movie, parent) + atom.size());

@@ -156,40 +156,67 @@ Size heldSize(const Size &size)
             std::max(size.height + size.height % 2, smallest.height)};
 }
 
-} // namespace
+/// Where a picture is to be within the frames of the written file.
+struct Layout {
+    View view;     ///< of the source
+    bool isFitted; ///< the frame has a given size
+    Size image;    ///< of the picture in the frame
+    Size frame;
+};
 
-Options pictureTreatment(const Options &codec, const Stream &picture)
+Layout layoutOf(const Options &codec, const Stream &picture)
 {
     const View view = viewOf(picture);
     const Size given = sizeFrom(valueOf(codec, "-s"));
-    const bool isFitted = given.width > 0 && given.height > 0;
-    const Size image = isFitted ? fitted(view, given) : view.size;
-    const Size frame = isFitted ? given : heldSize(view.size);
+    if (given.width > 0 && given.height > 0)
+        return {view, true, fitted(view, given), given};
+    return {view, false, view.size, heldSize(view.size)};
+}
+
+/// The filter that gives the picture its size and colours; empty where both are right.
+std::string scaler(const Layout &layout, const std::string &conversion, bool isScaled, bool keepsFields)
+{
+    if (!isScaled && conversion.empty())
+        return {};
+    std::string filter = "scale=";
+    if (layout.isFitted)
+        filter += std::to_string(layout.image.width) + ':' + std::to_string(layout.image.height);
+    if (keepsFields)
+        filter += ":interl=1";
+    if (!conversion.empty())
+        filter += (layout.isFitted ? ":" : "") + conversion;
+    return filter;
+}
+
+} // namespace
+
+bool keepsFields(const Options &codec, const Stream &picture)
+{
+    const Layout layout = layoutOf(codec, picture);
+    return picture.isInterlaced() && picture.rotation % 180 == 0 && layout.isFitted &&
+           layout.image.height == picture.height && holdsFields(codec);
+}
+
+Options pictureTreatment(const Options &codec, const Stream &picture)
+{
+    const Layout layout = layoutOf(codec, picture);
     const Colors colors = colorsOf(picture);
-    const bool keepsFields = picture.isInterlaced() && picture.rotation % 180 == 0 && isFitted &&
-                             image.height == picture.height && holdsFields(codec);
+    const bool staysInterlaced = keepsFields(codec, picture);
 
     Chain chain;
-    if (!keepsFields)
+    if (!staysInterlaced)
         chain.add(fieldsToFrames(picture));
-    const bool isScaled = isFitted && (keepsFields || differsInShape(view, frame));
-    if (isScaled || !colors.conversion.empty()) {
-        std::string scaler = "scale=";
-        if (isFitted)
-            scaler += std::to_string(image.width) + ':' + std::to_string(image.height);
-        if (keepsFields)
-            scaler += ":interl=1";
-        if (!colors.conversion.empty())
-            scaler += (isFitted ? ":" : "") + colors.conversion;
-        chain.add(scaler);
-        chain.add("format=" + valueOf(codec, "-pix_fmt")); // lest another scaler converts once more
-    }
-    if (view.aspect > 0.0 && image != frame)
-        chain.add("pad=" + std::to_string(frame.width) + ':' + std::to_string(frame.height) +
+    const bool isScaled = layout.isFitted && (staysInterlaced || differsInShape(layout.view, layout.frame));
+    const std::string scale = scaler(layout, colors.conversion, isScaled, staysInterlaced);
+    chain.add(scale);
+    if (!scale.empty())
+        chain.add("format=" + valueOf(codec, "-pix_fmt")); // so that no other scaler converts once more
+    if (layout.view.aspect > 0.0 && layout.image != layout.frame)
+        chain.add("pad=" + std::to_string(layout.frame.width) + ':' + std::to_string(layout.frame.height) +
                   ":(ow-iw)/2:(oh-ih)/2");
     if (isScaled)
         chain.add("setsar=1");
-    if (keepsFields)
+    if (staysInterlaced)
         chain.add(picture.topFieldFirst() ? "setfield=tff" : "setfield=bff");
     if (!colors.result.empty())
         chain.add("setparams=" + colors.result);
@@ -197,7 +224,7 @@ Options pictureTreatment(const Options &codec, const Stream &picture)
     Options options;
     if (!chain.text.empty())
         options.push_back({"-filter:v:0", chain.text});
-    if (keepsFields)
+    if (staysInterlaced)
         options.push_back({"-flags:v:0", "+ildct+ilme"});
     return options;
 }

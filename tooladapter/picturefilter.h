@@ -7,6 +7,9 @@
 namespace tooladapter
 {
 
+/// Whether \a picture stays interlaced in the codec that \a codec names.
+bool keepsFields(const Options &codec, const Stream &picture);
+
 /// What a coded \a picture needs so that it stays what it was, beside the codec that \a codec names: nothing
 /// is stretched, fields stay fields or become frames, and colours stay the same.
 ///

@@ -65,6 +65,9 @@ void TestFieldAtom::theOrderIsNotedOnce_data()
         << movie(track("vide", description())) << false << movie(track("vide", description(order(14))));
     QTest::newRow("behind the sound") << movie(sound + track("vide", description()) + sound) << true
                                       << movie(sound + track("vide", description(order(9))) + sound);
+    const QByteArray last(4, '\0'); // ends the list of atoms, as some descriptions have it
+    QTest::newRow("before the end of the list") << movie(track("vide", description(last))) << true
+                                                << movie(track("vide", description(order(9) + last)));
     QTest::newRow("noted already") << movie(track("vide", description(order(1)))) << true << QByteArray();
     QTest::newRow("sound alone") << movie(sound) << true << QByteArray();
     QTest::newRow("no description") << movie(track("vide", {})) << true << QByteArray();

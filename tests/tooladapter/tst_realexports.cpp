@@ -59,6 +59,8 @@ private slots:
     void aCircleStaysACircle();
     void copiedFieldsKeepTheirOrder_data();
     void copiedFieldsKeepTheirOrder();
+    void codedFieldsAreNotedInQuickTime_data();
+    void codedFieldsAreNotedInQuickTime();
     void killingAnExportLeavesNoProcess_data();
     void killingAnExportLeavesNoProcess();
 
@@ -68,6 +70,8 @@ private:
     int exportFile(const QString &source, const QStringList &picture, const QString &target);
     double durationOf(const QString &name);
     int framesOf(const QString &name);
+    void makeFields(const QString &size, const QString &first);
+    QByteArray fieldOrderOf(const QString &name);
     double silenceBefore(const QString &name);
     void describe(const QString &source);
 
@@ -116,6 +120,23 @@ int TestRealExports::framesOf(const QString &name)
     run("ffprobe", {"-v", "error", "-count_packets", "-select_streams", "v", "-show_entries",
                     "stream=nb_read_packets", "-of", "default=nokey=1:noprint_wrappers=1", name});
     return output.trimmed().toInt();
+}
+
+/// Makes "fields.mov", an interlaced picture; \a first is its coder's word for the order.
+void TestRealExports::makeFields(const QString &size, const QString &first)
+{
+    QCOMPARE(run("ffmpeg", {"-v", "error", "-y", "-f", "lavfi", "-i",
+                            "testsrc2=size=" + size + ":rate=25:duration=0.4", "-c:v", "libx264", "-preset",
+                            "ultrafast", "-x264-params", first, "-flags", "+ildct+ilme", "fields.mov"}),
+             0);
+}
+
+/// The order of fields in \a name, in the words of the probe tool.
+QByteArray TestRealExports::fieldOrderOf(const QString &name)
+{
+    run("ffprobe", {"-v", "error", "-select_streams", "v", "-show_entries", "stream=field_order", "-of",
+                    "default=nokey=1:noprint_wrappers=1", name});
+    return output.trimmed();
 }
 
 /// How long the first audio stream of \a name is silent at its beginning [s].
@@ -413,16 +434,40 @@ void TestRealExports::copiedFieldsKeepTheirOrder()
 {
     QFETCH(QString, first);
     QFETCH(QByteArray, order);
-    QCOMPARE(run("ffmpeg", {"-v", "error", "-y", "-f", "lavfi", "-i",
-                            "testsrc2=size=720x576:rate=25:duration=0.4", "-c:v", "libx264", "-preset",
-                            "ultrafast", "-x264-params", first, "-flags", "+ildct+ilme", "fields.mov"}),
-             0);
+    makeFields("720x576", first);
     QVERIFY2(exportFile("fields.mov", copied(), "fields.MOV.MOV") == 0, qPrintable(errors));
     QCOMPARE(run("ffmpeg", {"-v", "error", "-i", "fields.MOV.MOV", "-f", "null", "-"}), 0);
     QCOMPARE(errors, QString());
-    run("ffprobe", {"-v", "error", "-select_streams", "v", "-show_entries", "stream=field_order", "-of",
-                    "default=nokey=1:noprint_wrappers=1", "fields.MOV.MOV"});
-    QCOMPARE(output.trimmed(), order);
+    QCOMPARE(fieldOrderOf("fields.MOV.MOV"), order);
+}
+
+void TestRealExports::codedFieldsAreNotedInQuickTime_data()
+{
+    QTest::addColumn<QString>("first");  // field of the source
+    QTest::addColumn<QString>("target"); // its beginning
+    QTest::addColumn<QStringList>("picture");
+    QTest::addColumn<QByteArray>("order");
+    const QStringList known{"-vcodec", "dnxhd", "-b:v", "120M", "-pix_fmt", "yuv422p", "-s", "1920x1080"};
+    const QStringList unknown{"-vcodec", "dnxhd", "-b:v", "36M", "-pix_fmt", "yuv422p", "-s", "1920x1080"};
+    QTest::newRow("top field first") << "tff=1"
+                                     << "top" << known << QByteArray("tb");
+    QTest::newRow("bottom field first") << "bff=1"
+                                        << "bottom" << known << QByteArray("bt");
+    QTest::newRow("a profile without fields") << "tff=1"
+                                              << "none" << unknown << QByteArray("unknown");
+}
+
+void TestRealExports::codedFieldsAreNotedInQuickTime()
+{
+    QFETCH(QString, first);
+    QFETCH(QString, target);
+    QFETCH(QStringList, picture);
+    QFETCH(QByteArray, order);
+    makeFields("1920x1080", first);
+    QVERIFY2(exportFile("fields.mov", picture, target + ".MOV") == 0, qPrintable(errors));
+    QCOMPARE(fieldOrderOf(target + ".MOV"), order);
+    QCOMPARE(run("ffmpeg", {"-v", "error", "-i", target + ".MOV", "-f", "null", "-"}), 0);
+    QCOMPARE(errors, QString());
 }
 
 void TestRealExports::killingAnExportLeavesNoProcess_data()
