@@ -7,7 +7,6 @@
 #include "tooladapter/exportrules.h"
 #include "tooladapter/extractionrules.h"
 #include "tooladapter/fieldatom.h"
-#include "tooladapter/fileheader.h"
 #include "tooladapter/keptchunks.h"
 #include "tooladapter/refusal.h"
 #include "tooladapter/source.h"
@@ -69,14 +68,12 @@ Source sourceOf(const ArgumentList &list)
     return source;
 }
 
-/// Throws Refusal where the file that \a job has left is not complete. A reading of its header settles that
-/// for complete files; for all others the probe tool has the last word.
+/// Throws Refusal where the file that \a job has left is not complete, in the eyes of the probe tool.
 void checkWrittenFile(const Export &job, const Source &source)
 {
-    const auto header = readFileHeader(job.path);
-    if (header && faultIn(*header, job, source).empty())
-        return;
-    const std::string fault = faultIn(probe(job.path), job, source);
+    std::string report;
+    const bool isRead = capture({toolPath("ffprobe"), checkArguments(job, source)}, report) == 0;
+    const std::string fault = isRead ? faultInReport(report, job, source) : job.path + " cannot be read";
     if (!fault.empty())
         throw Refusal(fault);
 }
@@ -90,15 +87,17 @@ void setAside(const std::string &path)
         std::filesystem::rename(path, path + ".incomplete", ignored);
 }
 
-/// Runs the tool and looks at what it has written. It stays this process's child, since a tool that reports
-/// success may have left a file that ends too early.
-int write(const Export &job, const Source &source)
+/// Runs the tool, adds to the file what the tool leaves out, and looks at it. The tool stays this process's
+/// child, since one that reports success may have left a file that ends too early.
+int write(const ExportPlan &plan, const Export &job, const Source &source, const Hints &hints)
 {
     const int exitCode = run({toolPath("ffmpeg"), job.arguments});
     if (exitCode != 0)
         return exitCode;
     if (job.notesFields)
         noteFieldOrder(job.path, source.streams[static_cast<std::size_t>(job.pictureStream)].topFieldFirst());
+    if (plan.container == Container::Wave)
+        keepChunks(filePath(plan.input), job.path, waveChangesOf(plan, hints.timecodeRate));
     checkWrittenFile(job, source);
     return exitCode;
 }
@@ -114,11 +113,9 @@ int runExport(const ArgumentList &list)
     if (job.together > 0)
         turn.emplace(job.together);
     try {
-        const int exitCode = write(job, source);
+        const int exitCode = write(plan, job, source, hints);
         if (exitCode != 0)
             setAside(job.path);
-        else if (plan.container == Container::Wave)
-            keepChunks(filePath(list.input), job.path, waveChangesOf(plan, hints.timecodeRate));
         return exitCode;
     } catch (const Refusal &) {
         setAside(job.path);

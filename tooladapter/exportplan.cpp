@@ -110,6 +110,15 @@ Container containerOf(const std::string &path)
     return suffix == ".wav" ? Container::Wave : Container::Other;
 }
 
+std::optional<std::string> noteIn(const Options &metadata, const std::string &key)
+{
+    const std::string beginning = key + '=';
+    const auto found = std::find_if(metadata.begin(), metadata.end(), [&beginning](const Option &option) {
+        return option.name == "-metadata" && option.value.starts_with(beginning);
+    });
+    return found == metadata.end() ? std::nullopt : std::optional(found->value.substr(beginning.size()));
+}
+
 ExportPlan planOf(const ArgumentList &list, const Source &source, const Hints &hints)
 {
     const Output &output = list.outputs.front();

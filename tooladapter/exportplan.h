@@ -40,6 +40,9 @@ struct ExportPlan {
     std::optional<std::string> readerRate; ///< the frame rate that came with the timecode
 };
 
+/// What \a metadata says of \a key, such as "time_reference"; nothing where it says nothing.
+std::optional<std::string> noteIn(const Options &metadata, const std::string &key);
+
 /// Reads the plan out of \a list, whose job is an export. Where \a hints do not name the channel that carries
 /// the timecode, the list's channel groups and \a source do. Throws Refusal when the list names a stream that
 /// \a source does not have.

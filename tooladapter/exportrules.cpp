@@ -216,8 +216,11 @@ Export exportOf(ExportPlan plan, const Source &source, const Hints &hints)
     countAtOwnRate(plan.metadata, source, hints.timecodeSampleRate);
     Export result;
     result.path = filePath(plan.output);
+    if (plan.container == Container::Wave && hasOption(plan.metadata, "-write_bext"))
+        result.timeReference = noteIn(plan.metadata, "time_reference").value_or(std::string());
     result.pictureStream = plan.takesPicture ? source.firstPicture() : -1;
     const bool hasPicture = result.pictureStream >= 0;
+    result.copiesPicture = hasPicture && isCopied(plan);
     if (hasPicture)
         choosePictureCodec(plan, source.streams[static_cast<std::size_t>(result.pictureStream)],
                            hints.picture);

@@ -21,12 +21,14 @@ struct WrittenAudio {
 /// end.
 struct Export {
     std::vector<std::string> arguments;
-    std::string path;         ///< of the file to be written, as the file system knows it
-    bool notesFields = false; ///< the order of the picture's fields is to be noted in the file
-    int together = 0;         ///< tools of the batch that may work at once; 0 = all
-    int pictureStream = -1;   ///< index of the source's picture that is taken, -1 = none
+    std::string path;           ///< of the file to be written, as the file system knows it
+    bool notesFields = false;   ///< the order of the picture's fields is to be noted in the file
+    int together = 0;           ///< tools of the batch that may work at once; 0 = all
+    int pictureStream = -1;     ///< index of the source's picture that is taken, -1 = none
+    bool copiesPicture = false; ///< it is taken as it is
     std::vector<WrittenAudio> audio;
-    std::string timecode; ///< start timecode; empty = none is asked for
+    std::string timecode;      ///< start timecode; empty = none is asked for
+    std::string timeReference; ///< start of a sound file [samples since midnight]; empty = none is asked for
 };
 
 /// A path that the tools take for a file of that name and nothing else.

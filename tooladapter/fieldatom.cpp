@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tooladapter/fieldatom.h"
 
-#include "tooladapter/binaryfile.h"
+#include "tooladapter/randomaccessfile.h"
 #include "tooladapter/refusal.h"
 
 #include <cstdint>
-#include <fstream>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 using namespace std::string_literals;
@@ -17,7 +17,8 @@ namespace tooladapter
 namespace
 {
 
-constexpr std::size_t headerLength = 8; // of an atom: its length and its type
+constexpr std::size_t headerLength = 8;      // of an atom: its length and its type
+constexpr std::size_t longHeaderLength = 16; // with a length of 64 bits behind them
 
 std::size_t numberAt(std::string_view bytes, std::size_t position)
 {
@@ -121,34 +122,34 @@ std::optional<std::string> withFieldOrder(const std::string &movie, bool topFiel
 
 void noteFieldOrder(const std::string &path, bool topFieldFirst)
 {
+    RandomAccessFile file(path, RandomAccessFile::Access::Change);
+    const std::uint64_t size = file.isOpen() ? file.size() : 0;
     std::uint64_t begin = 0;
-    std::optional<std::string> movie;
-    try {
-        BinaryFile file(path);
-        std::uint64_t length = 0;
-        for (; begin < file.size(); begin += length) {
-            length = file.bigEndian(begin, 4);
-            if (length == 1)
-                length = file.bigEndian(begin + headerLength, 8);
-            if (length < headerLength)
-                return;
-            if (file.bytes(begin + 4, 4) == "moov")
-                break;
-        }
-        // Behind the movie's samples, it may grow without moving them.
-        if (begin + length != file.size())
+    std::uint64_t length = 0;
+    std::string type;
+    while (type != "moov") {
+        begin += length;
+        if (begin + longHeaderLength > size)
             return;
-        movie = withFieldOrder(file.bytes(begin, length), topFieldFirst);
-    } catch (const BrokenFile &) {
-        return; // a look at the file tells what is wrong with it
+        const std::string header = file.read(begin, longHeaderLength);
+        type = header.substr(4, 4);
+        length = numberAt(header, 0);
+        if (length == 1)
+            length = numberAt(header, headerLength) << 32 | numberAt(header, headerLength + 4);
+        if (length < headerLength || length > size - begin)
+            return;
     }
+    // Behind the movie's samples, it may grow without moving them.
+    if (begin + length != size)
+        return;
+    const auto movie = withFieldOrder(file.read(begin, length), topFieldFirst);
     if (!movie)
         return;
-    std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
-    file.seekp(static_cast<std::streamoff>(begin));
-    file.write(movie->data(), static_cast<std::streamsize>(movie->size()));
-    if (!file.flush())
+    try {
+        file.write(begin, *movie);
+    } catch (const std::system_error &) {
         throw Refusal("the order of the fields could not be written into " + path);
+    }
 }
 
 } // namespace tooladapter

@@ -13,7 +13,7 @@ namespace tooladapter
 std::optional<std::string> withFieldOrder(const std::string &movie, bool topFieldFirst);
 
 /// Notes the order of the fields in the QuickTime file at \a path. Where its movie atom is not the last one,
-/// or cannot be read, the file stays as it is. Throws Refusal where it can no longer be written.
+/// or is damaged, the file stays as it is. Throws Refusal where it can no longer be written.
 void noteFieldOrder(const std::string &path, bool topFieldFirst);
 
 } // namespace tooladapter

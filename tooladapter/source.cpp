@@ -255,7 +255,7 @@ std::string Source::startTimecode() const
     return timecode.empty() && found != streams.end() ? found->timecode : timecode;
 }
 
-std::vector<std::string> probeArguments(const std::string &path)
+std::vector<std::string> probeArguments(const std::string &path, const std::string &further)
 {
     const std::string entries =
         "stream=index,codec_type,codec_name,channels,sample_rate,channel_layout,r_frame_rate,"
@@ -266,7 +266,7 @@ std::vector<std::string> probeArguments(const std::string &path)
         ":stream_side_data=rotation"
         ":format=start_time,duration"
         ":format_tags";
-    return {"-v", "error", "-show_entries", entries, "-i", path};
+    return {"-v", "error", "-show_entries", entries + further, "-i", path};
 }
 
 Source parseProbe(std::string_view text)

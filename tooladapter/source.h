@@ -83,8 +83,9 @@ struct Source {
     std::string startTimecode() const;
 };
 
-/// The arguments that make the probe tool print, for the file at \a path, what parseProbe() reads.
-std::vector<std::string> probeArguments(const std::string &path);
+/// The arguments that make the probe tool print, for the file at \a path, what parseProbe() reads; \a further
+/// sections are printed too, and ignored by it.
+std::vector<std::string> probeArguments(const std::string &path, const std::string &further = {});
 
 /// Reads the probe tool's sections of "key=value" lines. Missing keys leave the defaults.
 Source parseProbe(std::string_view text);

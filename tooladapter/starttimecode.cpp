@@ -51,23 +51,6 @@ StartTimecode StartTimecode::fromText(const std::string &text)
     return timecode;
 }
 
-StartTimecode StartTimecode::fromFrameNumber(long number, int nominalRate, bool dropFrame)
-{
-    if (number < 0 || nominalRate <= 0)
-        return {};
-    if (dropFrame) {
-        const long dropped = droppedNumbers(nominalRate);
-        const long perMinute = 60L * nominalRate - dropped;
-        const long perTenMinutes = 10 * perMinute + dropped;
-        const long rest = number % perTenMinutes;
-        const long minute = rest < dropped ? 0 : (rest - dropped) / perMinute;
-        number += dropped * (number / perTenMinutes * 9 + minute);
-    }
-    const long second = number / nominalRate;
-    return {static_cast<int>(second / 3600 % 24), static_cast<int>(second / 60 % 60),
-            static_cast<int>(second % 60), static_cast<int>(number % nominalRate), dropFrame};
-}
-
 std::string StartTimecode::toText() const
 {
     std::array<char, 48> text{};

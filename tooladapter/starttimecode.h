@@ -19,10 +19,6 @@ struct StartTimecode {
     /// Throws Refusal when \a text is no time of day in one of the two forms.
     static StartTimecode fromText(const std::string &text);
 
-    /// The timecode of the frame \a number (from 0, at midnight) where \a nominalRate frames are counted a
-    /// second.
-    static StartTimecode fromFrameNumber(long number, int nominalRate, bool dropFrame);
-
     std::string toText() const;
 };
 

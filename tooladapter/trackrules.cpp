@@ -99,18 +99,12 @@ std::string codecOf(SoundType sound)
     return sound == SoundType::Pcm24 ? "pcm_s24le" : "";
 }
 
-bool hasTimeReference(const Options &metadata)
-{
-    return std::any_of(metadata.begin(), metadata.end(),
-                       [](const Option &option) { return option.value.starts_with("time_reference="); });
-}
-
 } // namespace
 
 void takeAllStreams(ExportPlan &plan, const Source &source, const Hints &hints)
 {
     const bool isWave = plan.container == Container::Wave;
-    const bool leavesTimecode = hints.timecodeChannel || hasTimeReference(plan.metadata);
+    const bool leavesTimecode = hints.timecodeChannel || noteIn(plan.metadata, "time_reference");
     if (plan.streamsAreNamed && (!plan.tracks.empty() || leavesTimecode))
         return;
     if (!plan.streamsAreNamed && isWave && plan.commonCodec.empty() && leavesTimecode)

@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <string_view>
 
 namespace tooladapter
 {
@@ -30,14 +31,12 @@ FrameRate rateOf(const std::string &speed)
 
 WaveChanges waveChangesOf(const ExportPlan &plan, const FrameRate &timecodeRate)
 {
-    const std::string speedPrefix = "comment=sSPEED=";
+    constexpr std::string_view speedPrefix = "sSPEED=";
     WaveChanges changes;
-    for (const Option &option : plan.metadata) {
-        if (option.value.starts_with("time_reference="))
-            changes.setsStart = true;
-        else if (option.value.starts_with(speedPrefix))
-            changes.speed = option.value.substr(speedPrefix.size());
-    }
+    changes.setsStart = noteIn(plan.metadata, "time_reference").has_value();
+    const std::string comment = noteIn(plan.metadata, "comment").value_or(std::string());
+    if (comment.starts_with(speedPrefix))
+        changes.speed = comment.substr(speedPrefix.size());
     changes.rate = timecodeRate.isValid() ? timecodeRate : rateOf(changes.speed);
     if (!plan.tracks.empty())
         changes.keptChannels = plan.tracks.front().channels;

@@ -703,6 +703,13 @@ void TestExportRules::theJobTellsWhatTheFileMustHold()
     QCOMPARE(job.audio[0].channels, 2);
     QCOMPARE(job.audio[1].stream, 2);
     QCOMPARE(job.audio[1].channels, 3);
+    QVERIFY(job.copiesPicture);
+    QVERIFY(!exportFor("-y -i in.mov " + QString(coded25) + " out.MOV", "video:25/1").copiesPicture);
+
+    const QString sound = "-acodec pcm_s16le -metadata time_reference=5 out.WAV";
+    QCOMPARE(exportFor("-y -i in.wav -write_bext 1 " + sound, "audio:pcm_s16le:2").timeReference,
+             std::string("5"));
+    QCOMPARE(exportFor("-y -i in.wav " + sound, "audio:pcm_s16le:2").timeReference, std::string());
 }
 
 QTEST_APPLESS_MAIN(TestExportRules)

@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -46,8 +47,8 @@ private slots:
     void aFullDiskIsAFailure();
     void filesInOddFoldersAreWritten_data();
     void filesInOddFoldersAreWritten();
-    void aCompleteFileIsKnownWithoutAProbe_data();
-    void aCompleteFileIsKnownWithoutAProbe();
+    void aFileThatIsCutIsAFailure_data();
+    void aFileThatIsCutIsAFailure();
     void aFileThatCannotBeMadeIsAFailure_data();
     void aFileThatCannotBeMadeIsAFailure();
     void everyExtractedFileEndsAfterThreeSeconds();
@@ -238,37 +239,55 @@ void TestRealExports::filesInOddFoldersAreWritten()
     QVERIFY(QFileInfo(folder.filePath(target + "/clip.MOV")).size() > 0);
 }
 
-void TestRealExports::aCompleteFileIsKnownWithoutAProbe_data()
+void TestRealExports::aFileThatIsCutIsAFailure_data()
 {
     QTest::addColumn<QStringList>("chosen");
     QTest::addColumn<QString>("target");
     const QStringList timecode{"-timecode", "10:11:12:13", "-r", "25"};
-    QTest::newRow("copied to QuickTime") << copied() + timecode << "known.MOV";
-    QTest::newRow("coded to MXF") << coded() + timecode << "known.MXF";
-    QTest::newRow("sound alone") << QStringList{"-map", "0:1", "-acodec", "pcm_s16le"} << "known.WAV";
+    const QStringList dnxhd{"-vcodec", "dnxhd", "-b:v", "36M", "-pix_fmt", "yuv422p", "-s", "1920x1080"};
+    QTest::newRow("copied to QuickTime") << copied() + timecode << "cut.MOV";
+    QTest::newRow("MPEG-2 in MXF, whose index comes last") << coded() + timecode << "cut.MXF";
+    QTest::newRow("DNxHD in MXF, whose index comes first") << dnxhd + timecode << "cut.MXF";
+    QTest::newRow("sound alone") << QStringList{"-map", "0:1", "-acodec", "pcm_s16le"} << "cut.MOV";
+    QTest::newRow("WAV") << QStringList{"-write_bext", "1",   "-metadata", "time_reference=1760232000",
+                                        "-map",        "0:1", "-acodec",   "pcm_s16le"}
+                         << "cut.WAV";
 }
 
-void TestRealExports::aCompleteFileIsKnownWithoutAProbe()
+void TestRealExports::aFileThatIsCutIsAFailure()
 {
     QFETCH(QStringList, chosen);
     QFETCH(QString, target);
     const QString source = folder.filePath("whole.mov");
-    describe(source);
-
-    // An ffprobe that fails and tells that it was called
+    const QStringList arguments = QStringList{"-y", "-i", source} + chosen + QStringList{target};
+    QVERIFY2(run("ffmpeg.exe", arguments) == 0, qPrintable(errors));
     QVERIFY(QDir(folder.path()).mkpath("tools"));
-    QFile probe(folder.filePath("tools/ffprobe"));
-    QVERIFY(probe.open(QIODevice::WriteOnly));
-    probe.write("#!/bin/sh\ntouch probed\nexit 1\n");
-    probe.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    probe.close();
+    QFile::remove(folder.filePath("tools/whole"));
+    QVERIFY(QFile::rename(folder.filePath(target), folder.filePath("tools/whole")));
+
+    // An ffmpeg that reports success for any part of the file
+    QFile tool(folder.filePath("tools/ffmpeg"));
+    QVERIFY(tool.open(QIODevice::WriteOnly));
+    tool.write("#!/bin/sh\nfor last; do :; done\nhead -c $SIZE tools/whole >\"$last\"\n");
+    tool.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    tool.close();
+    describe(source);
     const QByteArray searchPath = qgetenv("PATH");
     qputenv("PATH", QFile::encodeName(folder.filePath("tools:")) + searchPath);
-    const int exitCode = run("ffmpeg.exe", QStringList{"-y", "-i", source} + chosen + QStringList{target});
-    qputenv("PATH", searchPath);
-    qunsetenv("OSTREL_SOURCE");
-    QVERIFY2(exitCode == 0, qPrintable(errors));
-    QVERIFY(!QFile::exists(folder.filePath("probed")));
+    const auto restore = qScopeGuard([&searchPath] {
+        qputenv("PATH", searchPath);
+        qunsetenv("OSTREL_SOURCE");
+    });
+    const qint64 size = QFileInfo(folder.filePath("tools/whole")).size();
+    constexpr int parts = 20;
+    for (int part = 0; part <= parts - 3; ++part) { // half a second of five may be missing
+        qputenv("SIZE", QByteArray::number(size * part / parts));
+        QVERIFY2(run("ffmpeg.exe", arguments) > 0, qPrintable(QString("%1 of %2").arg(part).arg(parts)));
+        QVERIFY(!QFileInfo::exists(folder.filePath(target)));
+        QVERIFY(QFileInfo::exists(folder.filePath(target + ".incomplete")));
+    }
+    qputenv("SIZE", QByteArray::number(size));
+    QVERIFY2(run("ffmpeg.exe", arguments) == 0, qPrintable(errors));
 }
 
 void TestRealExports::aFileThatCannotBeMadeIsAFailure_data()
