@@ -68,6 +68,13 @@ std::string contentOf(const Bytes &file, const Chunk *chunk)
     return chunk && chunk->length <= mostBytes ? file.at(chunk->begin, chunk->length) : std::string();
 }
 
+/// \a file as bytes, not to be used longer than it.
+Bytes bytesOf(const RandomAccessFile &file)
+{
+    return {file.size(),
+            [&file](std::uint64_t position, std::size_t count) { return file.read(position, count); }};
+}
+
 } // namespace
 
 std::optional<Rewriting> rewritingWithChunksOf(const Bytes &source, const Bytes &written,
@@ -120,7 +127,7 @@ void keepChunks(const std::string &source, const std::string &written, const Wav
     RandomAccessFile to(written, RandomAccessFile::Access::Change);
     if (!to.isOpen())
         throw Refusal(written + " cannot be opened for its metadata");
-    const auto rewriting = rewritingWithChunksOf(from.bytes(), to.bytes(), changes);
+    const auto rewriting = rewritingWithChunksOf(bytesOf(from), bytesOf(to), changes);
     if (!rewriting)
         return;
 

@@ -81,9 +81,4 @@ void RandomAccessFile::truncate(std::uint64_t size)
         fail("a file cannot be made shorter");
 }
 
-Bytes RandomAccessFile::bytes() const
-{
-    return {size(), [this](std::uint64_t position, std::size_t count) { return read(position, count); }};
-}
-
 } // namespace tooladapter

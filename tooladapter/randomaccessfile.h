@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tooladapter/wavechunks.h"
-
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -30,9 +29,6 @@ public:
 
     void write(std::uint64_t position, const std::string &content);
     void truncate(std::uint64_t size); ///< [bytes]
-
-    /// The file as bytes; not to be used longer than it.
-    Bytes bytes() const;
 
 private:
     int descriptor;
