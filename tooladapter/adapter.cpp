@@ -2,18 +2,18 @@
 // Linux: knows its own file through /proc.
 #include "tooladapter/adapter.h"
 
-#include "tooladapter/childprocess.h"
-#include "tooladapter/exportplan.h"
-#include "tooladapter/exportrules.h"
-#include "tooladapter/extractionrules.h"
-#include "tooladapter/fieldatom.h"
-#include "tooladapter/keptchunks.h"
-#include "tooladapter/refusal.h"
-#include "tooladapter/source.h"
-#include "tooladapter/tagrules.h"
-#include "tooladapter/toolsearch.h"
-#include "tooladapter/turn.h"
-#include "tooladapter/writtenfile.h"
+#include "tooladapter/chunks/fieldatom.h"
+#include "tooladapter/chunks/keptchunks.h"
+#include "tooladapter/posix/childprocess.h"
+#include "tooladapter/posix/toolsearch.h"
+#include "tooladapter/posix/turn.h"
+#include "tooladapter/rules/exportplan.h"
+#include "tooladapter/rules/exportrules.h"
+#include "tooladapter/rules/extractionrules.h"
+#include "tooladapter/rules/refusal.h"
+#include "tooladapter/rules/source.h"
+#include "tooladapter/rules/tagrules.h"
+#include "tooladapter/verify/writtenfile.h"
 
 #include <cstdlib>
 #include <filesystem>

@@ -7,7 +7,7 @@
 #include "tests/export-matrix/toolrun.h"
 #include "tests/export-matrix/wantedlist.h"
 #include "tests/fakes/faketools.h"
-#include "tooladapter/source.h"
+#include "tooladapter/rules/source.h"
 
 #include <QDir>
 #include <QMap>

@@ -8,9 +8,9 @@
 
 #include "tests/fuzz/fuzzinput.h"
 #include "tests/tooladapter/wavebytes.h"
-#include "tooladapter/bextchunk.h"
-#include "tooladapter/keptchunks.h"
-#include "tooladapter/xmlelement.h"
+#include "tooladapter/chunks/bextchunk.h"
+#include "tooladapter/chunks/keptchunks.h"
+#include "tooladapter/chunks/xmlelement.h"
 
 #include <algorithm>
 #include <array>

@@ -8,11 +8,11 @@
 
 #include "ltcreader/commandline.h"
 #include "tests/fuzz/fuzzinput.h"
-#include "tooladapter/exportplan.h"
-#include "tooladapter/exportrules.h"
-#include "tooladapter/extractionrules.h"
-#include "tooladapter/refusal.h"
-#include "tooladapter/writtenfile.h"
+#include "tooladapter/rules/exportplan.h"
+#include "tooladapter/rules/exportrules.h"
+#include "tooladapter/rules/extractionrules.h"
+#include "tooladapter/rules/refusal.h"
+#include "tooladapter/verify/writtenfile.h"
 
 #include <QRegularExpression>
 

@@ -4,9 +4,9 @@
 // already, so the adapter checks it as after a real export; that run of the real probe tool is not counted.
 // The limit is one of processor time, which a busy machine does not stretch; the time that passes is that on
 // a quiet one.
-#include "tooladapter/exportrules.h"
-#include "tooladapter/source.h"
-#include "tooladapter/writtenfile.h"
+#include "tooladapter/rules/exportrules.h"
+#include "tooladapter/rules/source.h"
+#include "tooladapter/verify/writtenfile.h"
 
 #include <QCoreApplication>
 #include <QDir>

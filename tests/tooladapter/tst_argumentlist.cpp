@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/tooladapter/words.h"
-#include "tooladapter/argumentlist.h"
+#include "tooladapter/rules/argumentlist.h"
 
 #include <QTest>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/tooladapter/wavebytes.h"
 #include "tests/tooladapter/words.h"
-#include "tooladapter/bextchunk.h"
-#include "tooladapter/wavefacts.h"
+#include "tooladapter/chunks/bextchunk.h"
+#include "tooladapter/chunks/wavefacts.h"
 
 #include <QTest>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/tooladapter/words.h"
-#include "tooladapter/exportplan.h"
-#include "tooladapter/exportrules.h"
-#include "tooladapter/refusal.h"
+#include "tooladapter/rules/exportplan.h"
+#include "tooladapter/rules/exportrules.h"
+#include "tooladapter/rules/refusal.h"
 
 #include <QTest>
 

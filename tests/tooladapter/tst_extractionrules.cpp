@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/tooladapter/words.h"
-#include "tooladapter/extractionrules.h"
-#include "tooladapter/refusal.h"
+#include "tooladapter/rules/extractionrules.h"
+#include "tooladapter/rules/refusal.h"
 
 #include <QTest>
 #include <QVector>

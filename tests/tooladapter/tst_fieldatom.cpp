@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tooladapter/fieldatom.h"
+#include "tooladapter/chunks/fieldatom.h"
 
 #include <QByteArray>
 #include <QTest>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "tooladapter/ixmlchunk.h"
-#include "tooladapter/xmlelement.h"
+#include "tooladapter/chunks/ixmlchunk.h"
+#include "tooladapter/chunks/xmlelement.h"
 
 #include <QStringList>
 #include <QTest>

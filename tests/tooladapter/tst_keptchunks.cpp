@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/tooladapter/wavebytes.h"
-#include "tooladapter/bextchunk.h"
-#include "tooladapter/keptchunks.h"
-#include "tooladapter/refusal.h"
+#include "tooladapter/chunks/bextchunk.h"
+#include "tooladapter/chunks/keptchunks.h"
+#include "tooladapter/rules/refusal.h"
 
 #include <QFile>
 #include <QStringList>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "tooladapter/picturecodec.h"
-#include "tooladapter/picturefilter.h"
+#include "tooladapter/rules/picturecodec.h"
+#include "tooladapter/rules/picturefilter.h"
 
 #include <QTest>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/tooladapter/processes.h"
-#include "tooladapter/source.h"
+#include "tooladapter/rules/source.h"
 
 #include <QDir>
 #include <QFile>

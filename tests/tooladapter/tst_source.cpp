@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tooladapter/source.h"
+#include "tooladapter/rules/source.h"
 
 #include <QTest>
 

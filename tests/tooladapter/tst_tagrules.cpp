@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tooladapter/tagrules.h"
+#include "tooladapter/rules/tagrules.h"
 
 #include <QStringList>
 #include <QTest>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tooladapter/toolsearch.h"
+#include "tooladapter/posix/toolsearch.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/tooladapter/wavebytes.h"
-#include "tooladapter/infochunk.h"
-#include "tooladapter/wavechunks.h"
-#include "tooladapter/wavelayout.h"
+#include "tooladapter/chunks/infochunk.h"
+#include "tooladapter/chunks/wavechunks.h"
+#include "tooladapter/chunks/wavelayout.h"
 
 #include <QStringList>
 #include <QTest>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tooladapter/writtenfile.h"
+#include "tooladapter/verify/writtenfile.h"
 
 #include <QList>
 #include <QTest>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tooladapter/wavechunks.h"
-#include "tooladapter/wavelayout.h"
+#include "tooladapter/chunks/wavechunks.h"
+#include "tooladapter/chunks/wavelayout.h"
 
 #include <cstdint>
 #include <string>
