@@ -7,7 +7,7 @@
 // none), then the bytes of the source.
 
 #include "tests/fuzz/fuzzinput.h"
-#include "tests/tooladapter/wavebytes.h"
+#include "tests/tooladapter/chunks/wavebytes.h"
 #include "tooladapter/chunks/bextchunk.h"
 #include "tooladapter/chunks/keptchunks.h"
 #include "tooladapter/chunks/xmlelement.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/tooladapter/words.h"
+#include "tests/tooladapter/rules/words.h"
 #include "tooladapter/rules/exportplan.h"
 #include "tooladapter/rules/exportrules.h"
 #include "tooladapter/rules/refusal.h"

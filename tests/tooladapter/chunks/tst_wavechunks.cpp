@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/tooladapter/wavebytes.h"
+#include "tests/tooladapter/chunks/wavebytes.h"
 #include "tooladapter/chunks/infochunk.h"
 #include "tooladapter/chunks/wavechunks.h"
 #include "tooladapter/chunks/wavelayout.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/tooladapter/wavebytes.h"
+#include "tests/tooladapter/chunks/wavebytes.h"
 #include "tooladapter/chunks/bextchunk.h"
 #include "tooladapter/chunks/keptchunks.h"
 #include "tooladapter/rules/refusal.h"

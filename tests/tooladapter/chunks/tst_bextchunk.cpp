@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "tests/tooladapter/wavebytes.h"
-#include "tests/tooladapter/words.h"
+#include "tests/tooladapter/chunks/wavebytes.h"
+#include "tests/tooladapter/rules/words.h"
 #include "tooladapter/chunks/bextchunk.h"
 #include "tooladapter/chunks/wavefacts.h"
 
