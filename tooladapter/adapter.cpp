@@ -95,7 +95,7 @@ int write(const ExportPlan &plan, const Export &job, const Source &source, const
     if (exitCode != 0)
         return exitCode;
     if (job.notesFields)
-        noteFieldOrder(job.path, source.streams[static_cast<std::size_t>(job.pictureStream)].topFieldFirst());
+        noteFieldOrder(job.path, source.at(job.pictureStream).topFieldFirst());
     if (plan.container == Container::Wave)
         keepChunks(filePath(plan.input), job.path, waveChangesOf(plan, hints.timecodeRate));
     checkWrittenFile(job, source);

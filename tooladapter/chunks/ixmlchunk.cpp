@@ -137,16 +137,11 @@ std::vector<Entry> startEntries(const WrittenSound &written)
             {"TIMESTAMP_SAMPLE_RATE", std::to_string(written.sampleRate)}};
 }
 
-std::string rateText(const FrameRate &rate)
-{
-    return std::to_string(rate.numerator) + '/' + std::to_string(rate.denominator);
-}
-
 std::vector<Entry> speedEntries(const WaveChanges &changes)
 {
     std::vector<Entry> entries;
     if (changes.rate.isValid())
-        entries.push_back({"TIMECODE_RATE", rateText(changes.rate)});
+        entries.push_back({"TIMECODE_RATE", changes.rate.toText()});
     if (!changes.speed.empty())
         entries.push_back({"TIMECODE_FLAG", changes.isDropFrame() ? "DF" : "NDF"});
     return entries;
@@ -169,7 +164,7 @@ void changeSpeed(IxmlText &text, const XmlElement &root, const WaveChanges &chan
         text.insert(*place, missing);
         for (const char *name : {"MASTER_SPEED", "CURRENT_SPEED"}) {
             if (changes.rate.isValid())
-                text.replace(*place, Entry{name, rateText(changes.rate)});
+                text.replace(*place, Entry{name, changes.rate.toText()});
         }
     }
     if (places.empty()) {

@@ -105,6 +105,11 @@ std::optional<int> numberFrom(std::string_view text)
     return number;
 }
 
+void append(Options &options, const Options &more)
+{
+    options.insert(options.end(), more.begin(), more.end());
+}
+
 bool hasOption(const Options &options, const std::string &name)
 {
     return std::any_of(options.begin(), options.end(),

@@ -55,6 +55,9 @@ std::optional<int> mappedStream(const std::string &map);
 /// \a text as a number of 0 or more; nothing for any other text.
 std::optional<int> numberFrom(std::string_view text);
 
+/// Adds \a more to the end of \a options.
+void append(Options &options, const Options &more);
+
 /// Whether one of \a options is called \a name.
 bool hasOption(const Options &options, const std::string &name);
 

@@ -13,10 +13,9 @@ namespace
 
 const Stream &audioStreamOf(const Source &source, int index)
 {
-    if (index >= static_cast<int>(source.streams.size()) ||
-        source.streams[static_cast<std::size_t>(index)].kind != Stream::Kind::Audio)
+    if (index >= static_cast<int>(source.streams.size()) || source.at(index).kind != Stream::Kind::Audio)
         throw Refusal("the source has no audio stream " + std::to_string(index));
-    return source.streams[static_cast<std::size_t>(index)];
+    return source.at(index);
 }
 
 /// The "-map_channel" words that belong to one stream.

@@ -67,7 +67,7 @@ std::string startTimecode(const ExportPlan &plan, const Source &source, int pict
         const FrameRate own = counted.isValid() ? counted : FrameRate{30000, 1001};
         return timecodeAtRate(timecode, own.nominal(), own);
     }
-    const FrameRate rate = pictureRate(plan, source.streams[static_cast<std::size_t>(picture)]);
+    const FrameRate rate = pictureRate(plan, source.at(picture));
     if (!rate.isValid())
         throw Refusal("the frame rate of the picture is not known");
     return timecodeAtRate(timecode,
@@ -81,9 +81,7 @@ void checkPicture(const ExportPlan &plan, const Source &source, int picture)
     if (picture < 0 && plan.tracks.empty())
         throw Refusal("nothing of " + plan.input + " is left to be written");
     // The list's rate may be that of another picture in the file.
-    if (picture >= 0 &&
-        differs(codedRate(plan), source.streams[static_cast<std::size_t>(picture)].frameRate(),
-                pictureTolerance))
+    if (picture >= 0 && differs(codedRate(plan), source.at(picture).frameRate(), pictureTolerance))
         throw Refusal("the picture of " + plan.input + " does not run at the rate that is to be coded");
 }
 
@@ -111,12 +109,12 @@ std::string filterOf(const AudioTrack &track, const ExportPlan &plan, const Sour
     return chain;
 }
 
-/// The options that name the streams to take; tells \a result what the audio streams must hold.
-Options pictureAndTracks(const ExportPlan &plan, const Source &source, Export &result)
+/// The options that name the streams to take.
+Options pictureAndTracks(const ExportPlan &plan, const Source &source, int picture)
 {
     Options options;
-    if (result.pictureStream >= 0)
-        options.push_back({"-map", "0:" + std::to_string(result.pictureStream)});
+    if (picture >= 0)
+        options.push_back({"-map", "0:" + std::to_string(picture)});
     for (std::size_t i = 0; i < plan.tracks.size(); ++i) {
         const AudioTrack &track = plan.tracks[i];
         const std::string number = std::to_string(i);
@@ -125,12 +123,9 @@ Options pictureAndTracks(const ExportPlan &plan, const Source &source, Export &r
             options.push_back({"-c:a:" + number, track.codec});
         if (track.bitRate > 0)
             options.push_back({"-b:a:" + number, std::to_string(track.bitRate)});
-        const std::string filter = filterOf(track, plan, source, result.pictureStream);
+        const std::string filter = filterOf(track, plan, source, picture);
         if (!filter.empty())
             options.push_back({"-filter:a:" + number, filter});
-        const int all = source.streams[static_cast<std::size_t>(track.stream)].channels;
-        result.audio.push_back(
-            {track.stream, track.channels.empty() ? all : static_cast<int>(track.channels.size())});
     }
     return options;
 }
@@ -151,7 +146,7 @@ void countAtOwnRate(Options &metadata, const Source &source, int counted)
 {
     constexpr std::string_view key = "time_reference=";
     const std::vector<int> sounds = source.audioStreams();
-    const int own = sounds.empty() ? 0 : source.streams[static_cast<std::size_t>(sounds.front())].sampleRate;
+    const int own = sounds.empty() ? 0 : source.at(sounds.front()).sampleRate;
     if (counted <= 0 || own <= 0 || own == counted)
         return;
     for (Option &option : metadata) {
@@ -178,10 +173,8 @@ Options containerOptions(Container container)
 Options pictureOptions(const ExportPlan &plan, const Stream &picture)
 {
     Options options = plan.pictureOptions;
-    if (!isCopied(plan) && hasOption(options, "-vcodec")) {
-        const Options treatment = pictureTreatment(plan.pictureOptions, picture);
-        options.insert(options.end(), treatment.begin(), treatment.end());
-    }
+    if (!isCopied(plan) && hasOption(options, "-vcodec"))
+        append(options, pictureTreatment(plan.pictureOptions, picture));
     return options;
 }
 
@@ -201,6 +194,41 @@ int threadsOf(const Hints &hints)
     return threads < hints.processors ? threads : 0;
 }
 
+/// What the written file must hold in the end.
+Export expectedFile(const ExportPlan &plan, const Source &source, int picture, const FrameRate &timecodeRate)
+{
+    Export result;
+    result.path = filePath(plan.output);
+    result.pictureStream = picture;
+    result.copiesPicture = picture >= 0 && isCopied(plan);
+    result.notesFields =
+        picture >= 0 && plan.container == Container::QuickTime && isInterlaced(plan, source.at(picture));
+    for (const AudioTrack &track : plan.tracks) {
+        const std::size_t kept = track.channels.size();
+        result.audio.push_back(
+            {track.stream, kept == 0 ? source.at(track.stream).channels : static_cast<int>(kept)});
+    }
+    if (plan.timecode)
+        result.timecode = startTimecode(plan, source, picture, timecodeRate);
+    if (plan.container == Container::Wave && hasOption(plan.metadata, "-write_bext"))
+        result.timeReference = noteIn(plan.metadata, "time_reference").value_or(std::string());
+    return result;
+}
+
+/// The options before the source. A copy stops at the first error; a coder may meet damaged pictures and go
+/// on after them.
+Options generalOptions(bool isCoded, int threads)
+{
+    Options options{{"-y", {}}};
+    if (!isCoded)
+        options.push_back({"-xerror", {}});
+    if (threads > 0) {
+        options.push_back({"-filter_threads", std::to_string(threads)});
+        options.push_back({"-threads", std::to_string(threads)}); // of the decoder
+    }
+    return options;
+}
+
 } // namespace
 
 std::string filePath(const std::string &path)
@@ -214,46 +242,27 @@ Export exportOf(ExportPlan plan, const Source &source, const Hints &hints)
     takeAllStreams(plan, source, hints);
     chooseCodecs(plan, source, hints.sound);
     countAtOwnRate(plan.metadata, source, hints.timecodeSampleRate);
-    Export result;
-    result.path = filePath(plan.output);
-    if (plan.container == Container::Wave && hasOption(plan.metadata, "-write_bext"))
-        result.timeReference = noteIn(plan.metadata, "time_reference").value_or(std::string());
-    result.pictureStream = plan.takesPicture ? source.firstPicture() : -1;
-    const bool hasPicture = result.pictureStream >= 0;
-    result.copiesPicture = hasPicture && isCopied(plan);
-    if (hasPicture)
-        choosePictureCodec(plan, source.streams[static_cast<std::size_t>(result.pictureStream)],
-                           hints.picture);
-    checkPicture(plan, source, result.pictureStream);
+    const int picture = plan.takesPicture ? source.firstPicture() : -1;
+    if (picture >= 0)
+        choosePictureCodec(plan, source.at(picture), hints.picture);
+    checkPicture(plan, source, picture);
 
-    Options options = pictureAndTracks(plan, source, result);
-    const auto append = [&options](const Options &more) {
-        options.insert(options.end(), more.begin(), more.end());
-    };
-    append(containerOptions(plan.container));
-    append(tagOptions(plan, source, result.pictureStream, hints));
-    if (hasPicture)
-        append(pictureOptions(plan, source.streams[static_cast<std::size_t>(result.pictureStream)]));
-    if (plan.timecode) {
-        result.timecode = startTimecode(plan, source, result.pictureStream, hints.timecodeRate);
+    Options options = pictureAndTracks(plan, source, picture);
+    append(options, containerOptions(plan.container));
+    append(options, tagOptions(plan, source, picture, hints));
+    if (picture >= 0)
+        append(options, pictureOptions(plan, source.at(picture)));
+    Export result = expectedFile(plan, source, picture, hints.timecodeRate);
+    if (plan.timecode)
         options.push_back({"-timecode", result.timecode});
-    }
-    result.notesFields = hasPicture && plan.container == Container::QuickTime &&
-                         isInterlaced(plan, source.streams[static_cast<std::size_t>(result.pictureStream)]);
-    Options general{{"-y", {}}};
-    // A copy stops at the first error; a coder may meet damaged pictures and go on after them.
-    if (!hasPicture || isCopied(plan)) {
-        general.push_back({"-xerror", {}});
-    } else if (hints.batchSize > 0) {
+    const bool isCoded = picture >= 0 && !result.copiesPicture;
+    const int threads = isCoded ? threadsOf(hints) : 0;
+    if (threads > 0)
+        options.push_back({"-threads", std::to_string(threads)}); // of the coder
+    if (isCoded && hints.batchSize > 0)
         result.together = std::max(fewestTogether, hints.processors);
-    }
-    const int threads = hasPicture && !isCopied(plan) ? threadsOf(hints) : 0;
-    if (threads > 0) {
-        general.push_back({"-filter_threads", std::to_string(threads)});
-        general.push_back({"-threads", std::to_string(threads)}); // of the decoder
-        options.push_back({"-threads", std::to_string(threads)}); // and of the coder
-    }
-    result.arguments = renderArguments({general, filePath(plan.input), {{options, result.path}}});
+    result.arguments =
+        renderArguments({generalOptions(isCoded, threads), filePath(plan.input), {{options, result.path}}});
     return result;
 }
 

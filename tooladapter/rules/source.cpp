@@ -231,7 +231,7 @@ double Source::delayOf(int index) const
 {
     if (index < 0 || index >= static_cast<int>(streams.size()))
         return 0.0;
-    const auto own = streams[static_cast<std::size_t>(index)].start;
+    const auto own = at(index).start;
     if (!own)
         return 0.0;
     double first = *own;
@@ -244,7 +244,7 @@ double Source::delayOf(int index) const
 
 double Source::endOf(int index) const
 {
-    const Stream &own = streams[static_cast<std::size_t>(index)];
+    const Stream &own = at(index);
     return own.duration > 0.0 ? own.start.value_or(start) - start + own.duration : duration;
 }
 

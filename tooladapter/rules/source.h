@@ -65,6 +65,9 @@ struct Source {
 
     bool operator==(const Source &) const = default;
 
+    /// The stream \a index, which must exist.
+    const Stream &at(int index) const { return streams[static_cast<std::size_t>(index)]; }
+
     /// Index of the first moving picture, -1 where there is none.
     int firstPicture() const;
 

@@ -124,10 +124,8 @@ Options tagOptions(const ExportPlan &plan, const Source &source, int picture, co
         if (isOld || isForeign)
             options.push_back(without(key));
     }
-    if (makesComments(plan.input, plan.output)) {
-        const Options more = comments(source, dropsTimecodes);
-        options.insert(options.end(), more.begin(), more.end());
-    }
+    if (makesComments(plan.input, plan.output))
+        append(options, comments(source, dropsTimecodes));
     const std::string reel = reelOf(source);
     // QuickTime files hold it with the timecode track, MXF files as a package of their own.
     if (picture >= 0 && !reel.empty())

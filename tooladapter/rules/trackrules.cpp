@@ -120,7 +120,7 @@ void takeAllStreams(ExportPlan &plan, const Source &source, const Hints &hints)
 void chooseCodecs(ExportPlan &plan, const Source &source, SoundType sound)
 {
     for (AudioTrack &track : plan.tracks) {
-        const Stream &stream = source.streams[static_cast<std::size_t>(track.stream)];
+        const Stream &stream = source.at(track.stream);
         track.codec =
             heldCodec(plan.container, passesThrough(track, plan, sound) ? ownCodec(stream) : track.codec);
         if (!isOneOf(lossyCodecs, track.codec))

@@ -16,11 +16,6 @@ namespace
 /// compared rather than lengths, since a picture cannot be copied before its first whole frame.
 constexpr double toleratedSeconds = 0.1; // [s]
 
-const Stream &streamAt(const Source &file, int index)
-{
-    return file.streams[static_cast<std::size_t>(index)];
-}
-
 std::string secondsText(double seconds)
 {
     std::array<char, 32> text{};
@@ -43,7 +38,7 @@ std::string faultInPicture(const Source &written, const Export &job, const Sourc
     const int picture = written.firstPicture();
     if (picture < 0)
         return "the written file has no picture";
-    const FrameRate rate = streamAt(source, job.pictureStream).averageRate;
+    const FrameRate rate = source.at(job.pictureStream).averageRate;
     const double twoFrames = rate.isValid() ? 2.0 / rate.perSecond() : 0.0;
     return faultInEnd("picture", written.endOf(picture), source.endOf(job.pictureStream),
                       std::max(toleratedSeconds, twoFrames));
@@ -57,7 +52,7 @@ std::string faultInSound(const Source &written, const Export &job, const Source 
                std::to_string(job.audio.size());
     std::string fault;
     for (std::size_t i = 0; i < streams.size() && fault.empty(); ++i) {
-        const int channels = streamAt(written, streams[i]).channels;
+        const int channels = written.at(streams[i]).channels;
         if (channels != job.audio[i].channels) {
             return "a written audio stream has " + std::to_string(channels) + " channels instead of " +
                    std::to_string(job.audio[i].channels);
@@ -98,7 +93,7 @@ Tail tailOf(const Export &job, const Source &source)
 {
     Tail tail;
     if (job.pictureStream >= 0) {
-        const FrameRate rate = streamAt(source, job.pictureStream).averageRate;
+        const FrameRate rate = source.at(job.pictureStream).averageRate;
         tail.kind = Stream::Kind::Picture;
         tail.end = source.endOf(job.pictureStream);
         tail.tolerated = std::max(tail.tolerated, rate.isValid() ? 2.0 / rate.perSecond() : 0.0);
