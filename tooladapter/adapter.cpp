@@ -73,7 +73,8 @@ void checkWrittenFile(const Export &job, const Source &source)
 {
     std::string report;
     const bool isRead = capture({toolPath("ffprobe"), checkArguments(job, source)}, report) == 0;
-    const std::string fault = isRead ? faultInReport(report, job, source) : job.path + " cannot be read";
+    const std::string fault =
+        isRead ? faultIn(parseProbe(report), job, source) : job.path + " cannot be read";
     if (!fault.empty())
         throw Refusal(fault);
 }

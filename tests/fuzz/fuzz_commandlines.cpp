@@ -115,9 +115,9 @@ void adapterCommand(fuzz::Input &input)
             hints.timecodeRate = FrameRate::fromText(rate);
             const Export exported = exportOf(planOf(*list, source, hints), source, hints);
             checkExport(*list, source, exported);
-            require(!faultInReport({}, exported, source).empty() || exported.audio.empty(),
+            require(!faultIn({}, exported, source).empty() || exported.audio.empty(),
                     "a file without sound is incomplete");
-            faultInReport(report, exported, source);
+            faultIn(source, exported, source);
         }
     } catch (const Refusal &refusal) {
         require(*refusal.what() != '\0', "a refusal has a reason");

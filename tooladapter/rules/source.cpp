@@ -112,23 +112,6 @@ void readStreamKey(Stream &stream, std::string_view key, const std::string &valu
         stream.timecode = value;
 }
 
-/// Reads the probe tool's report line by line.
-class ProbeReader
-{
-public:
-    void read(std::string_view line);
-
-    Source source; ///< what the lines so far have told
-
-private:
-    void beginStream(std::string_view number);
-    void readFormatLine(std::string_view line);
-
-    Stream *stream = nullptr;    ///< of \a source, that the lines are about; nullptr = none
-    bool inFormat = false;       ///< the lines are about the file as a whole
-    std::string *note = nullptr; ///< of \a source, the last one; its text may go on
-};
-
 struct Fact {
     std::string_view key; ///< the whole line if it holds no "="
     std::string value;
@@ -139,6 +122,27 @@ Fact factIn(std::string_view line)
     const std::size_t equals = std::min(line.find('='), line.size());
     return {line.substr(0, equals), std::string(line.substr(std::min(equals + 1, line.size())))};
 }
+
+/// Reads the probe tool's report line by line.
+class ProbeReader
+{
+public:
+    void read(std::string_view line);
+
+    Source source; ///< what the lines so far have told
+
+private:
+    void beginStream(std::string_view number);
+    void readPacketLine(const Fact &fact);
+    void readFormatLine(std::string_view line);
+
+    Stream *stream = nullptr;    ///< of \a source, that the lines are about; nullptr = none
+    bool inPacket = false;       ///< the lines are about a packet of \a stream
+    std::optional<double> shown; ///< [s] time stamps of the packet
+    std::optional<double> decoded;
+    bool inFormat = false;       ///< the lines are about the file as a whole
+    std::string *note = nullptr; ///< of \a source, the last one; its text may go on
+};
 
 void ProbeReader::read(std::string_view line)
 {
@@ -151,7 +155,10 @@ void ProbeReader::read(std::string_view line)
     const Fact fact = factIn(line);
     if (line.starts_with('[')) {
         stream = nullptr;
+        inPacket = line == "[PACKET]";
         inFormat = line == "[FORMAT]";
+    } else if (inPacket) {
+        readPacketLine(fact);
     } else if (fact.key == "index") {
         beginStream(fact.value);
     } else if (stream != nullptr) {
@@ -168,6 +175,21 @@ void ProbeReader::beginStream(std::string_view number)
         return;
     source.streams.resize(std::max(source.streams.size(), index + 1));
     stream = &source.streams[index];
+}
+
+void ProbeReader::readPacketLine(const Fact &fact)
+{
+    if (fact.key == "stream_index")
+        beginStream(fact.value);
+    else if (fact.key == "pts_time")
+        shown = toTimeStamp(fact.value);
+    else if (fact.key == "dts_time")
+        decoded = toTimeStamp(fact.value);
+    if (fact.key != "duration_time" || stream == nullptr)
+        return;
+    const double duration = toSeconds(fact.value);
+    stream->shownUntil = std::max(stream->shownUntil, shown.value_or(-duration) + duration);
+    stream->decodedUntil = std::max(stream->decodedUntil, decoded.value_or(-duration) + duration);
 }
 
 /// The notes come last, and each may have several lines.
@@ -255,7 +277,7 @@ std::string Source::startTimecode() const
     return timecode.empty() && found != streams.end() ? found->timecode : timecode;
 }
 
-std::vector<std::string> probeArguments(const std::string &path, const std::string &further)
+std::vector<std::string> probeArguments(const std::string &path)
 {
     const std::string entries =
         "stream=index,codec_type,codec_name,channels,sample_rate,channel_layout,r_frame_rate,"
@@ -266,7 +288,17 @@ std::vector<std::string> probeArguments(const std::string &path, const std::stri
         ":stream_side_data=rotation"
         ":format=start_time,duration"
         ":format_tags";
-    return {"-v", "error", "-show_entries", entries + further, "-i", path};
+    return {"-v", "error", "-show_entries", entries, "-i", path};
+}
+
+std::vector<std::string> probeArgumentsWithPackets(const std::string &path, double begin)
+{
+    std::vector<std::string> arguments = probeArguments(path);
+    const std::string packets = "packet=stream_index,pts_time,dts_time,duration_time";
+    arguments.insert(arguments.end(), {"-show_entries", packets});
+    if (begin > 0.0)
+        arguments.insert(arguments.end(), {"-read_intervals", std::to_string(begin) + '%'});
+    return arguments;
 }
 
 Source parseProbe(std::string_view text)

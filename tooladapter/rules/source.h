@@ -43,6 +43,8 @@ struct Stream {
     std::optional<double> start;    ///< [s] time stamp of what comes first; none where the file does not tell
     double duration = 0.0;          ///< [s]; 0 where the file does not tell
     std::string timecode;           ///< start timecode; empty where the stream has none
+    double shownUntil = 0.0;        ///< [s] time stamp at which the packets end that were read; 0 = none was
+    double decodedUntil = 0.0;      ///< [s] likewise, by the order of decoding
 
     bool operator==(const Stream &) const = default;
 
@@ -86,9 +88,11 @@ struct Source {
     std::string startTimecode() const;
 };
 
-/// The arguments that make the probe tool print, for the file at \a path, what parseProbe() reads; \a further
-/// sections are printed too, and ignored by it.
-std::vector<std::string> probeArguments(const std::string &path, const std::string &further = {});
+/// The arguments that make the probe tool print, for the file at \a path, what parseProbe() reads.
+std::vector<std::string> probeArguments(const std::string &path);
+
+/// Likewise, with the packets from the time stamp \a begin [s] on; all of them where it is not above 0.
+std::vector<std::string> probeArgumentsWithPackets(const std::string &path, double begin);
 
 /// Reads the probe tool's sections of "key=value" lines. Missing keys leave the defaults.
 Source parseProbe(std::string_view text);

@@ -5,7 +5,6 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <optional>
 
 namespace tooladapter
 {
@@ -105,61 +104,17 @@ Tail tailOf(const Export &job, const Source &source)
     return tail;
 }
 
-/// A packet of a report, as far as it is read.
-struct Packet {
-    std::size_t stream = 0;
-    std::optional<double> shown;   ///< when it is shown [s]
-    std::optional<double> decoded; ///< when it is decoded [s]
-    double duration = 0.0;         ///< [s]
-};
-
-std::optional<double> timeIn(const std::string &text)
-{
-    char *end = nullptr;
-    const double seconds = std::strtod(text.c_str(), &end);
-    return end != text.c_str() ? std::optional(seconds) : std::nullopt; // "N/A"
-}
-
-std::vector<Packet> packetsIn(std::string_view report)
-{
-    std::vector<Packet> packets;
-    while (!report.empty()) {
-        const std::string_view line = report.substr(0, report.find('\n'));
-        report.remove_prefix(std::min(report.size(), line.size() + 1));
-        const std::size_t equals = std::min(line.find('='), line.size());
-        const std::string_view key = line.substr(0, equals);
-        const std::string value{line.substr(std::min(equals + 1, line.size()))};
-        if (line == "[STREAM]") // behind the packets
-            break;
-        if (line == "[PACKET]")
-            packets.emplace_back();
-        else if (packets.empty())
-            continue;
-        else if (key == "stream_index")
-            packets.back().stream = std::strtoul(value.c_str(), nullptr, 10);
-        else if (key == "pts_time")
-            packets.back().shown = timeIn(value);
-        else if (key == "dts_time")
-            packets.back().decoded = timeIn(value);
-        else if (key == "duration_time")
-            packets.back().duration = timeIn(value).value_or(0.0);
-    }
-    return packets;
-}
-
 /// Headers may promise more than there is: what can be read at the end has the last word.
-std::string faultInTail(std::string_view report, const Source &written, const Export &job,
-                        const Source &source)
+std::string faultInTail(const Source &written, const Export &job, const Source &source)
 {
     const Tail tail = tailOf(job, source);
     double seen = 0.0; // [s]
-    for (const Packet &packet : packetsIn(report)) {
-        if (packet.stream >= written.streams.size() || written.streams[packet.stream].kind != tail.kind)
+    for (const Stream &stream : written.streams) {
+        if (stream.kind != tail.kind)
             continue;
         // A coded picture without times has lost its index; a copied one may never have had them.
-        const auto begin = packet.shown || !job.copiesPicture ? packet.shown : packet.decoded;
-        if (begin)
-            seen = std::max(seen, *begin - written.start + packet.duration);
+        const bool isUntimed = job.copiesPicture && stream.shownUntil <= 0.0;
+        seen = std::max(seen, (isUntimed ? stream.decodedUntil : stream.shownUntil) - written.start);
     }
     const std::string what = tail.kind == Stream::Kind::Picture ? "picture" : "sound";
     return faultInEnd(what, seen, tail.end, tail.tolerated);
@@ -167,33 +122,22 @@ std::string faultInTail(std::string_view report, const Source &written, const Ex
 
 } // namespace
 
+std::vector<std::string> checkArguments(const Export &job, const Source &source)
+{
+    constexpr double length = 1.0; // [s] to be read at the end
+    const Tail tail = tailOf(job, source);
+    return probeArgumentsWithPackets(job.path, tail.end - std::max(length, 2 * tail.tolerated));
+}
+
 std::string faultIn(const Source &written, const Export &job, const Source &source)
 {
     for (const std::string &fault : {faultInPicture(written, job, source), faultInSound(written, job, source),
-                                     faultInTimecode(written, job), faultInTimeReference(written, job)}) {
+                                     faultInTimecode(written, job), faultInTimeReference(written, job),
+                                     faultInTail(written, job, source)}) {
         if (!fault.empty())
             return fault;
     }
     return {};
-}
-
-std::vector<std::string> checkArguments(const Export &job, const Source &source)
-{
-    constexpr double length = 1.0; // [s] to be read at the end
-    std::vector<std::string> arguments =
-        probeArguments(job.path, ":packet=stream_index,pts_time,dts_time,duration_time");
-    const Tail tail = tailOf(job, source);
-    const double begin = tail.end - std::max(length, 2 * tail.tolerated);
-    if (begin > 0.0)
-        arguments.insert(arguments.end(), {"-read_intervals", std::to_string(begin) + '%'});
-    return arguments;
-}
-
-std::string faultInReport(std::string_view report, const Export &job, const Source &source)
-{
-    const Source written = parseProbe(report);
-    const std::string fault = faultIn(written, job, source);
-    return fault.empty() ? faultInTail(report, written, job, source) : fault;
 }
 
 } // namespace tooladapter
