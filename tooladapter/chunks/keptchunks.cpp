@@ -68,6 +68,43 @@ std::string contentOf(const Bytes &file, const Chunk *chunk)
     return chunk && chunk->length <= mostBytes ? file.at(chunk->begin, chunk->length) : std::string();
 }
 
+/// What a written file says of itself, by the beginnings of the chunks "fmt " of both files and its \a start.
+WrittenSound soundOf(const std::string &sourceFormat, const std::string &writtenFormat, std::uint64_t start)
+{
+    const auto bits = [](const std::string &format) { return static_cast<int>(numberAt(format, 14, 2)); };
+    WrittenSound sound{
+        start, numberAt(writtenFormat, 4, 4), {}, static_cast<int>(numberAt(sourceFormat, 2, 2))};
+    if (bits(writtenFormat) != bits(sourceFormat))
+        sound.bits = bits(writtenFormat);
+    return sound;
+}
+
+/// The chunks of a source as the written file is to have them.
+struct KeptChunks {
+    std::optional<std::string> bext; ///< its content
+    std::vector<NewChunk> others;
+};
+
+/// Of several chunks "bext" or "iXML", the first that is not damaged counts.
+KeptChunks changedChunks(std::vector<NewChunk> carried, const WaveChanges &changes, const WrittenSound &sound)
+{
+    KeptChunks kept;
+    bool hasIxml = false;
+    for (NewChunk &chunk : carried) {
+        if (chunk.name == "bext") {
+            kept.bext = kept.bext ? kept.bext : changedBext(chunk.content, changes, sound.start);
+        } else if (chunk.name == "iXML") {
+            auto changed = hasIxml ? std::nullopt : changedIxml(chunk.content, changes, sound);
+            hasIxml = hasIxml || changed;
+            if (changed)
+                kept.others.push_back({chunk.name, std::move(*changed)});
+        } else if (isKeptAsItIs(chunk.name, chunk.content, changes.keptChannels.empty())) {
+            kept.others.push_back(std::move(chunk));
+        }
+    }
+    return kept;
+}
+
 /// \a file as bytes, not to be used longer than it.
 Bytes bytesOf(const RandomAccessFile &file)
 {
@@ -84,39 +121,19 @@ std::optional<Rewriting> rewritingWithChunksOf(const Bytes &source, const Bytes 
     const ChunkList writtenList = chunksOf(written);
     const std::string sourceFormat = formatOf(source, sourceList);
     const std::string writtenFormat = formatOf(written, writtenList);
-    std::string bext = contentOf(written, writtenList.find("bext"));
-    const auto start = timeReferenceOf(bext);
+    const std::string writtenBext = contentOf(written, writtenList.find("bext"));
+    const auto start = timeReferenceOf(writtenBext);
     if (sourceFormat.empty() || writtenFormat.empty() || !start)
         return std::nullopt;
 
-    WrittenSound sound{
-        *start, numberAt(writtenFormat, 4, 4), {}, static_cast<int>(numberAt(sourceFormat, 2, 2))};
-    const auto bits = static_cast<int>(numberAt(writtenFormat, 14, 2));
-    if (bits != static_cast<int>(numberAt(sourceFormat, 14, 2)))
-        sound.bits = bits;
-
-    bool hasBext = false;
-    bool hasIxml = false;
-    std::vector<NewChunk> others;
-    for (NewChunk &chunk : carriedChunks(source, sourceList)) {
-        if (chunk.name == "bext") {
-            const auto changed = hasBext ? std::nullopt : changedBext(chunk.content, changes, *start);
-            hasBext = hasBext || changed;
-            bext = changed.value_or(bext);
-        } else if (chunk.name == "iXML") {
-            auto changed = hasIxml ? std::nullopt : changedIxml(chunk.content, changes, sound);
-            hasIxml = hasIxml || changed;
-            if (changed)
-                others.push_back({chunk.name, std::move(*changed)});
-        } else if (isKeptAsItIs(chunk.name, chunk.content, changes.keptChannels.empty())) {
-            others.push_back(std::move(chunk));
-        }
-    }
+    const KeptChunks kept = changedChunks(carriedChunks(source, sourceList), changes,
+                                          soundOf(sourceFormat, writtenFormat, *start));
     // Common readers of RF64 do not skip the padding; a coding history may end in zeros.
+    std::string bext = kept.bext.value_or(writtenBext);
     bext.append(bext.size() % 2, '\0');
     const std::string info = contentOf(written, infoOf(written, writtenList));
     const std::string newInfo = mergedInfo(info, contentOf(source, infoOf(source, sourceList)));
-    return rewritingOf(written, bext, newInfo == "INFO" ? info : newInfo, others);
+    return rewritingOf(written, bext, newInfo == "INFO" ? info : newInfo, kept.others);
 }
 
 void keepChunks(const std::string &source, const std::string &written, const WaveChanges &changes)

@@ -61,6 +61,50 @@ bool setFileSize(std::string &header, const std::string &old, const ChunkList &l
     return true;
 }
 
+/// The chunks of a written file that are rewritten, or that others must not move.
+struct Places {
+    const Chunk *bext;
+    const Chunk *info; ///< nullptr = none
+    const Chunk *data;
+};
+
+/// Nothing where \a written, whose chunks are \a list, is not as the tool writes it.
+std::optional<Places> placesIn(const Bytes &written, const ChunkList &list)
+{
+    const Places places{list.find("bext"), infoOf(written, list), list.find("data")};
+    const auto bexts = std::count_if(list.chunks.begin(), list.chunks.end(),
+                                     [](const Chunk &chunk) { return chunk.name == "bext"; });
+    if (!list.isWhole || !places.data || bexts != 1 || places.data->begin > longestHeader ||
+        places.bext->begin > places.data->begin || (places.info && places.info->begin > places.data->begin))
+        return std::nullopt;
+    return places;
+}
+
+/// \a header with the chunks \a before in place of the old ones; those without room go into the tail. The
+/// samples stay where they are, so the chunks before them have as much room as they had.
+Rewriting rearranged(const std::string &header, const ChunkList &list, const Places &places,
+                     std::vector<std::string> before)
+{
+    Rewriting result{header.substr(0, fileHeadLength), {}};
+    for (const Chunk *chunk = list.chunks.data(); chunk != places.data; ++chunk) {
+        if (chunk != places.bext && chunk != places.info)
+            result.header += wholeChunk(header, *chunk);
+    }
+    const std::uint64_t room = places.data->begin - headLength - result.header.size();
+    std::uint64_t used = 0;
+    for (const std::string &chunk : before)
+        used += chunk.size();
+    while (!canBeFilled(room, used)) {
+        used -= before.back().size();
+        result.tail.insert(0, before.back());
+        before.pop_back();
+    }
+    for (const std::string &chunk : before)
+        result.header += chunk;
+    result.header += filler(room - used) + header.substr(places.data->begin - headLength);
+    return result;
+}
+
 } // namespace
 
 const Chunk *infoOf(const Bytes &file, const ChunkList &list)
@@ -75,39 +119,14 @@ std::optional<Rewriting> rewritingOf(const Bytes &written, const std::string &be
                                      const std::vector<NewChunk> &others)
 {
     const ChunkList list = chunksOf(written);
-    const Chunk *const data = list.find("data");
-    const Chunk *const oldBext = list.find("bext");
-    const auto bexts = std::count_if(list.chunks.begin(), list.chunks.end(),
-                                     [](const Chunk &chunk) { return chunk.name == "bext"; });
-    if (!list.isWhole || !data || bexts != 1 || oldBext->begin > data->begin || data->begin > longestHeader)
+    const auto places = placesIn(written, list);
+    if (!places)
         return std::nullopt;
-    const Chunk *const oldInfo = infoOf(written, list);
-    if (oldInfo && oldInfo->begin > data->begin)
-        return std::nullopt;
-
-    // The samples stay where they are; so the chunks before them have as much room as they had.
-    const std::string header = written.at(0, data->begin);
-    Rewriting result{header.substr(0, fileHeadLength), {}};
-    for (const Chunk *chunk = list.chunks.data(); chunk != data; ++chunk) {
-        if (chunk != oldBext && chunk != oldInfo)
-            result.header += wholeChunk(header, *chunk);
-    }
-    const std::uint64_t room = data->begin - headLength - result.header.size();
+    const std::string header = written.at(0, places->data->begin);
     std::vector<std::string> before{chunkBytes("bext", bext)};
-    if (oldInfo || !info.empty())
+    if (places->info || !info.empty())
         before.push_back(chunkBytes("LIST", info));
-    std::uint64_t used = 0;
-    for (const std::string &chunk : before)
-        used += chunk.size();
-    while (!canBeFilled(room, used)) {
-        used -= before.back().size();
-        result.tail.insert(0, before.back());
-        before.pop_back();
-    }
-    for (const std::string &chunk : before)
-        result.header += chunk;
-    result.header += filler(room - used) + header.substr(data->begin - headLength);
-
+    Rewriting result = rearranged(header, list, *places, before);
     for (const NewChunk &chunk : others)
         result.tail += chunkBytes(chunk.name, chunk.content);
     if (list.chunks.back().next() > written.size)
