@@ -5,9 +5,9 @@
 #include "tooladapter/chunks/infochunk.h"
 #include "tooladapter/chunks/ixmlchunk.h"
 #include "tooladapter/posix/randomaccessfile.h"
+#include "tooladapter/rules/names.h"
 #include "tooladapter/rules/refusal.h"
 
-#include <algorithm>
 #include <array>
 #include <string_view>
 #include <system_error>
@@ -34,7 +34,7 @@ bool isKeptAsItIs(const std::string &name, const std::string &content, bool keep
         return content.starts_with("adtl");
     if (name == "chna") // numbers the channels
         return keepsAllChannels;
-    return std::find(keptAsTheyAre.begin(), keptAsTheyAre.end(), name) != keptAsTheyAre.end();
+    return isOneOf(keptAsTheyAre, name);
 }
 
 bool isCarried(const std::string &name)

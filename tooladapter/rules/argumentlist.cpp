@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tooladapter/rules/argumentlist.h"
 
+#include "tooladapter/rules/names.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -21,11 +23,6 @@ constexpr std::array optionsWithValue{"-acodec"sv,   "-b:v"sv,         "-guess_l
                                       "-s"sv,        "-ss"sv,          "-timecode"sv,
                                       "-t"sv,        "-vcodec"sv,      "-write_bext"sv};
 
-bool takesValue(std::string_view word)
-{
-    return std::find(optionsWithValue.begin(), optionsWithValue.end(), word) != optionsWithValue.end();
-}
-
 } // namespace
 
 std::optional<ArgumentList> parseArguments(const std::vector<std::string> &arguments)
@@ -43,7 +40,7 @@ std::optional<ArgumentList> parseArguments(const std::vector<std::string> &argum
             list.input = arguments[++i];
             list.inputOptions = std::move(pending);
             pending.clear();
-        } else if (takesValue(word) && !isLast) {
+        } else if (isOneOf(optionsWithValue, word) && !isLast) {
             pending.push_back({word, arguments[++i]});
         } else if (inputSeen && (isLast || !word.starts_with('-'))) {
             // The folder of the last file is the user's and may begin with a dash.

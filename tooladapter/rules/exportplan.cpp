@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "tooladapter/rules/exportplan.h"
 
+#include "tooladapter/rules/names.h"
 #include "tooladapter/rules/refusal.h"
 
 #include <algorithm>
-#include <cctype>
 
 namespace tooladapter
 {
@@ -99,9 +99,7 @@ std::vector<int> keptChannels(const ChannelGroup &group, int index, const Stream
 
 Container containerOf(const std::string &path)
 {
-    std::string suffix = path.substr(path.rfind('.') == std::string::npos ? path.size() : path.rfind('.'));
-    std::transform(suffix.begin(), suffix.end(), suffix.begin(),
-                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+    const std::string suffix = lowerCase(path.substr(std::min(path.rfind('.'), path.size())));
     if (suffix == ".mov")
         return Container::QuickTime;
     if (suffix == ".mxf")

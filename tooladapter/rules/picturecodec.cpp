@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tooladapter/rules/picturecodec.h"
 
+#include "tooladapter/rules/names.h"
+
 #include <algorithm>
 #include <array>
 #include <string_view>
@@ -107,9 +109,7 @@ bool holdsFields(const Options &options)
     constexpr std::array interlacedRates{"120M"sv, "145M"sv, "185M"sv, "220M"sv}; // of DNxHD
     if (valueOf(options, "-vcodec") == "mpeg2video")
         return true;
-    const std::string bitRate = valueOf(options, "-b:v");
-    return valueOf(options, "-vcodec") == "dnxhd" &&
-           std::find(interlacedRates.begin(), interlacedRates.end(), bitRate) != interlacedRates.end();
+    return valueOf(options, "-vcodec") == "dnxhd" && isOneOf(interlacedRates, valueOf(options, "-b:v"));
 }
 
 } // namespace tooladapter

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "tooladapter/rules/tagrules.h"
 
+#include "tooladapter/rules/names.h"
+
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <string>
 #include <string_view>
 
@@ -22,12 +23,6 @@ constexpr std::array programTags{"company_name"sv, "product_name"sv, "product_ve
 constexpr std::array plainTags{"title"sv,   "artist"sv,        "album"sv,   "comment"sv, "date"sv,
                                "genre"sv,   "copyright"sv,     "make"sv,    "model"sv,   "location"sv,
                                "encoder"sv, "creation_time"sv, "timecode"sv};
-
-template <typename Names>
-bool isOneOf(const Names &names, std::string_view name)
-{
-    return std::find(names.begin(), names.end(), name) != names.end();
-}
 
 /// \a key without the language that some carry, "location-eng".
 std::string_view withoutLanguage(std::string_view key)
@@ -56,11 +51,9 @@ bool makesComments(const std::string &input, const std::string &output)
     return containerOf(output) == Container::Mxf && containerOf(input) != Container::Mxf;
 }
 
-bool holdsTimecode(std::string key)
+bool holdsTimecode(const std::string &key)
 {
-    std::transform(key.begin(), key.end(), key.begin(),
-                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-    return key.find("timecode") != std::string::npos;
+    return lowerCase(key).find("timecode") != std::string::npos;
 }
 
 Option without(const std::string &key)

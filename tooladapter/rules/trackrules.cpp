@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tooladapter/rules/trackrules.h"
 
+#include "tooladapter/rules/names.h"
 #include "tooladapter/rules/refusal.h"
 
 #include <algorithm>
@@ -22,12 +23,6 @@ constexpr std::array keptPcm{"pcm_s16le"sv, "pcm_s16be"sv, "pcm_s24le"sv, "pcm_s
                              "pcm_alaw"sv,  "pcm_mulaw"sv, "pcm_s8"sv,    "pcm_u8"sv};
 constexpr std::array lossyCodecs{"aac"sv, "ac3"sv};
 constexpr std::array lossyLayouts{"mono"sv, "stereo"sv, "3.0"sv, "4.0"sv, "5.0"sv, "5.1"sv}; // by channels
-
-template <typename Names>
-bool isOneOf(const Names &names, const std::string &name)
-{
-    return std::find(names.begin(), names.end(), name) != names.end();
-}
 
 constexpr double shortestSilence = 0.001; // [s] a small part of any frame
 
