@@ -49,14 +49,14 @@ Source probe(const std::string &path)
     return parseProbe(output);
 }
 
-/// What the application has told of the source that it hands to its tools; nothing where it has not.
+/// What the application reports about the source that it gives to its tools; nothing without a report.
 Source toldSource()
 {
     return parseProbe(environment("OSTREL_SOURCE"));
 }
 
-/// The source of \a list. The application has had it probed at the import and tells most; another caller may
-/// not.
+/// The source of \a list. The application probed it at the import and passes on most of that; another caller
+/// may not.
 Source sourceOf(const ArgumentList &list)
 {
     Source source = toldSource();
@@ -68,7 +68,7 @@ Source sourceOf(const ArgumentList &list)
     return source;
 }
 
-/// Throws Refusal where the file that \a job has left is not complete, in the eyes of the probe tool.
+/// Throws Refusal where the file that \a job has left is not complete, as the probe tool sees it.
 void checkWrittenFile(const Export &job, const Source &source)
 {
     std::string report;
@@ -88,8 +88,8 @@ void setAside(const std::string &path)
         std::filesystem::rename(path, path + ".incomplete", ignored);
 }
 
-/// Runs the tool, adds to the file what the tool leaves out, and looks at it. The tool stays this process's
-/// child, since one that reports success may have left a file that ends too early.
+/// Runs the tool, adds to the file what the tool leaves out, and has it checked. The tool stays this
+/// process's child, since one that reports success may have left a file that ends too early.
 int write(const ExportPlan &plan, const Export &job, const Source &source, const Hints &hints)
 {
     const int exitCode = run({toolPath("ffmpeg"), job.arguments});

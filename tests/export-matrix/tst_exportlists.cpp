@@ -114,7 +114,7 @@ void TestExportLists::theToolIsToldWhatAProbeFinds()
     tooladapter::Source probed = tooladapter::parseProbe(probe.output.toStdString());
     for (auto &[name, text] : probed.notes) {
         if (name != "timecode") // of the others, only the names are passed on
-            text = tooladapter::untoldNote;
+            text = tooladapter::omittedNote;
     }
     QVERIFY2(tooladapter::parseProbe(told.toStdString()) == probed,
              qPrintable(told + "\ninstead of\n" + probe.output));

@@ -256,19 +256,19 @@ void TestAdapter::whatIsLeftOfAFailureIsSetAside()
 
 void TestAdapter::theWrittenFileIsProbedOnce_data()
 {
-    QTest::addColumn<QString>("source"); // what the application tells of it
+    QTest::addColumn<QString>("source"); // what the application reports about it
     QTest::addColumn<QString>("output");
     QTest::addColumn<int>("exitCode");
     QTest::addColumn<QByteArray>("probed");
-    const QString told = "OSTREL_SOURCE=index=0\ncodec_type=video\navg_frame_rate=25/1\nduration=";
-    QTest::newRow("complete") << told + "5.0"
+    const QString known = "OSTREL_SOURCE=index=0\ncodec_type=video\navg_frame_rate=25/1\nduration=";
+    QTest::newRow("complete") << known + "5.0"
                               << "out.MOV" << 0 << QByteArray("out.MOV\n");
-    QTest::newRow("incomplete") << told + "6.0"
+    QTest::newRow("incomplete") << known + "6.0"
                                 << "out.MOV" << 2 << QByteArray("out.MOV\n");
     QTest::newRow("a source that the application does not know")
         << "OSTREL_SOURCE="
         << "out.MOV" << 0 << QByteArray("in.mov\nout.MOV\n");
-    QTest::newRow("a note that MXF holds as a comment") << told + "5.0\n[FORMAT]\nTAG:title=..."
+    QTest::newRow("a note that MXF holds as a comment") << known + "5.0\n[FORMAT]\nTAG:title=..."
                                                         << "out.MXF" << 0 << QByteArray("in.mov\nout.MXF\n");
 }
 

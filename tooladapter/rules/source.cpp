@@ -129,7 +129,7 @@ class ProbeReader
 public:
     void read(std::string_view line);
 
-    Source source; ///< what the lines so far have told
+    Source source; ///< what the lines so far have reported
 
 private:
     void beginStream(std::string_view number);

@@ -15,7 +15,7 @@ namespace tooladapter
 constexpr int highestSampleRate = 1'000'000; ///< [samples/s] a rate beyond is damage
 
 /// Stands for a note that the application has seen and not passed on.
-constexpr std::string_view untoldNote = "...";
+constexpr std::string_view omittedNote = "...";
 
 /// What the probe tool says of one stream of a media file.
 struct Stream {
@@ -63,7 +63,7 @@ struct Source {
     double start = 0.0;          ///< [s] time stamp of what comes first in the file
     double duration = 0.0;       ///< [s] of the longest stream; 0 where the file does not tell
     std::string timecode;        ///< start timecode of the file as a whole; empty where it has none
-    std::map<std::string, std::string> notes = {}; ///< on the file as a whole; untoldNote = it has one
+    std::map<std::string, std::string> notes = {}; ///< on the file as a whole; omittedNote = it has one
 
     bool operator==(const Source &) const = default;
 

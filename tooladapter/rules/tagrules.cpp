@@ -69,7 +69,7 @@ Options comments(const Source &source, bool dropsTimecodes)
     Options options;
     for (const auto &[key, text] : source.notes) {
         const std::size_t size = key.size() + text.size();
-        if (!becomesComment(key) || (dropsTimecodes && holdsTimecode(key)) || text == untoldNote ||
+        if (!becomesComment(key) || (dropsTimecodes && holdsTimecode(key)) || text == omittedNote ||
             size > room)
             continue;
         room -= size;
@@ -91,7 +91,7 @@ bool lacksNotes(const Source &source, const std::string &input, const std::strin
 {
     return makesComments(input, output) &&
            std::any_of(source.notes.begin(), source.notes.end(), [](const auto &note) {
-               return note.second == untoldNote && becomesComment(note.first);
+               return note.second == omittedNote && becomesComment(note.first);
            });
 }
 

@@ -8,8 +8,8 @@
 namespace tooladapter
 {
 
-/// Whether the texts of notes are needed that \a source has and does not tell: MXF files hold notes under
-/// other names, so the tool cannot copy them. \a input and \a output are paths.
+/// Whether an export from \a input to \a output (paths) needs the texts of notes that \a source only names:
+/// MXF files hold notes under other names, so the tool cannot copy them.
 bool lacksNotes(const Source &source, const std::string &input, const std::string &output);
 
 /// The options that carry the notes of \a source over: all but those that hold a timecode which the file is

@@ -84,7 +84,7 @@ void TestTagRules::notesAreKept()
         plan.timecode = "10:11:12:13";
     Source source;
     for (const QString &tag : qAsConst(tags))
-        source.notes[tag.toStdString()] = untoldNote;
+        source.notes[tag.toStdString()] = omittedNote;
     Hints hints;
     hints.isUnread = isUnread;
     QCOMPARE(textOf(tagOptions(plan, source, 0, hints)), options);
@@ -145,8 +145,8 @@ void TestTagRules::onlyCommentsNeedTheTextsOfNotes_data()
     const Notes untold{{"creation_time", "..."}, {"title", "..."}};
     QTest::newRow("into MXF") << "in.mov"
                               << "out.MXF" << untold << true;
-    QTest::newRow("told already") << "in.mov"
-                                  << "out.MXF" << Notes{{"title", "x"}} << false;
+    QTest::newRow("known already") << "in.mov"
+                                   << "out.MXF" << Notes{{"title", "x"}} << false;
     QTest::newRow("nothing that becomes a comment") << "in.mov"
                                                     << "out.MXF" << Notes{{"creation_time", "..."}} << false;
     QTest::newRow("into QuickTime") << "in.mov"
