@@ -73,7 +73,7 @@ Options comments(const Source &source, bool dropsTimecodes)
             size > room)
             continue;
         room -= size;
-        options.push_back({"-metadata", std::string(commentPrefix) + key + '=' + text});
+        options.push_back({"-metadata", std::string(commentPrefix).append(key).append("=").append(text)});
     }
     return options;
 }
