@@ -67,12 +67,13 @@ std::string rateText(const FrameRate &rate)
 
 Options codecOf(const Family &family, const FrameRate &rate)
 {
-    if (const auto column = columnOf(rate))
+    if (const auto column = columnOf(rate)) {
         return {{"-vcodec", "dnxhd"},
                 {"-b:v", std::string(family.bitRates.at(*column))},
                 {"-pix_fmt", std::string(*column < 2 ? family.format : "yuv422p")},
                 {"-s", "1920x1080"},
                 {"-r", rateText(rate)}};
+    }
     return {{"-vcodec", "dnxhd"},
             {"-profile:v", std::string(family.profile)},
             {"-pix_fmt", std::string(family.profileFormat)}};
