@@ -2,18 +2,18 @@
 // Linux: knows its own file through /proc.
 #include "tooladapter/adapter.h"
 
-#include "tooladapter/childprocess.h"
-#include "tooladapter/exportplan.h"
-#include "tooladapter/exportrules.h"
-#include "tooladapter/extractionrules.h"
-#include "tooladapter/fieldatom.h"
-#include "tooladapter/fileheader.h"
-#include "tooladapter/keptchunks.h"
-#include "tooladapter/refusal.h"
-#include "tooladapter/source.h"
-#include "tooladapter/toolsearch.h"
-#include "tooladapter/turn.h"
-#include "tooladapter/writtenfile.h"
+#include "tooladapter/chunks/fieldatom.h"
+#include "tooladapter/chunks/keptchunks.h"
+#include "tooladapter/posix/childprocess.h"
+#include "tooladapter/posix/toolsearch.h"
+#include "tooladapter/posix/turn.h"
+#include "tooladapter/rules/exportplan.h"
+#include "tooladapter/rules/exportrules.h"
+#include "tooladapter/rules/extractionrules.h"
+#include "tooladapter/rules/refusal.h"
+#include "tooladapter/rules/source.h"
+#include "tooladapter/rules/tagrules.h"
+#include "tooladapter/verify/writtenfile.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -49,27 +49,32 @@ Source probe(const std::string &path)
     return parseProbe(output);
 }
 
-/// What the application has told of the source that it hands to its tools; nothing where it has not.
+/// What the application reports about the source that it gives to its tools; nothing without a report.
 Source toldSource()
 {
     return parseProbe(environment("OSTREL_SOURCE"));
 }
 
-/// The source at \a path. The application has had it probed at the import and tells; another caller may not.
-Source sourceAt(const std::string &path)
+/// The source of \a list. The application probed it at the import and passes on most of that; another caller
+/// may not.
+Source sourceOf(const ArgumentList &list)
 {
-    const Source told = toldSource();
-    return told.streams.empty() ? probe(path) : told;
+    Source source = toldSource();
+    const std::string path = filePath(list.input);
+    if (source.streams.empty())
+        return probe(path);
+    if (lacksNotes(source, list.input, list.outputs.front().path))
+        source.notes = probe(path).notes;
+    return source;
 }
 
-/// Throws Refusal where the file that \a job has left is not complete. A reading of its header settles that
-/// for complete files; for all others the probe tool has the last word.
+/// Throws Refusal where the file that \a job has left is not complete, as the probe tool sees it.
 void checkWrittenFile(const Export &job, const Source &source)
 {
-    const auto header = readFileHeader(job.path);
-    if (header && faultIn(*header, job, source).empty())
-        return;
-    const std::string fault = faultIn(probe(job.path), job, source);
+    std::string report;
+    const bool isRead = capture({toolPath("ffprobe"), checkArguments(job, source)}, report) == 0;
+    const std::string fault =
+        isRead ? faultIn(parseProbe(report), job, source) : job.path + " cannot be read";
     if (!fault.empty())
         throw Refusal(fault);
 }
@@ -83,22 +88,24 @@ void setAside(const std::string &path)
         std::filesystem::rename(path, path + ".incomplete", ignored);
 }
 
-/// Runs the tool and looks at what it has written. It stays this process's child, since a tool that reports
-/// success may have left a file that ends too early.
-int write(const Export &job, const Source &source)
+/// Runs the tool, adds to the file what the tool leaves out, and has it checked. The tool stays this
+/// process's child, since one that reports success may have left a file that ends too early.
+int write(const ExportPlan &plan, const Export &job, const Source &source, const Hints &hints)
 {
     const int exitCode = run({toolPath("ffmpeg"), job.arguments});
     if (exitCode != 0)
         return exitCode;
     if (job.notesFields)
-        noteFieldOrder(job.path, source.streams[static_cast<std::size_t>(job.pictureStream)].topFieldFirst());
+        noteFieldOrder(job.path, source.at(job.pictureStream).topFieldFirst());
+    if (plan.container == Container::Wave)
+        keepChunks(filePath(plan.input), job.path, waveChangesOf(plan, hints.timecodeRate));
     checkWrittenFile(job, source);
     return exitCode;
 }
 
 int runExport(const ArgumentList &list)
 {
-    const Source source = sourceAt(filePath(list.input));
+    const Source source = sourceOf(list);
     Hints hints = hintsFrom(environment);
     hints.processors = static_cast<int>(std::thread::hardware_concurrency());
     const ExportPlan plan = planOf(list, source, hints);
@@ -107,11 +114,9 @@ int runExport(const ArgumentList &list)
     if (job.together > 0)
         turn.emplace(job.together);
     try {
-        const int exitCode = write(job, source);
+        const int exitCode = write(plan, job, source, hints);
         if (exitCode != 0)
             setAside(job.path);
-        else if (plan.container == Container::Wave)
-            keepChunks(filePath(list.input), job.path, waveChangesOf(plan, hints.timecodeRate));
         return exitCode;
     } catch (const Refusal &) {
         setAside(job.path);

@@ -2,7 +2,7 @@
 // Stands for the media tools "ffmpeg" and "ffprobe" under the names "ffmpeg.exe" and "ffprobe.exe": mends the
 // argument lists that the tools would misread and hands over to the real tool.
 #include "tooladapter/adapter.h"
-#include "tooladapter/refusal.h"
+#include "tooladapter/rules/refusal.h"
 
 #include <exception>
 #include <iostream>

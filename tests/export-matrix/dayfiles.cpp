@@ -277,8 +277,8 @@ QVector<SourceFile> broadcastFiles()
     const PictureShape camcorderFrames = shape(1920, 1080, hd, "yuv420p");
     const PictureShape narrow = withPixels(shape(1440, 1080, hd, "yuv420p", Fields::TopFirst), 4, 3);
     return {
-        asShape(
-            withFourTracks(camera("mpeg2-1080i50.MXF", "25/1", at25, fields, mpeg2(fields), "pcm_s24le"))),
+        asShape(withFourTracks(camera("mpeg2-1080i50.MXF", "25/1", at25, fields, mpeg2(fields), "pcm_s24le",
+                                      tag("comment_scene", "12A")))),
         withFourTracks(camera("mpeg2-2398.MXF", "24000/1001", at23976, frames, mpeg2(frames), "pcm_s24le"),
                        at23976),
         withFourTracks(

@@ -70,13 +70,15 @@ bool isOfTheFile(const QString &tag)
     return names.contains(tag) || tag.endsWith("umid");
 }
 
-/// Who plays a QuickTime file finds a key under either of its names.
-QString plainName(QString tag)
+QString without(const QString &prefix, const QString &name)
 {
-    const QString prefix = "com.apple.quicktime.";
-    if (tag.startsWith("comment_"))
-        return tag.mid(int(qstrlen("comment_"))); // as MXF files call a note
-    return tag.startsWith(prefix) ? tag.mid(prefix.size()) : tag;
+    return name.startsWith(prefix) ? name.mid(prefix.size()) : name;
+}
+
+/// Who plays a QuickTime file finds a key under either of its names.
+QString plainName(const QString &note)
+{
+    return without("com.apple.quicktime.", note);
 }
 
 FactGroup groupOf(const QString &tag)
@@ -109,10 +111,11 @@ void add(Facts &facts, FactGroup group, const QString &name, const QString &valu
 void addTags(Facts &facts, const QJsonObject &tags)
 {
     for (auto tag = tags.begin(); tag != tags.end(); ++tag) {
-        if (isOfTheFile(tag.key()))
+        const QString note = without("comment_", tag.key()); // as MXF files call it
+        if (isOfTheFile(note))
             continue;
-        const FactGroup group = groupOf(tag.key());
-        add(facts, group, plainName(tag.key()), valueOf(group, tag.value().toString()));
+        const FactGroup group = groupOf(note);
+        add(facts, group, plainName(note), valueOf(group, tag.value().toString()));
     }
     // In MXF files it is the date of the package.
     if (tags.contains("modification_date") && tags["modification_date"].toString().left(4).toInt() > 0)

@@ -28,10 +28,10 @@ constexpr Holds leftOut = Holds::LeftOut;
 // copied.
 constexpr std::array holdings{
     Holding{FactGroup::CreationTime, yes, yes, yes, yes},
-    Holding{FactGroup::Notes, yes, yes, no, yes},
-    Holding{FactGroup::Camera, yes, yes, no, no},
-    Holding{FactGroup::Place, yes, yes, no, no},
-    Holding{FactGroup::QuickTimeKeys, yes, yes, no, no},
+    Holding{FactGroup::Notes, yes, yes, yes, yes},
+    Holding{FactGroup::Camera, yes, yes, yes, no},
+    Holding{FactGroup::Place, yes, yes, yes, no},
+    Holding{FactGroup::QuickTimeKeys, yes, yes, yes, no},
     Holding{FactGroup::Reel, yes, yes, yes, no},
     Holding{FactGroup::StreamNames, yes, yes, no, no},
     Holding{FactGroup::StreamNotes, no, no, no, no},

@@ -7,7 +7,7 @@
 #include "tests/export-matrix/toolrun.h"
 #include "tests/export-matrix/wantedlist.h"
 #include "tests/fakes/faketools.h"
-#include "tooladapter/source.h"
+#include "tooladapter/rules/source.h"
 
 #include <QDir>
 #include <QMap>
@@ -111,8 +111,12 @@ void TestExportLists::theToolIsToldWhatAProbeFinds()
     const ToolRun probe = runTool("ffprobe", arguments);
     const QString told = exporthints::sourceDescription(made.record);
     QVERIFY(!told.isEmpty());
-    QVERIFY2(tooladapter::parseProbe(told.toStdString()) ==
-                 tooladapter::parseProbe(probe.output.toStdString()),
+    tooladapter::Source probed = tooladapter::parseProbe(probe.output.toStdString());
+    for (auto &[name, text] : probed.notes) {
+        if (name != "timecode") // of the others, only the names are passed on
+            text = tooladapter::omittedNote;
+    }
+    QVERIFY2(tooladapter::parseProbe(told.toStdString()) == probed,
              qPrintable(told + "\ninstead of\n" + probe.output));
 }
 

@@ -105,10 +105,14 @@ void TestKeeping::probeTellsTheShootsNotesOnly()
     const QJsonObject tags{{"encoder", "a tool"},
                            {"timecode", "01:00:00:00"},
                            {"com.apple.quicktime.make", "Works"},
+                           {"comment_com.apple.quicktime.model", "Cinema 1"},
+                           {"comment_scene", "12A"},
                            {"creation_time", "2024-05-03T09:00:00.000000Z"}};
     const Facts facts =
         factsOfProbe({{"streams", QJsonArray{picture, sound}}, {"format", QJsonObject{{"tags", tags}}}}, {3});
     QCOMPARE(facts, (Facts{{FactGroup::QuickTimeKeys, "make", "Works"},
+                           {FactGroup::QuickTimeKeys, "model", "Cinema 1"},
+                           {FactGroup::Notes, "scene", "12A"},
                            {FactGroup::CreationTime, "creation_time", "2024-05-03T09:00:00Z"},
                            {FactGroup::StreamNames, "picture", "Pictures"},
                            {FactGroup::ColourTags, "color_range", "tv"},

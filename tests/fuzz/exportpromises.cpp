@@ -6,7 +6,7 @@
 #include "ffmpeg/exportarguments.h"
 #include "ffmpeg/exporthints.h"
 #include "ffmpeg/toolarguments.h"
-#include "tooladapter/argumentlist.h"
+#include "tooladapter/rules/argumentlist.h"
 
 #include <QFileInfo>
 #include <QRegularExpression>

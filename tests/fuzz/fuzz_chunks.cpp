@@ -7,10 +7,10 @@
 // none), then the bytes of the source.
 
 #include "tests/fuzz/fuzzinput.h"
-#include "tests/tooladapter/wavebytes.h"
-#include "tooladapter/bextchunk.h"
-#include "tooladapter/keptchunks.h"
-#include "tooladapter/xmlelement.h"
+#include "tests/tooladapter/chunks/wavebytes.h"
+#include "tooladapter/chunks/bextchunk.h"
+#include "tooladapter/chunks/keptchunks.h"
+#include "tooladapter/chunks/xmlelement.h"
 
 #include <algorithm>
 #include <array>

@@ -8,10 +8,11 @@
 
 #include "ltcreader/commandline.h"
 #include "tests/fuzz/fuzzinput.h"
-#include "tooladapter/exportplan.h"
-#include "tooladapter/exportrules.h"
-#include "tooladapter/extractionrules.h"
-#include "tooladapter/refusal.h"
+#include "tooladapter/rules/exportplan.h"
+#include "tooladapter/rules/exportrules.h"
+#include "tooladapter/rules/extractionrules.h"
+#include "tooladapter/rules/refusal.h"
+#include "tooladapter/verify/writtenfile.h"
 
 #include <QRegularExpression>
 
@@ -107,11 +108,16 @@ void adapterCommand(fuzz::Input &input)
         if (job == Job::Extraction)
             rewriteExtraction(*list, parseProbe(input.rest().toStdString()));
         if (job == Job::Export) {
-            const Source source = parseProbe(input.rest().toStdString());
+            const std::string report = input.rest().toStdString();
+            const Source source = parseProbe(report);
             Hints hints;
             hints.timecodeChannel = channelFromText(channel);
             hints.timecodeRate = FrameRate::fromText(rate);
-            checkExport(*list, source, exportOf(planOf(*list, source, hints), source, hints));
+            const Export exported = exportOf(planOf(*list, source, hints), source, hints);
+            checkExport(*list, source, exported);
+            require(!faultIn({}, exported, source).empty() || exported.audio.empty(),
+                    "a file without sound is incomplete");
+            faultIn(source, exported, source);
         }
     } catch (const Refusal &refusal) {
         require(*refusal.what() != '\0', "a refusal has a reason");

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/wavfile.h"
-
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -26,7 +24,8 @@ QStringList exportList()
 // What the stand-in for the probe tool says of every file.
 const char completeFile[] =
     "#!/bin/sh\n"
-    "printf '[STREAM]\\nindex=0\\ncodec_type=video\\navg_frame_rate=25/1\\nduration=5.0\\n"
+    "printf '[PACKET]\\nstream_index=0\\npts_time=4.96\\nduration_time=0.04\\n[/PACKET]\\n"
+    "[STREAM]\\nindex=0\\ncodec_type=video\\navg_frame_rate=25/1\\nduration=5.0\\n"
     "[/STREAM]\\n'\n";
 
 /// Whether the process still runs; one that only waits for its parent to notice the end does not.
@@ -58,8 +57,8 @@ private slots:
     void anIncompleteFileIsAFailure();
     void whatIsLeftOfAFailureIsSetAside_data();
     void whatIsLeftOfAFailureIsSetAside();
-    void whatTheApplicationToldIsNotProbed_data();
-    void whatTheApplicationToldIsNotProbed();
+    void theWrittenFileIsProbedOnce_data();
+    void theWrittenFileIsProbedOnce();
     void anUnreadableSourceIsAFailure();
     void aRefusalStartsNoTool();
     void aLargeBatchWorksByTurns();
@@ -255,30 +254,38 @@ void TestAdapter::whatIsLeftOfAFailureIsSetAside()
         QCOMPARE(contents("out.MOV.incomplete"), QByteArray("half\n"));
 }
 
-void TestAdapter::whatTheApplicationToldIsNotProbed_data()
+void TestAdapter::theWrittenFileIsProbedOnce_data()
 {
-    QTest::addColumn<QString>("duration"); // [s] of the source
+    QTest::addColumn<QString>("source"); // what the application reports about it
+    QTest::addColumn<QString>("output");
     QTest::addColumn<int>("exitCode");
-    QTest::addColumn<bool>("isProbed");
-    QTest::newRow("complete") << "1.0" << 0 << false;
-    QTest::newRow("the probe tool has the last word on what looks incomplete") << "2.0" << 2 << true;
+    QTest::addColumn<QByteArray>("probed");
+    const QString known = "OSTREL_SOURCE=index=0\ncodec_type=video\navg_frame_rate=25/1\nduration=";
+    QTest::newRow("complete") << known + "5.0"
+                              << "out.MOV" << 0 << QByteArray("out.MOV\n");
+    QTest::newRow("incomplete") << known + "6.0"
+                                << "out.MOV" << 2 << QByteArray("out.MOV\n");
+    QTest::newRow("a source that the application does not know")
+        << "OSTREL_SOURCE="
+        << "out.MOV" << 0 << QByteArray("in.mov\nout.MOV\n");
+    QTest::newRow("a note that MXF holds as a comment") << known + "5.0\n[FORMAT]\nTAG:title=..."
+                                                        << "out.MXF" << 0 << QByteArray("in.mov\nout.MXF\n");
 }
 
-void TestAdapter::whatTheApplicationToldIsNotProbed()
+void TestAdapter::theWrittenFileIsProbedOnce()
 {
-    QFETCH(QString, duration);
+    QFETCH(QString, source);
+    QFETCH(QString, output);
     QFETCH(int, exitCode);
-    QFETCH(bool, isProbed);
-    testsignals::WavFile written;
-    written.channels = {std::vector<float>(48000, 0.5F)};
-    testsignals::writeWav(folder->filePath("written").toStdString(), written);
-    makeTool("ffmpeg", "#!/bin/sh\ncp written out.WAV\n");
-    makeTool("ffprobe", "#!/bin/sh\ntouch probed\nexit 1\n");
-    start({"-y", "-i", "in.wav", "-write_bext", "1", "-acodec", "pcm_s16le", "out.WAV"},
-          {"OSTREL_SOURCE=index=0\ncodec_type=audio\nchannels=1\nduration=" + duration});
+    QFETCH(QByteArray, probed);
+    makeTool("ffmpeg", "#!/bin/sh\nexit 0\n");
+    makeTool("ffprobe", QByteArray(completeFile) + "echo \"$6\" >>probed\n");
+    QStringList arguments = exportList();
+    arguments.last() = output;
+    start(arguments, {source});
     finish();
     QVERIFY2(adapter->exitCode() == exitCode, qPrintable(errors));
-    QCOMPARE(QFile::exists(folder->filePath("probed")), isProbed);
+    QCOMPARE(contents("probed"), probed);
 }
 
 void TestAdapter::anUnreadableSourceIsAFailure()

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "tests/tooladapter/wavebytes.h"
-#include "tooladapter/keptchunks.h"
+#include "tests/tooladapter/chunks/wavebytes.h"
+#include "tooladapter/chunks/keptchunks.h"
 
 #include <QFile>
 #include <QJsonArray>

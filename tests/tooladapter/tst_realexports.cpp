@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tests/tooladapter/processes.h"
-#include "tooladapter/source.h"
+#include "tooladapter/rules/source.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -46,8 +47,8 @@ private slots:
     void aFullDiskIsAFailure();
     void filesInOddFoldersAreWritten_data();
     void filesInOddFoldersAreWritten();
-    void aCompleteFileIsKnownWithoutAProbe_data();
-    void aCompleteFileIsKnownWithoutAProbe();
+    void aFileThatIsCutIsAFailure_data();
+    void aFileThatIsCutIsAFailure();
     void aFileThatCannotBeMadeIsAFailure_data();
     void aFileThatCannotBeMadeIsAFailure();
     void everyExtractedFileEndsAfterThreeSeconds();
@@ -59,6 +60,8 @@ private slots:
     void aCircleStaysACircle();
     void copiedFieldsKeepTheirOrder_data();
     void copiedFieldsKeepTheirOrder();
+    void codedFieldsAreNotedInQuickTime_data();
+    void codedFieldsAreNotedInQuickTime();
     void killingAnExportLeavesNoProcess_data();
     void killingAnExportLeavesNoProcess();
 
@@ -68,6 +71,8 @@ private:
     int exportFile(const QString &source, const QStringList &picture, const QString &target);
     double durationOf(const QString &name);
     int framesOf(const QString &name);
+    void makeFields(const QString &size, const QString &first);
+    QByteArray fieldOrderOf(const QString &name);
     double silenceBefore(const QString &name);
     void describe(const QString &source);
 
@@ -116,6 +121,23 @@ int TestRealExports::framesOf(const QString &name)
     run("ffprobe", {"-v", "error", "-count_packets", "-select_streams", "v", "-show_entries",
                     "stream=nb_read_packets", "-of", "default=nokey=1:noprint_wrappers=1", name});
     return output.trimmed().toInt();
+}
+
+/// Makes "fields.mov", an interlaced picture; \a first is its coder's word for the order.
+void TestRealExports::makeFields(const QString &size, const QString &first)
+{
+    QCOMPARE(run("ffmpeg", {"-v", "error", "-y", "-f", "lavfi", "-i",
+                            "testsrc2=size=" + size + ":rate=25:duration=0.4", "-c:v", "libx264", "-preset",
+                            "ultrafast", "-x264-params", first, "-flags", "+ildct+ilme", "fields.mov"}),
+             0);
+}
+
+/// The order of fields in \a name, in the words of the probe tool.
+QByteArray TestRealExports::fieldOrderOf(const QString &name)
+{
+    run("ffprobe", {"-v", "error", "-select_streams", "v", "-show_entries", "stream=field_order", "-of",
+                    "default=nokey=1:noprint_wrappers=1", name});
+    return output.trimmed();
 }
 
 /// How long the first audio stream of \a name is silent at its beginning [s].
@@ -217,37 +239,55 @@ void TestRealExports::filesInOddFoldersAreWritten()
     QVERIFY(QFileInfo(folder.filePath(target + "/clip.MOV")).size() > 0);
 }
 
-void TestRealExports::aCompleteFileIsKnownWithoutAProbe_data()
+void TestRealExports::aFileThatIsCutIsAFailure_data()
 {
     QTest::addColumn<QStringList>("chosen");
     QTest::addColumn<QString>("target");
     const QStringList timecode{"-timecode", "10:11:12:13", "-r", "25"};
-    QTest::newRow("copied to QuickTime") << copied() + timecode << "known.MOV";
-    QTest::newRow("coded to MXF") << coded() + timecode << "known.MXF";
-    QTest::newRow("sound alone") << QStringList{"-map", "0:1", "-acodec", "pcm_s16le"} << "known.WAV";
+    const QStringList dnxhd{"-vcodec", "dnxhd", "-b:v", "36M", "-pix_fmt", "yuv422p", "-s", "1920x1080"};
+    QTest::newRow("copied to QuickTime") << copied() + timecode << "cut.MOV";
+    QTest::newRow("MPEG-2 in MXF, whose index comes last") << coded() + timecode << "cut.MXF";
+    QTest::newRow("DNxHD in MXF, whose index comes first") << dnxhd + timecode << "cut.MXF";
+    QTest::newRow("sound alone") << QStringList{"-map", "0:1", "-acodec", "pcm_s16le"} << "cut.MOV";
+    QTest::newRow("WAV") << QStringList{"-write_bext", "1",   "-metadata", "time_reference=1760232000",
+                                        "-map",        "0:1", "-acodec",   "pcm_s16le"}
+                         << "cut.WAV";
 }
 
-void TestRealExports::aCompleteFileIsKnownWithoutAProbe()
+void TestRealExports::aFileThatIsCutIsAFailure()
 {
     QFETCH(QStringList, chosen);
     QFETCH(QString, target);
     const QString source = folder.filePath("whole.mov");
-    describe(source);
-
-    // An ffprobe that fails and tells that it was called
+    const QStringList arguments = QStringList{"-y", "-i", source} + chosen + QStringList{target};
+    QVERIFY2(run("ffmpeg.exe", arguments) == 0, qPrintable(errors));
     QVERIFY(QDir(folder.path()).mkpath("tools"));
-    QFile probe(folder.filePath("tools/ffprobe"));
-    QVERIFY(probe.open(QIODevice::WriteOnly));
-    probe.write("#!/bin/sh\ntouch probed\nexit 1\n");
-    probe.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    probe.close();
+    QFile::remove(folder.filePath("tools/whole"));
+    QVERIFY(QFile::rename(folder.filePath(target), folder.filePath("tools/whole")));
+
+    // An ffmpeg that reports success for any part of the file
+    QFile tool(folder.filePath("tools/ffmpeg"));
+    QVERIFY(tool.open(QIODevice::WriteOnly));
+    tool.write("#!/bin/sh\nfor last; do :; done\nhead -c $SIZE tools/whole >\"$last\"\n");
+    tool.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    tool.close();
+    describe(source);
     const QByteArray searchPath = qgetenv("PATH");
     qputenv("PATH", QFile::encodeName(folder.filePath("tools:")) + searchPath);
-    const int exitCode = run("ffmpeg.exe", QStringList{"-y", "-i", source} + chosen + QStringList{target});
-    qputenv("PATH", searchPath);
-    qunsetenv("OSTREL_SOURCE");
-    QVERIFY2(exitCode == 0, qPrintable(errors));
-    QVERIFY(!QFile::exists(folder.filePath("probed")));
+    const auto restore = qScopeGuard([&searchPath] {
+        qputenv("PATH", searchPath);
+        qunsetenv("OSTREL_SOURCE");
+    });
+    const qint64 size = QFileInfo(folder.filePath("tools/whole")).size();
+    constexpr int parts = 20;
+    for (int part = 0; part <= parts - 3; ++part) { // half a second of five may be missing
+        qputenv("SIZE", QByteArray::number(size * part / parts));
+        QVERIFY2(run("ffmpeg.exe", arguments) > 0, qPrintable(QString("%1 of %2").arg(part).arg(parts)));
+        QVERIFY(!QFileInfo::exists(folder.filePath(target)));
+        QVERIFY(QFileInfo::exists(folder.filePath(target + ".incomplete")));
+    }
+    qputenv("SIZE", QByteArray::number(size));
+    QVERIFY2(run("ffmpeg.exe", arguments) == 0, qPrintable(errors));
 }
 
 void TestRealExports::aFileThatCannotBeMadeIsAFailure_data()
@@ -413,16 +453,40 @@ void TestRealExports::copiedFieldsKeepTheirOrder()
 {
     QFETCH(QString, first);
     QFETCH(QByteArray, order);
-    QCOMPARE(run("ffmpeg", {"-v", "error", "-y", "-f", "lavfi", "-i",
-                            "testsrc2=size=720x576:rate=25:duration=0.4", "-c:v", "libx264", "-preset",
-                            "ultrafast", "-x264-params", first, "-flags", "+ildct+ilme", "fields.mov"}),
-             0);
+    makeFields("720x576", first);
     QVERIFY2(exportFile("fields.mov", copied(), "fields.MOV.MOV") == 0, qPrintable(errors));
     QCOMPARE(run("ffmpeg", {"-v", "error", "-i", "fields.MOV.MOV", "-f", "null", "-"}), 0);
     QCOMPARE(errors, QString());
-    run("ffprobe", {"-v", "error", "-select_streams", "v", "-show_entries", "stream=field_order", "-of",
-                    "default=nokey=1:noprint_wrappers=1", "fields.MOV.MOV"});
-    QCOMPARE(output.trimmed(), order);
+    QCOMPARE(fieldOrderOf("fields.MOV.MOV"), order);
+}
+
+void TestRealExports::codedFieldsAreNotedInQuickTime_data()
+{
+    QTest::addColumn<QString>("first");  // field of the source
+    QTest::addColumn<QString>("target"); // its beginning
+    QTest::addColumn<QStringList>("picture");
+    QTest::addColumn<QByteArray>("order");
+    const QStringList known{"-vcodec", "dnxhd", "-b:v", "120M", "-pix_fmt", "yuv422p", "-s", "1920x1080"};
+    const QStringList unknown{"-vcodec", "dnxhd", "-b:v", "36M", "-pix_fmt", "yuv422p", "-s", "1920x1080"};
+    QTest::newRow("top field first") << "tff=1"
+                                     << "top" << known << QByteArray("tb");
+    QTest::newRow("bottom field first") << "bff=1"
+                                        << "bottom" << known << QByteArray("bt");
+    QTest::newRow("a profile without fields") << "tff=1"
+                                              << "none" << unknown << QByteArray("unknown");
+}
+
+void TestRealExports::codedFieldsAreNotedInQuickTime()
+{
+    QFETCH(QString, first);
+    QFETCH(QString, target);
+    QFETCH(QStringList, picture);
+    QFETCH(QByteArray, order);
+    makeFields("1920x1080", first);
+    QVERIFY2(exportFile("fields.mov", picture, target + ".MOV") == 0, qPrintable(errors));
+    QCOMPARE(fieldOrderOf(target + ".MOV"), order);
+    QCOMPARE(run("ffmpeg", {"-v", "error", "-i", target + ".MOV", "-f", "null", "-"}), 0);
+    QCOMPARE(errors, QString());
 }
 
 void TestRealExports::killingAnExportLeavesNoProcess_data()
