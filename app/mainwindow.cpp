@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "app/mainwindow.h"
 
-#include "app/applicationinfo.h"
-#include "app/widgetnames.h"
+#include "app/records/applicationinfo.h"
 #include "control/maincontrol.h"
 #include "ffmpeg/exportwindow.h"
 #include "filelist/filelist.h"
 #include "ltc/audiotcwindow.h"
 #include "update/updatecheck.h"
+#include "widgets/widgetnames.h"
 
 #include <QAction>
 #include <QBoxLayout>

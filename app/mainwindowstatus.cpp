@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // What the main window tells: status line, progress, streams and message boxes; and how it ends.
 #include "app/mainwindow.h"
-#include "app/missingtools.h"
+#include "app/records/resultcodes.h"
 #include "app/versionnotice.h"
 #include "app/windowtexts.h"
 #include "control/maincontrol.h"
-#include "control/resultcodes.h"
 #include "filelist/filelist.h"
+#include "process/missingtools.h"
 #include "update/versiondescriptor.h"
 
 #include <QAction>

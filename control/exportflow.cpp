@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "control/maincontrol.h"
 
-#include "control/resultcodes.h"
+#include "app/records/resultcodes.h"
 #include "ffmpeg/ffmpeghandler.h"
 
 #include <QFile>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "control/maincontrol.h"
 
+#include "app/records/resultcodes.h"
 #include "control/probedrecord.h"
-#include "control/resultcodes.h"
 #include "ffmpeg/ffmpeghandler.h"
 
 #include <QElapsedTimer>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/audiotcoptions.h"
-#include "app/exportoptions.h"
-#include "app/filedata.h"
+#include "app/records/audiotcoptions.h"
+#include "app/records/exportoptions.h"
+#include "app/records/filedata.h"
 #include "control/droppedfiles.h"
 #include "control/jobqueues.h"
 #include "control/stageprogress.h"

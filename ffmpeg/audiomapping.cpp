@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ffmpeg/audiomapping.h"
 
-#include "app/optiontables.h"
+#include "app/records/optiontables.h"
 #include "ffmpeg/toolarguments.h"
 
 #include <algorithm>

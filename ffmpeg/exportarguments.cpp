@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ffmpeg/exportarguments.h"
 
-#include "app/jsonnumbers.h"
+#include "app/records/jsonnumbers.h"
 #include "ffmpeg/audiomapping.h"
 #include "ffmpeg/videocodec.h"
 

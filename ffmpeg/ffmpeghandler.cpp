@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "ffmpeg/ffmpeghandler.h"
 
-#include "app/toolprocess.h"
-#include "app/toolresolver.h"
 #include "ffmpeg/exportarguments.h"
 #include "ffmpeg/exporthints.h"
 #include "ffmpeg/exportprogress.h"
 #include "ffmpeg/toolarguments.h"
+#include "process/toolprocess.h"
+#include "process/toolresolver.h"
 
 #include <QFileInfo>
 #include <QJsonDocument>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "filelist/celltexts.h"
 
-#include "app/jsonnumbers.h"
+#include "app/records/jsonnumbers.h"
 
 #include <QCoreApplication>
 #include <QStringList>

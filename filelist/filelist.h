@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/audiotcoptions.h"
-#include "app/exportoptions.h"
-#include "app/filedata.h"
+#include "app/records/audiotcoptions.h"
+#include "app/records/exportoptions.h"
+#include "app/records/filedata.h"
 #include "filelist/contentwidth.h"
 #include "filelist/siblinglinks.h"
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ltc/ltchandler.h"
 
-#include "app/toolprocess.h"
-#include "app/toolresolver.h"
 #include "ltc/readerarguments.h"
+#include "process/toolprocess.h"
+#include "process/toolresolver.h"
 
 #include <QJsonDocument>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "bench/export/exportfloor.h"
 
-#include "app/toolresolver.h"
 #include "ffmpeg/exportarguments.h"
 #include "ffmpeg/exporthints.h"
+#include "process/toolresolver.h"
 
 #include <QFileInfo>
 #include <QProcessEnvironment>

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "bench/realtools/importfloor.h"
 
-#include "app/toolresolver.h"
 #include "bench/realtools/mediafolder.h"
 #include "bench/support/benchmarkprogram.h"
 #include "control/probedrecord.h"
 #include "ffmpeg/toolarguments.h"
 #include "ltc/readerarguments.h"
+#include "process/toolresolver.h"
 
 #include <QDir>
 #include <QFileInfo>

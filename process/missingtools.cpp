@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "app/missingtools.h"
+#include "process/missingtools.h"
 
-#include "app/toolresolver.h"
+#include "process/toolresolver.h"
 
 #include <QCoreApplication>
 #include <QDir>

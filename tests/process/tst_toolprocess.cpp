@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/toolprocess.h"
+#include "process/toolprocess.h"
 #include "tests/fakes/faketools.h"
 
 #include <QCoreApplication>

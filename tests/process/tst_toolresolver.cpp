@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/toolresolver.h"
+#include "process/toolresolver.h"
 
 #include <QCoreApplication>
 #include <QDir>

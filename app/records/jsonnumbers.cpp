@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/jsonnumbers.h"
+#include "app/records/jsonnumbers.h"
 
 #include <QVariant>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/missingtools.h"
+#include "process/missingtools.h"
 
 #include <QDir>
 #include <QFile>

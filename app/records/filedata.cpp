@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/filedata.h"
+#include "app/records/filedata.h"
 
 namespace FD
 {

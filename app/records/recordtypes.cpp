@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "app/recordtypes.h"
+#include "app/records/recordtypes.h"
 
-#include "app/audiotcoptions.h"
-#include "app/exportoptions.h"
-#include "app/filedata.h"
+#include "app/records/audiotcoptions.h"
+#include "app/records/exportoptions.h"
+#include "app/records/filedata.h"
 
 #include <QFileInfo>
 #include <QList>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/filenamecoding.h"
+#include "process/filenamecoding.h"
 
 #include <QDir>
 #include <QFile>
