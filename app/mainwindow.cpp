@@ -282,7 +282,7 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
         streamInfoList->clear();
         statusLabel->setText(tr("Status: "));
         // The results of what is under way would land on the rows that moved up.
-        if (!fileList->mustKeepRows())
+        if (!fileList->pendingWork().mustKeepRows())
             emit deleteSelectedRowsSignal();
     }
     QMainWindow::keyPressEvent(event);
