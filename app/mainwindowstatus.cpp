@@ -105,12 +105,12 @@ void MainWindow::onCancelExportButtonClicked()
 void MainWindow::exportReady(int exportResult, QStringList exportErrorFileNameList)
 {
     cancelling = false;
-    if (exportResult == exportSucceeded) {
+    if (exportResult == ExportSucceeded) {
         showExportResult(tr("Ostrel did the job!"));
         statusLabel->setText(tr("Status:"));
-    } else if (exportResult == exportCancelled) {
+    } else if (exportResult == ExportCancelled) {
         statusLabel->setText(tr("Status: export cancelled"));
-    } else if (exportResult == exportHasErrors) {
+    } else if (exportResult == ExportHasErrors) {
         showExportResult(windowtexts::failedExports(exportErrorFileNameList));
         statusLabel->setText(tr("Status:"));
     }

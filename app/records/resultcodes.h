@@ -10,4 +10,4 @@ constexpr int readerNotInitialised = 204; ///< the reader's own code; also stand
 constexpr int toolNotStarted = -1;        ///< stands for the exit code of a tool that could not be started
 
 /// Results of an export batch.
-enum ExportResult { exportSucceeded = 0, exportCancelled = 1, exportHasErrors = 2 };
+enum ExportResult { ExportSucceeded = 0, ExportCancelled = 1, ExportHasErrors = 2 };
