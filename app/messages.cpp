@@ -22,7 +22,7 @@ QString translated(const char *text)
 
 void openWebLink(const QString &link)
 {
-    if (mayOpenLink(QUrl(link)))
+    if (versionnotice::mayOpenLink(QUrl(link)))
         QDesktopServices::openUrl(QUrl(link));
 }
 
@@ -55,7 +55,7 @@ void showNewVersion(QWidget *parent, const QUrl &downloadLink, const QString &de
 {
     QMessageBox box(QMessageBox::NoIcon, translated("New Version Available"), {}, QMessageBox::Ok, parent);
     box.setTextFormat(Qt::RichText);
-    box.setText(versionNotice(downloadLink, description));
+    box.setText(versionnotice::text(downloadLink, description));
     // The text comes from the network: its links must not start what is on this machine.
     if (auto *label = box.findChild<QLabel *>("qt_msgbox_label")) {
         label->setOpenExternalLinks(false);

@@ -154,7 +154,7 @@ void FFMpegHandler::start(QProcess *process, const QString &program, const QStri
 {
     connect(process, &QProcess::errorOccurred, this, &FFMpegHandler::reportFailedStart,
             Qt::QueuedConnection); // starting can fail inside this call
-    process->start(resolveTool(program), arguments, QIODevice::ReadWrite);
+    process->start(toolresolver::resolve(program), arguments, QIODevice::ReadWrite);
 }
 
 void FFMpegHandler::reportFailedStart(QProcess::ProcessError error)

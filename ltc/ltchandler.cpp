@@ -34,7 +34,7 @@ void LTCHandler::start()
             &LTCHandler::ltcReaderFinished);
     connect(process, &QProcess::errorOccurred, this, &LTCHandler::reportFailedStart,
             Qt::QueuedConnection); // starting can fail inside this call
-    process->start(resolveTool(program),
+    process->start(toolresolver::resolve(program),
                    hasOptions ? readerarguments::chosen(filePath, options, isGoPro)
                               : readerarguments::automatic(filePath, isGoPro),
                    QIODevice::ReadWrite);

@@ -12,14 +12,14 @@ QStringList missingTools(const QStringList &searchPath, const QString &applicati
     QStringList missing;
     const QStringList folders = searchPath + QStringList{applicationFolder};
     for (const QString &tool : {QString("ffprobe"), QString("ffmpeg"), QString("LTCReader")}) {
-        const QString path = findTool(tool + ".exe", folders);
+        const QString path = toolresolver::find(tool + ".exe", folders);
         if (path.isEmpty()) {
             missing += tool + ".exe";
             continue;
         }
 #ifdef Q_OS_UNIX
         const bool isAdapter = tool != "LTCReader" && QFileInfo(path).absolutePath() == applicationFolder;
-        if (isAdapter && findTool(tool, searchPath).isEmpty())
+        if (isAdapter && toolresolver::find(tool, searchPath).isEmpty())
             missing += tool;
 #endif
     }

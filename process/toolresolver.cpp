@@ -5,7 +5,10 @@
 #include <QDir>
 #include <QFileInfo>
 
-QString findTool(const QString &program, const QStringList &folders)
+namespace toolresolver
+{
+
+QString find(const QString &program, const QStringList &folders)
 {
     for (const QString &folder : folders) {
         if (!QDir::isAbsolutePath(folder))
@@ -17,10 +20,12 @@ QString findTool(const QString &program, const QStringList &folders)
     return {};
 }
 
-QString resolveTool(const QString &program)
+QString resolve(const QString &program)
 {
     QStringList folders = qEnvironmentVariable("PATH").split(QDir::listSeparator(), Qt::SkipEmptyParts);
     folders += QCoreApplication::applicationDirPath();
-    const QString path = findTool(program, folders);
+    const QString path = find(program, folders);
     return path.isEmpty() ? program : path;
 }
+
+} // namespace toolresolver

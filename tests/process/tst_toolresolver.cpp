@@ -90,7 +90,7 @@ void TestToolResolver::theFirstExecutableFileIsTaken()
     for (const QString &name : folders)
         QVERIFY(QDir(root).mkdir(name));
 
-    QCOMPARE(findTool("t.exe", {root + "missing", root + "a", root + "b/"}),
+    QCOMPARE(toolresolver::find("t.exe", {root + "missing", root + "a", root + "b/"}),
              expected.isEmpty() ? QString() : root + expected);
 }
 
@@ -100,22 +100,22 @@ void TestToolResolver::theSearchPathComesFirst()
     const QString own = QFileInfo(QCoreApplication::applicationFilePath()).fileName();
     makeFile(folder->filePath("b/" + own), true);
     qputenv("PATH", QFile::encodeName(folder->filePath("a") + QDir::listSeparator() + folder->filePath("b")));
-    QCOMPARE(resolveTool(own), folder->filePath("b/" + own));
+    QCOMPARE(toolresolver::resolve(own), folder->filePath("b/" + own));
 }
 
 void TestToolResolver::theApplicationsFolderComesSecond()
 {
     qputenv("PATH", QFile::encodeName(folder->filePath("a")));
     const QFileInfo own(QCoreApplication::applicationFilePath());
-    QCOMPARE(resolveTool(own.fileName()), own.absoluteFilePath());
+    QCOMPARE(toolresolver::resolve(own.fileName()), own.absoluteFilePath());
 }
 
 void TestToolResolver::whatIsNowhereKeepsItsBareName()
 {
     qputenv("PATH", QFile::encodeName(folder->filePath("a")));
-    QCOMPARE(resolveTool("ffprobe.exe"), QString("ffprobe.exe"));
+    QCOMPARE(toolresolver::resolve("ffprobe.exe"), QString("ffprobe.exe"));
     qunsetenv("PATH");
-    QCOMPARE(resolveTool("ffprobe.exe"), QString("ffprobe.exe"));
+    QCOMPARE(toolresolver::resolve("ffprobe.exe"), QString("ffprobe.exe"));
 }
 
 void TestToolResolver::theWorkingDirectoryIsNotSearched_data()
@@ -132,7 +132,7 @@ void TestToolResolver::theWorkingDirectoryIsNotSearched()
     makeFile(folder->filePath("a/t.exe"), true);
     QVERIFY(QDir::setCurrent(folder->filePath("a")));
     qputenv("PATH", path);
-    QCOMPARE(resolveTool("t.exe"), QString("t.exe"));
+    QCOMPARE(toolresolver::resolve("t.exe"), QString("t.exe"));
 }
 
 QTEST_GUILESS_MAIN(TestToolResolver)
