@@ -67,14 +67,14 @@ public:
     /// that were recorded together with it take its timecode over.
     Changes takeReading(const QJsonObject &result, int row, int streamIndex, int exitCode);
 
-    /// The records of \a rows for a second reading, which is pending from now on.
+    /// The records of \a rows, which exist, for a second reading, which is pending from now on.
     QVector<FileData> takeForReading(const QVector<int> &rows);
 
-    /// The records of \a rows that an export with \a options takes.
+    /// The records of \a rows, which exist, that an export with \a options takes.
     QVector<FileData> takeForExport(const QVector<int> &rows, const ExportOptions &options);
 
-    /// Removes \a rows, ascending; those behind them move up. Refused while an import is under way. Returns
-    /// whether they were removed.
+    /// Removes \a rows, which exist, ascending; those behind them move up. Refused while an import is under
+    /// way. Returns whether they were removed.
     bool remove(const QVector<int> &rows);
 
 private:
