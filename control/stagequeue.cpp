@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "control/stagequeue.h"
 
-bool StageQueue::mayBegin(const Request &request, bool idle)
+bool StageQueue::admit(const Request &request, bool idle)
 {
     // A drop adds to the import under way, whatever waits for the end of that import.
     if (isFree(request, idle) && (stage == Stage::Import || waiting.isEmpty()))

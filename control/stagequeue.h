@@ -31,7 +31,7 @@ public:
 
     /// Whether \a request is to begin now; otherwise it waits from now on. \a idle: no job of a stage runs or
     /// waits.
-    bool mayBegin(const Request &request, bool idle);
+    bool admit(const Request &request, bool idle);
 
     /// The longest waiting request, when it may begin now; it waits no more.
     std::optional<Request> takeNext(bool idle);

@@ -14,7 +14,7 @@ using Stage = StageQueue::Stage;
 void MainControl::onIterateThroughDir(QList<QUrl> urls)
 {
     emit dropTaken(); // first, as a drop of nothing usable ends at once
-    if (stages.mayBegin(urls, !isImporting()))
+    if (stages.admit(urls, !isImporting()))
         startStage(urls);
 }
 
@@ -22,7 +22,7 @@ void MainControl::onUpdateAudioTCInfo(QVector<FileData> audioTCUpdateFileVector,
                                       AudioTCOptions audioTCOptions)
 {
     const StageQueue::ReReadRequest request{audioTCUpdateFileVector, audioTCOptions};
-    if (stages.mayBegin(request, !isImporting()))
+    if (stages.admit(request, !isImporting()))
         startStage(request);
 }
 

@@ -75,7 +75,7 @@ int ColumnFitter::widthOf(const QString &text)
     return width;
 }
 
-/// Width that the title of \a column needs [pixels]. The header measures its font anew each time it is asked.
+/// Width that the title of \a column needs [pixels]. The header measures its font every time.
 int ColumnFitter::headerWidth(int column)
 {
     const auto known = headerWidths.constFind(column);

@@ -22,7 +22,7 @@ struct RowStatus {
     int exitCode = 0;   ///< of a reading or probe that failed
     QString sourceName; ///< name of the file that a linked timecode was taken from
 
-    /// Whether the last reading has told of a timecode, or that there is none.
+    /// Whether the last reading has found a timecode, or found that there is none.
     bool isAnswered() const { return audioTC == AudioTC::Found || audioTC == AudioTC::NotFound; }
 };
 

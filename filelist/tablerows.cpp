@@ -59,10 +59,10 @@ int currentAfterRemoval(int row, const QVector<int> &removed, int rowCount)
 {
     const auto place = std::lower_bound(removed.cbegin(), removed.cend(), row);
     const auto removedAbove = static_cast<int>(place - removed.cbegin());
-    const bool goes = place != removed.cend() && *place == row;
-    if (row < 0 || (goes && removed.size() == rowCount))
+    const bool isRemoved = place != removed.cend() && *place == row;
+    if (row < 0 || (isRemoved && removed.size() == rowCount))
         return -1;
-    return goes ? qMax(0, row - removedAbove - 1) : row - removedAbove;
+    return isRemoved ? qMax(0, row - removedAbove - 1) : row - removedAbove;
 }
 
 } // namespace tablerows

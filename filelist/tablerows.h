@@ -14,12 +14,12 @@ QVector<int> selected(const QTableWidget &table, int count);
 /// Puts \a rows of \a table, with its header, on the clipboard; nothing when there are none.
 void copy(const QTableWidget &table, const QVector<int> &rows);
 
-/// Removes \a removed, ascending and not empty, from \a table, whose cells take what they show from the
-/// records and so have moved up already: the table gives its end away in one step. Nothing is selected then.
+/// Removes \a removed, ascending and not empty, from \a table. Its cells take their text from the records,
+/// which have moved up already, so only the end of the table is removed. Nothing is selected afterwards.
 void closeUp(QTableWidget &table, const QVector<int> &removed);
 
-/// Where the current \a row stands when \a removed, ascending, are gone from \a rowCount rows: a removed one
-/// passes on to the row above that stays, or to the first below. -1 = there is none.
+/// Position of the current \a row after \a removed, ascending, have been removed from \a rowCount rows. A
+/// removed row is replaced by the remaining row above, or by the first one below. -1 = there is none.
 int currentAfterRemoval(int row, const QVector<int> &removed, int rowCount);
 
 } // namespace tablerows

@@ -62,10 +62,10 @@ class TestImportedFiles : public QObject
 private slots:
     void init();
     void aFileBecomesARow();
-    void aProbeTellsWhatItHasChanged_data();
-    void aProbeTellsWhatItHasChanged();
-    void aReadingTellsWhatItHasChanged_data();
-    void aReadingTellsWhatItHasChanged();
+    void aProbeReportsItsChanges_data();
+    void aProbeReportsItsChanges();
+    void aReadingReportsItsChanges_data();
+    void aReadingReportsItsChanges();
     void resultsWithoutARowChangeNothing_data();
     void resultsWithoutARowChangeNothing();
     void timecodesReachTheSiblingsOnly_data();
@@ -116,7 +116,7 @@ void TestImportedFiles::aFileBecomesARow()
     QCOMPARE(stateOf(0), QString("unread"));
 }
 
-void TestImportedFiles::aProbeTellsWhatItHasChanged_data()
+void TestImportedFiles::aProbeReportsItsChanges_data()
 {
     QTest::addColumn<QString>("timecode");
     QTest::addColumn<int>("exitCode");
@@ -127,7 +127,7 @@ void TestImportedFiles::aProbeTellsWhatItHasChanged_data()
     QTest::newRow("failed") << "" << 1000 << "row 0: file TC, audio TC" << false;
 }
 
-void TestImportedFiles::aProbeTellsWhatItHasChanged()
+void TestImportedFiles::aProbeReportsItsChanges()
 {
     QFETCH(QString, timecode);
     QFETCH(int, exitCode);
@@ -141,13 +141,13 @@ void TestImportedFiles::aProbeTellsWhatItHasChanged()
     QCOMPARE(files->status(0).exitCode, exitCode);
 }
 
-void TestImportedFiles::aReadingTellsWhatItHasChanged_data()
+void TestImportedFiles::aReadingReportsItsChanges_data()
 {
     QTest::addColumn<int>("row");
     QTest::addColumn<int>("exitCode");
     QTest::addColumn<QString>("changes");
     QTest::addColumn<QString>("state");
-    // The rows 0 to 2 are siblings, 1 has a timecode. Row 3 stands alone.
+    // The rows 0 to 2 are siblings, 1 has a timecode. Row 3 has none.
     QTest::newRow("found, with siblings") << 0 << found << "row 0: audio TC; linked 1 2"
                                           << "found";
     QTest::newRow("found, in the middle") << 1 << found << "row 1: audio TC; linked 0 2"
@@ -162,7 +162,7 @@ void TestImportedFiles::aReadingTellsWhatItHasChanged_data()
                             << "read failed";
 }
 
-void TestImportedFiles::aReadingTellsWhatItHasChanged()
+void TestImportedFiles::aReadingReportsItsChanges()
 {
     QFETCH(int, row);
     QFETCH(int, exitCode);
