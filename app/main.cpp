@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/applicationattributes.h"
-#include "app/filenamecoding.h"
 #include "app/mainwindow.h"
-#include "app/recordtypes.h"
+#include "app/records/recordtypes.h"
 #include "app/terminationsignals.h"
+#include "process/filenamecoding.h"
 
 #include <QApplication>
 

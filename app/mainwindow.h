@@ -1,33 +1,20 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/filedata.h"
+#include "app/records/filedata.h"
+#include "app/windowparts.h"
 
 #include <QMainWindow>
-#include <QMessageBox>
 #include <QStringList>
-#include <QThread>
 #include <QUrl>
 #include <QVector>
-
-class AudioTCWindow;
-class ExportWindow;
-class FileList;
-class MainControl;
-class QHBoxLayout;
-class QLabel;
-class QListWidget;
-class QProgressBar;
-class QPushButton;
-class QVBoxLayout;
-class UpdateCheck;
 
 /// The main window: builds the long-lived objects of the program, connects them all, and shows what goes on
 /// in one status label, one progress bar and a few message boxes.
 ///
 /// The controller lives in a thread of its own and is reached through queued signals only. It ends with the
 /// process; everything else is deleted by the destructor.
-class MainWindow : public QMainWindow
+class MainWindow : public QMainWindow, private WindowParts
 {
     Q_OBJECT
 
@@ -71,10 +58,6 @@ protected:
     void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
-    void nameWidgets();
-    void setUpMenus();
-    void setUpWidgets();
-    void layOut();
     void connectAll();
     void connectWorker();
 
@@ -83,35 +66,10 @@ private:
     void onExportRequest(const QVector<FileData> &files);
     void setExportRunning(bool running);
     void offerExports(bool offered);
-    bool confirmed(const QString &title, const QString &question);
     bool mayQuitNow();
     void startCancelling();
     void showExportResult(const QString &text);
 
-    QThread workerThread; ///< the thread in which mainControl lives
-    QWidget *centralWidget;
-    ExportWindow *exportWindow;
-    AudioTCWindow *audioTCWindow;
-    UpdateCheck *updateCheck;
-    QAction *exportAction;
-    QAction *exportAllAction;
-    QAction *exitAction;
-    QMenu *fileMenu;
-    QMenu *editMenu;
-    QAction *readAudioTCAction;
-    QMenu *aboutMenu;
-    QAction *aboutAction;
-    MainControl *mainControl; ///< moved into workerThread; ends with the process
-    FileList *fileList;
-    QListWidget *streamInfoList;
-    QLabel *logoLabel;
-    QLabel *statusLabel;
-    QProgressBar *progressBar;
-    QPushButton *cancelButton;
-    QHBoxLayout *statusLayout;
-    QVBoxLayout *leftLayout;
-    QVBoxLayout *rightLayout;
-    QHBoxLayout *topLayout;
     bool exportRunning = false; ///< from onExportStart() to the end of exportReady()
     bool resultShown = false;   ///< the batch is over and a message box shows its result
     bool quitPending = false;   ///< quit confirmed during an export; the window closes when it has ended

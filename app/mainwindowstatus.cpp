@@ -1,35 +1,23 @@
 // SPDX-License-Identifier: MIT
 // What the main window tells: status line, progress, streams and message boxes; and how it ends.
 #include "app/mainwindow.h"
-#include "app/missingtools.h"
-#include "app/versionnotice.h"
+#include "app/messages.h"
+#include "app/records/resultcodes.h"
 #include "app/windowtexts.h"
 #include "control/maincontrol.h"
-#include "control/resultcodes.h"
 #include "filelist/filelist.h"
+#include "process/missingtools.h"
 #include "update/versiondescriptor.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
-#include <QDesktopServices>
 #include <QEventLoop>
 #include <QLabel>
 #include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTimer>
-
-namespace
-{
-
-void openWebLink(const QString &link)
-{
-    if (mayOpenLink(QUrl(link)))
-        QDesktopServices::openUrl(QUrl(link));
-}
-
-} // namespace
 
 void MainWindow::statusProgressUpdate(int current, int all, QString statusMsg)
 {
@@ -77,13 +65,6 @@ void MainWindow::offerExports(bool offered)
     exportAllAction->setEnabled(offered);
 }
 
-bool MainWindow::confirmed(const QString &title, const QString &question)
-{
-    const auto answer = QMessageBox::question(this, title, question, QMessageBox::Yes | QMessageBox::No,
-                                              QMessageBox::NoButton);
-    return answer == QMessageBox::Yes;
-}
-
 void MainWindow::startCancelling()
 {
     emit cancelExport();
@@ -93,7 +74,7 @@ void MainWindow::startCancelling()
 void MainWindow::onCancelExportButtonClicked()
 {
     const bool wasRunning = exportRunning;
-    if (!confirmed(tr("Cancel Export"), tr("Are you sure you want to cancel?")))
+    if (!messages::isConfirmed(this, tr("Cancel Export"), tr("Are you sure you want to cancel?")))
         return;
     if (wasRunning && !exportRunning)
         return; // it has ended while the question stood
@@ -105,12 +86,12 @@ void MainWindow::onCancelExportButtonClicked()
 void MainWindow::exportReady(int exportResult, QStringList exportErrorFileNameList)
 {
     cancelling = false;
-    if (exportResult == exportSucceeded) {
+    if (exportResult == ExportSucceeded) {
         showExportResult(tr("Ostrel did the job!"));
         statusLabel->setText(tr("Status:"));
-    } else if (exportResult == exportCancelled) {
+    } else if (exportResult == ExportCancelled) {
         statusLabel->setText(tr("Status: export cancelled"));
-    } else if (exportResult == exportHasErrors) {
+    } else if (exportResult == ExportHasErrors) {
         showExportResult(windowtexts::failedExports(exportErrorFileNameList));
         statusLabel->setText(tr("Status:"));
     }
@@ -125,10 +106,8 @@ void MainWindow::showExportResult(const QString &text)
 {
     if (sessionEnding)
         return;
-    QMessageBox box(QMessageBox::Information, tr("Export Result"), text, QMessageBox::Ok, this);
-    box.setTextFormat(Qt::PlainText); // file names may look like markup
     resultShown = true;
-    box.exec();
+    messages::showExportResult(this, text);
     resultShown = false;
 }
 
@@ -140,40 +119,21 @@ void MainWindow::updateFileInfo(FileData fileData)
 
 void MainWindow::onAboutMenuClicked()
 {
-    QMessageBox box(this);
-    box.setWindowTitle(tr("About"));
-    box.setTextFormat(Qt::RichText);
-    box.setText(windowtexts::about());
-    box.exec();
+    messages::showAbout(this);
 }
 
 void MainWindow::versionInfoCheck(uint majorVersion, uint minorVersion, QString description,
                                   QUrl downloadLink)
 {
-    if (!isNewerVersion(majorVersion, minorVersion))
-        return;
-    QMessageBox box(QMessageBox::NoIcon, tr("New Version Available"), {}, QMessageBox::Ok, this);
-    box.setTextFormat(Qt::RichText);
-    box.setText(versionNotice(downloadLink, description));
-    // The text comes from the network: its links must not start what is on this machine.
-    if (auto *label = box.findChild<QLabel *>("qt_msgbox_label")) {
-        label->setOpenExternalLinks(false);
-        connect(label, &QLabel::linkActivated, &box, openWebLink);
-    }
-    box.exec();
+    if (isNewerVersion(majorVersion, minorVersion))
+        messages::showNewVersion(this, downloadLink, description);
 }
 
 void MainWindow::reportMissingTools()
 {
     const QStringList missing = missingTools();
-    if (missing.isEmpty())
-        return;
-    auto *box = new QMessageBox(QMessageBox::Warning, windowTitle(), windowtexts::missingTools(missing),
-                                QMessageBox::Ok, this);
-    box->setTextFormat(Qt::PlainText);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setModal(false);
-    box->show();
+    if (!missing.isEmpty())
+        messages::showMissingTools(this, missing);
 }
 
 bool MainWindow::mayQuitNow()
@@ -182,8 +142,8 @@ bool MainWindow::mayQuitNow()
         return true;
     if (sessionEnding)
         return false; // the windows close when the export has been wound up
-    if (!confirmed(tr("Quit Application"),
-                   tr("Are you sure you want to quit\n(and cancel the export process)?")))
+    if (!messages::isConfirmed(this, tr("Quit Application"),
+                               tr("Are you sure you want to quit\n(and cancel the export process)?")))
         return false;
     if (!exportRunning)
         return true; // it has ended while the question stood

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-/// Registers the record types that queued signals carry. Called once, before the objects that use them are
-/// made.
-void registerRecordTypes();
+#include "app/records/recordtypes.h"

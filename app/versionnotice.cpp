@@ -4,6 +4,9 @@
 #include <QCoreApplication>
 #include <QTextDocument>
 
+namespace versionnotice
+{
+
 namespace
 {
 
@@ -52,7 +55,7 @@ QString escaped(QString text)
 
 } // namespace
 
-QString versionNotice(const QUrl &downloadLink, const QString &description)
+QString text(const QUrl &downloadLink, const QString &description)
 {
     const QString link = downloadLink.toString();
     const QString asItIs = notice(link, description);
@@ -63,3 +66,5 @@ bool mayOpenLink(const QUrl &link)
 {
     return link.scheme() == "http" || link.scheme() == "https";
 }
+
+} // namespace versionnotice

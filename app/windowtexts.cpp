@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/windowtexts.h"
 
-#include "app/applicationinfo.h"
+#include "app/records/applicationinfo.h"
 
 #include <QCoreApplication>
 #include <QJsonObject>

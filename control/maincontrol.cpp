@@ -1,13 +1,31 @@
 // SPDX-License-Identifier: MIT
 #include "control/maincontrol.h"
 
+#include "control/readerfilename.h"
+#include "control/tooljobs.h"
 #include "ffmpeg/ffmpeghandler.h"
-#include "ltc/ltchandler.h"
 
-#include <QProcess>
+#include <QFile>
 
-MainControl::MainControl(QObject *parent) : QObject(parent)
+namespace
 {
+
+// The start of a tool keeps the whole program from touching its memory for a while. After a drop many start
+// together; between two of them the window gets a moment to answer.
+constexpr int pauseBetweenStarts = 5; // [ms]
+
+} // namespace
+
+MainControl::MainControl(QObject *parent) : QObject(parent), walk(this), startPause(this)
+{
+    connect(&walk, &PacedWalk::fileFound, this, [this](const QFileInfo &file) {
+        progress.addFile();
+        emit gotFileFromDir(file);
+    });
+    connect(&walk, &PacedWalk::ended, this, &MainControl::onWalkEnd);
+    connect(&startPause, &QTimer::timeout, this, &MainControl::startHeldProbe);
+    startPause.setTimerType(Qt::PreciseTimer);
+    startPause.setInterval(pauseBetweenStarts);
 }
 
 MainControl::~MainControl()
@@ -18,22 +36,66 @@ MainControl::~MainControl()
 void MainControl::shutDown()
 {
     jobs = {};
-    waitingStages.clear();
-    walk = {};
-    walkPause.stop();
+    stages.clear();
+    walk.stop();
     startPause.stop();
     closeStage();
 
-    // All are killed before the first is waited for.
-    const auto processes = findChildren<QProcess *>();
-    for (QProcess *process : processes)
-        process->kill();
-    const auto handlers = findChildren<QObject *>(QString(), Qt::FindDirectChildrenOnly);
-    for (QObject *handler : handlers)
-        handler->disconnect(this); // the end of its tool is no result any more
-    qDeleteAll(handlers);
-
+    tooljobs::endAll(this);
     temporaryFolder.release();
+}
+
+void MainControl::startOrQueue(JobQueues::Kind kind, const FileData &file)
+{
+    if (jobs.mayStart(kind))
+        startJob(kind, file);
+    else
+        jobs.enqueue(kind, file);
+}
+
+void MainControl::startJob(JobQueues::Kind kind, const FileData &file)
+{
+    if (kind == JobQueues::Reading) {
+        startReaders(file);
+    } else if (kind == JobQueues::Export && batch.isCancelled()) {
+        do { // the first has left its queue already
+            send(batch.dropQueued());
+        } while (jobs.takeNext(JobQueues::Export));
+    } else {
+        if (kind == JobQueues::Probe)
+            tooljobs::probe(this, file);
+        else if (kind == JobQueues::Extraction)
+            tooljobs::extract(this, file, temporaryFolder.createSubFolder(file.baseName));
+        else
+            tooljobs::exportFile(this, file, batch);
+        jobs.started(kind);
+    }
+}
+
+void MainControl::startReaders(const FileData &file)
+{
+    const auto options = audioTCUpdateMode ? std::make_optional(audioTCOptions) : std::nullopt;
+    const QStringList paths = extractedFiles(temporaryFolder.subFolder(file.baseName), file.rowNumber);
+    for (const QString &path : paths) {
+        tooljobs::read(this, path, options, file.isGoPro);
+        jobs.started(JobQueues::Reading); // beyond the limit too: they belong together
+    }
+    if (paths.size() > 1)
+        progress.addExtraReads(static_cast<uint>(paths.size() - 1));
+}
+
+/// Starts one of the probes that were held, and the next one after a pause, until no more may run.
+void MainControl::startHeldProbe()
+{
+    jobs.setHeld(JobQueues::Probe, false);
+    const auto file = jobs.takeNext(JobQueues::Probe);
+    if (!file) {
+        startPause.stop();
+        return;
+    }
+    startJob(JobQueues::Probe, *file);
+    jobs.setHeld(JobQueues::Probe, true);
+    startPause.start();
 }
 
 void MainControl::finishJob(JobQueues::Kind kind, QObject *handler)
@@ -43,81 +105,50 @@ void MainControl::finishJob(JobQueues::Kind kind, QObject *handler)
         handler->deleteLater();
     // A file may leave its queue without starting anything; with nothing running, no end of a job would come
     // to take the next.
-    while (serveQueues() && jobs.running() == 0) {
+    const auto start = [this](JobQueues::Kind next, const FileData &file) { startJob(next, file); };
+    while (jobs.serve(start) && jobs.running() == 0) {
     }
     settleStage();
 }
 
-bool MainControl::serveQueues()
+void MainControl::onExportReq(QVector<FileData> exportFileVector, ExportOptions exportOptions)
 {
-    return jobs.serve([this](JobQueues::Kind kind, const FileData &file) { startQueued(kind, file); });
-}
-
-void MainControl::startQueued(JobQueues::Kind kind, const FileData &file)
-{
-    switch (kind) {
-    case JobQueues::Probe:
-        return startProbe(file);
-    case JobQueues::Extraction:
-        return startExtraction(file);
-    case JobQueues::Reading:
-        return startReaders(file);
-    case JobQueues::Export:
-        return exportCancelRequested ? dropQueuedExports() : startExport(file);
-    case JobQueues::KindCount:
-        break;
+    send(batch.start(exportFileVector.size(), exportOptions));
+    for (const FileData &file : qAsConst(exportFileVector)) {
+        if (batch.isCancelled())
+            send(batch.drop());
+        else
+            startOrQueue(JobQueues::Export, file);
     }
 }
 
-bool MainControl::isImporting() const
+void MainControl::onExportReady(FFMpegHandler *handler, int exitCode)
 {
-    return !walk.atEnd() || unaskedFiles > 0 || unreadFiles > 0 || jobs.isBusy(JobQueues::Probe) ||
-           jobs.isBusy(JobQueues::Extraction) || jobs.isBusy(JobQueues::Reading);
+    if (batch.isCancelled())
+        QFile::remove(handler->outputFilePath()); // partly written
+    send(batch.finish(handler->fileData().fileName, exitCode));
+    finishJob(JobQueues::Export, handler);
 }
 
-void MainControl::requestStage(const StageRequest &request)
+void MainControl::onExportProgress(uint addedValueToProgress)
 {
-    // A drop adds to the import under way, whatever waits for the end of that import.
-    if (mayBegin(request) && (stage == Stage::Import || waitingStages.isEmpty()))
-        startStage(request);
-    else
-        waitingStages.enqueue(request);
+    send(batch.addProgress(addedValueToProgress));
 }
 
-bool MainControl::mayBegin(const StageRequest &request) const
+void MainControl::onExportCancel()
 {
-    const bool isDrop = std::holds_alternative<QList<QUrl>>(request);
-    return isDrop ? stage != Stage::ReRead : stage == Stage::None && !isImporting();
+    send(batch.cancel());
+    emit cancelExportReq();
 }
 
-void MainControl::startStage(const StageRequest &request)
+void MainControl::send(const ExportBatch::Signals &news)
 {
-    if (stage == Stage::None && !isImporting())
-        temporaryFolder.remove(); // a stage that ends with a failed extraction leaves it
-    if (const auto *urls = std::get_if<QList<QUrl>>(&request))
-        startImport(*urls);
-    else
-        startReRead(std::get<ReReadRequest>(request));
-}
-
-void MainControl::closeStage()
-{
-    stage = Stage::None;
-    unaskedFiles = 0;
-    unreadFiles = 0;
-    progress.resetCounters();
-}
-
-void MainControl::settleStage()
-{
-    if (isImporting())
-        return;
-    if (stage != Stage::None) {
-        closeStage();
-        progress.resetFraction();
-        temporaryFolder.remove();
-        emit importIdle();
+    for (const auto &signal : news) {
+        if (const auto *step = std::get_if<ExportBatch::Progress>(&signal))
+            emit exportProgress(step->current, step->total, step->statusMsg);
+        else if (const auto *end = std::get_if<ExportBatch::Ready>(&signal))
+            emit exportReady(end->result, end->failedFiles);
+        else
+            emit exportStarted();
     }
-    while (!waitingStages.isEmpty() && mayBegin(waitingStages.head()))
-        startStage(waitingStages.dequeue());
 }

@@ -1,26 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/audiotcoptions.h"
-#include "app/exportoptions.h"
-#include "app/filedata.h"
-#include "control/droppedfiles.h"
+#include "control/exportbatch.h"
 #include "control/jobqueues.h"
+#include "control/pacedwalk.h"
 #include "control/stageprogress.h"
+#include "control/stagequeue.h"
 #include "control/temporaryfolder.h"
 
-#include <QBasicTimer>
-#include <QFileInfo>
 #include <QJsonObject>
-#include <QList>
-#include <QObject>
-#include <QQueue>
-#include <QString>
-#include <QStringList>
-#include <QUrl>
-#include <QVector>
-
-#include <variant>
+#include <QTimer>
 
 class FFMpegHandler;
 class LTCHandler;
@@ -83,77 +72,39 @@ public slots:
     /// Connected to finished() of the controller's thread, which runs it there as the last thing.
     void shutDown();
 
-protected:
-    void timerEvent(QTimerEvent *event) override;
-
 private:
-    /// The operation that the import counters and the temporary folder belong to.
-    enum class Stage { None, Import, ReRead };
-
-    struct ReReadRequest {
-        QVector<FileData> files;
-        AudioTCOptions options;
-    };
-    using StageRequest = std::variant<QList<QUrl>, ReReadRequest>;
-
-    // in maincontrol.cpp
+    // in maincontrol.cpp: jobs and exports
+    void startOrQueue(JobQueues::Kind kind, const FileData &file);
+    void startJob(JobQueues::Kind kind, const FileData &file);
+    void startReaders(const FileData &file);
+    void startHeldProbe();
     void finishJob(JobQueues::Kind kind, QObject *handler);
-    bool serveQueues();
-    void startQueued(JobQueues::Kind kind, const FileData &file);
-    void requestStage(const StageRequest &request);
-    bool mayBegin(const StageRequest &request) const;
-    void startStage(const StageRequest &request);
+    void send(const ExportBatch::Signals &news);
+
+    // in stages.cpp: imports and second readings
+    void startStage(const StageQueue::Request &request);
     void closeStage();
     void settleStage();
     bool isImporting() const;
-
-    // in importflow.cpp
-    void startImport(const QList<QUrl> &urls);
-    void walkOn();
-    void startHeldProbe();
-    void startProbe(const FileData &file);
+    void onWalkEnd();
     void endCompleteImport();
-
-    // in readflow.cpp
-    void startReRead(const ReReadRequest &request);
-    void startOrQueueExtraction(const FileData &file);
-    void startExtraction(const FileData &file);
-    void startOrQueueReaders(const FileData &file);
-    void startReaders(const FileData &file);
-    void startReader(const QString &path, bool isGoPro);
-    StageProgress::Mode readingMode() const;
+    StageProgress::Mode readingMode() const
+    {
+        return audioTCUpdateMode ? StageProgress::Mode::ReRead : StageProgress::Mode::Import;
+    }
     void reportReading(const QString &text);
-    bool isReadingComplete() const;
     void endReading();
-
-    // in exportflow.cpp
-    void startExport(const FileData &file);
-    void failExport(FFMpegHandler *handler);
-    void dropQueuedExports();
-    void reportExport();
-    void reportFinishedFiles();
-    void endCancelledBatch();
-    void resetExportCounters();
 
     JobQueues jobs;
     TemporaryFolder temporaryFolder;
-
-    Stage stage = Stage::None;
-    QQueue<StageRequest> waitingStages; ///< wait for the end of the stage under way
-    DroppedFiles walk;                  ///< through what was dropped; at its end = none is under way
-    QBasicTimer walkPause;              ///< active while the walk waits for the file table
-    QBasicTimer startPause;             ///< active while probes that were held start one by one
-    uint unaskedFiles = 0;              ///< files found by a drop for which no probe was asked yet
-    uint unreadFiles = 0;               ///< files probed well whose reading was not asked for yet
-    StageProgress progress;             ///< of the import or re-read
-    bool audioTCUpdateMode = false;     ///< timecodes are re-read with audioTCOptions, not imported
-    AudioTCOptions audioTCOptions;      ///< of the re-read
-    ExportOptions exportOptions;        ///< of the export
-    QString statusMsg;                  ///< goes with every export progress
-    uint exportFileCount = 0;           ///< files of the batch
-    uint exportFinishedCount = 0;       ///< exported, failed or dropped by cancelling
-    uint exportProgressValue = 0;       ///< progress units reported by the handlers
-    bool exportCancelRequested = false; ///< until the next batch
-    bool exportAllSucceeded = true;     ///< no file of the batch has failed
-    QStringList exportErrorFileNames;   ///< names of the files that have failed
+    ExportBatch batch;
+    PacedWalk walk; ///< through what was dropped
+    StageQueue stages;
+    QTimer startPause;              ///< active while probes that were held start one by one
+    uint unreadFiles = 0;           ///< files probed well whose reading was not asked for yet
+    StageProgress progress;         ///< of the import or re-read
+    bool audioTCUpdateMode = false; ///< timecodes are re-read with audioTCOptions, not imported
+    AudioTCOptions audioTCOptions;  ///< of the re-read
+    uint probeResultCount = 0;      ///< results of probes since the start
+    uint extractResultCount = 0;    ///< results of extractions since the start
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "control/readerfilename.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QRegularExpression>
 
 namespace
@@ -34,4 +36,16 @@ bool wasExtractedForAnotherRow(const QString &fileName, int row)
     static const QRegularExpression extracted("_[0-9]+_(-?[0-9]+)\\.wav\\z");
     const QRegularExpressionMatch match = extracted.match(fileName);
     return match.hasMatch() && match.capturedRef(1).toInt() != row;
+}
+
+QStringList extractedFiles(const QString &folder, int row)
+{
+    const QFileInfoList entries = QDir(folder).entryInfoList(
+        QDir::Files | QDir::AllDirs | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::DirsFirst);
+    QStringList paths;
+    for (const QFileInfo &entry : entries) {
+        if (!entry.isDir() && !wasExtractedForAnotherRow(entry.fileName(), row))
+            paths += entry.absoluteFilePath();
+    }
+    return paths;
 }

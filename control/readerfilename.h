@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 /// What the path of an extracted audio file, "<base name>_<stream>_<row>.wav", tells of its origin.
 struct ReaderFileName {
@@ -16,3 +17,6 @@ struct ReaderFileName {
 /// Whether \a fileName, without folder, was extracted for another row than \a row. Files of one base name
 /// share a folder. A name of any other form belongs to no row in particular.
 bool wasExtractedForAnotherRow(const QString &fileName, int row);
+
+/// Paths of the files in \a folder that were extracted for \a row, or for no row in particular.
+QStringList extractedFiles(const QString &folder, int row);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/mainwindow.h"
-#include "app/recordtypes.h"
+#include "app/records/recordtypes.h"
 #include "demo/demofolder.h"
 #include "demo/exportedfile.h"
 #include "demo/mediakit/mediamaker.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ffmpeg/audiomapping.h"
 
-#include "app/optiontables.h"
+#include "app/records/optiontables.h"
 #include "ffmpeg/toolarguments.h"
 
 #include <algorithm>
@@ -49,7 +49,7 @@ QStringList codecOfWidestStream(const FileData &file, const QString &otherwise)
 
 QStringList withTimecodeChannel(const FileData &file, const ExportOptions &options, Container container)
 {
-    const bool isWave = container == Container::broadcastWave;
+    const bool isWave = container == Container::BroadcastWave;
     const QStringList wave = isWave ? QStringList{"-write_bext", "1"} : QStringList();
     if (options.audioType != keepCodec)
         return wave + QStringList{"-acodec", codecOf(options.audioType)};
@@ -93,7 +93,7 @@ QStringList streamsWithoutTimecode(const FileData &file, Container container, co
 
         arguments += {"-map", "0:" + QString::number(index)};
         if (holdsTimecode)
-            arguments += container == Container::broadcastWave ? channelsOfWave(file, index)
+            arguments += container == Container::BroadcastWave ? channelsOfWave(file, index)
                                                                : channelsOfVideo(file, left);
         arguments += {"-acodec", codec(stream)};
     }
@@ -103,7 +103,7 @@ QStringList streamsWithoutTimecode(const FileData &file, Container container, co
 QStringList withoutTimecodeChannel(const FileData &file, const ExportOptions &options, Container container)
 {
     const int audioType = options.audioType;
-    if (container == Container::mxf) {
+    if (container == Container::Mxf) {
         // From MXF to MXF all sound is taken over as it is, the timecode with it.
         if (outputname::hasSuffix(file.absoluteFilePath, "mxf"))
             return {};
@@ -113,7 +113,7 @@ QStringList withoutTimecodeChannel(const FileData &file, const ExportOptions &op
     }
 
     QStringList arguments{"-map", "0:v"};
-    if (container == Container::broadcastWave)
+    if (container == Container::BroadcastWave)
         arguments = QStringList{"-write_bext", "1"};
     else if (file.hasAudioTC)
         arguments += {"-map_metadata", "-1"}; // an old start timecode must not come along

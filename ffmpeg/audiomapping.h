@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/exportoptions.h"
-#include "app/filedata.h"
+#include "app/records/exportoptions.h"
+#include "app/records/filedata.h"
 #include "ffmpeg/outputname.h"
 
 #include <QJsonObject>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ffmpeg/exportarguments.h"
 
-#include "app/jsonnumbers.h"
+#include "app/records/jsonnumbers.h"
 #include "ffmpeg/audiomapping.h"
 #include "ffmpeg/videocodec.h"
 
@@ -45,7 +45,7 @@ QStringList timecode(const FileData &file, int videoType, Container container)
     if (!file.hasAudioTC)
         return {};
     const QJsonObject &reading = file.audioTCResult;
-    if (container == Container::broadcastWave)
+    if (container == Container::BroadcastWave)
         return waveTimecode(reading);
 
     const int baseRate = reading["FrameRateBaseFound"].toInt();
@@ -67,7 +67,7 @@ ExportCommand build(const FileData &file, const ExportOptions &options, qint64 i
     command.arguments = QStringList{"-y", "-i", input} + audiomapping::arguments(file, options, container);
 
     videocodec::VideoCodec codec{{}, 0.0F, true};
-    if (container != Container::broadcastWave)
+    if (container != Container::BroadcastWave)
         codec = videocodec::forType(options.videoType, file.mainStream);
     command.arguments += codec.arguments;
     if (options.progressSteps > 0) {

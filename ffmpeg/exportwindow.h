@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/exportoptions.h"
+#include "app/records/exportoptions.h"
 
 #include <QDialog>
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "ffmpeg/ffmpeghandler.h"
 
-#include "app/toolprocess.h"
-#include "app/toolresolver.h"
 #include "ffmpeg/exportarguments.h"
 #include "ffmpeg/exporthints.h"
 #include "ffmpeg/exportprogress.h"
 #include "ffmpeg/toolarguments.h"
+#include "process/toolprocess.h"
+#include "process/toolresolver.h"
 
 #include <QFileInfo>
 #include <QJsonDocument>
@@ -154,7 +154,7 @@ void FFMpegHandler::start(QProcess *process, const QString &program, const QStri
 {
     connect(process, &QProcess::errorOccurred, this, &FFMpegHandler::reportFailedStart,
             Qt::QueuedConnection); // starting can fail inside this call
-    process->start(resolveTool(program), arguments, QIODevice::ReadWrite);
+    process->start(toolresolver::resolve(program), arguments, QIODevice::ReadWrite);
 }
 
 void FFMpegHandler::reportFailedStart(QProcess::ProcessError error)

@@ -17,13 +17,13 @@ constexpr int lastQuickTime = 8;
 QString extension(const QString &inputPath, Container container)
 {
     switch (container) {
-    case Container::mxf:
+    case Container::Mxf:
         return ".MXF";
-    case Container::quickTime:
+    case Container::QuickTime:
         return ".MOV";
-    case Container::broadcastWave:
+    case Container::BroadcastWave:
         return ".WAV";
-    case Container::asInput:
+    case Container::AsInput:
         break;
     }
     return '.' + QFileInfo(inputPath).suffix();
@@ -39,14 +39,14 @@ bool hasSuffix(const QString &mediaPath, const QString &suffix)
 Container containerFor(const QString &inputPath, int videoType)
 {
     if (hasSuffix(inputPath, "wav"))
-        return Container::broadcastWave;
+        return Container::BroadcastWave;
     if (videoType > passThrough && videoType <= lastMxf)
-        return Container::mxf;
+        return Container::Mxf;
     if (videoType > lastMxf && videoType <= lastQuickTime)
-        return Container::quickTime;
+        return Container::QuickTime;
     // Camera containers that cannot hold a start timecode
     const bool needsQuickTime = hasSuffix(inputPath, "mts") || hasSuffix(inputPath, "mp4");
-    return needsQuickTime && videoType == passThrough ? Container::quickTime : Container::asInput;
+    return needsQuickTime && videoType == passThrough ? Container::QuickTime : Container::AsInput;
 }
 
 QString choose(const QString &inputPath, const QString &folder, Container container,

@@ -10,7 +10,7 @@ namespace outputname
 {
 
 /// Kind of file that an export writes.
-enum class Container { asInput, mxf, quickTime, broadcastWave };
+enum class Container { AsInput, Mxf, QuickTime, BroadcastWave };
 
 /// True when the name \a mediaPath ends in \a suffix, in capitals or not.
 bool hasSuffix(const QString &mediaPath, const QString &suffix);
@@ -19,9 +19,9 @@ bool hasSuffix(const QString &mediaPath, const QString &suffix);
 /// become broadcast wave files.
 Container containerFor(const QString &inputPath, int videoType);
 
-/// Path of the output in \a folder: the input's name, without its last suffix, with the container's suffix;
-/// with
-/// "_1", "_2" ... "_9999" appended to the name while \a isTaken says so. The last one is used in any case.
+/// Path of the output in \a folder: the input's name, without its last suffix, with the container's suffix.
+/// While \a isTaken says so, "_1", "_2" ... "_9999" is appended to the name; the last one is used in any
+/// case.
 QString choose(const QString &inputPath, const QString &folder, Container container,
                const std::function<bool(const QString &)> &isTaken);
 

@@ -11,7 +11,7 @@ namespace videocodec
 namespace
 {
 
-enum Family { small, medium, large }; // 36/45, 115/120/145, 175x/185x/220
+enum Family { Small, Medium, Large }; // 36/45, 115/120/145, 175x/185x/220
 
 /// One DNxHD family at one frame rate.
 struct DnxhdRow {
@@ -27,34 +27,34 @@ constexpr auto ntsc = "30000/1001";
 
 // The large family is 8 bit at 29 and 30 on purpose.
 constexpr std::array dnxhdRows{
-    DnxhdRow{small, 23, 36, "yuv422p", film},       DnxhdRow{small, 24, 36, "yuv422p", nullptr},
-    DnxhdRow{small, 25, 36, "yuv422p", nullptr},    DnxhdRow{small, 29, 45, "yuv422p", ntsc},
-    DnxhdRow{small, 30, 45, "yuv422p", nullptr},    DnxhdRow{medium, 23, 115, "yuv422p", film},
-    DnxhdRow{medium, 24, 115, "yuv422p", nullptr},  DnxhdRow{medium, 25, 120, "yuv422p", nullptr},
-    DnxhdRow{medium, 29, 145, "yuv422p", ntsc},     DnxhdRow{medium, 30, 145, "yuv422p", nullptr},
-    DnxhdRow{large, 23, 175, "yuv422p10", film},    DnxhdRow{large, 24, 175, "yuv422p10", nullptr},
-    DnxhdRow{large, 25, 185, "yuv422p10", nullptr}, DnxhdRow{large, 29, 220, "yuv422p", ntsc},
-    DnxhdRow{large, 30, 220, "yuv422p", nullptr},
+    DnxhdRow{Small, 23, 36, "yuv422p", film},       DnxhdRow{Small, 24, 36, "yuv422p", nullptr},
+    DnxhdRow{Small, 25, 36, "yuv422p", nullptr},    DnxhdRow{Small, 29, 45, "yuv422p", ntsc},
+    DnxhdRow{Small, 30, 45, "yuv422p", nullptr},    DnxhdRow{Medium, 23, 115, "yuv422p", film},
+    DnxhdRow{Medium, 24, 115, "yuv422p", nullptr},  DnxhdRow{Medium, 25, 120, "yuv422p", nullptr},
+    DnxhdRow{Medium, 29, 145, "yuv422p", ntsc},     DnxhdRow{Medium, 30, 145, "yuv422p", nullptr},
+    DnxhdRow{Large, 23, 175, "yuv422p10", film},    DnxhdRow{Large, 24, 175, "yuv422p10", nullptr},
+    DnxhdRow{Large, 25, 185, "yuv422p10", nullptr}, DnxhdRow{Large, 29, 220, "yuv422p", ntsc},
+    DnxhdRow{Large, 30, 220, "yuv422p", nullptr},
 };
 
 constexpr float bitsPerMegabit = 1'000'000.0F;
 
 /// What a video type stands for.
 struct VideoType {
-    enum Kind { passThrough, mpeg2, dnxhd } kind;
+    enum class Kind { PassThrough, Mpeg2, Dnxhd } kind;
     Family family;     ///< of the DNxHD types
     int usualMegabits; ///< [Mbit/s] estimate at frame rates that the family does not have; 0 = none
 };
 
 // In the order of the codes.
 constexpr std::array videoTypes{
-    VideoType{VideoType::passThrough, small, 0}, // as the input
-    VideoType{VideoType::mpeg2, small, 0},       // MXF from here
-    VideoType{VideoType::dnxhd, small, 0},       // alone without an estimate of its own
-    VideoType{VideoType::dnxhd, medium, 120},    VideoType{VideoType::dnxhd, large, 185},
-    VideoType{VideoType::passThrough, small, 0}, // QuickTime from here
-    VideoType{VideoType::dnxhd, small, 36},      VideoType{VideoType::dnxhd, medium, 120},
-    VideoType{VideoType::dnxhd, large, 185},
+    VideoType{VideoType::Kind::PassThrough, Small, 0}, // as the input
+    VideoType{VideoType::Kind::Mpeg2, Small, 0},       // MXF from here
+    VideoType{VideoType::Kind::Dnxhd, Small, 0},       // alone without an estimate of its own
+    VideoType{VideoType::Kind::Dnxhd, Medium, 120},    VideoType{VideoType::Kind::Dnxhd, Large, 185},
+    VideoType{VideoType::Kind::PassThrough, Small, 0}, // QuickTime from here
+    VideoType{VideoType::Kind::Dnxhd, Small, 36},      VideoType{VideoType::Kind::Dnxhd, Medium, 120},
+    VideoType{VideoType::Kind::Dnxhd, Large, 185},
 };
 
 const VideoType *find(int videoType)
@@ -102,11 +102,11 @@ VideoCodec forType(int videoType, const QJsonObject &videoStream)
         return {};
 
     switch (type->kind) {
-    case VideoType::passThrough:
+    case VideoType::Kind::PassThrough:
         return {{"-vcodec", "copy"}, 0.0F, true};
-    case VideoType::mpeg2:
+    case VideoType::Kind::Mpeg2:
         return {codedArguments("mpeg2video", mpeg2Megabits, "yuv422p"), mpeg2Megabits * bitsPerMegabit};
-    case VideoType::dnxhd:
+    case VideoType::Kind::Dnxhd:
         return dnxhd(*type, videoStream);
     }
     return {};
@@ -118,15 +118,15 @@ QString nameOf(int videoType)
     const VideoType *const type = find(videoType);
     if (!type)
         return {};
-    if (type->kind == VideoType::dnxhd)
+    if (type->kind == VideoType::Kind::Dnxhd)
         return familyNames.at(type->family);
-    return type->kind == VideoType::mpeg2 ? "mpeg2" : "pass";
+    return type->kind == VideoType::Kind::Mpeg2 ? "mpeg2" : "pass";
 }
 
 bool leavesFrameRateOpen(int videoType)
 {
     const VideoType *const type = find(videoType);
-    return type && type->kind != VideoType::dnxhd;
+    return type && type->kind != VideoType::Kind::Dnxhd;
 }
 
 } // namespace videocodec

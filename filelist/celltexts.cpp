@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "filelist/celltexts.h"
 
-#include "app/jsonnumbers.h"
+#include "app/records/jsonnumbers.h"
+#include "ltc/readererrors.h"
 
 #include <QCoreApplication>
 #include <QStringList>
@@ -87,6 +88,48 @@ QString linkedTimecodeToolTip(const QJsonObject &result, const QString &source)
 QString keptTimecodeToolTip(const QString &timecode)
 {
     return translated("kept for export: ") + timecode;
+}
+
+QString fileTC(const FileData &file, const RowStatus &status, const QString &initText)
+{
+    switch (status.fileTC) {
+    case RowStatus::FileTC::Unprobed:
+        return initText;
+    case RowStatus::FileTC::Found:
+        return file.fileTC;
+    case RowStatus::FileTC::NotFound:
+        break;
+    }
+    return translated("file TC not found");
+}
+
+QString audioTC(const FileData &file, const RowStatus &status, const QString &initText)
+{
+    switch (status.audioTC) {
+    case RowStatus::AudioTC::Unread:
+        return initText;
+    case RowStatus::AudioTC::Found:
+        return audioTimecode(file.audioTCResult);
+    case RowStatus::AudioTC::Linked:
+        return linkedTimecode(file.audioTC);
+    case RowStatus::AudioTC::NotFound:
+        return translated("audio TC not found");
+    case RowStatus::AudioTC::ReadFailed:
+    case RowStatus::AudioTC::ProbeFailed:
+        break;
+    }
+    return readerErrorText(status.exitCode);
+}
+
+QString audioTCToolTip(const FileData &file, const RowStatus &status)
+{
+    if (status.audioTC == RowStatus::AudioTC::Found)
+        return audioTimecodeToolTip(file);
+    if (status.audioTC == RowStatus::AudioTC::Linked)
+        return linkedTimecodeToolTip(file.audioTCResult, status.sourceName);
+    if (status.audioTC == RowStatus::AudioTC::ReadFailed && file.hasAudioTC)
+        return keptTimecodeToolTip(file.audioTC);
+    return {};
 }
 
 } // namespace celltexts

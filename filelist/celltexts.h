@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/filedata.h"
+#include "app/records/filedata.h"
+#include "filelist/importedfiles.h"
 
 #include <QJsonObject>
 #include <QString>
@@ -32,5 +33,14 @@ QString linkedTimecodeToolTip(const QJsonObject &result, const QString &source);
 
 /// Tool tip of a failed second reading: the earlier \a timecode stays the one that an export writes.
 QString keptTimecodeToolTip(const QString &timecode);
+
+/// The File TC cell of \a file, of which \a status is known; \a initText before it was probed.
+QString fileTC(const FileData &file, const RowStatus &status, const QString &initText);
+
+/// The Audio TC cell of \a file, of which \a status is known; \a initText before it was read.
+QString audioTC(const FileData &file, const RowStatus &status, const QString &initText);
+
+/// Tool tip of that cell; empty = none.
+QString audioTCToolTip(const FileData &file, const RowStatus &status);
 
 } // namespace celltexts

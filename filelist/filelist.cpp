@@ -1,66 +1,31 @@
 // SPDX-License-Identifier: MIT
 #include "filelist/filelist.h"
 
-#include "filelist/linking.h"
+#include "filelist/filecell.h"
 #include "filelist/tablecolumns.h"
-#include "ltc/readererrors.h"
+#include "filelist/tablelook.h"
+#include "filelist/tablerows.h"
 
 #include <QDropEvent>
-#include <QHeaderView>
 #include <QMimeData>
 #include <QShortcut>
 
+#include <utility>
+
 FileList::FileList(MainControl *mainControl)
-    : placeholderItem(newItem(tr("Drop files here..."), false)),
+    : placeholderItem(new QTableWidgetItem(tr("Drop files here..."), cellType)),
       initFileTCText(tr("init file TC")),
       initAudioTCText(tr("init audio TC")),
       initDurationText(tr("00:00:00")),
-      mainControl(mainControl)
+      mainControl(mainControl),
+      fitter(this, {FileTCColumn, AudioTCColumn})
 {
-    constexpr int expectedFiles = 20;
-    fileDataVector.reserve(expectedFiles);
-    setUpTable();
+    setTableLook(this);
     insertRow(0);
     setItem(0, NameColumn, placeholderItem);
-
-    constexpr int paintingPause = 40; // [ms]
-    linkedCellsTimer.setSingleShot(true);
-    linkedCellsTimer.setInterval(paintingPause);
-    connect(&linkedCellsTimer, &QTimer::timeout, this, &FileList::announceLinkedCells);
     connect(this, &QTableWidget::cellClicked, this, &FileList::onCellClicked);
     const auto *copyShortcut = new QShortcut(QKeySequence::Copy, this, nullptr, nullptr, Qt::WidgetShortcut);
-    connect(copyShortcut, &QShortcut::activated, this, &FileList::copySelectedRows);
-}
-
-void FileList::setUpTable()
-{
-    setDragDropMode(QAbstractItemView::DropOnly);
-    setDropIndicatorShown(true);
-
-    setColumnCount(ColumnCount);
-    setHorizontalHeaderLabels({tr("File name"), tr("Duration"), tr("File TC"), tr("Audio TC")});
-    // The sections are light grey under every desktop theme, so their text is dark under every theme.
-    for (int column = 0; column < ColumnCount; ++column)
-        horizontalHeaderItem(column)->setForeground(Qt::black);
-    verticalHeader()->setVisible(false);
-    QHeaderView *header = horizontalHeader();
-    header->setStyleSheet("QHeaderView::section{background-color: lightgrey;border:none;font:normal;}"
-                          "QHeaderView::section:checked{font: normal;}");
-    header->setHighlightSections(false);
-    header->setSectionResizeMode(NameColumn, QHeaderView::Stretch);
-
-    setSelectionBehavior(QAbstractItemView::SelectRows);
-    setSelectionMode(QAbstractItemView::ExtendedSelection);
-    setStyleSheet("QTableView{selection-background-color: #f2ff4900;selection-color: white; "
-                  "show-decoration-selected: 10}\n");
-    setEditTriggers(QAbstractItemView::NoEditTriggers);
-    setAlternatingRowColors(true);
-    constexpr int audioTCWidth = 300; // [pixels]
-    setColumnWidth(AudioTCColumn, audioTCWidth);
-
-    setTextElideMode(Qt::ElideMiddle);
-    setWordWrap(false);
-    setTabKeyNavigation(false); // Tab leads on to the next widget, the arrow keys move in the table
+    connect(copyShortcut, &QShortcut::activated, this, [this] { tablerows::copy(*this, chosenRows(false)); });
 }
 
 void FileList::dragEnterEvent(QDragEnterEvent *event)
@@ -87,156 +52,120 @@ void FileList::dropEvent(QDropEvent *event)
     }
     const QList<QUrl> urls = event->mimeData()->urls();
     if (!urls.isEmpty()) {
-        if (placeholderItem) {
-            delete placeholderItem;
-            placeholderItem = nullptr;
-            removeRow(0);
-        }
-        importBusy = true;
-        importUnderWay = true;
-        ++dropsOnTheWay;
+        if (std::exchange(placeholderItem, nullptr))
+            removeRow(0); // deletes it
+        files.pendingWork().drop();
         showWhetherBusy();
         emit iterateThroughDirReq(urls);
     }
     event->acceptProposedAction();
 }
 
+void FileList::changeEvent(QEvent *event)
+{
+    QTableWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        fitter.measureAgain(files.count());
+}
+
 void FileList::addItemToTable(QFileInfo fileInfo)
 {
-    FileData record;
-    record.fileName = fileInfo.fileName();
-    record.absoluteFilePath = fileInfo.absoluteFilePath();
-    record.baseName = fileInfo.baseName();
-    record.lastModified = fileInfo.lastModified();
-    record.suffix = fileInfo.suffix();
-
-    const int row = rowCount();
+    const int row = files.add(fileInfo);
     insertRow(row);
-    showText(row, NameColumn, record.fileName, record.absoluteFilePath);
-    setItem(row, DurationColumn, newItem(initDurationText, true));
-    showText(row, FileTCColumn, initFileTCText);
-    showText(row, AudioTCColumn, initAudioTCText);
-
-    fileDataVector.append(record);
-    siblingLinks.append(record);
-    emit ffprobeFileReq(record, row);
+    const QStringList initTexts{{}, initDurationText, initFileTCText, initAudioTCText};
+    for (int column = 0; column < ColumnCount; ++column) {
+        setItem(row, column, new FileCell(files, row, column, initTexts.at(column)));
+        fitter.note({row}, column);
+    }
+    emit ffprobeFileReq(files.record(row), row);
 }
 
 void FileList::onFFProbeResult(FileData fileData, int fileNumber, int exitCode)
 {
-    if (!hasRecord(fileNumber))
-        return;
-    showFileTC(fileNumber, fileData.fileTC);
-    if (exitCode != 0) {
-        showOwnAudioTC(fileNumber, readerErrorText(exitCode));
-        return;
-    }
-    showDuration(fileNumber, fileData.duration);
-    FileData &record = currentRecord(fileNumber);
-    record.format = fileData.format;
-    record.audioStreams = fileData.audioStreams;
-    record.streams = fileData.streams;
-    record.isGoPro = fileData.isGoPro;
-    record.audioStreamMap = fileData.audioStreamMap;
-    record.mainStream = fileData.mainStream;
-    record.audioChannelCount = fileData.audioChannelCount;
-    record.timeReference = fileData.timeReference;
-    emit initAudioTCInfoReq(record, fileNumber);
+    showChanges(files.takeProbe(fileData, fileNumber, exitCode));
+    if (exitCode == 0 && files.contains(fileNumber))
+        emit initAudioTCInfoReq(files.record(fileNumber), fileNumber);
+}
+
+void FileList::onAudioTCReadReturn(QJsonObject ltcResultJson, int fileNumber, int audioTCStreamIndex,
+                                   int exitCode)
+{
+    showChanges(files.takeReading(ltcResultJson, fileNumber, audioTCStreamIndex, exitCode));
 }
 
 void FileList::onCellClicked(int row)
 {
-    if (!placeholderItem && hasRecord(row))
-        emit updateFileInfo(currentRecord(row));
+    if (files.contains(row))
+        emit updateFileInfo(files.record(row));
 }
 
 void FileList::onAudioTCReadReq(AudioTCOptions audioTCOptions)
 {
-    QVector<FileData> files;
-    files.reserve(rowCount());
-    const QVector<int> rows = chosenRows(audioTCOptions.allFiles);
-    for (const int row : rows) {
-        FileData &record = currentRecord(row);
-        record.rowNumber = row;
-        record.audioTCPending = true;
-        files.append(record);
-    }
-    if (!files.isEmpty()) {
-        ++readingsPending;
-        readingWaitsForImport = importBusy;
-        showWhetherBusy();
-    }
-    emit updateAudioTCInfoReq(files, audioTCOptions);
+    const QVector<FileData> taken = files.takeForReading(chosenRows(audioTCOptions.allFiles));
+    showWhetherBusy();
+    emit updateAudioTCInfoReq(taken, audioTCOptions);
 }
 
 void FileList::exportFiles(ExportOptions exportOptions)
 {
     exportRequested = true;
     lastExportDir = exportOptions.exportDir;
-    QVector<FileData> files;
-    files.reserve(rowCount());
-    const QVector<int> rows = chosenRows(exportOptions.exportAll);
-    for (const int row : rows) {
-        FileData &record = currentRecord(row);
-        record.rowNumber = row;
-        // A sound file that holds nothing but the timecode would come out empty.
-        const bool onlyTimecode = linking::isWave(record) && record.hasAudioTC && !record.audioTCLinked &&
-                                  record.audioChannelCount < 2;
-        if (!exportOptions.muteAudioTC || !onlyTimecode)
-            files.append(record);
-    }
-    emit exportFilesReq(files, exportOptions);
+    emit exportFilesReq(files.takeForExport(chosenRows(exportOptions.exportAll), exportOptions),
+                        exportOptions);
+}
+
+void FileList::deleteSelectedRows()
+{
+    const QVector<int> rows = chosenRows(false);
+    if (!files.remove(rows))
+        return;
+    fitter.remove(rows, rowCount());
+    tablerows::closeUp(*this, rows);
 }
 
 void FileList::importReady()
 {
-    // A reading whose last file failed ends like an import; an import that was there first ends before it.
-    const bool endsReading = isReading() && !readingWaitsForImport;
-    readingWaitsForImport = false;
-    if (endsReading)
-        readingFinished();
-    else if (dropsOnTheWay == 0) // otherwise it is the end of an earlier import
-        importUnderWay = false;
-    importBusy = false;
+    files.pendingWork().endImport();
     showWhetherBusy();
 }
 
-bool FileList::isBusy() const
+void FileList::readingFinished()
 {
-    return importUnderWay || isReading();
+    files.pendingWork().endReading();
+    showWhetherBusy();
+}
+
+QVector<int> FileList::chosenRows(bool all) const
+{
+    return all ? files.allRows() : tablerows::selected(*this, files.count());
+}
+
+void FileList::showChanges(const ImportedFiles::Changes &changes)
+{
+    if (changes.fileTC)
+        showCells({changes.row}, FileTCColumn, true);
+    if (changes.duration)
+        showCells({changes.row}, DurationColumn, false);
+    if (changes.audioTC)
+        showCells({changes.row}, AudioTCColumn, files.status(changes.row).isAnswered());
+    if (!changes.linkedRows.isEmpty())
+        showCells(changes.linkedRows, AudioTCColumn, false);
+}
+
+/// Has the cells of \a rows, ascending, painted again. They all show the same text.
+void FileList::showCells(const QVector<int> &rows, int column, bool fitColumn)
+{
+    fitter.note(rows, column);
+    if (fitColumn)
+        fitter.fit(column);
+    emit model()->dataChanged(model()->index(rows.first(), column), model()->index(rows.last(), column));
 }
 
 /// The pointer shows that work has begun, and that it has ended, also when no text does.
 void FileList::showWhetherBusy()
 {
-    if (isBusy())
+    if (files.pendingWork().isBusy())
         setCursor(Qt::BusyCursor); // for the viewport too, which has no pointer of its own
     else
         unsetCursor();
-}
-
-bool FileList::isReading() const
-{
-    return readingsPending > 0;
-}
-
-bool FileList::mustKeepRows() const
-{
-    return isReading() || (importUnderWay && !importBusy);
-}
-
-void FileList::dropTaken()
-{
-    dropsOnTheWay = qMax(0, dropsOnTheWay - 1);
-}
-
-void FileList::readingFinished()
-{
-    readingsPending = qMax(0, readingsPending - 1);
-    showWhetherBusy();
-}
-
-bool FileList::hasRecord(int row) const
-{
-    return row >= 0 && row < fileDataVector.size();
 }

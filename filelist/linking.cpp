@@ -40,4 +40,9 @@ QJsonObject passedOnResult(const FileData &source)
     return result;
 }
 
+Link linkTo(const FileData &source, int sourceRow)
+{
+    return {sourceRow, source.fileName, source.audioTC, passedOnResult(source)};
+}
+
 } // namespace linking

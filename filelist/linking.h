@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/filedata.h"
+#include "app/records/filedata.h"
 
 #include <QJsonObject>
+#include <QString>
 
 /// Tells the sound files of the table that were recorded at the same moment: WAV files with equal
 /// modification times and durations closer than 0.05 s. Recorders that split a take into several files leave
@@ -23,5 +24,16 @@ bool recordedTogether(const FileData &first, const FileData &second);
 /// What the reader has told of \a source, as its siblings take it over: together with the rate, "SampleRate"
 /// [samples per second], at which its samples are counted, which theirs need not be.
 QJsonObject passedOnResult(const FileData &source);
+
+/// A timecode that one file passes on to its siblings.
+struct Link {
+    int sourceRow = -1; ///< of that file
+    QString sourceName; ///< name of that file
+    QString timecode;
+    QJsonObject result; ///< of the timecode reader
+};
+
+/// The link to \a source in the row \a sourceRow.
+Link linkTo(const FileData &source, int sourceRow);
 
 } // namespace linking

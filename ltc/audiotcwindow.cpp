@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ltc/audiotcwindow.h"
 
-#include "app/optiontables.h"
-#include "app/widgetnames.h"
+#include "app/records/optiontables.h"
+#include "widgets/widgetnames.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>

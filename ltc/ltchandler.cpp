@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ltc/ltchandler.h"
 
-#include "app/toolprocess.h"
-#include "app/toolresolver.h"
 #include "ltc/readerarguments.h"
+#include "process/toolprocess.h"
+#include "process/toolresolver.h"
 
 #include <QJsonDocument>
 
@@ -34,7 +34,7 @@ void LTCHandler::start()
             &LTCHandler::ltcReaderFinished);
     connect(process, &QProcess::errorOccurred, this, &LTCHandler::reportFailedStart,
             Qt::QueuedConnection); // starting can fail inside this call
-    process->start(resolveTool(program),
+    process->start(toolresolver::resolve(program),
                    hasOptions ? readerarguments::chosen(filePath, options, isGoPro)
                               : readerarguments::automatic(filePath, isGoPro),
                    QIODevice::ReadWrite);

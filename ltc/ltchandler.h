@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/audiotcoptions.h"
+#include "app/records/audiotcoptions.h"
 
 #include <QByteArray>
 #include <QJsonObject>

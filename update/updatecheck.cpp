@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "update/updatecheck.h"
 
-#include "app/applicationinfo.h"
+#include "app/records/applicationinfo.h"
 #include "update/versiondescriptor.h"
 
 #include <QNetworkAccessManager>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "bench/export/exportfloor.h"
 
-#include "app/toolresolver.h"
 #include "ffmpeg/exportarguments.h"
 #include "ffmpeg/exporthints.h"
+#include "process/toolresolver.h"
 
 #include <QFileInfo>
 #include <QProcessEnvironment>
@@ -19,7 +19,7 @@ ExportFloor::ExportFloor(const QVector<FileData> &files, ExportOptions options)
         const qint64 size = QFileInfo(file.absoluteFilePath).size();
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         exporthints::insertInto(environment, file, options);
-        jobs.push_back({resolveTool("ffmpeg.exe"),
+        jobs.push_back({toolresolver::resolve("ffmpeg.exe"),
                         exportarguments::build(file, options, size, noneIsTaken).arguments,
                         environment.toStringList()});
     }

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "bench/realtools/importfloor.h"
 
-#include "app/toolresolver.h"
 #include "bench/realtools/mediafolder.h"
 #include "bench/support/benchmarkprogram.h"
 #include "control/probedrecord.h"
 #include "ffmpeg/toolarguments.h"
 #include "ltc/readerarguments.h"
+#include "process/toolresolver.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -24,7 +24,7 @@ constexpr int noTimecode = 205; // the reader's exit code
 FileData probedFile(const QString &path)
 {
     QProcess probe;
-    probe.start(resolveTool("ffprobe.exe"), toolarguments::probe(path));
+    probe.start(toolresolver::resolve("ffprobe.exe"), toolarguments::probe(path));
     if (!probe.waitForFinished() || probe.exitCode() != 0)
         throw Failure(path + " cannot be probed");
     return probedRecord(QJsonDocument::fromJson(probe.readAllStandardOutput()).object());
@@ -32,12 +32,12 @@ FileData probedFile(const QString &path)
 
 Job importJob(FileData file, const QString &folder)
 {
-    Job probe{resolveTool("ffprobe.exe"), toolarguments::probe(file.absoluteFilePath)};
-    Job extraction{resolveTool("ffmpeg.exe"), toolarguments::audioExtraction(file, folder)};
+    Job probe{toolresolver::resolve("ffprobe.exe"), toolarguments::probe(file.absoluteFilePath)};
+    Job extraction{toolresolver::resolve("ffmpeg.exe"), toolarguments::audioExtraction(file, folder)};
     const QVector<int> streams = toolarguments::audioStreams(file);
     for (const int stream : streams) {
         const QString path = toolarguments::extractedPath(file, folder, stream);
-        Job reader{resolveTool("LTCReader.exe"), readerarguments::automatic(path, file.isGoPro)};
+        Job reader{toolresolver::resolve("LTCReader.exe"), readerarguments::automatic(path, file.isGoPro)};
         reader.otherGoodExitCode = noTimecode;
         extraction.followers.push_back(reader);
     }

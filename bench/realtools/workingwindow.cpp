@@ -43,7 +43,7 @@ void WorkingWindow::import(const QString &folder)
     drop({folder}, *fileList);
     QElapsedTimer timer;
     timer.start();
-    while (fileList->isBusy()) {
+    while (fileList->pendingWork().isBusy()) {
         if (timer.hasExpired(patience))
             throw Failure("the import does not end: " + status->text());
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/exportoptions.h"
 #include "app/mainwindow.h"
+#include "app/records/exportoptions.h"
 #include "bench/support/eventloopwatch.h"
 
 namespace bench

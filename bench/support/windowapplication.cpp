@@ -2,7 +2,7 @@
 #include "bench/support/windowapplication.h"
 
 #include "app/applicationattributes.h"
-#include "app/recordtypes.h"
+#include "app/records/recordtypes.h"
 
 namespace bench
 {

@@ -15,6 +15,7 @@ namespace
 constexpr int rowsOfTheBlockLimit = 10'000;
 constexpr double longestBlockLimit = 50; // [ms]
 constexpr double growthLimit = 1.5;      // of the cost per row, from the fewest rows to the most
+constexpr double passingOnLimit = 2.0;   // [ms] of a timecode that all rows take over
 constexpr double memoryLimit = 6.0;      // [KiB per row]
 constexpr double answerLimit = 100;      // [ms]
 constexpr double quitLimit = 1.0;        // [s]
@@ -59,30 +60,47 @@ Chart chartOf(const Table &table, const QString &vertical)
     return chart;
 }
 
-void addChecks(const QString &kind, const QVector<WindowRun> &runs, Figures &figures)
+/// Whether each result of \a step concerns every row, so that it costs more where there are more.
+bool concernsEveryRow(Shoot::Kind kind, const Step &step)
+{
+    return kind == Shoot::OneMoment && step.name.startsWith("read");
+}
+
+void addGrowthChecks(Shoot::Kind kind, const QVector<WindowRun> &runs, Figures &figures)
 {
     const auto [fewest, most] = std::minmax_element(
         runs.cbegin(), runs.cend(), [](const WindowRun &a, const WindowRun &b) { return a.rows < b.rows; });
+    if (most->rows == fewest->rows)
+        return;
     for (int i = 0; i < fewest->steps.size(); ++i) {
+        if (concernsEveryRow(kind, fewest->steps.at(i)))
+            continue;
         const double growth =
             microsecondsPerRow(*most, most->steps.at(i)) / microsecondsPerRow(*fewest, fewest->steps.at(i));
-        if (most->rows > fewest->rows) {
-            figures.checks += Check{QString("%1, %2: cost per row at %3 rows to that at %4")
-                                        .arg(kind, fewest->steps.at(i).name)
-                                        .arg(most->rows)
-                                        .arg(fewest->rows),
-                                    growth, growthLimit};
-        }
+        figures.checks += Check{QString("%1, %2: cost per row at %3 rows to that at %4")
+                                    .arg(Shoot::nameOf(kind), fewest->steps.at(i).name)
+                                    .arg(most->rows)
+                                    .arg(fewest->rows),
+                                growth, growthLimit};
     }
+}
+
+void addChecks(Shoot::Kind kind, const QVector<WindowRun> &runs, Figures &figures)
+{
+    const QString name = Shoot::nameOf(kind);
+    addGrowthChecks(kind, runs, figures);
     for (const WindowRun &run : runs) {
         for (const Step &step : run.steps) {
-            if (run.rows <= rowsOfTheBlockLimit) {
-                figures.checks +=
-                    Check{QString("%1, %2, %3 rows: longest block [ms]").arg(kind, step.name).arg(run.rows),
-                          step.longestBlock, longestBlockLimit};
+            if (run.rows > rowsOfTheBlockLimit)
+                continue;
+            const QString where = QString("%1, %2, %3 rows: ").arg(name, step.name).arg(run.rows);
+            figures.checks += Check{where + "longest block [ms]", step.longestBlock, longestBlockLimit};
+            if (concernsEveryRow(kind, step)) { // every second result is a timecode
+                figures.checks += Check{where + "CPU time of a timecode [ms]", 2e3 * step.cpuTime / run.rows,
+                                        passingOnLimit};
             }
         }
-        figures.checks += Check{QString("%1, %2 rows: memory per row [KiB]").arg(kind).arg(run.rows),
+        figures.checks += Check{QString("%1, %2 rows: memory per row [KiB]").arg(name).arg(run.rows),
                                 run.memoryPerRow / 1024, memoryLimit};
     }
 }
@@ -103,7 +121,7 @@ void addKind(Shoot::Kind kind, const QVector<int> &sizes, Outcome &outcome)
                                 [](const WindowRun &, const Step &step) { return step.longestBlock; });
     outcome.figures.tables += {cost, time, block, memoryTable(name + ": heap after the import", runs)};
     outcome.charts += {chartOf(cost, "µs per row"), chartOf(block, "ms")};
-    addChecks(name, runs, outcome.figures);
+    addChecks(kind, runs, outcome.figures);
 }
 
 void addForeignTree(int files, Outcome &outcome)

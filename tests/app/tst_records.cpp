@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "app/applicationinfo.h"
-#include "app/audiotcoptions.h"
-#include "app/exportoptions.h"
-#include "app/filedata.h"
-#include "app/optiontables.h"
-#include "app/recordtypes.h"
+#include "app/records/applicationinfo.h"
+#include "app/records/audiotcoptions.h"
+#include "app/records/exportoptions.h"
+#include "app/records/filedata.h"
+#include "app/records/optiontables.h"
+#include "app/records/recordtypes.h"
 
 #include <QFileInfo>
 #include <QTest>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/control/controllerbench.h"
 
-#include "app/recordtypes.h"
+#include "app/records/recordtypes.h"
 #include "ffmpeg/ffmpeghandler.h"
 #include "ltc/ltchandler.h"
 #include "tests/fakes/faketools.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/mainwindow.h"
-#include "app/recordtypes.h"
+#include "app/records/recordtypes.h"
 #include "demo/mediakit/expectedcell.h"
 #include "demo/mediakit/samplekit.h"
 #include "demo/windowdriver.h"

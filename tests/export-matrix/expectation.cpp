@@ -30,7 +30,7 @@ bool isMxf(const FileData &record)
 /// From MXF to MXF all sound is taken over as it is, the timecode with it.
 bool keepsAllSound(const FileData &record, const ExportOptions &options, Container container)
 {
-    return !options.muteAudioTC || (container == Container::mxf && isMxf(record));
+    return !options.muteAudioTC || (container == Container::Mxf && isMxf(record));
 }
 
 /// What passes through of \a codec: PCM and the two lossy codecs that files of all kinds hold, the others as
@@ -39,14 +39,14 @@ QString keptCodec(const QString &codec, Container container)
 {
     if (codec.startsWith("pcm_") || codec == "aac" || codec == "ac3")
         return codec;
-    return container == Container::broadcastWave ? "pcm_s24le" : "pcm_s24be";
+    return container == Container::BroadcastWave ? "pcm_s24le" : "pcm_s24be";
 }
 
 QString wantedCodec(const FileData &record, const ExportOptions &options, Container container,
                     const QString &own)
 {
     const QString asked = options.audioType == 2 ? "pcm_s24le" : "pcm_s16le";
-    if (options.muteAudioTC && container == Container::mxf && isMxf(record))
+    if (options.muteAudioTC && container == Container::Mxf && isMxf(record))
         return own;
     return options.audioType == 0 ? keptCodec(own, container) : asked;
 }
@@ -71,7 +71,7 @@ QVector<ExpectedTrack> expectedTracks(const MadeFile &file, const ExportOptions 
 {
     const SourceFile &source = file.source;
     const FileData &record = file.record;
-    const bool writesMxf = container == Container::mxf || (container == Container::asInput && isMxf(record));
+    const bool writesMxf = container == Container::Mxf || (container == Container::AsInput && isMxf(record));
     const bool keepsAll = !source.isRead || keepsAllSound(record, options, container);
     QVector<ExpectedTrack> tracks;
     for (int i = 0; i < source.tracks.size(); ++i) {
@@ -259,12 +259,12 @@ Expectation expectationOf(const MadeFile &file, const ExportOptions &options)
     const SourceFile &source = file.source;
     const FileData &record = file.record;
     const Container container = outputname::containerFor(record.absoluteFilePath, options.videoType);
-    const bool isMxfOut = container == Container::mxf || (container == Container::asInput && isMxf(record));
+    const bool isMxfOut = container == Container::Mxf || (container == Container::AsInput && isMxf(record));
     Expectation expected;
     expected.target =
-        targetOf(container == Container::broadcastWave ? "a.wav" : (isMxfOut ? "a.mxf" : "a.mov"), options);
+        targetOf(container == Container::BroadcastWave ? "a.wav" : (isMxfOut ? "a.mxf" : "a.mov"), options);
     expected.tracks = expectedTracks(file, options, container);
-    if (container == Container::broadcastWave) {
+    if (container == Container::BroadcastWave) {
         expectTimeReference(expected, source, record);
         if (expected.tracks.isEmpty())
             expected.refusal = "nothing but the timecode";
@@ -274,7 +274,7 @@ Expectation expectationOf(const MadeFile &file, const ExportOptions &options)
     expectTimecode(expected, source, record);
     if (!source.pictureRate.isEmpty())
         expectPicture(expected, file, options);
-    else if (container == Container::mxf)
+    else if (container == Container::Mxf)
         expected.refusal = "no picture";
     if (source.isCutOff) {
         expected.refusal = " ";

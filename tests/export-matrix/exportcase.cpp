@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/export-matrix/exportcase.h"
 
-#include "app/optiontables.h"
+#include "app/records/optiontables.h"
 #include "ffmpeg/exportarguments.h"
 #include "ffmpeg/exporthints.h"
 #include "tests/export-matrix/judge.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/exportoptions.h"
+#include "app/records/exportoptions.h"
 #include "tests/export-matrix/keeping.h"
 #include "tests/export-matrix/sourcefile.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/filedata.h"
+#include "app/records/filedata.h"
 #include "demo/mediakit/recording.h"
 #include "tests/export-matrix/filefacts.h"
 #include "tests/export-matrix/pictureshape.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/filedata.h"
+#include "app/records/filedata.h"
 
 #include <QFileInfo>
 #include <QJsonArray>

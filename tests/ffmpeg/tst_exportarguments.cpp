@@ -185,7 +185,7 @@ void TestExportArguments::videoFilesGetTheTimecodeAsStart()
     const auto file = withTimecode(mediaFile("/a.mov", {sound("pcm_s16le", 2)}), 1, 0, result);
     const QStringList expected = QStringList{"-timecode", "10:00:00:00"} + rate;
     for (const int videoType : videoTypes) {
-        for (const Container container : {Container::asInput, Container::mxf, Container::quickTime})
+        for (const Container container : {Container::AsInput, Container::Mxf, Container::QuickTime})
             QCOMPARE(exportarguments::timecode(file, videoType, container), expected);
     }
 }
@@ -230,17 +230,17 @@ void TestExportArguments::wavFilesGetATimeReference()
     QFETCH(QString, speed);
 
     const auto file = withTimecode(mediaFile("/a.wav", {sound("pcm_s16le", 2)}), 0, 0, result);
-    QCOMPARE(exportarguments::timecode(file, 0, Container::broadcastWave),
+    QCOMPARE(exportarguments::timecode(file, 0, Container::BroadcastWave),
              (QStringList{"-metadata", "time_reference=" + samples, "-metadata", "comment=sSPEED=" + speed}));
 }
 
 void TestExportArguments::filesWithoutTimecodeGetNone_data()
 {
     QTest::addColumn<Container>("container");
-    QTest::newRow("as the input") << Container::asInput;
-    QTest::newRow("MXF") << Container::mxf;
-    QTest::newRow("QuickTime") << Container::quickTime;
-    QTest::newRow("WAV") << Container::broadcastWave;
+    QTest::newRow("as the input") << Container::AsInput;
+    QTest::newRow("MXF") << Container::Mxf;
+    QTest::newRow("QuickTime") << Container::QuickTime;
+    QTest::newRow("WAV") << Container::BroadcastWave;
 }
 
 void TestExportArguments::filesWithoutTimecodeGetNone()

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/recordtypes.h"
+#include "app/records/recordtypes.h"
 #include "ffmpeg/exporthints.h"
 #include "ffmpeg/ffmpeghandler.h"
 #include "tests/fakes/faketools.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/recordtypes.h"
+#include "app/records/recordtypes.h"
 #include "ffmpeg/exportwindow.h"
 #include "tests/window/dialogbench.h"
 

@@ -28,17 +28,17 @@ void TestOutputName::theContainerFollowsTypeAndInput_data()
     QTest::addColumn<Container>("expected");
 
     for (int type = 1; type <= 4; ++type)
-        QTest::addRow("MXF type %d", type) << "/a.mov" << type << Container::mxf;
+        QTest::addRow("MXF type %d", type) << "/a.mov" << type << Container::Mxf;
     for (int type = 5; type <= 8; ++type)
-        QTest::addRow("QuickTime type %d", type) << "/a.mxf" << type << Container::quickTime;
-    QTest::newRow("pass through of MOV") << "/a.mov" << 0 << Container::asInput;
-    QTest::newRow("pass through of MXF") << "/a.MXF" << 0 << Container::asInput;
-    QTest::newRow("pass through of MTS") << "/a.MTS" << 0 << Container::quickTime;
-    QTest::newRow("pass through of mp4") << "/a.mp4" << 0 << Container::quickTime;
-    QTest::newRow("pass through without a suffix") << "/a" << 0 << Container::asInput;
-    QTest::newRow("a name that only begins alike") << "/a.mp4x" << 0 << Container::asInput;
+        QTest::addRow("QuickTime type %d", type) << "/a.mxf" << type << Container::QuickTime;
+    QTest::newRow("pass through of MOV") << "/a.mov" << 0 << Container::AsInput;
+    QTest::newRow("pass through of MXF") << "/a.MXF" << 0 << Container::AsInput;
+    QTest::newRow("pass through of MTS") << "/a.MTS" << 0 << Container::QuickTime;
+    QTest::newRow("pass through of mp4") << "/a.mp4" << 0 << Container::QuickTime;
+    QTest::newRow("pass through without a suffix") << "/a" << 0 << Container::AsInput;
+    QTest::newRow("a name that only begins alike") << "/a.mp4x" << 0 << Container::AsInput;
     for (int type = 0; type <= 8; ++type)
-        QTest::addRow("WAV with type %d", type) << "/a.Wav" << type << Container::broadcastWave;
+        QTest::addRow("WAV with type %d", type) << "/a.Wav" << type << Container::BroadcastWave;
 }
 
 void TestOutputName::theContainerFollowsTypeAndInput()
@@ -57,22 +57,22 @@ void TestOutputName::theOutputIsNamedAfterTheInput_data()
     QTest::addColumn<QString>("expected");
 
     QTest::newRow("MXF") << "/in/a.mov"
-                         << "/out" << Container::mxf << "/out/a.MXF";
+                         << "/out" << Container::Mxf << "/out/a.MXF";
     QTest::newRow("QuickTime") << "/in/a.mts"
-                               << "/out" << Container::quickTime << "/out/a.MOV";
+                               << "/out" << Container::QuickTime << "/out/a.MOV";
     QTest::newRow("broadcast wave") << "/in/a.wav"
-                                    << "/out" << Container::broadcastWave << "/out/a.WAV";
+                                    << "/out" << Container::BroadcastWave << "/out/a.WAV";
     QTest::newRow("suffix of the input") << "/in/a.Mov"
-                                         << "/out" << Container::asInput << "/out/a.Mov";
+                                         << "/out" << Container::AsInput << "/out/a.Mov";
     QTest::newRow("dots in the name stay") << "/in/A001.take1.wav"
-                                           << "/out" << Container::broadcastWave << "/out/A001.take1.WAV";
+                                           << "/out" << Container::BroadcastWave << "/out/A001.take1.WAV";
     QTest::newRow("dots in the folder") << "/in.x/a"
-                                        << "/o.y" << Container::mxf << "/o.y/a.MXF";
+                                        << "/o.y" << Container::Mxf << "/o.y/a.MXF";
     QTest::newRow("percent signs") << "/in/take %2.mov"
-                                   << "/100%1" << Container::mxf << "/100%1/take %2.MXF";
+                                   << "/100%1" << Container::Mxf << "/100%1/take %2.MXF";
     QTest::newRow("blanks and dashes") << "/in/-i a .mov"
-                                       << "/o u t" << Container::mxf << "/o u t/-i a .MXF";
-    QTest::newRow("unicode") << QString::fromUtf8("/in/\u00fcbung.mov") << "/out" << Container::mxf
+                                       << "/o u t" << Container::Mxf << "/o u t/-i a .MXF";
+    QTest::newRow("unicode") << QString::fromUtf8("/in/\u00fcbung.mov") << "/out" << Container::Mxf
                              << QString::fromUtf8("/out/\u00fcbung.MXF");
 }
 
@@ -100,7 +100,7 @@ void TestOutputName::takenNamesAreCountedUp()
 {
     QFETCH(QStringList, taken);
     QFETCH(QString, expected);
-    QCOMPARE(outputname::choose("/in/clip.MTS", "/o", Container::quickTime,
+    QCOMPARE(outputname::choose("/in/clip.MTS", "/o", Container::QuickTime,
                                 [&taken](const QString &path) { return taken.contains(path); }),
              expected);
 }
@@ -109,7 +109,7 @@ void TestOutputName::theSearchEndsAtTheLastNumber()
 {
     QSet<QString> asked;
     const QString chosen =
-        outputname::choose("/in/clip.mov", "/o", Container::quickTime, [&asked](const QString &path) {
+        outputname::choose("/in/clip.mov", "/o", Container::QuickTime, [&asked](const QString &path) {
             asked += path;
             return true;
         });

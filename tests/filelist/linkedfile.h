@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/filedata.h"
+#include "app/records/filedata.h"
 
 /// Records with what the linking of siblings looks at, for its tests.
 namespace linkedfile

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/recordtypes.h"
+#include "app/records/recordtypes.h"
 #include "filelist/filelist.h"
 
 #include <QClipboard>
@@ -449,27 +449,27 @@ void TestFileList::readingIsPendingUntilItHasEnded()
 {
     Table table;
     table.list.onAudioTCReadReq({});
-    QVERIFY2(!table.list.isReading(), "nothing to read");
+    QVERIFY2(!table.list.pendingWork().isReading(), "nothing to read");
     table.fill({"a.mov"});
     AudioTCOptions options;
     options.allFiles = true;
     table.list.onAudioTCReadReq(options);
-    QVERIFY(table.list.isReading());
+    QVERIFY(table.list.pendingWork().isReading());
     table.list.readingFinished();
-    QVERIFY(!table.list.isReading());
+    QVERIFY(!table.list.pendingWork().isReading());
 
     table.list.onAudioTCReadReq(options);
     table.list.importReady(); // the end of a reading whose last file failed
-    QVERIFY(!table.list.isReading());
+    QVERIFY(!table.list.pendingWork().isReading());
 
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile("/card")});
     table.drop(data);
     table.list.onAudioTCReadReq(options);
     table.list.importReady();
-    QVERIFY2(table.list.isReading(), "the import ends first, the reading is still to come");
+    QVERIFY2(table.list.pendingWork().isReading(), "the import ends first, the reading is still to come");
     table.list.readingFinished();
-    QVERIFY(!table.list.isReading());
+    QVERIFY(!table.list.pendingWork().isReading());
 }
 
 void TestFileList::exportTakesTheChosenRows_data()

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/recordtypes.h"
+#include "app/records/recordtypes.h"
 #include "filelist/filelist.h"
 
 #include <QDir>

@@ -4,6 +4,8 @@
 
 #include <QTest>
 
+#include <limits>
+
 using linkedfile::file;
 using linkedfile::noon;
 
@@ -33,6 +35,10 @@ void TestLinking::filesOfOneRecordingAreSiblings_data()
         << file("wav", 10.0) << file("wav", 10.0, noon().addMSecs(1)) << false;
     QTest::newRow("the same moment in another time zone")
         << file("wav", 10.0) << file("wav", 10.0, noon().toUTC()) << true;
+    const double noNumber = std::numeric_limits<double>::quiet_NaN();
+    const double endless = std::numeric_limits<double>::infinity();
+    QTest::newRow("durations that are no numbers") << file("wav", noNumber) << file("wav", noNumber) << false;
+    QTest::newRow("endless durations") << file("wav", endless) << file("wav", endless) << false;
     QTest::newRow("a picture file") << file("mov", 10.0) << file("wav", 10.0) << false;
     QTest::newRow("two picture files") << file("mov", 10.0) << file("mov", 10.0) << false;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The file table beside a plain one that looks at every row for each result: whatever happens, both must tell
 // the same row by row.
-#include "app/recordtypes.h"
+#include "app/records/recordtypes.h"
 #include "filelist/celltexts.h"
 #include "filelist/filelist.h"
 #include "filelist/linking.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/fuzz/exportpromises.h"
 
-#include "app/optiontables.h"
+#include "app/records/optiontables.h"
 #include "control/readerfilename.h"
 #include "ffmpeg/exportarguments.h"
 #include "ffmpeg/exporthints.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/exportoptions.h"
-#include "app/filedata.h"
+#include "app/records/exportoptions.h"
+#include "app/records/filedata.h"
 #include "tests/fuzz/fuzzinput.h"
 
 /// What holds for the argument lists of every record, whatever the probe and the reader said.

@@ -52,9 +52,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     if (!descriptor)
         return 0;
     isNewerVersion(descriptor->majorVersion, descriptor->minorVersion);
-    const Notice notice(versionNotice(descriptor->downloadLink, descriptor->description));
+    const Notice notice(versionnotice::text(descriptor->downloadLink, descriptor->description));
     const QString scheme = descriptor->downloadLink.scheme();
-    require(mayOpenLink(descriptor->downloadLink) == (scheme == "http" || scheme == "https"),
+    require(versionnotice::mayOpenLink(descriptor->downloadLink) == (scheme == "http" || scheme == "https"),
             "only web pages are opened", scheme);
     return 0;
 }

@@ -63,7 +63,7 @@ void TestDecimalComma::exportsNameTheSpeed()
     using namespace samplerecords;
     const FileData wave = withTimecode(mediaFile("/in/a.wav", {sound("pcm_s24le", 2)}), 0, 0,
                                        reading(30, 30, true, true, 1728000000));
-    const QStringList arguments = exportarguments::timecode(wave, 0, outputname::Container::broadcastWave);
+    const QStringList arguments = exportarguments::timecode(wave, 0, outputname::Container::BroadcastWave);
     QVERIFY2(arguments.contains("comment=sSPEED=029.970-DF"), qPrintable(arguments.join(' ')));
 }
 

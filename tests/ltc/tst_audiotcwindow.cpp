@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/recordtypes.h"
+#include "app/records/recordtypes.h"
 #include "ltc/audiotcwindow.h"
 #include "ltc/readerarguments.h"
 #include "tests/window/dialogbench.h"

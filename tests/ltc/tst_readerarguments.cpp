@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/optiontables.h"
+#include "app/records/optiontables.h"
 #include "ltc/readerarguments.h"
 
 #include <QTest>

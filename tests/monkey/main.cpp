@@ -2,7 +2,7 @@
 
 // Plays random sequences in the real window and stops at the first one after which something is wrong.
 
-#include "app/recordtypes.h"
+#include "app/records/recordtypes.h"
 #include "tests/monkey/monkey.h"
 #include "tests/support/ownprocesses.h"
 

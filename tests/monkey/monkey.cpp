@@ -116,7 +116,7 @@ void Monkey::flushWorker()
 bool Monkey::isBusy() const
 {
     const bool exports = !bench->child<QAction>("exportAction")->isEnabled();
-    return fileList->isBusy() || exports || !ownprocesses::children().isEmpty() ||
+    return fileList->pendingWork().isBusy() || exports || !ownprocesses::children().isEmpty() ||
            QApplication::activeModalWidget();
 }
 
@@ -145,7 +145,7 @@ void Monkey::settle()
             QTest::qWait(5);
     }
     require(!isBusy(), QString("everything ends, but import or reading %1, children %2, status \"%3\"")
-                           .arg(fileList->isBusy())
+                           .arg(fileList->pendingWork().isBusy())
                            .arg(ownprocesses::children().size())
                            .arg(bench->status()));
     require(fileList->viewport()->cursor().shape() == Qt::ArrowCursor, "the pointer is not busy any more");

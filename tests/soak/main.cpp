@@ -3,7 +3,7 @@
 // Does the same work again and again in one process, and looks whether memory, open files and processes stay
 // level from the second round on; the first fills what is kept on purpose.
 
-#include "app/recordtypes.h"
+#include "app/records/recordtypes.h"
 #include "tests/soak/soak.h"
 
 #include <QApplication>

@@ -3,7 +3,7 @@
 // Takes a picture of every window and message box of the program, over fake tools.
 // Usage: ostrel_screenshots FOLDER light|dark   (run by scripts/screenshots.sh, which varies the scale)
 
-#include "app/recordtypes.h"
+#include "app/records/recordtypes.h"
 #include "tests/fakes/faketools.h"
 #include "tests/window/windowbench.h"
 

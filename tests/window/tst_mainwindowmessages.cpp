@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/recordtypes.h"
+#include "app/records/recordtypes.h"
 #include "tests/fakes/faketools.h"
 #include "tests/window/windowbench.h"
 

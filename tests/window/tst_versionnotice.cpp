@@ -51,7 +51,7 @@ void TestVersionNotice::theNoticeShowsLinkAndDescription()
     QFETCH(QString, description);
     QFETCH(QString, rest);
     const QString link("http://host/a.zip?b=1");
-    QCOMPARE(versionNotice(QUrl(link), description), beginning(link) + rest);
+    QCOMPARE(versionnotice::text(QUrl(link), description), beginning(link) + rest);
 }
 
 void TestVersionNotice::whatWouldLoadSomethingIsShownAsPlainText_data()
@@ -70,7 +70,7 @@ void TestVersionNotice::whatWouldLoadSomethingIsShownAsPlainText_data()
 void TestVersionNotice::whatWouldLoadSomethingIsShownAsPlainText()
 {
     QFETCH(QString, description);
-    const QString text = versionNotice(QUrl("http://host/a.zip"), description);
+    const QString text = versionnotice::text(QUrl("http://host/a.zip"), description);
     QVERIFY2(text.endsWith("Details:<br><i>" + description.toHtmlEscaped().replace('\'', "&#39;") + "</i>"),
              qPrintable(text));
 }
@@ -78,7 +78,7 @@ void TestVersionNotice::whatWouldLoadSomethingIsShownAsPlainText()
 void TestVersionNotice::aHostileLinkIsEscaped()
 {
     const QUrl link("http://host/' style='background-image:url(file:///dev/zero)");
-    const QString text = versionNotice(link, "<img src='x.png'>");
+    const QString text = versionnotice::text(link, "<img src='x.png'>");
     QVERIFY(!text.contains("host/'"));
 }
 
@@ -97,7 +97,7 @@ void TestVersionNotice::onlyWebPagesAreOpened_data()
 void TestVersionNotice::onlyWebPagesAreOpened()
 {
     QFETCH(QString, link);
-    QTEST(mayOpenLink(QUrl(link)), "opened");
+    QTEST(versionnotice::mayOpenLink(QUrl(link)), "opened");
 }
 
 QTEST_MAIN(TestVersionNotice)

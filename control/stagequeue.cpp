@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#include "control/stagequeue.h"
+
+bool StageQueue::admit(const Request &request, bool idle)
+{
+    // A drop adds to the import under way, whatever waits for the end of that import.
+    if (isFree(request, idle) && (stage == Stage::Import || waiting.isEmpty()))
+        return true;
+    waiting.enqueue(request);
+    return false;
+}
+
+std::optional<StageQueue::Request> StageQueue::takeNext(bool idle)
+{
+    if (waiting.isEmpty() || !isFree(waiting.head(), idle))
+        return std::nullopt;
+    return waiting.dequeue();
+}
+
+bool StageQueue::isFree(const Request &request, bool idle) const
+{
+    const bool isDrop = std::holds_alternative<QList<QUrl>>(request);
+    return isDrop ? stage != Stage::ReRead : stage == Stage::None && idle;
+}
