@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/recordtypes.h"
+#include "app/records/recordtypes.h"
 #include "control/maincontrol.h"
 #include "control/probedrecord.h"
 #include "tests/tooladapter/processes.h"
