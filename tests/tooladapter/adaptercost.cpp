@@ -21,6 +21,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <vector>
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -70,10 +71,11 @@ Cost costOf(const QString &program, const QStringList &arguments, const QProcess
     for (const QString &setting : settings)
         variables += QFile::encodeName(setting);
     const auto pointers = [](QVector<QByteArray> &texts) {
-        QVector<char *> list;
+        std::vector<char *> list;
         for (QByteArray &text : texts)
-            list += text.data();
-        return list << nullptr;
+            list.push_back(text.data());
+        list.push_back(nullptr);
+        return list;
     };
 
     posix_spawn_file_actions_t silence;

@@ -152,12 +152,14 @@ void TestWrittenFile::theEndMustBeThere()
     QFETCH(bool, isCopied);
     QFETCH(double, rate);
     std::string report;
-    for (const QByteArray &packet : packets.split('\n')) {
+    const QList<QByteArray> lines = packets.split('\n');
+    for (const QByteArray &packet : lines) {
         const QList<QByteArray> words = packet.split(' ');
-        if (words.size() == 4)
+        if (words.size() == 4) {
             report += ("[PACKET]\nstream_index=" + words.at(0) + "\npts_time=" + words.at(1) +
                        "\ndts_time=" + words.at(2) + "\nduration_time=" + words.at(3) + "\n[/PACKET]\n")
                           .toStdString();
+        }
     }
     report += "[STREAM]\nindex=0\ncodec_type=video\nstart_time=0\nduration=60\n[/STREAM]\n"
               "[STREAM]\nindex=1\ncodec_type=audio\nchannels=3\nduration=60\n[/STREAM]\n"
