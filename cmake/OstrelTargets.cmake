@@ -65,7 +65,7 @@ function(ostrel_add_library part)
     endif()
 endfunction()
 
-# ostrel_add_program(<target> [WITHOUT_QT] OUTPUT <file name> SOURCES ... LIBS ...) makes a program beside the other
+# ostrel_add_program(<target> [WITHOUT_QT] OUTPUT <file name> SOURCES ... LIBS ...) makes a program next to the other
 # programs.
 function(ostrel_add_program target)
     cmake_parse_arguments(ARG "WITHOUT_QT" "OUTPUT" "SOURCES;LIBS" ${ARGN})

@@ -1,5 +1,5 @@
 # Toolchain file: Windows programs from Linux, with Debian's g++-mingw-w64-x86-64-posix. Everything is linked in, so that
-# the programs need nothing beside them.
+# the programs need no other files.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Checks the files that describe the program to desktops and packages, and that all tell the same version.
+# Checks the files that describe the program to desktops and packages, and that all name the same version.
 # Usage: scripts/check-packaging.sh
 set -euo pipefail
 [ $# -eq 0 ] || { sed -n '3s/^# //p' "$0" >&2; exit 2; }

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Checks what goes out beside the program: the package and its descriptions, that it can be made again byte by byte, the
+# Checks what is released with the program: the package and its descriptions, that it can be made again byte by byte, the
 # reference of the public declarations, the reader on Windows, the installed program at work in a fresh Debian 12 root,
 # and all tests in a fresh Debian 13 root.
 # Usage: scripts/check-release.sh [FOLDER]

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that a kind of work needs and that are not there yet.
-# Usage: scripts/install-packages.sh KIND   (KIND = run, test, lint, pack or another that scripts/packages.txt tells)
+# Usage: scripts/install-packages.sh KIND   (KIND = run, test, lint, pack or another that scripts/packages.txt lists)
 set -euo pipefail
 [[ $# -eq 1 && $1 != -* ]] || { sed -n '3s/^# //p' "$0" >&2; exit 2; }
 work=$1

@@ -142,8 +142,8 @@ class Tools:
     def plan(self, name, **jobs):
         (self.folder / f"{name}.fake.json").write_text(json.dumps(jobs), encoding="utf-8")
 
-    def open_gate(self):
-        (self.folder / "gate").touch()
+    def open_gate(self, name="gate"):
+        (self.folder / name).touch()
 
     def calls(self, name, job):
         path = self.folder / f"{name}.calls"
