@@ -96,8 +96,9 @@ const Decided *likeliest(const std::vector<Decided> &all)
 }
 
 /// What keeps \a best of \a all from being an answer: its own margin, that of others which contradict it, or
-/// frames that do.
-Doubt doubtAbout(const Decided &best, const std::vector<Decided> &all)
+/// frames of \a samples that do.
+Doubt doubtAbout(const Decided &best, const std::vector<Decided> &all, const std::vector<float> &samples,
+                 int sampleRate)
 {
     if (!isBelievable(best.decision))
         return Doubt::TooNoisy;
@@ -110,7 +111,9 @@ Doubt doubtAbout(const Decided &best, const std::vector<Decided> &all)
     if (isPrecededByAnother(candidate.grid, *candidate.sound, candidate.clock))
         return Doubt::Jump;
     return doubtAboutLine({best.decision.rate, best.decision.count}, candidate.grid,
-                          best.decision.steadyBits ? best.decision.levels : std::vector<float>());
+                          best.decision.steadyBits ? best.decision.levels : std::vector<float>(), samples,
+                          bitsPerFrame * candidate.clock.bitLength * sampleRate /
+                              candidate.sound->sampleRate);
 }
 
 /// RMS of the square wave in \a samples: the mean of its half bits, each with the sign that was decided for.
@@ -189,7 +192,7 @@ JointOutcome readJointly(const std::vector<float> &samples, int sampleRate,
         const Decided *best = likeliest(all);
         if (!best)
             continue;
-        outcome.doubt = doubtAbout(*best, all);
+        outcome.doubt = doubtAbout(*best, all, samples, sampleRate);
         if (outcome.doubt == Doubt::TooNoisy && decideOn == decideTimecode)
             continue;
         outcome.likeliest = readingOf(*best, samples, sampleRate, wanted);

@@ -27,14 +27,16 @@ namespace
 {
 
 // [log-likelihood ratios]
-constexpr double contradiction = 3.0; // for another label in the whole recording
-constexpr double otherMotion = -5.0;  // for labels that do not count up, which are rare
-constexpr double otherBeginning =
-    2.0;                           // for something else at the beginning, which the answer would be wrong for
-constexpr double otherEnd = 7.0;   // for something else at the end, which a chimera of two lines would have
-constexpr double otherPhase = 5.5; // [standard deviations] of sync words that lie elsewhere
-constexpr int leastStretch = 2;    // [frames] a shorter line is not looked for
-constexpr int neighbours = 2;      // to each side, whose sync words give a frame's amplitude
+constexpr double contradiction = 3.0;  // for another label in the whole recording
+constexpr double otherMotion = -5.0;   // for labels that do not count up, which are rare
+constexpr double otherBeginning = 1.0; // for something else at the beginning, where the answer would be wrong
+constexpr double proven = -1.5;        // below it the line runs from the beginning on
+constexpr double otherEnd = 7.0;    // for something else at the end, which a chimera of two lines would have
+constexpr double otherPhase = 5.5;  // [standard deviations] of sync words that lie elsewhere
+constexpr double latestProof = 0.2; // share of the frames that may pass before
+constexpr double quiet = 0.5;       // times the level of the rest: too little to hide other labels
+constexpr int leastStretch = 2;     // [frames] a shorter line is not looked for
+constexpr int neighbours = 2;       // to each side, whose sync words give a frame's amplitude
 constexpr double polarityTrust = 0.9;  // in polarities that were decided: user bits may change
 constexpr double mostAmplitude = 0.95; // beyond, what is left is the recording's doing, not noise
 constexpr double steadyShare = 0.8; // of the amplitude, from which all sync words are taken for one polarity
@@ -178,7 +180,13 @@ public:
     }
 
     /// \a motion: the log-likelihood ratio that labels which do not count up may have.
-    Doubt doubt(double motion) const;
+    Doubt doubt(double motion);
+
+    /// [frames] at the beginning that pass, as doubt() found them, before the line is proven there.
+    int unprovenFrames() const { return unproven; }
+
+    /// [frames] of the recording
+    int frames() const { return static_cast<int>(labels.size()); }
 
 private:
     using Change = std::function<PartValues(PartValues values, int frame)>;
@@ -190,14 +198,15 @@ private:
     Rivals otherSeconds() const;
     Rivals otherValues(std::size_t part) const;
     Rivals otherMotions() const;
-    /// The greatest log-likelihood ratio, at any frame, of a recording that does something else up to
-    /// that frame, averaged over what else it may do; \a backwards: from that frame on.
-    double mostOdds(const std::vector<Rivals> &lines, const Rivals &motions, bool backwards) const;
+    /// For the first one, two, three... frames the log-likelihood ratio of a recording that does something
+    /// else there, averaged over what else it may do; \a backwards: for the last ones.
+    std::vector<double> oddsOf(const std::vector<Rivals> &lines, const Rivals &motions, bool backwards) const;
 
     Evidence evidence;
     LabelLine line;
     FrameRate rate;
     std::vector<PartValues> labels; ///< of the line
+    int unproven = 0;
 };
 
 std::vector<PartValues> LineCheck::labelsFrom(std::int64_t count) const
@@ -363,7 +372,8 @@ std::vector<double> meanRatios(const Rivals &rivals, bool backwards, bool withLi
     return means;
 }
 
-double LineCheck::mostOdds(const std::vector<Rivals> &lines, const Rivals &motions, bool backwards) const
+std::vector<double> LineCheck::oddsOf(const std::vector<Rivals> &lines, const Rivals &motions,
+                                      bool backwards) const
 {
     const std::vector<double> near = meanRatios(otherCounts(), backwards, false);
     const std::vector<double> moving = meanRatios(motions, backwards, false);
@@ -375,19 +385,34 @@ double LineCheck::mostOdds(const std::vector<Rivals> &lines, const Rivals &motio
         std::transform(any.begin(), any.end(), withLine.begin(), any.begin(), std::plus<>());
     }
     const double digitShare = shareOfOneDigit / static_cast<double>(lines.size());
-    double most = -1e9;
-    for (std::size_t frame = leastStretch - 1; frame < labels.size(); ++frame) {
+    std::vector<double> sums;
+    for (std::size_t frame = 0; frame < labels.size(); ++frame) {
         std::vector<double> odds{std::log(shareOfNearLines) + near[frame],
                                  std::log(shareOfAnyLine) + any[frame],
                                  std::log(shareOfMotions) + moving[frame]};
         for (const std::vector<double> &digit : digits)
             odds.push_back(std::log(digitShare) + digit[frame]);
-        most = std::max(most, logSum(odds));
+        sums.push_back(logSum(odds));
     }
-    return most;
+    return sums;
 }
 
-Doubt LineCheck::doubt(double motion) const
+/// [frames] that pass before the line is proven, by \a odds from the beginning on.
+int framesUnproven(const std::vector<double> &odds)
+{
+    std::size_t frame = leastStretch - 1;
+    while (frame < odds.size() && odds[frame] >= proven)
+        ++frame;
+    return frame < leastStretch ? 0 : static_cast<int>(frame);
+}
+
+/// The greatest of \a odds from the first stretch on that is looked for.
+double mostOf(const std::vector<double> &odds)
+{
+    return odds.size() < leastStretch ? -1e9 : *std::max_element(odds.begin() + leastStretch - 1, odds.end());
+}
+
+Doubt LineCheck::doubt(double motion)
 {
     std::vector<Rivals> lines{otherNumbers(), otherSeconds()};
     for (std::size_t part = 0; part < partCount; ++part) {
@@ -409,8 +434,11 @@ Doubt LineCheck::doubt(double motion) const
         return doubt;
     if (labels.size() > 1 && bestWhole(motions) > motion)
         return motions.doubt;
-    if (mostOdds(lines, motions, false) > otherBeginning || mostOdds(lines, motions, true) > otherEnd)
+    const std::vector<double> fromBeginning = oddsOf(lines, motions, false);
+    const std::vector<double> fromEnd = oddsOf(lines, motions, true);
+    if (mostOf(fromBeginning) > otherBeginning || mostOf(fromEnd) > otherEnd)
         return Doubt::Jump;
+    unproven = framesUnproven(fromBeginning);
     return Doubt::None;
 }
 
@@ -466,6 +494,15 @@ double levelBetween(const std::vector<float> &samples, double from, double to)
     return std::sqrt(squares / std::max(1.0, count));
 }
 
+/// Whether the line of \a check is proven late, behind sound that may hide other labels.
+bool isHiddenAtFirst(const LineCheck &check, const std::vector<float> &samples, double frameLength)
+{
+    const double hidden = check.unprovenFrames() * frameLength;
+    return check.unprovenFrames() > latestProof * check.frames() &&
+           levelBetween(samples, 0.0, hidden) >
+               quiet * levelBetween(samples, hidden, static_cast<double>(samples.size()));
+}
+
 } // namespace
 
 bool isPrecededByAnother(const FrameGrid &grid, const Conditioned &sound, const Clock &clock)
@@ -493,9 +530,12 @@ bool isMaskedBefore(const FrameGrid &grid, const std::vector<float> &samples, do
                hiding * levelBetween(samples, before, static_cast<double>(samples.size()));
 }
 
-Doubt doubtAboutLine(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels)
+Doubt doubtAboutLine(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels,
+                     const std::vector<float> &samples, double frameLength)
 {
-    return LineCheck(line, grid, levels).doubt(otherMotion);
+    LineCheck check(line, grid, levels);
+    const Doubt doubt = check.doubt(otherMotion);
+    return doubt == Doubt::None && isHiddenAtFirst(check, samples, frameLength) ? Doubt::Jump : doubt;
 }
 
 Doubt doubtAboutChain(const FrameChain &chain, const std::vector<float> &samples, int sampleRate)
@@ -520,7 +560,9 @@ Doubt doubtAboutChain(const FrameChain &chain, const std::vector<float> &samples
         return Doubt::Jump;
     if (isMaskedBefore(grid, part, chain.frameLength))
         return Doubt::TooNoisy;
-    return LineCheck(line, grid, {}).doubt(contradiction); // that its labels count up was read
+    LineCheck check(line, grid, {});
+    const Doubt doubt = check.doubt(contradiction); // that its labels count up was read
+    return doubt == Doubt::None && isHiddenAtFirst(check, part, chain.frameLength) ? Doubt::Jump : doubt;
 }
 
 } // namespace ltcreader

@@ -21,8 +21,10 @@ struct LabelLine {
 
 /// What the frames of \a grid, each looked at by itself, say against \a line: that another line runs through
 /// all of the recording or a part of it, or that labels do not count up there. \a levels are those of all
-/// half bits as they were decided, empty where only digits and sync words were.
-Doubt doubtAboutLine(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels);
+/// half bits as they were decided, empty where only digits and sync words were. The line must be proven early
+/// where \a samples, \a frameLength [samples] each frame, are loud enough to hide another.
+Doubt doubtAboutLine(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels,
+                     const std::vector<float> &samples, double frameLength);
 
 /// Whether timecode lies before that of \a grid whose frames begin at other places. \a clock is that by which
 /// \a grid was cut out of \a sound.

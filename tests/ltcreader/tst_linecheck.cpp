@@ -23,6 +23,7 @@ private slots:
     void likelyJumpsNeedFewFrames_data();
     void likelyJumpsNeedFewFrames();
     void framesWithoutTimecodeSayNothing();
+    void louderSoundHidesABeginning();
 };
 
 namespace
@@ -61,11 +62,14 @@ FrameGrid frozen(FrameGrid grid)
     return grid;
 }
 
-Doubt doubtAbout(FrameGrid grid, double noise, const Timecode &label = start)
+constexpr double frameLength = 1920.0; // [samples]
+
+Doubt doubtAbout(FrameGrid grid, double noise, const Timecode &label = start,
+                 const std::vector<float> &samples = {})
 {
     addNoise(grid, noise);
     measureSyncs(grid);
-    return doubtAboutLine({pal, frameCount(label, pal)}, grid, {});
+    return doubtAboutLine({pal, frameCount(label, pal)}, grid, {}, samples, frameLength);
 }
 
 } // namespace
@@ -134,6 +138,20 @@ void TestLineCheck::framesWithoutTimecodeSayNothing()
     std::fill_n(grid.halves.begin(), 20 * halvesPerFrame, 0.0F);
     measureSyncs(grid);
     QCOMPARE(static_cast<int>(doubtAbout(grid, 0.3)), static_cast<int>(Doubt::None));
+}
+
+void TestLineCheck::louderSoundHidesABeginning()
+{
+    constexpr auto hidden = std::ptrdiff_t{20} * halvesPerFrame;
+    FrameGrid grid = gridFrom(start);
+    std::fill_n(grid.halves.begin(), hidden, 0.0F);
+    measureSyncs(grid);
+    std::vector<float> samples(static_cast<std::size_t>(frames * frameLength));
+    for (std::size_t i = 0; i < samples.size(); i += 2)
+        samples[i] = 0.5F;
+    QCOMPARE(static_cast<int>(doubtAbout(grid, 0.3, start, samples)), static_cast<int>(Doubt::Jump));
+    std::fill_n(samples.begin(), static_cast<std::ptrdiff_t>(20 * frameLength), 0.0F);
+    QCOMPARE(static_cast<int>(doubtAbout(grid, 0.3, start, samples)), static_cast<int>(Doubt::None));
 }
 
 QTEST_APPLESS_MAIN(TestLineCheck)
