@@ -4,7 +4,6 @@
 
 #include <QTest>
 
-using tooladapter::ArgumentList;
 using tooladapter::Job;
 
 Q_DECLARE_METATYPE(tooladapter::Job)
