@@ -96,15 +96,16 @@ Finding compareShape(const PictureShape &shape, const WrittenPicture &written, c
     const double aspect = wanted.isFitted ? double(fittedWidth) / fittedHeight : shape.displayAspect();
 
     Finding finding{shapeRow(shape), Verdict::Lost, {}};
-    if (std::abs(roundness - 1.0) > round)
+    const double shown = pixelAspect * width / height;
+    if (std::abs(roundness - 1.0) > round) {
         finding.detail = QString("a circle is %1 times as wide as high").arg(roundness, 0, 'f', 3);
-    else if (!isNear(card.place, place))
+    } else if (!isNear(card.place, place)) {
         finding.detail = "the picture is " + textOf(card.place) + ", not " + textOf(place);
-    else if (std::abs(pixelAspect * width / height / aspect - 1.0) > round)
-        finding.detail =
-            QString("the file is shown as %1, not %2").arg(pixelAspect * width / height).arg(aspect);
-    else
+    } else if (std::abs(shown / aspect - 1.0) > round) {
+        finding.detail = QString("the file is shown as %1, not %2").arg(shown).arg(aspect);
+    } else {
         finding.verdict = wanted.isFitted ? Verdict::Converted : Verdict::Kept;
+    }
     return finding;
 }
 
@@ -116,12 +117,11 @@ Finding compareFields(const PictureShape &shape, const WrittenPicture &written, 
     if (wanted.fields != shape.fields)
         finding.verdict = Verdict::Converted;
     const bool saysNothing = !written.fields && wanted.fields == Fields::Progressive;
+    const QString wish = ", not " + nameOf(wanted.fields);
     if (written.card.fields != wanted.fields)
-        finding.detail =
-            QString("fields are %1, not %2").arg(nameOf(written.card.fields), nameOf(wanted.fields));
+        finding.detail = "fields are " + nameOf(written.card.fields) + wish;
     else if (written.fields != wanted.fields && !saysNothing)
-        finding.detail =
-            QString("the file says fields are %1, not %2").arg(nameOf(written.fields), nameOf(wanted.fields));
+        finding.detail = "the file says fields are " + nameOf(written.fields) + wish;
     if (!finding.detail.isEmpty())
         finding.verdict = Verdict::Lost;
     return finding;
