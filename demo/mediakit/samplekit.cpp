@@ -13,7 +13,6 @@ namespace mediakit
 namespace
 {
 
-using testsignals::LtcTime;
 
 constexpr testsignals::LtcRate rate25{25, false, false};
 
