@@ -13,7 +13,6 @@ namespace mediakit
 namespace
 {
 
-
 constexpr testsignals::LtcRate rate25{25, false, false};
 
 // Most situations are about the sound alone.
