@@ -114,10 +114,11 @@ void addChapters(ToolWords &words, const SourceFile &source, const QString &fold
 {
     QString text = ";FFMETADATA1\n";
     const int length = int(sourceDuration * 1000) / source.chapters.size(); // [ms]
-    for (int i = 0; i < source.chapters.size(); ++i)
+    for (int i = 0; i < source.chapters.size(); ++i) {
         text +=
             QString("[CHAPTER]\nTIMEBASE=1/1000\nSTART=%1\nEND=%2\ntitle=%3\n")
                 .arg(QString::number(i * length), QString::number((i + 1) * length), source.chapters.at(i));
+    }
     writeBytes(folder + "/chapters.txt", text.toUtf8());
     words.outputs += {"-map_chapters", QString::number(words.count)};
     words.addInput({"-f", "ffmetadata", "-i", folder + "/chapters.txt"});
@@ -131,12 +132,12 @@ void addDataTrack(ToolWords &words, const QString &folder)
     words.addInput({"-i", folder + "/sensor.srt"});
 }
 
-/// Tells in the header of the QuickTime file \a bytes that the picture is to be turned.
+/// Notes in the header of the QuickTime file \a bytes that the picture is to be turned.
 void turn(QByteArray &bytes, const PictureShape &shape)
 {
     const int header = bytes.indexOf("tkhd"); // of the first track, the picture's
     constexpr int matrix = 44;                // [bytes] from there
-    const auto put = [&](int place, qint32 value) {
+    const auto put = [&](std::ptrdiff_t place, qint32 value) {
         qToBigEndian(value, bytes.data() + header + matrix + 4 * place);
     };
     constexpr qint32 one = 0x10000;
@@ -247,7 +248,7 @@ QJsonObject MadeFile::audioStream(int track) const
 QJsonObject MadeFile::picture() const
 {
     for (const QJsonValue value : probe["streams"].toArray()) {
-        const QJsonObject stream = value.toObject();
+        QJsonObject stream = value.toObject();
         if (stream["codec_type"] == "video" && stream["disposition"].toObject()["attached_pic"].toInt() == 0)
             return stream;
     }

@@ -102,10 +102,10 @@ void checkDiagnosis(const MemoryFile &sound)
     const auto file = SoundFile::open(sound.path(), error);
     const std::vector<Diagnosis> channels = diagnose(*file);
     require(channels.size() == static_cast<std::size_t>(file->channels()), "each channel is looked at");
-    for (const Diagnosis &channel : channels)
-        require(!toText(channel, 0, Doubt::TooNoisy).empty() &&
-                    !reasonFor(Doubt::NoTimecode, channel).empty(),
-                "a reason is given");
+    for (const Diagnosis &channel : channels) {
+        require(!toText(channel, 0, Doubt::TooNoisy).empty(), "a refusal is described");
+        require(!reasonFor(Doubt::NoTimecode, channel).empty(), "a reason is given");
+    }
 }
 
 } // namespace

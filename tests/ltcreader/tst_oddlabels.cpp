@@ -144,8 +144,8 @@ void TestOddLabels::theReasonIsNamed_data()
 {
     QTest::addColumn<LabelAt>("labelAt");
     QTest::addColumn<Doubt>("doubt");
-    const auto row = [](const char *name, LabelAt labelAt, Doubt doubt) {
-        QTest::newRow(name) << std::move(labelAt) << doubt;
+    const auto row = [](const char *name, const LabelAt &labelAt, Doubt doubt) {
+        QTest::newRow(name) << labelAt << doubt;
     };
     row(
         "ordinary", [](std::int64_t index, LtcRate rate) { return counting(start, index, rate); },
