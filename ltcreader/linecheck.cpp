@@ -175,7 +175,7 @@ class LineCheck
 {
 public:
     LineCheck(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels)
-        : evidence(evidenceOf(grid, levels)), line(line), rate(line.rate), labels(labelsFrom(line.count))
+        : evidence(evidenceOf(grid, levels)), line(line), labels(labelsFrom(line.count))
     {
     }
 
@@ -204,7 +204,6 @@ private:
 
     Evidence evidence;
     LabelLine line;
-    FrameRate rate;
     std::vector<PartValues> labels; ///< of the line
     int unproven = 0;
 };
@@ -213,7 +212,7 @@ std::vector<PartValues> LineCheck::labelsFrom(std::int64_t count) const
 {
     std::vector<PartValues> values;
     for (std::size_t frame = 0; frame < evidence.size(); ++frame)
-        values.push_back(valuesOf(labelAt(count + static_cast<int>(frame), rate), rate.dropFrame));
+        values.push_back(valuesOf(labelAt(count + static_cast<int>(frame), line.rate), line.rate.dropFrame));
     return values;
 }
 
@@ -235,9 +234,9 @@ Gains LineCheck::gainsOf(const Change &change) const
 Rivals LineCheck::otherCounts() const
 {
     Rivals rivals{Doubt::Jump, {}};
-    const std::int64_t second = rate.base;
+    const std::int64_t second = line.rate.base;
     const std::int64_t minute = secondsPerMinute * second;
-    const std::int64_t hour = framesPerDay(rate) / 24;
+    const std::int64_t hour = framesPerDay(line.rate) / 24;
     for (const std::int64_t distance : {std::int64_t{1}, std::int64_t{2}, second, minute, hour}) {
         for (const std::int64_t count : {line.count - distance, line.count + distance}) {
             const std::vector<PartValues> others = labelsFrom(count);
@@ -258,10 +257,10 @@ PartValues withNumber(PartValues values, int number)
 Rivals LineCheck::otherNumbers() const
 {
     Rivals rivals{Doubt::Jump, {}};
-    for (int shift = 1; shift < rate.base; ++shift) {
+    for (int shift = 1; shift < line.rate.base; ++shift) {
         rivals.gains.push_back(gainsOf([&](PartValues values, int) {
             const int number = 10 * values[FrameTensPart] + values[FrameUnitsPart];
-            return withNumber(values, (number + shift) % rate.base);
+            return withNumber(values, (number + shift) % line.rate.base);
         }));
     }
     return rivals;
@@ -297,16 +296,16 @@ Rivals LineCheck::otherValues(std::size_t part) const
 Rivals LineCheck::otherMotions() const
 {
     Rivals rivals{Doubt::Frozen, {}};
-    for (int number = 0; number < rate.base; ++number)
+    for (int number = 0; number < line.rate.base; ++number)
         rivals.gains.push_back(gainsOf([&](PartValues values, int) { return withNumber(values, number); }));
-    for (int number = 0; number < rate.base; ++number) {
+    for (int number = 0; number < line.rate.base; ++number) {
         rivals.gains.push_back(gainsOf([&](PartValues values, int frame) {
-            return withNumber(values, ((number - frame) % rate.base + rate.base) % rate.base);
+            return withNumber(values, ((number - frame) % line.rate.base + line.rate.base) % line.rate.base);
         }));
         for (const int held : {2, 3}) {
             for (int phase = 0; phase < held; ++phase) {
                 rivals.gains.push_back(gainsOf([&](PartValues values, int frame) {
-                    return withNumber(values, (number + (frame + phase) / held) % rate.base);
+                    return withNumber(values, (number + (frame + phase) / held) % line.rate.base);
                 }));
             }
         }
@@ -416,7 +415,7 @@ Doubt LineCheck::doubt(double motion)
 {
     std::vector<Rivals> lines{otherNumbers(), otherSeconds()};
     for (std::size_t part = 0; part < partCount; ++part) {
-        if (part != FlagPart || rate.base == 30)
+        if (part != FlagPart || line.rate.base == 30)
             lines.push_back(otherValues(part));
     }
     const Rivals motions = otherMotions();
