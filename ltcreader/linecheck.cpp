@@ -27,15 +27,16 @@ namespace
 {
 
 // [log-likelihood ratios]
-constexpr double contradiction = 3.0;  // for another label in the whole recording
-constexpr double otherMotion = -5.0;   // for labels that do not count up, which are rare
-constexpr double otherBeginning = 1.0; // for something else at the beginning, where the answer would be wrong
-constexpr double proven = -1.5;        // below it the line runs from the beginning on
+constexpr double contradiction = 3.0; // for another label in the whole recording
+constexpr double otherMotion = -5.0;  // for labels that do not count up, which are rare
+constexpr double otherBeginning =
+    -1.5;                           // for something else at the beginning, where the answer would be wrong
+constexpr double proven = -1.5;     // below it the line runs from the beginning on
 constexpr double otherEnd = 7.0;    // for something else at the end, which a chimera of two lines would have
 constexpr double otherPhase = 5.5;  // [standard deviations] of sync words that lie elsewhere
 constexpr double latestProof = 0.2; // share of the frames that may pass before
 constexpr double quiet = 0.5;       // times the level of the rest: too little to hide other labels
-constexpr int leastStretch = 2;     // [frames] a shorter line is not looked for
+constexpr int leastStretch = 2;     // [whole frames] a shorter line is not looked for
 constexpr int neighbours = 2;       // to each side, whose sync words give a frame's amplitude
 constexpr double polarityTrust = 0.9;  // in polarities that were decided: user bits may change
 constexpr double mostAmplitude = 0.95; // beyond, what is left is the recording's doing, not noise
@@ -44,6 +45,7 @@ constexpr double hiding = 1.2;      // times the level of the recording: sound e
 constexpr double shows = 0.6;       // of the amplitude of the frames behind: a frame's own sync word is there
 constexpr double absent = 0.35;     // of the amplitude of the frames behind: no timecode yet
 
+constexpr double impossible = -1e9; // a log-likelihood ratio
 constexpr int secondsPerMinute = 60;
 
 // What else it may be, as shares of the cases in which it is something else.
@@ -171,22 +173,25 @@ struct Rivals {
     std::vector<Gains> gains;
 };
 
+/// What the frames say against a line.
+struct Verdict {
+    Doubt doubt = Doubt::None;
+    int unproven = 0; ///< [frames] at the beginning that pass before the line is proven
+};
+
 class LineCheck
 {
 public:
     LineCheck(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels)
-        : evidence(evidenceOf(grid, levels)), line(line), labels(labelsFrom(line.count))
+        : evidence(evidenceOf(grid, levels)),
+          line(line),
+          labels(labelsFrom(line.count)),
+          firstEnd(leastStretch - (grid.firstHalf < 0 ? 0 : 1))
     {
     }
 
     /// \a motion: the log-likelihood ratio that labels which do not count up may have.
-    Doubt doubt(double motion);
-
-    /// [frames] at the beginning that pass, as doubt() found them, before the line is proven there.
-    int unprovenFrames() const { return unproven; }
-
-    /// [frames] of the recording
-    int frames() const { return static_cast<int>(labels.size()); }
+    Verdict verdict(double motion) const;
 
 private:
     using Change = std::function<PartValues(PartValues values, int frame)>;
@@ -205,7 +210,7 @@ private:
     Evidence evidence;
     LabelLine line;
     std::vector<PartValues> labels; ///< of the line
-    int unproven = 0;
+    std::size_t firstEnd;           ///< last frame of the shortest line at the beginning that is looked for
 };
 
 std::vector<PartValues> LineCheck::labelsFrom(std::int64_t count) const
@@ -396,22 +401,34 @@ std::vector<double> LineCheck::oddsOf(const std::vector<Rivals> &lines, const Ri
     return sums;
 }
 
-/// [frames] that pass before the line is proven, by \a odds from the beginning on.
-int framesUnproven(const std::vector<double> &odds)
+/// [frames] that pass before the line is proven, by \a odds from frame \a first on.
+int framesUnproven(const std::vector<double> &odds, std::size_t first)
 {
-    std::size_t frame = leastStretch - 1;
+    std::size_t frame = first;
     while (frame < odds.size() && odds[frame] >= proven)
         ++frame;
-    return frame < leastStretch ? 0 : static_cast<int>(frame);
+    return frame == first ? 0 : static_cast<int>(frame);
 }
 
-/// The greatest of \a odds from the first stretch on that is looked for.
+/// The odds of something else at the beginning, which may end at any frame from \a first on; \a odds are
+/// those for each end. Only what exceeds chance counts: timecode may begin late, and nothing speaks for
+/// anything before.
+double oddsOfBeginning(const std::vector<double> &odds, std::size_t first)
+{
+    double sum = 0.0;
+    for (std::size_t end = first; end < odds.size(); ++end)
+        sum += std::max(0.0, std::expm1(odds[end]));
+    return sum > 0.0 ? std::log(sum / static_cast<double>(odds.size() - first)) : impossible;
+}
+
+/// The greatest of \a odds, but for those of one frame.
 double mostOf(const std::vector<double> &odds)
 {
-    return odds.size() < leastStretch ? -1e9 : *std::max_element(odds.begin() + leastStretch - 1, odds.end());
+    return odds.size() < leastStretch ? impossible
+                                      : *std::max_element(odds.begin() + leastStretch - 1, odds.end());
 }
 
-Doubt LineCheck::doubt(double motion)
+Verdict LineCheck::verdict(double motion) const
 {
     std::vector<Rivals> lines{otherNumbers(), otherSeconds()};
     for (std::size_t part = 0; part < partCount; ++part) {
@@ -428,17 +445,16 @@ Doubt LineCheck::doubt(double motion)
         }
     }
     if (bestWhole(motions) > best)
-        return motions.doubt;
+        return {motions.doubt};
     if (doubt != Doubt::None)
-        return doubt;
+        return {doubt};
     if (labels.size() > 1 && bestWhole(motions) > motion)
-        return motions.doubt;
+        return {motions.doubt};
     const std::vector<double> fromBeginning = oddsOf(lines, motions, false);
     const std::vector<double> fromEnd = oddsOf(lines, motions, true);
-    if (mostOf(fromBeginning) > otherBeginning || mostOf(fromEnd) > otherEnd)
-        return Doubt::Jump;
-    unproven = framesUnproven(fromBeginning);
-    return Doubt::None;
+    if (oddsOfBeginning(fromBeginning, firstEnd) > otherBeginning || mostOf(fromEnd) > otherEnd)
+        return {Doubt::Jump};
+    return {Doubt::None, framesUnproven(fromBeginning, firstEnd)};
 }
 
 /// Whether sync words show somewhere in \a count half bits that begin at \a halves.
@@ -493,13 +509,15 @@ double levelBetween(const std::vector<float> &samples, double from, double to)
     return std::sqrt(squares / std::max(1.0, count));
 }
 
-/// Whether the line of \a check is proven late, behind sound that may hide other labels.
-bool isHiddenAtFirst(const LineCheck &check, const std::vector<float> &samples, double frameLength)
+/// The doubt of \a verdict on a recording of \a frames frames; a jump where a line is proven late, behind
+/// sound that may hide other labels.
+Doubt doubtOf(const Verdict &verdict, int frames, const std::vector<float> &samples, double frameLength)
 {
-    const double hidden = check.unprovenFrames() * frameLength;
-    return check.unprovenFrames() > latestProof * check.frames() &&
-           levelBetween(samples, 0.0, hidden) >
-               quiet * levelBetween(samples, hidden, static_cast<double>(samples.size()));
+    const double hidden = verdict.unproven * frameLength;
+    const bool isHidden = verdict.unproven > latestProof * frames &&
+                          levelBetween(samples, 0.0, hidden) >
+                              quiet * levelBetween(samples, hidden, static_cast<double>(samples.size()));
+    return verdict.doubt == Doubt::None && isHidden ? Doubt::Jump : verdict.doubt;
 }
 
 } // namespace
@@ -532,9 +550,7 @@ bool isMaskedBefore(const FrameGrid &grid, const std::vector<float> &samples, do
 Doubt doubtAboutLine(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels,
                      const std::vector<float> &samples, double frameLength)
 {
-    LineCheck check(line, grid, levels);
-    const Doubt doubt = check.doubt(otherMotion);
-    return doubt == Doubt::None && isHiddenAtFirst(check, samples, frameLength) ? Doubt::Jump : doubt;
+    return doubtOf(LineCheck(line, grid, levels).verdict(otherMotion), grid.frames, samples, frameLength);
 }
 
 Doubt doubtAboutChain(const FrameChain &chain, const std::vector<float> &samples, int sampleRate)
@@ -559,9 +575,8 @@ Doubt doubtAboutChain(const FrameChain &chain, const std::vector<float> &samples
         return Doubt::Jump;
     if (isMaskedBefore(grid, part, chain.frameLength))
         return Doubt::TooNoisy;
-    LineCheck check(line, grid, {});
-    const Doubt doubt = check.doubt(contradiction); // that its labels count up was read
-    return doubt == Doubt::None && isHiddenAtFirst(check, part, chain.frameLength) ? Doubt::Jump : doubt;
+    const Verdict verdict = LineCheck(line, grid, {}).verdict(contradiction); // that labels count up was read
+    return doubtOf(verdict, grid.frames, part, chain.frameLength);
 }
 
 } // namespace ltcreader

@@ -22,6 +22,7 @@ private slots:
     void otherLabelsAreSeen();
     void likelyJumpsNeedFewFrames_data();
     void likelyJumpsNeedFewFrames();
+    void oneNoisyFrameIsNoJump();
     void framesWithoutTimecodeSayNothing();
     void louderSoundHidesABeginning();
 };
@@ -130,6 +131,22 @@ void TestLineCheck::likelyJumpsNeedFewFrames()
     constexpr int frameCounts[] = {5, 6, 7};
     for (const int count : frameCounts)
         QVERIFY(doubtAbout(spliced(gridFrom(before), gridFrom(start), count), 1.0) != Doubt::None);
+}
+
+void TestLineCheck::oneNoisyFrameIsNoJump()
+{
+    constexpr FrameRate ntsc{30, true, false};
+    constexpr int cut = 80;              // halves of frame 0 that the recording lacks
+    constexpr std::size_t flagHalf = 21; // the one in which a drop-frame flag would show
+    FrameGrid grid = gridOfTimecode(start, ntsc, frames, noUserBits);
+    addNoise(grid, 0.4);
+    std::fill_n(grid.halves.begin(), cut, 0.0F);
+    grid.firstHalf = -cut;
+    float &half = grid.halves[halvesPerFrame + flagHalf];
+    half = half > 0.0F ? -0.6F : 0.6F;
+    measureSyncs(grid);
+    const Doubt doubt = doubtAboutLine({ntsc, frameCount(start, ntsc)}, grid, {}, {}, frameLength);
+    QCOMPARE(static_cast<int>(doubt), static_cast<int>(Doubt::None));
 }
 
 void TestLineCheck::framesWithoutTimecodeSayNothing()
