@@ -13,6 +13,7 @@
 #include "ltcreader/digits.h"
 #include "ltcreader/framefold.h"
 #include "ltcreader/halfbits.h"
+#include "ltcreader/levels.h"
 #include "ltcreader/likelihood.h"
 #include "ltcreader/trellis.h"
 
@@ -142,15 +143,42 @@ double polarityOf(const FrameGrid &grid, const Polarities &polarities, const std
     return polarityTrust * static_cast<double>(levels[static_cast<std::size_t>(place)]);
 }
 
+/// What \a levels leave unexplained of \a grid, for each half bit.
+struct Unexplained {
+    double whole = 0.0;    ///< variance
+    double repeated = 0.0; ///< the part of it that is the same in every frame
+};
+
+Unexplained unexplainedBy(const std::vector<float> &levels, const FrameGrid &grid)
+{
+    double fit = 0.0;
+    double squares = 0.0;
+    double count = 0.0;
+    for (std::size_t i = 0; i < levels.size(); ++i) {
+        if (levels[i] == 0.0F || grid.halves[i] == 0.0F)
+            continue;
+        fit += static_cast<double>(levels[i] * grid.halves[i]);
+        squares += std::pow(static_cast<double>(grid.halves[i]), 2.0);
+        count += 1.0;
+    }
+    if (count < 1.0)
+        return {};
+    const double whole = squares / count - std::pow(fit / count, 2.0);
+    const double added = repeatedError(grid, levels) - whole;
+    return {whole, std::clamp(added / grid.frames, 0.0, whole)};
+}
+
 Evidence evidenceOf(const FrameGrid &grid, const std::vector<float> &levels)
 {
+    const double unexplained = unexplainedBy(levels, grid).whole;
     const Polarities polarities = findPolarities(grid);
     const bool steady = isSteady(grid);
     Evidence evidence(static_cast<std::size_t>(grid.frames));
     for (int frame = 0; frame < grid.frames; ++frame) {
         const auto index = static_cast<std::size_t>(frame);
         const Strength strength = strengthAt(grid, frame, steady);
-        const double scale = strength.amplitude / noiseBeside(strength.amplitude) / strength.rms;
+        const double noise = std::max(noiseBeside(strength.amplitude), unexplained);
+        const double scale = strength.amplitude / noise / strength.rms;
         for (std::size_t part = 0; part < partCount; ++part) {
             const double polarity = polarityOf(grid, polarities, levels, frame, part);
             for (int value = 0; value < 1 << parts[part].width; ++value) {
@@ -186,6 +214,7 @@ public:
         : evidence(evidenceOf(grid, levels)),
           line(line),
           labels(labelsFrom(line.count)),
+          unexplained(unexplainedBy(levels, grid)),
           firstEnd(leastStretch - (grid.firstHalf < 0 ? 0 : 1))
     {
     }
@@ -210,7 +239,8 @@ private:
     Evidence evidence;
     LabelLine line;
     std::vector<PartValues> labels; ///< of the line
-    std::size_t firstEnd;           ///< last frame of the shortest line at the beginning that is looked for
+    Unexplained unexplained;
+    std::size_t firstEnd; ///< last frame of the shortest line at the beginning that is looked for
 };
 
 std::vector<PartValues> LineCheck::labelsFrom(std::int64_t count) const
@@ -335,8 +365,11 @@ double bestWhole(const Rivals &rivals)
 }
 
 /// The sums of \a gains over the first one, two, three... frames.
-std::vector<Gains> runningSums(const Rivals &rivals, bool backwards)
+/// What repeats in every frame adds up as fast as evidence does.
+std::vector<Gains> runningSums(const Rivals &rivals, bool backwards, const Unexplained &unexplained)
 {
+    const double once = unexplained.whole - unexplained.repeated;
+    const double step = once > 0.0 ? unexplained.repeated / once : 0.0;
     std::vector<Gains> sums;
     for (Gains gains : rivals.gains) {
         if (backwards)
@@ -344,6 +377,8 @@ std::vector<Gains> runningSums(const Rivals &rivals, bool backwards)
         double sum = 0.0;
         for (double &gain : gains)
             gain = sum += gain;
+        for (std::size_t frame = 1; frame < gains.size(); ++frame)
+            gains[frame] /= 1.0 + static_cast<double>(frame) * step;
         sums.push_back(std::move(gains));
     }
     return sums;
@@ -361,9 +396,10 @@ double logSum(const std::vector<double> &logarithms)
 
 /// For the first one, two, three... frames the logarithm of the mean likelihood ratio of all \a rivals; \a
 /// withLine: and of the line itself.
-std::vector<double> meanRatios(const Rivals &rivals, bool backwards, bool withLine)
+std::vector<double> meanRatios(const Rivals &rivals, bool backwards, bool withLine,
+                               const Unexplained &unexplained)
 {
-    const std::vector<Gains> sums = runningSums(rivals, backwards);
+    const std::vector<Gains> sums = runningSums(rivals, backwards, unexplained);
     std::vector<double> means;
     for (std::size_t frame = 0; frame < sums.front().size(); ++frame) {
         std::vector<double> ratios;
@@ -379,13 +415,13 @@ std::vector<double> meanRatios(const Rivals &rivals, bool backwards, bool withLi
 std::vector<double> LineCheck::oddsOf(const std::vector<Rivals> &lines, const Rivals &motions,
                                       bool backwards) const
 {
-    const std::vector<double> near = meanRatios(otherCounts(), backwards, false);
-    const std::vector<double> moving = meanRatios(motions, backwards, false);
+    const std::vector<double> near = meanRatios(otherCounts(), backwards, false, unexplained);
+    const std::vector<double> moving = meanRatios(motions, backwards, false, unexplained);
     std::vector<std::vector<double>> digits;
     std::vector<double> any(labels.size());
     for (const Rivals &rivals : lines) {
-        digits.push_back(meanRatios(rivals, backwards, false));
-        const std::vector<double> withLine = meanRatios(rivals, backwards, true);
+        digits.push_back(meanRatios(rivals, backwards, false, unexplained));
+        const std::vector<double> withLine = meanRatios(rivals, backwards, true, unexplained);
         std::transform(any.begin(), any.end(), withLine.begin(), any.begin(), std::plus<>());
     }
     const double digitShare = shareOfOneDigit / static_cast<double>(lines.size());

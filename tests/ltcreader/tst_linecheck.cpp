@@ -23,6 +23,7 @@ private slots:
     void likelyJumpsNeedFewFrames_data();
     void likelyJumpsNeedFewFrames();
     void oneNoisyFrameIsNoJump();
+    void errorsOfEveryFrameAreNoJump();
     void framesWithoutTimecodeSayNothing();
     void louderSoundHidesABeginning();
 };
@@ -143,10 +144,29 @@ void TestLineCheck::oneNoisyFrameIsNoJump()
     std::fill_n(grid.halves.begin(), cut, 0.0F);
     grid.firstHalf = -cut;
     float &half = grid.halves[halvesPerFrame + flagHalf];
-    half = half > 0.0F ? -0.6F : 0.6F;
+    half = half > 0.0F ? 0.1F : 1.4F;
     measureSyncs(grid);
     const Doubt doubt = doubtAboutLine({ntsc, frameCount(start, ntsc)}, grid, {}, {}, frameLength);
     QCOMPARE(static_cast<int>(doubt), static_cast<int>(Doubt::None));
+}
+
+void TestLineCheck::errorsOfEveryFrameAreNoJump()
+{
+    FrameGrid grid = gridFrom(start);
+    const std::vector<float> levels = grid.halves;
+    // What a steep high-pass filter leaves of each half bit.
+    for (std::size_t half = 1; half < grid.halves.size(); ++half)
+        grid.halves[half] *= levels[half] == levels[half - 1] ? 0.1F : 1.4F;
+    FrameGrid jumping = spliced(gridFrom({11, 20, 30, 12}), grid, 20);
+    for (FrameGrid *distorted : {&grid, &jumping}) {
+        addNoise(*distorted, 0.5);
+        measureSyncs(*distorted);
+    }
+    const LabelLine line{pal, frameCount(start, pal)};
+    QCOMPARE(static_cast<int>(doubtAboutLine(line, grid, levels, {}, frameLength)),
+             static_cast<int>(Doubt::None));
+    QCOMPARE(static_cast<int>(doubtAboutLine(line, jumping, levels, {}, frameLength)),
+             static_cast<int>(Doubt::Jump));
 }
 
 void TestLineCheck::framesWithoutTimecodeSayNothing()
