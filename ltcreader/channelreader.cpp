@@ -128,7 +128,7 @@ ChannelOutcome ChannelReader::readThoroughly() const
         return jointly;
     if (isOfLabels(jointly.doubt) && !standsAlone(*longest->chain))
         byEdges->doubt = jointly.doubt;
-    if (jointly.doubt != Doubt::None)
+    if (jointly.doubt != Doubt::None || isOfLabels(byEdges->doubt))
         return *byEdges;
     if (contradict(*byEdges->likeliest, *jointly.likeliest))
         jointly.doubt = Doubt::TwoTimecodes;

@@ -69,6 +69,7 @@ private slots:
     void theReasonIsNamed_data();
     void theReasonIsNamed();
     void aJumpInNoiseIsNeverAnsweredWithTheLaterLine();
+    void anEarlyJumpThatSingleFramesShowIsNotOverruled();
     void aClockInTheUserBitsDoesNotChangeTheLabel();
     void aRunningPartBehindAPauseIsNotExtrapolatedThroughIt();
     void shortRecordingsGiveFiniteNumbers();
@@ -181,6 +182,24 @@ void TestOddLabels::aJumpInNoiseIsNeverAnsweredWithTheLaterLine()
             QVERIFY2(outcome.doubt != Doubt::None || first,
                      qPrintable(QStringLiteral("jump at frame %1, noise %2 dB").arg(jumpAt).arg(noise)));
         }
+    }
+}
+
+void TestOddLabels::anEarlyJumpThatSingleFramesShowIsNotOverruled()
+{
+    for (std::uint64_t seed = 1; seed <= 20; ++seed) {
+        std::vector<float> samples = recording(
+            [](std::int64_t index, LtcRate rate) {
+                LtcTime label = counting(start, index, rate);
+                label.hours += index < 4 ? 0 : 1;
+                return label;
+            },
+            ntsc, 1.0, 60.0);
+        testsignals::Random random(seed);
+        testsignals::addAtRatio(samples, testsignals::musicLike(random, samples.size(), 48000), 0.0);
+        const Outcome outcome = outcomeOf(samples);
+        const bool first = outcome.likeliest && outcome.likeliest->start == Timecode{10, 20, 30, 12};
+        QVERIFY2(outcome.doubt != Doubt::None || first, qPrintable(QStringLiteral("seed %1").arg(seed)));
     }
 }
 
