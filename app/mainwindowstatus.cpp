@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the main window tells: status line, progress, streams and message boxes; and how it ends.
+// What the main window shows: status line, progress, streams and message boxes; and how it ends.
 #include "app/mainwindow.h"
 #include "app/messages.h"
 #include "app/records/resultcodes.h"

@@ -30,7 +30,7 @@ QString tr(const char *text)
 
 const char *const logoFile = "images/ostrel_LOGO_transparent";
 
-/// The logo beside the working directory or, where there is none, the one compiled into the program. On
+/// The logo next to the working directory or, if it has none, the one compiled into the program. On
 /// screens of high density it is the finer drawing, at the pixels of the screen.
 QPixmap logo()
 {

@@ -10,7 +10,7 @@
 namespace windowtexts
 {
 
-/// Lines of the stream list for \a file: its picture stream, then its sound streams. MXF files tell no
+/// Lines of the stream list for \a file: its picture stream, then its sound streams. MXF files record no
 /// channel numbers, as their streams hold one channel each.
 QStringList streamLines(const FileData &file);
 

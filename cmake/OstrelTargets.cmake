@@ -88,7 +88,7 @@ endfunction()
 # ostrel_add_test(<name> [SOURCES ...] [LIBS ...] [FAKES] [TOOLS] [DISPLAY] [LOCALE <name>] [TIMEOUT <seconds>]) adds
 # the test <name> from <name>.cpp. Any Qt warning fails it. FAKES puts the fake tools first in PATH, TOOLS the programs
 # that we build. DISPLAY gives it a virtual display with a window manager, as windows of a fixed size need. It runs in
-# the locale C.UTF-8 where no other is named.
+# the locale C.UTF-8 unless another is named.
 function(ostrel_add_test name)
     cmake_parse_arguments(ARG "FAKES;TOOLS;DISPLAY" "LOCALE;TIMEOUT" "SOURCES;LIBS" ${ARGN})
     if(NOT ARG_TIMEOUT)
@@ -112,7 +112,7 @@ function(ostrel_add_test name)
         set(wrapper "${PROJECT_SOURCE_DIR}/tests/support/with-display.sh")
     endif()
     add_test(NAME ${name} COMMAND ${wrapper} $<TARGET_FILE:${name}>)
-    # Qt warns where no private runtime folder is set, as in containers.
+    # Qt warns without a private runtime folder, as in containers.
     set(runtime "${CMAKE_BINARY_DIR}/runtime")
     file(MAKE_DIRECTORY "${runtime}")
     file(CHMOD "${runtime}" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)

@@ -10,7 +10,7 @@ struct Verdict {
     QString text; ///< for people
 };
 
-/// Judges \a exported, what was read back, by what was put into \a recording. \a exported is empty where no
+/// Judges \a exported, what was read back, by what was put into \a recording. \a exported is empty if no
 /// file was written.
 ///
 /// Pictures carry the timecode to the frame; sound files carry it to the sample, and so does a sound file

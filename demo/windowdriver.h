@@ -15,7 +15,7 @@ class QTableWidget;
 
 /// Uses the main window as a person does: drops a folder, presses buttons, reads cells and the status line.
 ///
-/// Finds the widgets by their object names and texts. Every operation that waits has a limit and tells
+/// Finds the widgets by their object names and texts. Every operation that waits has a limit and reports
 /// whether what it waited for came. Screenshots go into the folder that the constructor is given.
 class WindowDriver
 {

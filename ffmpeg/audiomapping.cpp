@@ -27,7 +27,7 @@ QJsonObject streamAt(const FileData &file, int index)
     return file.streams.at(index).toObject();
 }
 
-/// Bounded, because the number is whatever the file claims, and each channel becomes an argument.
+/// Bounded, because the file can claim any number, and each channel becomes an argument.
 int channelsOf(const QJsonObject &audioStream)
 {
     constexpr int mostChannels = 512; // the tools take no more

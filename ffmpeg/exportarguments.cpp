@@ -15,7 +15,7 @@ namespace
 
 using outputname::Container;
 
-/// [bytes per progress step] of a coded picture. Bounded, because the duration is whatever the file claims.
+/// [bytes per progress step] of a coded picture. Bounded, because the file can claim any duration.
 qint64 codedSize(float bitRate, double duration, uint progressSteps)
 {
     constexpr double bytesPerBit = 0.125;
@@ -51,7 +51,7 @@ QStringList timecode(const FileData &file, int videoType, Container container)
     const int baseRate = reading["FrameRateBaseFound"].toInt();
     QStringList arguments{"-timecode", file.audioTC};
     if (!reading["NTSC"].toBool())
-        arguments += {"-r", QString::number(baseRate)}; // a second -r beside that of DNxHD, on purpose
+        arguments += {"-r", QString::number(baseRate)}; // a second -r after that of DNxHD, on purpose
     else if (videocodec::leavesFrameRateOpen(videoType))
         arguments += {"-r", QString::number(qint64{baseRate} * 1000) + "/1001"};
     return arguments;

@@ -7,8 +7,8 @@
 #include <QProcessEnvironment>
 #include <QString>
 
-/// What the tool is told beside the arguments of an export or an extraction, since these cannot say it:
-/// environment variables whose names begin with "OSTREL_".
+/// What the tool is given in addition to the arguments of an export or an extraction, since these cannot say
+/// it: environment variables whose names begin with "OSTREL_".
 namespace exporthints
 {
 
@@ -25,7 +25,7 @@ QString timecodeRate(const FileData &file);
 QString pictureChoice(const ExportOptions &options);
 
 /// What \a options choose for the sound: "pass", "pcm16" or "pcm24". The arguments name codecs, which do not
-/// tell a choice from a codec that happens to be the source's.
+/// distinguish a choice from a codec that happens to be the source's.
 QString soundChoice(const ExportOptions &options);
 
 /// The rate [samples per second] at which the audio timecode of \a file counts its samples where that is

@@ -3,7 +3,7 @@
 
 #include <QtGlobal>
 
-/// Progress of an export, told from the growth of its output file.
+/// Progress of an export, measured by the growth of its output file.
 namespace exportprogress
 {
 

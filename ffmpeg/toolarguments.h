@@ -13,11 +13,11 @@ namespace toolarguments
 /// Arguments that make the probe tool describe \a mediaPath as one JSON object.
 QStringList probe(const QString &mediaPath);
 
-/// Where the audio streams of \a file stand in its streams, in order.
+/// The indexes of the audio streams of \a file among its streams, in order.
 QVector<int> audioStreams(const FileData &file);
 
 /// Path of the WAV file that takes the audio stream \a stream (index in the file's streams) of \a file. Its
-/// name ends in "_<stream>_<row>.wav", which tells later where it came from. A name that would be too long
+/// name ends in "_<stream>_<row>.wav", which later shows where it came from. A name that would be too long
 /// for a file system is cut before that.
 QString extractedPath(const FileData &file, const QString &targetFolder, int stream);
 

@@ -35,7 +35,7 @@ QJsonObject passedOnResult(const FileData &source)
     QJsonObject result = source.audioTCResult;
     const int sampleRate =
         source.streams.at(source.audioStreamIndex).toObject()["sample_rate"].toString().toInt();
-    if (!result.contains("SampleRate") && sampleRate > 0) // what was taken over itself tells it already
+    if (!result.contains("SampleRate") && sampleRate > 0) // what was taken over itself has it already
         result["SampleRate"] = sampleRate;
     return result;
 }

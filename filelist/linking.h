@@ -6,7 +6,7 @@
 #include <QJsonObject>
 #include <QString>
 
-/// Tells the sound files of the table that were recorded at the same moment: WAV files with equal
+/// Finds the sound files of the table that were recorded at the same moment: WAV files with equal
 /// modification times and durations closer than 0.05 s. Recorders that split a take into several files leave
 /// such siblings.
 namespace linking
@@ -21,8 +21,8 @@ bool areClose(double first, double second);
 /// Whether two different files, \a first and \a second, are siblings of one recording.
 bool recordedTogether(const FileData &first, const FileData &second);
 
-/// What the reader has told of \a source, as its siblings take it over: together with the rate, "SampleRate"
-/// [samples per second], at which its samples are counted, which theirs need not be.
+/// What the reader has reported of \a source, as its siblings take it over: together with the rate,
+/// "SampleRate" [samples per second], at which its samples are counted, which theirs need not be.
 QJsonObject passedOnResult(const FileData &source);
 
 /// A timecode that one file passes on to its siblings.

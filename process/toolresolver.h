@@ -9,7 +9,7 @@ namespace toolresolver
 {
 
 /// Path of the first executable file named \a program in \a folders, taken in order; empty when there is
-/// none. Folders that are not absolute are passed over, so that nothing is started out of the working
+/// none. Folders that are not absolute are ignored, so that nothing is started out of the working
 /// directory.
 QString find(const QString &program, const QStringList &folders);
 

@@ -79,7 +79,7 @@ void checkWrittenFile(const Export &job, const Source &source)
         throw Refusal(fault);
 }
 
-/// Gives what is left of a failed export a name that nobody takes for a file to work with. A name that cannot
+/// Gives what is left of a failed export a name that no one mistakes for a good file. A name that cannot
 /// be given stays as it is.
 void setAside(const std::string &path)
 {
@@ -133,8 +133,8 @@ int runAs(const std::string &ownPath, const std::vector<std::string> &arguments)
         throw Refusal("stands for a media tool; call it as \"ffmpeg.exe\" or \"ffprobe.exe\"");
 
     const std::string path = toolPath(tool);
-    const bool mends = tool == "ffmpeg" && environment("OSTREL_TOOL_ADAPTER") != "off";
-    const auto list = mends ? parseArguments(arguments) : std::nullopt;
+    const bool corrects = tool == "ffmpeg" && environment("OSTREL_TOOL_ADAPTER") != "off";
+    const auto list = corrects ? parseArguments(arguments) : std::nullopt;
     const Job job = list ? jobOf(*list) : Job::Unknown;
     if (job == Job::Export)
         return runExport(*list);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Stands for the media tools "ffmpeg" and "ffprobe" under the names "ffmpeg.exe" and "ffprobe.exe": mends the
-// argument lists that the tools would misread and hands over to the real tool.
+// Stands for the media tools "ffmpeg" and "ffprobe" under the names "ffmpeg.exe" and "ffprobe.exe": corrects
+// the argument lists that the tools would misread and starts the real tool.
 #include "tooladapter/adapter.h"
 #include "tooladapter/rules/refusal.h"
 

@@ -7,7 +7,7 @@
 
 #include <optional>
 
-/// What the update host tells about the newest published version.
+/// What the update host reports about the newest published version.
 struct VersionDescriptor {
     uint majorVersion = 0; ///< 0 when the descriptor's number is none
     uint minorVersion = 0; ///< 0 when the descriptor's number is none

@@ -13,7 +13,7 @@
 namespace FD
 {
 
-/// One imported media file: what its name, the probe and the timecode reader told about it.
+/// One imported media file: what its name, the probe and the timecode reader say about it.
 ///
 /// A plain value that crosses threads in queued signals. The file table keeps one per row; rowNumber travels
 /// with a copy so that results find their row.

@@ -26,7 +26,7 @@ const QMap<QString, int> audioChannels{
     {"channel 5", 4}, {"channel 6", 5}, {"channel 7", 6}, {"channel 8", 7},
 };
 
-// The NTSC rates are stored as the decimals that the reader is told, not as fractions.
+// The NTSC rates are stored as the decimals that the reader is given, not as fractions.
 const QMap<QString, double> frameRates{
     {"auto", -1.0},      {"23.98 FPS", 23.98}, {"24.00 FPS", 24.0},
     {"25.00 FPS", 25.0}, {"29.97 FPS", 29.97}, {"30.00 FPS", 30.0},

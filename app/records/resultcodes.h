@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-// Codes of the controller's result signals, beside the tools' own exit codes.
+// Codes of the controller's result signals, in addition to the tools' own exit codes.
 
 constexpr int probeFailed = 1000;         ///< the probe tool has failed
 constexpr int probeToldNothing = 1001;    ///< the probe tool has succeeded and described nothing

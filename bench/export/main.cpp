@@ -22,7 +22,7 @@ ExportOptions optionsFor(const QTemporaryDir &folder)
     return options;
 }
 
-/// The records that the file table hands over for an export.
+/// The records that the file table passes for an export.
 QVector<FileData> exportedRecords(WorkingWindow &window, const ExportOptions &options)
 {
     QVector<FileData> records;

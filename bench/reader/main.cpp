@@ -76,7 +76,7 @@ int main(int argc, char *argv[])
     BenchmarkProgram program(
         "reader-benchmark",
         "Measures LTCReader from its start to its exit over three seconds of sound with timecode, "
-        "beside a program that only opens the file.");
+        "compared with a program that only opens the file.");
     program.addOption("channels", "Numbers of channels", "1,2,4,8");
     program.addOption("rounds", "Runs of each program", "200");
     return program.run([&program] { return measure(program.numbers("channels"), program.number("rounds")); });

@@ -11,7 +11,7 @@
 namespace bench
 {
 
-/// A benchmark of the real window with the real tools beside the floor.
+/// A benchmark of the real window with the real tools, compared with the floor.
 struct RealToolsBenchmark {
     QString work;        ///< "import"
     QString description; ///< for its help
@@ -24,7 +24,7 @@ struct RealToolsBenchmark {
 /// The main function of the program "WORK-benchmark".
 int runRealToolsBenchmark(int argc, char **argv, const RealToolsBenchmark &benchmark);
 
-/// Tells on standard error which of \a count rounds begins.
+/// Reports on standard error which of \a count rounds begins.
 void tellRound(const QString &work, int files, int round, int count);
 
 } // namespace bench

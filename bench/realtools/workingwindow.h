@@ -17,7 +17,7 @@ public:
     /// Drops \a folder and returns when all of it has been imported. Throws Failure.
     void import(const QString &folder);
 
-    /// Exports all files and returns when the window tells the result. Throws Failure when a file failed.
+    /// Exports all files and returns when the window shows the result. Throws Failure when a file failed.
     void exportAll(const ExportOptions &options);
 
     /// The longest time for which the event loop answered nothing during the last work [ms].

@@ -54,7 +54,7 @@ private:
     QCommandLineParser commandLine;
 };
 
-/// Tells on standard error what is being done, while it takes its time.
+/// Reports on standard error what is being done.
 void tellProgress(const QString &text);
 
 } // namespace bench

@@ -18,7 +18,8 @@ class EventLoopWatch : public QObject
     Q_OBJECT
 
 public:
-    /// Beats every \a interval milliseconds. A beat takes some microseconds, and no block is told shorter.
+    /// Beats every \a interval milliseconds. A beat takes some microseconds, and no shorter block is
+    /// reported.
     explicit EventLoopWatch(int interval = 1);
 
     /// Begins a new measurement.

@@ -15,7 +15,7 @@ namespace bench
 pid_t startSilently(const QString &program, const QStringList &arguments,
                     const QStringList &environment = {});
 
-/// Whether \a status, as waitpid() gives it, tells of an end with \a exitCode.
+/// Whether \a status, as waitpid() gives it, means an end with \a exitCode.
 bool hasEndedWith(int exitCode, int status);
 
 } // namespace bench

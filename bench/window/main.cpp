@@ -42,7 +42,7 @@ Table tableOf(const QString &title, const QVector<WindowRun> &runs,
 
 Table memoryTable(const QString &title, const QVector<WindowRun> &runs)
 {
-    Table table{title, {"rows", "KiB per row", "KiB of probe JSON per row, beside it"}, {}};
+    Table table{title, {"rows", "KiB per row", "KiB of probe JSON per row, for comparison"}, {}};
     for (const WindowRun &run : runs)
         table.rows += {static_cast<double>(run.rows), run.memoryPerRow / 1024, run.probeJsonPerRow / 1024};
     return table;

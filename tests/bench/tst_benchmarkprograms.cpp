@@ -109,7 +109,7 @@ void TestBenchmarkPrograms::figuresComeInTheirForm()
     const QString plot = folder.filePath("figures.svg");
     const Run done = run(program, arguments + QStringList{"--json", json, "--plot", plot});
     QVERIFY2(done.exitCode == 0 || done.exitCode == 1,
-             qPrintable(done.error)); // whatever the machine is busy with
+             qPrintable(done.error)); // however busy the machine is
     QVERIFY(done.output.startsWith(program));
     QVERIFY(contentOf(plot).startsWith("<svg"));
 

@@ -5,7 +5,7 @@
 #include <QSet>
 #include <QtTest>
 
-/// The files that ./run samples writes, and what is told about them.
+/// The files that ./run samples writes, and how they are described.
 class TestSampleKit : public QObject
 {
     Q_OBJECT

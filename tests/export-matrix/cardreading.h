@@ -29,7 +29,7 @@ struct CardReading {
     std::optional<Fields> fields; ///< none = the fields of the block are mixed
 };
 
-/// Reads the test card in \a frame. \a isFullRange tells how black and white are coded. Throws
+/// Reads the test card in \a frame. \a isFullRange says how black and white are coded. Throws
 /// std::runtime_error where there is no card.
 CardReading readCard(const Frame &frame, bool isFullRange);
 

@@ -8,7 +8,7 @@
 namespace exportmatrix
 {
 
-/// Decodes the audio stream number \a index of the file at \a path and tells where its channels do not hold
+/// Decodes the audio stream number \a index of the file at \a path and reports where its channels do not hold
 /// what \a track says of \a made. PCM must agree sample for sample; what was coded or resampled is known by
 /// its tone.
 QStringList channelFaults(const QString &path, int index, const ExpectedTrack &track, const MadeFile &made);

@@ -341,7 +341,7 @@ QVector<SourceFile> hastyFiles()
     return files;
 }
 
-/// The depth that a PCM codec's name tells.
+/// The depth that a PCM codec's name gives.
 int bitsOf(const QString &codec)
 {
     return codec.contains("16") ? 16 : (codec.contains("32") ? 32 : 24);

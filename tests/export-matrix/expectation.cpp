@@ -235,7 +235,7 @@ void expectFacts(Expectation &expected, const MadeFile &file)
         if (fact.group == FactGroup::IxmlTracks && fact.name.startsWith("channel") &&
             !keptChannels.contains(number.toInt()))
             continue;
-        // The comment of a sound file tells the new timecode's speed.
+        // The comment of a sound file gives the new timecode's speed.
         if (expected.timeReference && fact.group == FactGroup::InfoText && fact.name == "ICMT")
             continue;
         // QuickTime files keep the reel with the timecode.

@@ -47,7 +47,7 @@ QVector<ExportOptions> optionsFor(const SourceFile &source, bool coreOnly)
     for (int videoType = 0; videoType <= 8; ++videoType) {
         for (int audioType = 0; audioType <= 2; ++audioType) {
             for (const bool mute : {true, false}) {
-                // Sound files come out the same whatever the picture is to be.
+                // Sound files come out the same for every picture.
                 if (isSound && videoType > 0)
                     continue;
                 if (source.isOneSoundEach && audioType != (mute ? 2 : 0))

@@ -9,7 +9,7 @@
 namespace exportmatrix
 {
 
-/// Groups of facts that a media file records beside its pictures and samples.
+/// Groups of facts that a media file records in addition to its pictures and samples.
 enum class FactGroup {
     CreationTime,
     Notes,  ///< title, comment, artist and other words of people
@@ -58,7 +58,7 @@ const Fact *find(const Facts &facts, FactGroup group, const QString &name);
 /// is no fact about the shoot, and neither is a timecode.
 Facts factsOfProbe(const QJsonObject &probe, const QVector<int> &audioNumbers);
 
-/// The luminance that \a tracks, mediainfo's report, tell of the mastering display and the content.
+/// The luminance that \a tracks, mediainfo's report, give for the mastering display and the content.
 Facts luminanceFacts(const QJsonArray &tracks);
 
 } // namespace exportmatrix

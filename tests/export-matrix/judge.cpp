@@ -92,7 +92,7 @@ void judgeSound(Faults &faults, const QString &path, const QJsonArray &streams, 
     }
 }
 
-/// The sound must lie where it lay beside the picture.
+/// The sound must keep its place in relation to the picture.
 void judgeSync(Faults &faults, const QJsonArray &streams, const QJsonArray &sourceStreams)
 {
     constexpr double tolerance = 0.03; // [s]; MPEG audio cannot lie closer
@@ -148,7 +148,7 @@ QVector<QJsonObject> tracksOf(const QJsonArray &tracks, const QString &type)
     return found;
 }
 
-/// The same once more, as a program tells it that shares no code with the tool that wrote the file.
+/// The same once more, as reported by a program that shares no code with the tool that wrote the file.
 void judgeWithMediainfo(Faults &faults, const QJsonArray &tracks, const Expectation &expected)
 {
     const QVector<QJsonObject> sounds = tracksOf(tracks, "Audio");
@@ -179,7 +179,7 @@ void judgeWithMediainfo(Faults &faults, const QJsonArray &tracks, const Expectat
 /// Where the card is read: a frame with others on both sides, as filters need them.
 constexpr int readFrame = 1;
 
-/// Decodes the whole file and tells whether the tool found nothing to complain about. Returns the raw frames
+/// Decodes the whole file and checks that the tool found nothing to complain about. Returns the raw frames
 /// up to the one that is read.
 QByteArray decode(Faults &faults, const QString &path, bool hasCard)
 {
@@ -203,7 +203,7 @@ void readPicture(WrittenPicture &picture, const QByteArray &frames)
     picture.card = readCard(frame, picture.colours.range == "pc");
 }
 
-/// The order of fields that the coded picture itself tells, as mediainfo reads it.
+/// The order of fields that the coded picture itself states, as mediainfo reads it.
 std::optional<Fields> codedFields(const QJsonArray &tracks)
 {
     const QString order = tracksOf(tracks, "Video").value(0)["ScanOrder"].toString();

@@ -14,7 +14,7 @@ struct Judgement {
     QVector<Finding> findings; ///< what became of each thing that the source holds
 };
 
-/// Reads the written file at \a path with the system's ffprobe, ffmpeg and mediainfo and tells in what it
+/// Reads the written file at \a path with the system's ffprobe, ffmpeg and mediainfo and reports in what it
 /// differs from \a expected. \a source is what it was written from.
 Judgement judge(const QString &path, const Expectation &expected, const MadeFile &source);
 

@@ -54,7 +54,7 @@ struct MadeFile {
     QVector<std::vector<Samples>> samples; ///< of all channels, one list for each audio stream
     FileData record;                       ///< what the application knows when it exports
     QJsonObject probe;                     ///< streams, chapters and format, by the probe tool
-    Facts facts;                           ///< beside pictures and samples
+    Facts facts;                           ///< in addition to pictures and samples
 
     /// The probe's audio stream number \a track.
     QJsonObject audioStream(int track) const;

@@ -10,7 +10,7 @@
 #include <array>
 
 /// A picture whose shape, colours and fields can be read back: a white disc in the middle of a grey ground,
-/// four coloured patches that tell which way is up, and a white block that crosses a dark strip.
+/// four coloured patches that show which way is up, and a white block that crosses a dark strip.
 namespace exportmatrix::testcard
 {
 

@@ -35,7 +35,7 @@ struct Making {
     CardPlace place{0, 0, 480, 270};
     bool swapsColours = false; ///< as another matrix would
     int fieldLead = 0;         ///< [pixels] by which odd rows are ahead
-    int rowLead = 0;           ///< [pixels] by which every fourth row is ahead, whatever its field
+    int rowLead = 0;           ///< [pixels] by which every fourth row is ahead, in either field
 };
 
 PictureShape wideShape()
@@ -132,7 +132,7 @@ void TestCardReading::faultsAreFound_data()
     QTest::newRow("fields taken for a frame")
         << whole << 10 << 0 << false << frames << "fields are top first, not progressive";
     QTest::newRow("fields mixed by scaling")
-        << whole << 0 << 10 << false << frames << "fields are not told or mixed, not progressive";
+        << whole << 0 << 10 << false << frames << "fields are unknown or mixed, not progressive";
     QTest::newRow("colours of another matrix") << whole << 0 << 0 << true << frames << "is shown as";
 }
 

@@ -109,15 +109,15 @@ void TestExportLists::theToolIsToldWhatAProbeFinds()
          tooladapter::probeArguments(made.record.absoluteFilePath.toStdString()))
         arguments += QString::fromStdString(argument);
     const ToolRun probe = runTool("ffprobe", arguments);
-    const QString told = exporthints::sourceDescription(made.record);
-    QVERIFY(!told.isEmpty());
+    const QString described = exporthints::sourceDescription(made.record);
+    QVERIFY(!described.isEmpty());
     tooladapter::Source probed = tooladapter::parseProbe(probe.output.toStdString());
     for (auto &[name, text] : probed.notes) {
         if (name != "timecode") // of the others, only the names are passed on
             text = tooladapter::omittedNote;
     }
-    QVERIFY2(tooladapter::parseProbe(told.toStdString()) == probed,
-             qPrintable(told + "\ninstead of\n" + probe.output));
+    QVERIFY2(tooladapter::parseProbe(described.toStdString()) == probed,
+             qPrintable(described + "\ninstead of\n" + probe.output));
 }
 
 QTEST_GUILESS_MAIN(TestExportLists)

@@ -5,7 +5,7 @@
 
 using namespace exportmatrix;
 
-/// What counts as kept, and the table that tells it.
+/// What counts as kept, and the table that shows it.
 class TestKeeping : public QObject
 {
     Q_OBJECT
@@ -51,7 +51,7 @@ void TestKeeping::factsMeetTheirVerdict_data()
     QTest::newRow("changed") << fact(FactGroup::Place, "other") << FactGroup::Place << Target::DnxMov
                              << Verdict::Lost;
     QTest::newRow("no place for it") << Facts{} << FactGroup::Chapters << Target::DnxMxf << Verdict::NotHeld;
-    QTest::newRow("kept where no place is known")
+    QTest::newRow("kept without a known place")
         << fact(FactGroup::Chapters, "value") << FactGroup::Chapters << Target::DnxMxf << Verdict::Kept;
     QTest::newRow("not asked for") << Facts{} << FactGroup::DataTracks << Target::CopiedMov
                                    << Verdict::LeftOut;
@@ -84,7 +84,7 @@ void TestKeeping::targetFollowsFromNameAndType_data()
     QTest::newRow("MPEG-2") << "a.MXF" << 1 << Target::Mpeg2Mxf;
     QTest::newRow("DNxHD in MXF") << "a.MXF" << 4 << Target::DnxMxf;
     QTest::newRow("DNxHD in QuickTime") << "a.MOV" << 6 << Target::DnxMov;
-    QTest::newRow("sound, whatever the type") << "a.WAV" << 6 << Target::Wave;
+    QTest::newRow("sound, any type") << "a.WAV" << 6 << Target::Wave;
 }
 
 void TestKeeping::targetFollowsFromNameAndType()

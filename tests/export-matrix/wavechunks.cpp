@@ -102,7 +102,7 @@ void add(Facts &facts, FactGroup group, const QString &name, const QString &valu
         facts += Fact{group, name, value};
 }
 
-/// The description of a take tells its speed, which follows the timecode.
+/// The description of a take gives its speed, which follows the timecode.
 const QRegularExpression &speedWord()
 {
     static const QRegularExpression word("(?<=sSPEED=)\\S*");

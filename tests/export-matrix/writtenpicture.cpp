@@ -27,7 +27,7 @@ double aspectOf(const QString &ratio)
     return width > 0 && height > 0 ? width / height : 1.0;
 }
 
-/// "tt" and "tb", and so on, are ways to store the fields; the first letter tells which comes first.
+/// "tt" and "tb", and so on, are ways to store the fields; the first letter says which comes first.
 std::optional<Fields> fieldsOf(const QString &order)
 {
     if (order.startsWith('t'))
@@ -40,7 +40,7 @@ std::optional<Fields> fieldsOf(const QString &order)
 QString nameOf(std::optional<Fields> fields)
 {
     if (!fields)
-        return "not told or mixed";
+        return "unknown or mixed";
     return *fields == Fields::Progressive ? "progressive"
                                           : (*fields == Fields::TopFirst ? "top first" : "bottom first");
 }
@@ -186,7 +186,7 @@ WrittenPicture pictureOf(const QJsonObject &stream)
     picture.fields = fieldsOf(stream["field_order"].toString());
     for (const QJsonValue data : stream["side_data_list"].toArray()) {
         if (data.toObject().contains("rotation"))
-            picture.rotation = (360 - data.toObject()["rotation"].toInt()) % 360; // told against the clock
+            picture.rotation = (360 - data.toObject()["rotation"].toInt()) % 360; // counted anticlockwise
     }
     const QString range = known(stream["color_range"].toString());
     const bool isFullFormat = picture.pixelFormat.startsWith("yuvj");

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// Plays ffprobe.exe, ffmpeg.exe and LTCReader.exe in tests, by the name it is started under. README.md tells
+// Plays ffprobe.exe, ffmpeg.exe and LTCReader.exe in tests, by the name it is started under. README.md says
 // how a test gives it its part.
 
 #include "tests/fakes/faketool_job.h"

@@ -6,8 +6,8 @@
 #include <QStringList>
 #include <QVector>
 
-/// The tests' side of the fake tools: gives them their parts and tells how they were called. What a plan can
-/// say is written in README.md beside this file.
+/// The tests' side of the fake tools: gives them their parts and reports how they were called. What a plan
+/// can say is written in README.md next to this file.
 namespace faketools
 {
 

@@ -345,7 +345,7 @@ void TestFileList::aFailedProbeShowsItsError_data()
     QTest::addColumn<int>("code");
     QTest::addColumn<QString>("text");
     QTest::newRow("the tool failed") << 1000 << "error while reading file data";
-    QTest::newRow("the tool told nothing") << 1001 << "couldn't read file data";
+    QTest::newRow("the tool reported nothing") << 1001 << "couldn't read file data";
     QTest::newRow("an unknown code") << 7 << "";
 }
 
@@ -397,18 +397,18 @@ void TestFileList::aClickTellsTheFile()
 {
     Table table;
     table.fill({"a.mov", "b.mov"});
-    QSignalSpy told(&table.list, &FileList::updateFileInfo);
+    QSignalSpy updates(&table.list, &FileList::updateFileInfo);
     emit table.list.cellClicked(1, 2);
-    QCOMPARE(told.count(), 1);
-    QCOMPARE(told.at(0).at(0).value<FileData>().fileName, QString("b.mov"));
+    QCOMPARE(updates.count(), 1);
+    QCOMPARE(updates.at(0).at(0).value<FileData>().fileName, QString("b.mov"));
 }
 
 void TestFileList::aClickOnTheInvitationTellsNothing()
 {
     Table table;
-    QSignalSpy told(&table.list, &FileList::updateFileInfo);
+    QSignalSpy updates(&table.list, &FileList::updateFileInfo);
     emit table.list.cellClicked(0, 0);
-    QCOMPARE(told.count(), 0);
+    QCOMPARE(updates.count(), 0);
 }
 
 void TestFileList::readingTakesTheChosenRows_data()
@@ -615,9 +615,9 @@ void TestFileList::theInvitationIsNeverDeletedAndNeverComesBack()
     table.select({0});
     table.list.deleteSelectedRows();
     QCOMPARE(table.list.rowCount(), 0);
-    QSignalSpy told(&table.list, &FileList::updateFileInfo);
+    QSignalSpy updates(&table.list, &FileList::updateFileInfo);
     emit table.list.cellClicked(0, 0);
-    QCOMPARE(told.count(), 0);
+    QCOMPARE(updates.count(), 0);
 }
 
 void TestFileList::columnsFitAsIfEveryCellWereLookedAt()
@@ -640,7 +640,7 @@ void TestFileList::columnsFitAsIfEveryCellWereLookedAt()
             table.list.deleteSelectedRows();
             continue;
         }
-        // A timecode that was found before is taken anew only when a reading was asked for.
+        // A timecode that was found before is replaced only when a reading was asked for.
         AudioTCOptions all;
         all.allFiles = true;
         table.list.onAudioTCReadReq(all);

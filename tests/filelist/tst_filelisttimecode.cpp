@@ -131,9 +131,9 @@ void TestFileListTimecode::readAgain()
 
 FileData TestFileListTimecode::record(int row) const
 {
-    QSignalSpy told(list.get(), &FileList::updateFileInfo);
+    QSignalSpy updates(list.get(), &FileList::updateFileInfo);
     emit list->cellClicked(row, 0);
-    return told.at(0).at(0).value<FileData>();
+    return updates.at(0).at(0).value<FileData>();
 }
 
 void TestFileListTimecode::aFoundTimecodeIsShownAndKept()
@@ -264,7 +264,7 @@ void TestFileListTimecode::cellsThatFollowALinkArePaintedAnew()
 {
     const int first = add("a.wav", 10.0);
     const int second = add("b.wav", 10.0);
-    const auto tells = [this, second](const QSignalSpy &changes) {
+    const auto reports = [this, second](const QSignalSpy &changes) {
         return std::any_of(changes.cbegin(), changes.cend(), [this, second](const QList<QVariant> &change) {
             const QItemSelectionRange range(change.at(0).toModelIndex(), change.at(1).toModelIndex());
             return range.contains(list->model()->index(second, audioColumn));
@@ -274,7 +274,7 @@ void TestFileListTimecode::cellsThatFollowALinkArePaintedAnew()
         readAgain();
         QSignalSpy changes(list->model(), &QAbstractItemModel::dataChanged);
         list->onAudioTCReadReturn(result(timecode), first, 0, 0);
-        QTRY_VERIFY(tells(changes));
+        QTRY_VERIFY(reports(changes));
     }
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The file table beside a plain one that looks at every row for each result: whatever happens, both must tell
-// the same row by row.
+// The file table compared with a plain one that looks at every row for each result: after anything, both must
+// show the same row by row.
 #include "app/records/recordtypes.h"
 #include "filelist/celltexts.h"
 #include "filelist/filelist.h"
@@ -143,7 +143,7 @@ private:
     void doSomething();
     void deleteSome();
     void compare();
-    FileData told(int row);
+    FileData recordOf(int row);
     QJsonObject randomResult();
 
     std::unique_ptr<QRandomGenerator> random;
@@ -259,7 +259,7 @@ void TestPlainTable::deleteSome()
     QVERIFY(table->selectedItems().isEmpty());
 }
 
-FileData TestPlainTable::told(int row)
+FileData TestPlainTable::recordOf(int row)
 {
     QSignalSpy clicked(table.get(), &FileList::updateFileInfo);
     emit table->cellClicked(row, 0);
@@ -271,7 +271,7 @@ void TestPlainTable::compare()
     QCOMPARE(table->rowCount(), plain.rows.size());
     for (int row = 0; row < plain.rows.size(); ++row) {
         const PlainRow &expected = plain.rows.at(row);
-        const FileData record = told(row);
+        const FileData record = recordOf(row);
         QCOMPARE(textOf(record), textOf(expected.record));
         const QTableWidgetItem *cell = table->item(row, audioTCColumn);
         QCOMPARE(cell->text(), expected.audioTC);

@@ -173,7 +173,7 @@ void checkExtraction(const FileData &file)
                 "extracted audio goes to its folder", path);
         require("0:" + QString::number(origin.audioStream) == outputs.at(i + 1) &&
                     origin.row == file.rowNumber,
-                "the name of extracted audio tells its origin", path);
+                "the name of extracted audio gives its origin", path);
         require(!paths.contains(path), "each stream has a file of its own", path);
         paths += path;
     }

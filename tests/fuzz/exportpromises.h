@@ -5,7 +5,7 @@
 #include "app/records/filedata.h"
 #include "tests/fuzz/fuzzinput.h"
 
-/// What holds for the argument lists of every record, whatever the probe and the reader said.
+/// What holds for the argument lists of every record, for all that the probe and the reader can say.
 namespace exportpromises
 {
 

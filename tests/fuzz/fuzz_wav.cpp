@@ -95,7 +95,7 @@ void checkAnswer(const Reading &reading)
             "numbers survive", answer);
 }
 
-/// What people are told besides, whether a timecode was found or not.
+/// What is printed for people, whether a timecode was found or not.
 void checkDiagnosis(const MemoryFile &sound)
 {
     SoundFileError error = SoundFileError::None;

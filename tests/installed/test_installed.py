@@ -23,7 +23,7 @@ desktop.PATIENCE = 600  # seconds; real tools read and write here
 
 
 def report_rows(report):
-    """The rows of the demo's table as lists of cells; the ruler under the head tells where columns begin."""
+    """The rows of the demo's table as lists of cells; the ruler under the heading shows where columns begin."""
     lines = report.read_text(encoding="utf-8").splitlines()
     columns = [match.span() for match in re.finditer("-+", lines[1])]
     return [[line[begin:end].rstrip() for begin, end in columns] for line in lines[2:] if line]

@@ -18,7 +18,7 @@
 
 #include <clocale>
 
-/// Runs in a locale that writes 29,97: what tools and files are told keeps its point all the same.
+/// Runs in a locale that writes 29,97: what tools and files are given keeps its point all the same.
 class TestDecimalComma : public QObject
 {
     Q_OBJECT

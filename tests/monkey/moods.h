@@ -15,7 +15,7 @@ enum class Mood {
     Late,    ///< does its work after a while
     Never,   ///< does nothing until it is killed; names its process "never"
     Twice,   ///< gives everything twice
-    Garbage, ///< gives what nobody understands, and reports success
+    Garbage, ///< prints what cannot be parsed, and reports success
     Fails,   ///< reports a failure
     Dies     ///< is killed by a signal in the middle of its work
 };

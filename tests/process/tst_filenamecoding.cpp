@@ -19,7 +19,7 @@ private slots:
 namespace
 {
 
-/// \a argument as a child process is told it.
+/// \a argument as a child process receives it.
 QByteArray echoed(const QString &argument)
 {
     QProcess process;

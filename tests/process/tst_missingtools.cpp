@@ -17,12 +17,12 @@ private slots:
 
 void TestMissingTools::missingToolsAreNamed_data()
 {
-    QTest::addColumn<QStringList>("beside");
+    QTest::addColumn<QStringList>("inFolder");
     QTest::addColumn<QStringList>("inPath");
     QTest::addColumn<QStringList>("missing");
     const QStringList all{"ffprobe.exe", "ffmpeg.exe", "LTCReader.exe"};
     const QStringList system{"ffprobe", "ffmpeg"};
-    QTest::newRow("all beside, tools of the system in the path") << all << system << QStringList{};
+    QTest::newRow("all in its folder, tools of the system in the path") << all << system << QStringList{};
     QTest::newRow("all in the path") << QStringList{} << all << QStringList{};
     QTest::newRow("nothing") << QStringList{} << QStringList{} << all;
     QTest::newRow("no reader") << QStringList{"ffprobe.exe", "ffmpeg.exe"} << system
@@ -34,7 +34,7 @@ void TestMissingTools::missingToolsAreNamed_data()
 
 void TestMissingTools::missingToolsAreNamed()
 {
-    QFETCH(QStringList, beside);
+    QFETCH(QStringList, inFolder);
     QFETCH(QStringList, inPath);
     QTemporaryDir folder;
     const auto fill = [&folder](const QString &name, const QStringList &programs) {
@@ -48,7 +48,7 @@ void TestMissingTools::missingToolsAreNamed()
         }
         return path;
     };
-    const QString application = fill("application", beside);
+    const QString application = fill("application", inFolder);
     const QString path = fill("path", inPath);
     QTEST(missingTools(QStringList{path}, application), "missing");
 }

@@ -55,7 +55,7 @@ void startHangingTool(ToolProcess &process, const QString &mediaPath)
 }
 
 #ifdef Q_OS_LINUX
-/// Kills the tool of the process in such a way that nobody is told of its end, as happens to one that ends
+/// Kills the tool of the process in such a way that no one learns of its end, as happens to one that ends
 /// before the toolkit has noted its process id.
 void killUnheard(const ToolProcess &process)
 {

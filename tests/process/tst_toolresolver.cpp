@@ -96,7 +96,7 @@ void TestToolResolver::theFirstExecutableFileIsTaken()
 
 void TestToolResolver::theSearchPathComesFirst()
 {
-    // A file of the name of this very program stands in the search path, too.
+    // A file of the name of this very program is in the search path, too.
     const QString own = QFileInfo(QCoreApplication::applicationFilePath()).fileName();
     makeFile(folder->filePath("b/" + own), true);
     qputenv("PATH", QFile::encodeName(folder->filePath("a") + QDir::listSeparator() + folder->filePath("b")));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// Does the same work again and again in one process, and looks whether memory, open files and processes stay
+// Does the same work again and again in one process, and checks that memory, open files and processes stay
 // level from the second round on; the first fills what is kept on purpose.
 
 #include "app/records/recordtypes.h"

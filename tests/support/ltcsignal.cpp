@@ -122,7 +122,7 @@ std::vector<float> ltcAudio(const LtcSignal &signal)
         encoded += size;
         ltc_encoder_inc_timecode(encoder.get());
     }
-    // The parity bit makes every frame begin in the same direction, so the first change tells that of
+    // The parity bit makes every frame begin in the same direction, so the first change gives that of
     // `start`.
     const double height = std::pow(10.0, signal.level / 20.0);
     return renderer.render(changes, count, signal.inverted ? -height : height);

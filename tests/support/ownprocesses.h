@@ -8,7 +8,7 @@
 namespace ownprocesses
 {
 
-/// Process ids of all children, of every thread; ended ones that nobody has asked after included.
+/// Process ids of all children, of every thread; ended ones that no one has waited for included.
 QVector<qint64> children();
 
 /// The name that the process \a id gives itself; empty when there is none any more.

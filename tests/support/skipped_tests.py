@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""Tells which tests were skipped, wholly or in part, and why. Usage: skipped_tests.py REPORT [MORE...]
-(REPORT = what "ctest --output-junit" wrote; MORE = lines about what was left out beside ctest)"""
+"""Lists which tests were skipped, wholly or in part, and why. Usage: skipped_tests.py REPORT [MORE...]
+(REPORT = what "ctest --output-junit" wrote; MORE = lines about what was left out besides the tests of ctest)"""
 
 import re
 import sys

@@ -115,7 +115,7 @@ QByteArray outputOf(const QString &program, const QStringList &arguments)
     return process.exitCode() == 0 ? process.readAllStandardOutput() : QByteArray();
 }
 
-/// Makes a movie at \a path and returns what the application would tell of it.
+/// Makes a movie at \a path and returns what the application would say about it.
 QString makeMovie(const QString &path)
 {
     outputOf("ffmpeg", {"-v",        "error",

@@ -149,7 +149,7 @@ void TestAdapter::theToolTakesOverWhereNothingIsToBeWatched_data()
     const QStringList unknown{"-i", "a b.mov", "-c", "copy", "", "c.mov"};
     QTest::newRow("an unknown list") << unknown << QStringList() << unknown;
     QTest::newRow("no argument") << QStringList() << QStringList() << QStringList();
-    QTest::newRow("mending switched off")
+    QTest::newRow("corrections switched off")
         << exportList() << QStringList{"OSTREL_TOOL_ADAPTER=off"} << exportList();
     QTest::newRow("extraction") << QStringList{"-y",     "-guess_layout_max",
                                                "0",      "-ss",
@@ -339,7 +339,7 @@ void TestAdapter::aLargeBatchWorksByTurns()
 
 void TestAdapter::killingTheAdapterKillsTheTool_data()
 {
-    // What hangs once it has told its process id; every other tool ends at once.
+    // What hangs once it has printed its process id; every other tool ends at once.
     constexpr auto hangs = "echo $$ > tool.part; mv tool.part tool; exec sleep 600\n";
     QTest::addColumn<QByteArray>("ffprobe");
     QTest::addColumn<QByteArray>("ffmpeg");

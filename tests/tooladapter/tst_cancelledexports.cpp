@@ -86,7 +86,7 @@ void TestCancelledExports::nothingIsLeft()
     MainControl control;
     QSignalSpy ready(&control, &MainControl::exportReady);
     control.onExportReq({movie, movie, movie}, options);
-    QTest::qWait(moment); // whatever they are doing then
+    QTest::qWait(moment); // at any point of their work
     control.onExportCancel();
     QVERIFY(!ready.isEmpty() || ready.wait(limit));
     QTRY_VERIFY_WITH_TIMEOUT(!isProcessRunningWith(QFile::encodeName(target.path())), limit);

@@ -505,7 +505,7 @@ void TestRealExports::killingAnExportLeavesNoProcess()
                   QStringList{"-y", "-i", folder.filePath("whole.mov"), "-acodec", "pcm_s16le"} + coded() +
                       QStringList{"-timecode", "10:11:12:13", "-r", "25", "killed.MXF"});
     QVERIFY(process.waitForStarted());
-    QThread::msleep(static_cast<unsigned long>(moment)); // whatever it is doing then
+    QThread::msleep(static_cast<unsigned long>(moment)); // at any point of its work
     process.kill();
     QVERIFY(process.waitForFinished(limit));
     QTRY_VERIFY_WITH_TIMEOUT(!isProcessRunningWith(QFile::encodeName(folder.path())), limit);

@@ -20,13 +20,13 @@ constexpr int patience = 30000; // [ms]
 struct Check {
     explicit Check(HttpServer &server)
         : update(nullptr, server.url()),
-          told(&update, &UpdateCheck::currentVersionInfo),
+          announced(&update, &UpdateCheck::currentVersionInfo),
           finished(update.findChild<QNetworkAccessManager *>(), &QNetworkAccessManager::finished)
     {
         update.requestVersionInfo();
     }
     UpdateCheck update;
-    QSignalSpy told;
+    QSignalSpy announced;
     QSignalSpy finished;
 };
 
@@ -87,12 +87,12 @@ void TestUpdateCheck::usableDescriptorsAreTold()
     server.answer("200 OK", "<a>" + numbers +
                                 "<OSTRELAPP url='http://host/a.zip'/><DESCRIPTION>Faster.</DESCRIPTION></a>");
     Check check(server);
-    QTRY_COMPARE_WITH_TIMEOUT(check.told.count(), 1, patience);
-    const QList<QVariant> told = check.told.at(0);
-    QTEST(told.at(0).toUInt(), "majorVersion");
-    QTEST(told.at(1).toUInt(), "minorVersion");
-    QCOMPARE(told.at(2).toString(), QString("Faster."));
-    QCOMPARE(told.at(3).toUrl(), QUrl("http://host/a.zip"));
+    QTRY_COMPARE_WITH_TIMEOUT(check.announced.count(), 1, patience);
+    const QList<QVariant> announced = check.announced.at(0);
+    QTEST(announced.at(0).toUInt(), "majorVersion");
+    QTEST(announced.at(1).toUInt(), "minorVersion");
+    QCOMPARE(announced.at(2).toString(), QString("Faster."));
+    QCOMPARE(announced.at(3).toUrl(), QUrl("http://host/a.zip"));
 }
 
 void TestUpdateCheck::theRequestNamesTheProgram()
@@ -148,7 +148,7 @@ void TestUpdateCheck::failuresAreSilent()
     server.answer(status, body, lines);
     Check check(server);
     QTRY_COMPARE_WITH_TIMEOUT(check.finished.count(), 1, patience);
-    QCOMPARE(check.told.count(), 0);
+    QCOMPARE(check.announced.count(), 0);
 }
 
 void TestUpdateCheck::aRefusedConnectionIsSilent()
@@ -157,11 +157,11 @@ void TestUpdateCheck::aRefusedConnectionIsSilent()
     const QUrl url = server.url();
     server.close();
     UpdateCheck update(nullptr, url);
-    QSignalSpy told(&update, &UpdateCheck::currentVersionInfo);
+    QSignalSpy announced(&update, &UpdateCheck::currentVersionInfo);
     QSignalSpy finished(update.findChild<QNetworkAccessManager *>(), &QNetworkAccessManager::finished);
     update.requestVersionInfo();
     QTRY_COMPARE_WITH_TIMEOUT(finished.count(), 1, patience);
-    QCOMPARE(told.count(), 0);
+    QCOMPARE(announced.count(), 0);
 }
 
 void TestUpdateCheck::aCutConnectionIsSilent()
@@ -171,7 +171,7 @@ void TestUpdateCheck::aCutConnectionIsSilent()
     server.cutBodyAfter(goodDescriptor.size() - 4);
     Check check(server);
     QTRY_COMPARE_WITH_TIMEOUT(check.finished.count(), 1, patience);
-    QCOMPARE(check.told.count(), 0);
+    QCOMPARE(check.announced.count(), 0);
 }
 
 void TestUpdateCheck::aServerThatNeverAnswersIsLeftAlone()
@@ -182,7 +182,7 @@ void TestUpdateCheck::aServerThatNeverAnswersIsLeftAlone()
         Check check(server);
         QTRY_COMPARE_WITH_TIMEOUT(server.requestCount(), 1, patience);
         QCOMPARE(check.finished.count(), 0);
-        QCOMPARE(check.told.count(), 0);
+        QCOMPARE(check.announced.count(), 0);
     }
     // The end of the program does not wait for it.
     QTRY_COMPARE_WITH_TIMEOUT(server.openConnections(), 0, patience);
@@ -196,7 +196,7 @@ void TestUpdateCheck::aRedirectionIsNotFollowed()
     server.answer("302 Found", {}, "Location: " + elsewhere.url().toEncoded() + "\r\n");
     Check check(server);
     QTRY_COMPARE_WITH_TIMEOUT(check.finished.count(), 1, patience);
-    QCOMPARE(check.told.count(), 0);
+    QCOMPARE(check.announced.count(), 0);
     QCOMPARE(elsewhere.requestCount(), 0);
 }
 
@@ -209,7 +209,7 @@ void TestUpdateCheck::aHugeBodyIsNotReadToItsEnd()
     server.stretchBodyTo(hugeBody);
     Check check(server);
     QTRY_COMPARE_WITH_TIMEOUT(check.finished.count(), 1, patience);
-    QCOMPARE(check.told.count(), 0);
+    QCOMPARE(check.announced.count(), 0);
     QVERIFY2(server.sentBytes() < saneAmount, qPrintable(QString::number(server.sentBytes())));
 }
 
@@ -220,7 +220,7 @@ void TestUpdateCheck::aCompressedBodyIsNotAskedForNorUnfolded()
     Check check(server);
     QTRY_COMPARE_WITH_TIMEOUT(check.finished.count(), 1, patience);
     QVERIFY(!server.lastRequest().contains("gzip"));
-    QCOMPARE(check.told.count(), 0);
+    QCOMPARE(check.announced.count(), 0);
 }
 
 QTEST_GUILESS_MAIN(TestUpdateCheck)

@@ -71,12 +71,12 @@ void TestWindowTexts::streamsAreListed_data()
                                                                           "   2: audio (pcm_s24le)",
                                                                           "     channels: 4"};
     file.suffix = "MXF";
-    QTest::newRow("MXF tells no channels") << file << QStringList{" Streams:",
-                                                                  "   0: video (h264)",
-                                                                  "     size: 1920x1080",
-                                                                  "   1: audio (pcm_s24le)",
-                                                                  "     layout: stereo",
-                                                                  "   2: audio (pcm_s24le)"};
+    QTest::newRow("MXF records no channels") << file << QStringList{" Streams:",
+                                                                    "   0: video (h264)",
+                                                                    "     size: 1920x1080",
+                                                                    "   1: audio (pcm_s24le)",
+                                                                    "     layout: stereo",
+                                                                    "   2: audio (pcm_s24le)"};
     FileData sound;
     sound.suffix = "wav";
     sound.audioStreams = {audio(0, "", 1)};

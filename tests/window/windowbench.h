@@ -30,9 +30,9 @@ public:
     bool import();
     /// Fills in the export dialog for all files and presses "Export".
     void startExport();
-    /// Tells the window that a batch of exports has begun, as the controller does.
+    /// Informs the window that a batch of exports has begun, as the controller does.
     void beginExport() const;
-    /// Tells the window that the batch has ended with \a result, and which files \a failed.
+    /// Informs the window that the batch has ended with \a result, and which files \a failed.
     void endExport(int result, const QStringList &failed = {}) const;
     /// Imports one file and exports it with a tool that hangs; false when the export does not come that far.
     bool startHangingExport();

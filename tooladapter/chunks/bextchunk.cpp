@@ -33,7 +33,7 @@ std::string changedDescription(const std::string &field, const std::string &spee
     const std::string text = field.substr(0, field.find('\0'));
     std::string changed = withSpeed(text, speed);
     if (changed == text)
-        return field; // with whatever follows the end of its text
+        return field; // with all that follows the end of its text
     if (changed.size() > descriptionLength)
         changed = withSpeed(text, {}); // no speed is better than a wrong one
     changed.resize(descriptionLength, '\0');

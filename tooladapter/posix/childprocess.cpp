@@ -36,7 +36,7 @@ pid_t start(const Command &command, int output)
     if (child > 0)
         return child;
 
-    // The parent may have died before the request took hold; then nobody would end this process any more.
+    // The parent may have died before the request took hold; then nothing would end this process any more.
     if (prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || getppid() != parent)
         _exit(notStartedCode);
     if (output >= 0)

@@ -44,7 +44,7 @@ bool takeAny(int socket, int together)
 
 Turn::Turn(int together) : place(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0))
 {
-    constexpr std::chrono::milliseconds pause(50); // nothing beside the seconds that a tool works
+    constexpr std::chrono::milliseconds pause(50); // nothing compared with the seconds that a tool works
     while (place >= 0 && !takeAny(place, together))
         std::this_thread::sleep_for(pause);
 }

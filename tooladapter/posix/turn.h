@@ -20,7 +20,7 @@ public:
     Turn &operator=(const Turn &) = delete;
 
 private:
-    int place = -1; ///< a socket whose name no other can have; -1 = the system has none, so nobody waits
+    int place = -1; ///< a socket whose name no other can have; -1 = the system has none, so no tool waits
 };
 
 } // namespace tooladapter

@@ -91,7 +91,7 @@ std::vector<int> keptChannels(const ChannelGroup &group, int index, const Stream
     const int channel = isKnown ? timecodeChannel->second : group.timecodeChannel(stream);
     if (channel < 0 || channel >= stream.channels || stream.channels < 2)
         throw Refusal("the audio stream " + std::to_string(index) + " has no channel " +
-                      std::to_string(channel) + " beside others");
+                      std::to_string(channel) + " among others");
     return channelsWithout(stream.channels, channel);
 }
 

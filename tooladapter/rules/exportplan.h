@@ -12,7 +12,7 @@
 namespace tooladapter
 {
 
-/// The kind of file that is written; its suffix tells.
+/// The kind of file that is written, by its suffix.
 enum class Container { QuickTime, Mxf, Wave, Other };
 
 Container containerOf(const std::string &path);

@@ -85,7 +85,7 @@ void checkPicture(const ExportPlan &plan, const Source &source, int picture)
         throw Refusal("the picture of " + plan.input + " does not run at the rate that is to be coded");
 }
 
-/// The filters that lay the sound of \a stream beside the picture in an MXF file. That cannot say that a
+/// The filters that align the sound of \a stream with the picture in an MXF file. That cannot say that a
 /// stream begins later than the others, and it ends with its shortest one.
 std::vector<std::string> placingFilters(const Source &source, int stream, int picture)
 {

@@ -34,7 +34,7 @@ struct Export {
 /// A path that the tools take for a file of that name and nothing else.
 std::string filePath(const std::string &path);
 
-/// The export that \a plan means for \a source, completed by \a hints. Throws Refusal where no right file
+/// The export that \a plan means for \a source, completed by \a hints. Throws Refusal if no correct file
 /// could come of it.
 Export exportOf(ExportPlan plan, const Source &source, const Hints &hints = {});
 

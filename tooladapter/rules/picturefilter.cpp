@@ -84,7 +84,7 @@ std::string fieldsToFrames(const Stream &picture)
     if (picture.isInterlaced())
         return std::string("bwdif=mode=send_frame:parity=") + (picture.topFieldFirst() ? "tff" : "bff") +
                ":deint=all";
-    // Where the file does not tell, each picture does.
+    // If the file does not state it, each picture does.
     return picture.fieldOrder.empty() ? "bwdif=mode=send_frame:parity=auto:deint=interlaced" : "";
 }
 
@@ -118,7 +118,7 @@ std::string foreignMatrix(const Stream &picture)
     return picture.colorSpace.empty() && picture.height > 0 && isSd ? "bt601" : "";
 }
 
-/// The primary colours of broadcast SD, for files that do not tell.
+/// The primary colours of broadcast SD, for files that do not state theirs.
 std::string usualPrimaries(const Stream &picture)
 {
     if (!picture.colorPrimaries.empty() || !picture.colorSpace.empty())
@@ -128,7 +128,8 @@ std::string usualPrimaries(const Stream &picture)
     return picture.height == 480 || picture.height == 486 ? ":color_primaries=smpte170m:color_trc=bt709" : "";
 }
 
-/// The coded types are those of HD: what they hold is taken for coded as in HD, whatever the container says.
+/// The coded types are those of HD: what they hold is taken for coded as in HD, even if the container says
+/// otherwise.
 Colors colorsOf(const Stream &picture)
 {
     const bool isFullRange = picture.colorRange == "pc" || picture.pixelFormat.starts_with("yuvj");

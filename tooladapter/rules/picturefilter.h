@@ -10,8 +10,8 @@ namespace tooladapter
 /// Whether \a picture stays interlaced in the codec that \a codec names.
 bool keepsFields(const Options &codec, const Stream &picture);
 
-/// What a coded \a picture needs so that it stays what it was, beside the codec that \a codec names: nothing
-/// is stretched, fields stay fields or become frames, and colours stay the same.
+/// What a coded \a picture needs so that it stays what it was, in addition to the codec that \a codec names:
+/// nothing is stretched, fields stay fields or become frames, and colours stay the same.
 ///
 /// A picture that is given a size is fitted into it, upright and with square pixels, between bars. Interlaced
 /// pictures of 1080 lines stay interlaced where the codec can hold that; all others become one frame for each

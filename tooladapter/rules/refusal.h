@@ -6,7 +6,7 @@
 namespace tooladapter
 {
 
-/// Thrown where no right file can come of a job, or has come of it; the text is one line for the user.
+/// Thrown when no correct file can come of a job, or has come of it; the text is one line for the user.
 class Refusal : public std::runtime_error
 {
 public:

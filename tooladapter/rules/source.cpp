@@ -166,7 +166,7 @@ void ProbeReader::read(std::string_view line)
     }
 }
 
-/// Transport streams list their streams twice, once by programme; the index tells which is which.
+/// Transport streams list their streams twice, once by programme; the index distinguishes them.
 void ProbeReader::beginStream(std::string_view number)
 {
     const std::size_t index = std::strtoul(std::string(number).c_str(), nullptr, 10);

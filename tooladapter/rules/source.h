@@ -34,14 +34,14 @@ struct Stream {
     double pixelAspect = 1.0;       ///< width of a pixel divided by its height
     int rotation = 0;               ///< [degrees] a multiple of 90, in either sense
     std::string pixelFormat;        ///< as the probe tool names it, for example "yuv422p10le"
-    std::string colorRange;         ///< "tv", "pc"; empty where the file does not tell
-    std::string colorSpace;         ///< for example "bt709"; empty where the file does not tell
+    std::string colorRange;         ///< "tv", "pc"; empty if unknown
+    std::string colorSpace;         ///< for example "bt709"; empty if unknown
     std::string colorPrimaries;     ///< likewise
     std::string fieldOrder;         ///< "progressive", "tt", "bb", "tb", "bt"; empty = not known
-    long bitRate = 0;               ///< [bit/s]; 0 where the file does not tell
+    long bitRate = 0;               ///< [bit/s]; 0 if unknown
     std::string reel;               ///< name of the tape or card; empty where the stream has none
-    std::optional<double> start;    ///< [s] time stamp of what comes first; none where the file does not tell
-    double duration = 0.0;          ///< [s]; 0 where the file does not tell
+    std::optional<double> start;    ///< [s] time stamp of what comes first; none if unknown
+    double duration = 0.0;          ///< [s]; 0 if unknown
     std::string timecode;           ///< start timecode; empty where the stream has none
     double shownUntil = 0.0;        ///< [s] time stamp at which the packets end that were read; 0 = none was
     double decodedUntil = 0.0;      ///< [s] likewise, by the order of decoding
@@ -61,7 +61,7 @@ struct Stream {
 struct Source {
     std::vector<Stream> streams; ///< by stream index
     double start = 0.0;          ///< [s] time stamp of what comes first in the file
-    double duration = 0.0;       ///< [s] of the longest stream; 0 where the file does not tell
+    double duration = 0.0;       ///< [s] of the longest stream; 0 if unknown
     std::string timecode;        ///< start timecode of the file as a whole; empty where it has none
     std::map<std::string, std::string> notes = {}; ///< on the file as a whole; omittedNote = it has one
 
@@ -76,12 +76,12 @@ struct Source {
     /// Indexes of all audio streams.
     std::vector<int> audioStreams() const;
 
-    /// How long after the first picture or sound the stream \a index begins [s]; 0 where the file does not
-    /// tell.
+    /// How long after the first picture or sound the stream \a index begins [s]; 0 if
+    /// unknown.
     double delayOf(int index) const;
 
     /// When the stream \a index ends, counted from the beginning of the file [s]; the file's whole duration
-    /// where the stream does not tell, 0 where neither does. \a index must exist.
+    /// if the stream does not state it, 0 if neither does. \a index must exist.
     double endOf(int index) const;
 
     /// The start timecode of the file or of one of its streams; empty where there is none.

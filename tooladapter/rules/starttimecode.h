@@ -23,7 +23,7 @@ struct StartTimecode {
 };
 
 /// How many frames a second the audio timecode counts where its reader named no rate: NTSC timecode, which
-/// counts 24 or 30. Drop-frame and frame numbers from 24 on tell 30; otherwise it is taken to count as \a
+/// counts 24 or 30. Drop-frame and frame numbers from 24 on mean 30; otherwise it is taken to count as \a
 /// picture does, or half as fast. Throws Refusal when neither can be.
 int impliedNominalRate(const StartTimecode &timecode, const FrameRate &picture);
 

@@ -15,7 +15,7 @@ namespace tooladapter
 namespace
 {
 
-// What the tool makes itself, or would tell of another container.
+// What the tool makes itself, or what describes another container.
 constexpr std::array containerTags{"major_brand"sv, "minor_version"sv, "compatible_brands"sv};
 constexpr std::array programTags{"company_name"sv, "product_name"sv, "product_version"sv};
 

@@ -13,7 +13,7 @@ namespace tooladapter
 bool lacksNotes(const Source &source, const std::string &input, const std::string &output);
 
 /// The options that carry the notes of \a source over: all but those that hold a timecode which the file is
-/// not to have, and those that tell of the source's container. For sound files they are the list's own.
+/// not to have, and those that describe the source's container. For sound files they are the list's own.
 Options tagOptions(const ExportPlan &plan, const Source &source, int picture, const Hints &hints);
 
 } // namespace tooladapter

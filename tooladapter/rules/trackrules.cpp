@@ -62,7 +62,7 @@ std::string ownCodec(const Stream &stream)
 long lossyBitRate(const Stream &stream, const AudioTrack &track)
 {
     constexpr long lowest = 128'000;    // a channel; all these are in [bit/s]
-    constexpr long otherwise = 192'000; // a channel, where the source does not tell; cameras use no more
+    constexpr long otherwise = 192'000; // a channel, if the source does not state it; cameras use no more
     constexpr std::array<long, 19> ac3Rates{32'000,  40'000,  48'000,  56'000,  64'000,  80'000,  96'000,
                                             112'000, 128'000, 160'000, 192'000, 224'000, 256'000, 320'000,
                                             384'000, 448'000, 512'000, 576'000, 640'000};
@@ -145,8 +145,8 @@ std::string endingFilter(double missing)
 std::string channelFilter(const AudioTrack &track)
 {
     const std::size_t count = track.channels.size();
-    // Microphones have no places in a room: PCM gets no layout, lest the third becomes a low-frequency
-    // effect.
+    // Microphones have no places in a room: PCM gets no layout, so that the third does not become a
+    // low-frequency effect.
     std::string layout = std::to_string(count) + 'C';
     if (count == 1 || isOneOf(lossyCodecs, track.codec))
         layout = lossyLayouts.at(count - 1);

@@ -10,7 +10,7 @@ namespace tooladapter
 {
 
 /// Takes every audio stream where the list names none, also where it names the picture alone and \a hints
-/// tell of no timecode channel that it leaves out: it was made without knowing the sound. Throws Refusal
+/// name no timecode channel that it leaves out: it was made without knowing the sound. Throws Refusal
 /// where none would be left of a sound file.
 void takeAllStreams(ExportPlan &plan, const Source &source, const Hints &hints);
 

@@ -129,7 +129,7 @@ void TestExportRules::onlyTheTimecodeChannelGoes_data()
     QTest::addColumn<QString>("source");
     QTest::addColumn<QString>("channel");
     QTest::addColumn<QString>("given");
-    QTest::addColumn<QString>("mended");
+    QTest::addColumn<QString>("corrected");
     const QString picture = "-map 0:v -map_metadata -1 ";
     const QString head = "-y -xerror -i in.mov -map 0:0 ";
     const QString pair = picture + "-map 0:1 -map_channel -0.1.1 -map_channel 0.1.0:0.0 -acodec pcm_s24le";
@@ -140,13 +140,13 @@ void TestExportRules::onlyTheTimecodeChannelGoes_data()
     QTest::newRow("two channels without a layout, timecode on the right")
         << "video:25/1 audio:pcm_s24le:2"
         << "1.1" << pair << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c0" + tail;
-    QTest::newRow("stereo, the application told no channel")
+    QTest::newRow("stereo, the application named no channel")
         << "video:25/1 audio:pcm_s24le:2:stereo"
         << "" << pair << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c1" + tail;
-    QTest::newRow("big-endian pair, the application told no channel")
+    QTest::newRow("big-endian pair, the application named no channel")
         << "video:25/1 audio:pcm_s16be:2"
         << "" << pair << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c1" + tail;
-    QTest::newRow("two channels without a layout, the application told no channel")
+    QTest::newRow("two channels without a layout, the application named no channel")
         << "video:25/1 audio:pcm_s24le:2:unknown"
         << "" << pair << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c0" + tail;
     QTest::newRow("the application knows a channel of another stream")
@@ -192,17 +192,17 @@ void TestExportRules::onlyTheTimecodeChannelGoes()
     QFETCH(QString, source);
     QFETCH(QString, channel);
     QFETCH(QString, given);
-    QFETCH(QString, mended);
+    QFETCH(QString, corrected);
     const Export job =
         exportFor("-y -i in.mov " + given + " -vcodec copy out.MOV", source, "TIMECODE_CHANNEL=" + channel);
-    QCOMPARE(wordsWithoutTags(job), mended);
+    QCOMPARE(wordsWithoutTags(job), corrected);
 }
 
 void TestExportRules::everyStreamIsTakenWhereNoneIsNamed_data()
 {
     QTest::addColumn<QString>("source");
     QTest::addColumn<QString>("given");
-    QTest::addColumn<QString>("mended");
+    QTest::addColumn<QString>("corrected");
     QTest::newRow("four tracks")
         << "video:25/1 audio:pcm_s24le:1 audio:pcm_s24le:1 audio:pcm_s24le:1 audio:pcm_s24le:1"
         << "-y -i in.mov -acodec pcm_s16le -vcodec copy out.MOV"
@@ -246,51 +246,51 @@ void TestExportRules::everyStreamIsTakenWhereNoneIsNamed()
 {
     QFETCH(QString, source);
     QFETCH(QString, given);
-    QFETCH(QString, mended);
-    QCOMPARE(wordsWithoutTags(exportFor(given, source)), mended);
+    QFETCH(QString, corrected);
+    QCOMPARE(wordsWithoutTags(exportFor(given, source)), corrected);
 }
 
 void TestExportRules::everyStreamHasItsOwnCodec_data()
 {
     QTest::addColumn<QString>("source");
     QTest::addColumn<QString>("given");
-    QTest::addColumn<QString>("mended");
+    QTest::addColumn<QString>("corrected");
     const QString two = "video:25/1 audio:pcm_s24le:1 audio:pcm_s16le:1";
     const QString named = "-map 0:v -map 0:1 -acodec %1 -map 0:2 -acodec %2";
-    const QString mended = "-map 0:0 -map 0:1 -c:a:0 %1 -map 0:2 -c:a:1 %2";
+    const QString corrected = "-map 0:0 -map 0:1 -c:a:0 %1 -map 0:2 -c:a:1 %2";
     QTest::newRow("QuickTime keeps what is asked") << two << named.arg("pcm_s24le", "pcm_s16be") + " out.MOV"
-                                                   << mended.arg("pcm_s24le", "pcm_s16be") + " out.MOV";
+                                                   << corrected.arg("pcm_s24le", "pcm_s16be") + " out.MOV";
     QTest::newRow("MXF takes little-endian of the same depth")
         << two << named.arg("pcm_s24be", "pcm_s16be") + " -map -0:d out.MXF"
-        << mended.arg("pcm_s24le", "pcm_s16le") + " -ar 48000 out.MXF";
+        << corrected.arg("pcm_s24le", "pcm_s16le") + " -ar 48000 out.MXF";
     QTest::newRow("MXF takes lossy sound and deeper PCM as 24 bit")
         << two << named.arg("aac", "pcm_f32le") + " out.MXF"
-        << mended.arg("pcm_s24le", "pcm_s24le") + " -ar 48000 out.MXF";
+        << corrected.arg("pcm_s24le", "pcm_s24le") + " -ar 48000 out.MXF";
     QTest::newRow("MXF takes eight bits as sixteen")
         << two << named.arg("pcm_u8", "pcm_s8") + " out.MXF"
-        << mended.arg("pcm_s16le", "pcm_s16le") + " -ar 48000 out.MXF";
+        << corrected.arg("pcm_s16le", "pcm_s16le") + " -ar 48000 out.MXF";
     QTest::newRow("WAV takes little-endian")
         << "audio:mp3:2:stereo"
         << "-write_bext 1 -map 0:0 -map_channel 0.0.1:0.0 -acodec pcm_s24be out.WAV"
         << "-map 0:0 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c1 -rf64 auto -write_bext 1 out.WAV";
     QTest::newRow("lossy sound is copied rather than coded again")
         << "video:25/1 audio:aac:2:stereo audio:ac3:6:5.1(side)" << named.arg("aac", "ac3") + " out.MOV"
-        << mended.arg("copy", "copy") + " out.MOV";
+        << corrected.arg("copy", "copy") + " out.MOV";
     QTest::newRow("one codec for all that is none of the two PCM types passes each stream through")
         << "video:25/1 audio:aac:2:stereo audio:pcm_s24be:2"
-        << "-acodec aac out.MOV" << mended.arg("copy", "pcm_s24be") + " out.MOV";
+        << "-acodec aac out.MOV" << corrected.arg("copy", "pcm_s24be") + " out.MOV";
     QTest::newRow("one PCM type for all is obeyed")
         << "video:25/1 audio:aac:2:stereo audio:pcm_s24be:2"
-        << "-acodec pcm_s16le out.MOV" << mended.arg("pcm_s16le", "pcm_s16le") + " out.MOV";
+        << "-acodec pcm_s16le out.MOV" << corrected.arg("pcm_s16le", "pcm_s16le") + " out.MOV";
 }
 
 void TestExportRules::everyStreamHasItsOwnCodec()
 {
     QFETCH(QString, source);
     QFETCH(QString, given);
-    QFETCH(QString, mended);
+    QFETCH(QString, corrected);
     QCOMPARE(wordsWithoutTags(exportFor("-y -i in " + given, source)).remove("-xerror "),
-             "-y -i in " + mended);
+             "-y -i in " + corrected);
 }
 
 void TestExportRules::soundThatPassesThroughKeepsItsDepth_data()
@@ -310,7 +310,7 @@ void TestExportRules::soundThatPassesThroughKeepsItsDepth_data()
     row("into MXF, whose list says 16 bit for all", depths, "pass",
         "-map 0:v -map -0:d -map 0:1 -acodec pcm_s16le -map 0:2 -acodec pcm_s16le out.MXF",
         "pcm_s16le pcm_s24le");
-    row("lossy sound beside PCM", "video:25/1 audio:pcm_s16le:2 audio:aac:1", "pass",
+    row("lossy sound next to PCM", "video:25/1 audio:pcm_s16le:2 audio:aac:1", "pass",
         "-acodec pcm_s16le out.MOV", "pcm_s16le copy");
     row("lossy sound into MXF", "video:25/1 audio:aac:2", "pass",
         "-map 0:v -map -0:d -map 0:1 -acodec pcm_s16le out.MXF", "pcm_s24le");
@@ -355,7 +355,7 @@ void TestExportRules::theTimeReferenceCountsTheFilesOwnSamples_data()
     row("44.1 and 48 kHz", "44100", "48000", "1587600000", "1728000000");
     row("the nearest sample", "44100", "48000", "1", "1");
     row("what is nearer to midnight than to the day's last sample", "96000", "48000", "8294399999", "0");
-    row("the file does not tell its rate", "44100", "0", "1587600000", "1587600000");
+    row("the file does not state its rate", "44100", "0", "1587600000", "1587600000");
     row("a rate that cannot be is none", "0", "48000", "1587600000", "1587600000");
 }
 
@@ -415,8 +415,9 @@ void TestExportRules::soundLiesBesideThePicture()
     source.streams[1].duration = end == 0.0 ? 0.0 : end - start;
     const auto list = parseArguments(wordsOf("-y -i in.mov -map 0:v " + given));
     QVERIFY(list.has_value());
-    const QString mended = textOf(exportOf(planOf(*list, source), source).arguments);
-    QCOMPARE(mended.section(" -filter", 1, 1, QString::SectionIncludeLeadingSep).section(' ', 1, 2), filter);
+    const QString corrected = textOf(exportOf(planOf(*list, source), source).arguments);
+    QCOMPARE(corrected.section(" -filter", 1, 1, QString::SectionIncludeLeadingSep).section(' ', 1, 2),
+             filter);
 }
 
 void TestExportRules::soundThatBeginsTooLateForMxfIsRefused()
@@ -437,7 +438,7 @@ void TestExportRules::lossySoundIsCodedAgainAtAGoodRate_data()
     QTest::newRow("AAC, at least 128 kbit/s a channel") << "aac" << 2 << 96'000 << 128'000;
     QTest::newRow("AAC, at least the source's") << "aac" << 2 << 317'001 << 158'501;
     QTest::newRow("AAC, all kept channels") << "aac" << 4 << 800'000 << 600'000;
-    QTest::newRow("AAC that does not tell its rate") << "aac" << 2 << 0 << 192'000;
+    QTest::newRow("AAC that does not state its rate") << "aac" << 2 << 0 << 192'000;
     QTest::newRow("AC-3 at one of its rates") << "ac3" << 2 << 448'000 << 224'000;
     QTest::newRow("AC-3 at the next higher one") << "ac3" << 4 << 448'000 << 384'000;
     QTest::newRow("AC-3 at its highest") << "ac3" << 6 << 1'000'000 << 640'000;
@@ -544,10 +545,10 @@ void TestExportRules::thePictureKeepsItsRate_data()
     QTest::addColumn<QString>("rate");
     QTest::addColumn<QString>("timecodeRate");
     QTest::addColumn<QString>("given");
-    QTest::addColumn<QString>("mended");
-    const auto row = [](const char *name, const char *rate, const QString &given, const QString &mended,
+    QTest::addColumn<QString>("corrected");
+    const auto row = [](const char *name, const char *rate, const QString &given, const QString &corrected,
                         const char *timecodeRate = "") {
-        QTest::newRow(name) << QString(rate) << QString(timecodeRate) << given << mended;
+        QTest::newRow(name) << QString(rate) << QString(timecodeRate) << given << corrected;
     };
     row("the reader's rate goes", "25/1", "-vcodec copy -timecode 10:11:12:13 -r 25",
         "-vcodec copy -timecode 10:11:12:13");
@@ -594,16 +595,16 @@ void TestExportRules::thePictureKeepsItsRate()
     QFETCH(QString, rate);
     QFETCH(QString, timecodeRate);
     QFETCH(QString, given);
-    QFETCH(QString, mended);
+    QFETCH(QString, corrected);
     const Export job =
         exportFor("-y -i in.mov " + given + " out.MOV", "video:" + rate, "TIMECODE_RATE=" + timecodeRate);
-    QCOMPARE(wordsWithoutTags(job).remove("-xerror "), "-y -i in.mov -map 0:0 " + mended + " out.MOV");
+    QCOMPARE(wordsWithoutTags(job).remove("-xerror "), "-y -i in.mov -map 0:0 " + corrected + " out.MOV");
 }
 
 void TestExportRules::filesInOddFoldersAreFiles_data()
 {
     QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("mended");
+    QTest::addColumn<QString>("corrected");
     QTest::newRow("absolute") << "/a:b/-x.MOV"
                               << "/a:b/-x.MOV";
     QTest::newRow("relative") << "out/x.MOV"
@@ -621,10 +622,10 @@ void TestExportRules::filesInOddFoldersAreFiles_data()
 void TestExportRules::filesInOddFoldersAreFiles()
 {
     QFETCH(QString, path);
-    QFETCH(QString, mended);
-    QCOMPARE(QString::fromStdString(filePath(path.toStdString())), mended);
+    QFETCH(QString, corrected);
+    QCOMPARE(QString::fromStdString(filePath(path.toStdString())), corrected);
     QCOMPARE(wordsWithoutTags(exportFor("-y -i " + path + " " + path, "video:25/1")),
-             "-y -i " + mended + " -map 0:0 " + mended);
+             "-y -i " + corrected + " -map 0:0 " + corrected);
 }
 
 void TestExportRules::whatCannotBeRightIsRefused_data()
@@ -679,14 +680,14 @@ void TestExportRules::whatCannotBeRightIsRefused()
     QFETCH(QString, source);
     QFETCH(QString, given);
     QFETCH(QString, reason);
-    QString told;
+    QString reported;
     try {
         exportFor("-y -i in.mov " + given, source);
     } catch (const Refusal &refusal) {
-        told = refusal.what();
+        reported = refusal.what();
     }
-    QVERIFY2(told.contains(reason), qPrintable(told));
-    QVERIFY(!told.contains('\n'));
+    QVERIFY2(reported.contains(reason), qPrintable(reported));
+    QVERIFY(!reported.contains('\n'));
 }
 
 void TestExportRules::theJobTellsWhatTheFileMustHold()

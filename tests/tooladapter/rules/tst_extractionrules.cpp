@@ -41,7 +41,7 @@ private slots:
 void TestExtractionRules::theLimitHoldsForEveryFile_data()
 {
     QTest::addColumn<QString>("given");
-    QTest::addColumn<QString>("mended");
+    QTest::addColumn<QString>("corrected");
     QTest::newRow("one stream, the seek goes") << "-y -guess_layout_max 0 -ss 0 -i in.mov -t 3 -map 0:1 a.wav"
                                                << "-y -guess_layout_max 0 -t 3 -i in.mov -map 0:1 a.wav";
     QTest::newRow("three streams, one limit before the source")
@@ -54,16 +54,16 @@ void TestExtractionRules::theLimitHoldsForEveryFile_data()
 void TestExtractionRules::theLimitHoldsForEveryFile()
 {
     QFETCH(QString, given);
-    QFETCH(QString, mended);
+    QFETCH(QString, corrected);
     const auto list = tooladapter::parseArguments(wordsOf(given));
     QVERIFY(list.has_value());
-    QCOMPARE(textOf(tooladapter::renderArguments(tooladapter::rewriteExtraction(*list, {}))), mended);
+    QCOMPARE(textOf(tooladapter::renderArguments(tooladapter::rewriteExtraction(*list, {}))), corrected);
 }
 
 void TestExtractionRules::everyFileBeginsWhereTheSourceDoes_data()
 {
     QTest::addColumn<QVector<double>>("starts"); // [s] of the picture and two audio streams
-    QTest::addColumn<QString>("mended");
+    QTest::addColumn<QString>("corrected");
     QTest::newRow("together") << QVector<double>{1.4, 1.4, 1.4} << "-map 0:1 a.wav -map 0:2 b.wav";
     QTest::newRow("both late") << QVector<double>{0, 0.4, 0.094667}
                                << "-map 0:1 -filter:a adelay=400.000:all=1 a.wav "
@@ -80,12 +80,12 @@ void TestExtractionRules::everyFileBeginsWhereTheSourceDoes_data()
 void TestExtractionRules::everyFileBeginsWhereTheSourceDoes()
 {
     QFETCH(QVector<double>, starts);
-    QFETCH(QString, mended);
+    QFETCH(QString, corrected);
     const auto list = tooladapter::parseArguments(
         wordsOf("-y -guess_layout_max 0 -ss 0 -i in.mov -t 3 -map 0:1 a.wav -map 0:2 b.wav"));
     QVERIFY(list.has_value());
     QCOMPARE(textOf(tooladapter::renderArguments(tooladapter::rewriteExtraction(*list, beginningAt(starts)))),
-             "-y -guess_layout_max 0 -t 3 -i in.mov " + mended);
+             "-y -guess_layout_max 0 -t 3 -i in.mov " + corrected);
 }
 
 void TestExtractionRules::soundThatBeginsTooLateIsRefused()

@@ -129,7 +129,7 @@ void TestPictureRules::aPictureStaysWhatItWas_data()
         "scale=608:1080,format=yuv422p,pad=1920:1080:(ow-iw)/2:(oh-ih)/2,setsar=1");
     row("landscape that is turned", hdCodec, "width=1920 height=1080 rotation=-90",
         "scale=608:1080,format=yuv422p,pad=1920:1080:(ow-iw)/2:(oh-ih)/2,setsar=1");
-    row("as older tools tell the turn", hdCodec, "TAG:rotate=270",
+    row("as older tools report the rotation", hdCodec, "TAG:rotate=270",
         "scale=608:1080,format=yuv422p,pad=1920:1080:(ow-iw)/2:(oh-ih)/2,setsar=1");
     row("portrait that is turned to 16:9", hdCodec, "width=1080 height=1920 rotation=90", "");
     row("upside down", hdCodec, "rotation=180", "");
@@ -162,22 +162,22 @@ void TestPictureRules::aPictureStaysWhatItWas_data()
         "width=720 height=576 sample_aspect_ratio=16:15 field_order=tt",
         "bwdif=mode=send_frame:parity=tff:deint=all,scale=1440:1080,format=yuv422p,"
         "pad=1920:1080:(ow-iw)/2:(oh-ih)/2,setsar=1");
-    row("each picture tells where the file does not", hdCodec,
+    row("each picture states what the file does not", hdCodec,
         "field_order=", "bwdif=mode=send_frame:parity=auto:deint=interlaced");
     // Colours
-    row("SD that tells", hdCodec, "width=1024 height=576 color_space=smpte170m",
+    row("SD that states it", hdCodec, "width=1024 height=576 color_space=smpte170m",
         "scale=1920:1080:in_color_matrix=bt601:out_color_matrix=bt709,format=yuv422p,"
         "setparams=colorspace=bt709");
-    row("SD that does not tell", hdCodec,
+    row("SD that does not state it", hdCodec,
         "width=720 height=576 sample_aspect_ratio=64:45 color_space= color_primaries=",
         "scale=1920:1080:in_color_matrix=bt601:out_color_matrix=bt709,format=yuv422p,"
         "setparams=colorspace=bt709:color_primaries=bt470bg:color_trc=bt709");
-    row("SD of 480 lines that does not tell", dnxhrCodec,
+    row("SD of 480 lines that does not state it", dnxhrCodec,
         "width=854 height=480 color_space= color_primaries=",
         "scale=in_color_matrix=bt601:out_color_matrix=bt709,format=yuv422p10,"
         "setparams=colorspace=bt709:color_primaries=smpte170m:color_trc=bt709");
-    row("HD that does not tell", hdCodec, "color_space= color_primaries=", "");
-    row("portrait HD that does not tell", dnxhrCodec, "width=720 height=1280 color_space=", "");
+    row("HD that does not state it", hdCodec, "color_space= color_primaries=", "");
+    row("portrait HD that does not state it", dnxhrCodec, "width=720 height=1280 color_space=", "");
     row("HD that is coded as SD", hdCodec, "color_space=bt470bg",
         "scale=1920:1080:in_color_matrix=bt601:out_color_matrix=bt709,format=yuv422p,"
         "setparams=colorspace=bt709");

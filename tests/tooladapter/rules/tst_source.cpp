@@ -168,8 +168,10 @@ void TestSource::theDelayCountsFromTheFirstPictureOrSound_data()
         << QByteArray("1.5") << QByteArray("1.5") << QByteArray("1.25") << 0.25;
     QTest::newRow("a picture before zero")
         << QByteArray("-0.25") << QByteArray("0") << QByteArray("0") << 0.25;
-    QTest::newRow("the others do not tell") << QByteArray("N/A") << QByteArray("1.4") << QByteArray() << 0.0;
-    QTest::newRow("it does not tell itself") << QByteArray("1.4") << QByteArray("N/A") << QByteArray() << 0.0;
+    QTest::newRow("the others do not state it")
+        << QByteArray("N/A") << QByteArray("1.4") << QByteArray() << 0.0;
+    QTest::newRow("it does not state its own")
+        << QByteArray("1.4") << QByteArray("N/A") << QByteArray() << 0.0;
     QTest::newRow("no number") << QByteArray("1.4") << QByteArray("nan") << QByteArray("-inf") << 0.0;
 }
 

@@ -111,7 +111,7 @@ void TestTagRules::mxfHoldsNotesAsComments_data()
     row("more than there is room for",
         {{"a", std::string(20'000, 'x')}, {"b", std::string(20'000, 'y')}, {"c", "z"}},
         keeps + " -metadata comment_a=" + QString(20'000, 'x') + " -metadata comment_c=z");
-    row("a timecode, where no other is written", {{"startTimecode", "x"}},
+    row("a timecode, if no other is written", {{"startTimecode", "x"}},
         keeps + " -metadata comment_startTimecode=x");
     QTest::newRow("a timecode that gives way") << "in.mov" << Notes{{"startTimecode", "x"}} << true
                                                << QString(dropsTimecode) + " -metadata startTimecode=";
@@ -176,7 +176,7 @@ void TestTagRules::theReelIsKept()
     QCOMPARE(textOf(tagOptions(plan, source, 0, {})),
              QString(dropsTimecode) + " -metadata:s:v:0 reel_name=A001");
     QCOMPARE(textOf(tagOptions(plan, source, -1, {})),
-             QString(dropsTimecode) + " -movflags use_metadata_tags"); // no picture to tell it of
+             QString(dropsTimecode) + " -movflags use_metadata_tags"); // no picture to describe
     plan.container = Container::Mxf;
     QCOMPARE(textOf(tagOptions(plan, source, 0, {})), QString(dropsTimecode) + " -metadata reel_name=A001");
 }

@@ -96,9 +96,9 @@ void TestWrittenFile::onlyACompleteFileIsASuccess()
     job.pictureStream = 0;
     job.audio = {{2, 3}};
     job.timecode = "10:11:12:13";
-    const QString told = QString::fromStdString(faultIn(written, job, source));
-    QCOMPARE(told.isEmpty(), fault.isEmpty());
-    QVERIFY2(told.contains(fault), qPrintable(told));
+    const QString reported = QString::fromStdString(faultIn(written, job, source));
+    QCOMPARE(reported.isEmpty(), fault.isEmpty());
+    QVERIFY2(reported.contains(fault), qPrintable(reported));
 }
 
 void TestWrittenFile::theStartOfASoundFileIsReadBack_data()

@@ -44,7 +44,7 @@ def extents(node):
 
 
 def settled_extents(node):
-    """The window manager moves a window after it has opened; this tells where it stands once it stands still."""
+    """The window manager moves a window after it has opened; this returns its final place."""
     before = extents(node)
     time.sleep(0.3)
     after = extents(node)
@@ -86,7 +86,7 @@ def is_active(window):
 
 
 def labels_of(node):
-    """The texts of the labels that stand for the element, as a combo box tells only its choice by its own name."""
+    """The texts of the labels that stand for the element, as a combo box gives only its choice by its own name."""
     return [relation.getTarget(index).name
             for relation in node.getRelationSet() if relation.getRelationType() == pyatspi.RELATION_LABELLED_BY
             for index in range(relation.getNTargets())]
@@ -134,7 +134,7 @@ class Pointer:
 
 
 class Tools:
-    """The plans and calls of the fake tools; tests/fakes/README.md tells what they do."""
+    """The plans and calls of the fake tools; tests/fakes/README.md says what they do."""
 
     def __init__(self, folder):
         self.folder = pathlib.Path(folder)
@@ -293,12 +293,12 @@ class Drag:
         for step in range(1, 11):
             xdotool("mousemove", 40 + (x - 40) * step // 10, 30 + (y - 30) * step // 10, "sleep", 0.05)
         wait_for(lambda: xdotool("mousemove_relative", "--", 1, 0, "mousemove_relative", "--", -1, 0)
-                 or "welcome" in self.told(), "the drag to be welcome")
+                 or "welcome" in self.drag_events(), "the drag to be welcome")
         xdotool("mouseup", 1)
-        wait_for(lambda: self.told()[-1] in ("accepted", "refused"), "the end of the drag")
-        self.accepted = self.told()[-1] == "accepted"
+        wait_for(lambda: self.drag_events()[-1] in ("accepted", "refused"), "the end of the drag")
+        self.accepted = self.drag_events()[-1] == "accepted"
 
-    def told(self):
+    def drag_events(self):
         self.output.seek(0)
         return self.output.read().split()
 

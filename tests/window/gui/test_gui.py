@@ -303,9 +303,9 @@ class GuiTest(unittest.TestCase):
         self.assertEqual([window.name for window in self.program.windows()], [MAIN_WINDOW])
 
     def test_missing_tools_are_named_and_do_not_block(self):
-        beside = self.media / "program"
-        shutil.copy(PROGRAM, beside)
-        self.program = Program(str(beside), {"PATH": "/nowhere"})
+        copy = self.media / "program"
+        shutil.copy(PROGRAM, copy)
+        self.program = Program(str(copy), {"PATH": "/nowhere"})
         self.addCleanup(self.program.end)
         box = wait_for(lambda: self.program.find_window(MAIN_WINDOW, "alert"), "the message")
         text = " ".join(self.program.box_text(box))
