@@ -301,7 +301,8 @@ Facts factsOfReport(const QString &report)
                                                  {"Name", FactGroup::InfoText},
                                                  {"Artist", FactGroup::InfoText}};
     Facts facts;
-    for (const QString &line : report.trimmed().split('\n')) {
+    const QStringList lines = report.trimmed().split('\n');
+    for (const QString &line : lines) {
         if (line.indexOf(':') == nameLength) {
             const QString name = line.left(nameLength).trimmed();
             facts += Fact{groups.value(name, FactGroup::BextText), "sndfile: " + name,
