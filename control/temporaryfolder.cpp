@@ -64,14 +64,19 @@ std::unique_ptr<QLockFile> lockFolder(const QString &path)
     return lock->tryLock() ? std::move(lock) : nullptr;
 }
 
+/// The names that instances take next to the folder \a sharedName.
+QRegularExpression privateNames(const QString &sharedName)
+{
+    return QRegularExpression(QRegularExpression::anchoredPattern(
+        QRegularExpression::escape(sharedName) + QString("-[1-9][0-9]{0,9}-{0,%1}").arg(mostPrivateNames)));
+}
+
 /// Removes the folders of instances that took a private name next to \a sharedPath and have not removed it.
 /// Anything else that only begins like it is someone else's.
 void removeLeftOvers(const QString &sharedPath)
 {
     const QFileInfo shared(sharedPath);
-    const QRegularExpression privateName(
-        QRegularExpression::anchoredPattern(QRegularExpression::escape(shared.fileName()) +
-                                            QString("-[1-9][0-9]{0,9}-{0,%1}").arg(mostPrivateNames)));
+    const QRegularExpression privateName = privateNames(shared.fileName());
     const auto names =
         shared.dir().entryList({shared.fileName() + "-*"}, QDir::Dirs | QDir::Files | QDir::NoDotAndDotDot);
     for (QString name : names) {

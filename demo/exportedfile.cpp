@@ -9,14 +9,15 @@
 ExportedFile parseProbe(const QByteArray &probeOutput)
 {
     const QJsonObject probe = QJsonDocument::fromJson(probeOutput).object();
+    const QJsonArray streams = probe["streams"].toArray();
     const QJsonObject tags = probe["format"].toObject()["tags"].toObject();
 
     ExportedFile file;
-    file.readable = !probe["streams"].toArray().isEmpty();
+    file.readable = !streams.isEmpty();
     file.timecode = tags["timecode"].toString();
     if (tags.contains("time_reference"))
         file.timeReference = tags["time_reference"].toString().toLongLong();
-    for (const QJsonValue stream : probe["streams"].toArray()) {
+    for (const QJsonValue &stream : streams) {
         const QJsonObject description = stream.toObject();
         const QString streamTimecode = description["tags"].toObject()["timecode"].toString();
         if (!streamTimecode.isEmpty())

@@ -134,7 +134,7 @@ int main(int argc, char *argv[])
     if (parser.positionalArguments().size() != 1)
         return fail("give one folder; see --help");
 
-    const DemoFolder folder(parser.positionalArguments().first());
+    const DemoFolder folder(parser.positionalArguments().constFirst());
     const QString refusal = folder.prepare();
     return refusal.isEmpty() ? showMainJob(folder) : fail(refusal);
 }

@@ -27,7 +27,7 @@ QString layOutTable(const QStringList &header, const QVector<QStringList> &rows)
     }
 
     QStringList ruler;
-    for (const int width : widths)
+    for (const int width : qAsConst(widths))
         ruler += QString(width, '-');
 
     QString text = layOutRow(header, widths) + layOutRow(ruler, widths);

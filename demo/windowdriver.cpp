@@ -46,7 +46,8 @@ bool choose(const QWidget &parent, const QString &text, int position)
 
 QWidget *findWindow(const QString &title)
 {
-    for (QWidget *widget : QApplication::topLevelWidgets())
+    const QWidgetList widgets = QApplication::topLevelWidgets();
+    for (QWidget *widget : widgets)
         if (widget->isVisible() && widget->windowTitle() == title)
             return widget;
     return nullptr;

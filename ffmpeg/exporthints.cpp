@@ -4,6 +4,7 @@
 #include "ffmpeg/audiomapping.h"
 #include "ffmpeg/videocodec.h"
 
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QJsonValue>
 #include <QVariant>
@@ -30,7 +31,8 @@ QString streamLines(int index, const QJsonObject &stream)
           "avg_frame_rate", "start_time", "duration", "width", "height", "sample_aspect_ratio", "pix_fmt",
           "color_range", "color_space", "color_primaries", "field_order", "bit_rate"})
         lines += line(key, stream[QLatin1String(key)]);
-    for (const QJsonValue sideData : stream["side_data_list"].toArray())
+    const QJsonArray sideDataList = stream["side_data_list"].toArray();
+    for (const QJsonValue &sideData : sideDataList)
         lines += line("rotation", sideData.toObject()["rotation"]);
     lines += line("DISPOSITION:attached_pic", stream["disposition"].toObject()["attached_pic"]);
     for (const char *tag : {"timecode", "reel_name", "rotate"})

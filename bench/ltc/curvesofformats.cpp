@@ -15,7 +15,7 @@ namespace ltcbench
 namespace
 {
 
-const std::string section = "Formats";
+constexpr const char *section = "Formats";
 
 Curve curve(const std::string &name, const std::string &unit, std::vector<double> grades, bool graded,
             Case (*make)(double grade, Random &random))

@@ -13,8 +13,8 @@ namespace
 {
 
 constexpr LtcRate pal{25, false, false};
-const std::string section = "Noise";
-const std::string ratio = "dB, timecode over the rest";
+constexpr const char *section = "Noise";
+constexpr const char *ratio = "dB, timecode over the rest";
 
 using MakeNoise = Samples (*)(Random &random, std::size_t count, int sampleRate);
 

@@ -13,7 +13,7 @@ namespace ltcbench
 namespace
 {
 
-const std::string section = "Transport";
+constexpr const char *section = "Transport";
 
 void addSlightNoise(Samples &samples, Random &random)
 {

@@ -43,7 +43,7 @@ MediaFolder::MediaFolder()
     const QString problem = mediakit::makeAll(recordings, root.path());
     if (!problem.isEmpty())
         throw Failure(problem);
-    for (const mediakit::Recording &recording : recordings)
+    for (const mediakit::Recording &recording : qAsConst(recordings))
         originals += recording.path;
 }
 

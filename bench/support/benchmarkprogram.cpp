@@ -51,7 +51,8 @@ int BenchmarkProgram::run(const std::function<Outcome()> &measure)
         if (commandLine.isSet("help"))
             commandLine.showHelp();
         if (!commandLine.positionalArguments().isEmpty())
-            throw Failure("unexpected \"" + commandLine.positionalArguments().first() + "\"; see --help");
+            throw Failure("unexpected \"" + commandLine.positionalArguments().constFirst() +
+                          "\"; see --help");
         const Outcome outcome = measure();
         report(outcome);
         return outcome.figures.allHold() ? AllKept : LimitMissed;

@@ -19,8 +19,6 @@ constexpr double top = 34;
 constexpr double legendTop = 50; // below the axes
 constexpr double legendLine = 16;
 
-const QStringList colours{"#1f5fa8", "#c23b22", "#d98e04", "#3a8f4d", "#7a4fa3", "#5a5a5a", "#0fa3b1"};
-
 QString number(double value)
 {
     return QString::number(value, 'g', 6);
@@ -105,13 +103,16 @@ QString grid(const Chart &chart, const Axes &axes)
         svg += line(left, axes.y(value), left + plotWidth, axes.y(value), "#ccc");
         svg += text(left - 6, axes.y(value) + 4, "end", 10, number(value));
     }
-    for (const double value : labelledValues(chart, axes))
+    const QVector<double> labelled = labelledValues(chart, axes);
+    for (const double value : labelled)
         svg += text(axes.x(value), axes.y(0) + 16, "middle", 10, number(value));
     return svg + text(left + plotWidth / 2, axes.y(0) + 32, "middle", 11, chart.horizontal);
 }
 
 QString cell(const Chart &chart)
 {
+    static const QStringList colours{"#1f5fa8", "#c23b22", "#d98e04", "#3a8f4d",
+                                     "#7a4fa3", "#5a5a5a", "#0fa3b1"};
     const Axes axes(chart);
     QString svg = grid(chart, axes);
     for (int i = 0; i < chart.series.size(); ++i) {

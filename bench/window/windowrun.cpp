@@ -76,8 +76,8 @@ void Workbench::connectFeeder()
 {
     QObject::connect(&feeder, &ResultFeeder::ffprobeResult, fileList, &FileList::onFFProbeResult);
     QObject::connect(&feeder, &ResultFeeder::audioTCReadResult, fileList, &FileList::onAudioTCReadReturn);
-    QObject::connect(&feeder, SIGNAL(importProgress(int, int, QString)), &window,
-                     SLOT(statusProgressUpdate(int, int, QString)));
+    const char *progress = SIGNAL(importProgress(int,int,QString));
+    QObject::connect(&feeder, progress, &window, SLOT(statusProgressUpdate(int,int,QString)));
     QObject::connect(&feeder, SIGNAL(importReady()), &window, SLOT(importReady()));
     QObject::connect(&feeder, &ResultFeeder::importReady, fileList, &FileList::importReady);
     QObject::connect(&feeder, SIGNAL(readingFinished()), &window, SLOT(readingFinished()));

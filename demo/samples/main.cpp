@@ -20,7 +20,7 @@ int main(int argc, char *argv[])
 
     QString problem = "give one folder; see --help";
     if (parser.positionalArguments().size() == 1)
-        problem = mediakit::writeSampleKit(parser.positionalArguments().first());
+        problem = mediakit::writeSampleKit(parser.positionalArguments().constFirst());
     if (problem.isEmpty())
         return 0;
     QTextStream(stderr) << "ostrel-samples: " << problem << '\n';

@@ -8,10 +8,12 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <array>
+
 namespace
 {
 
-const QStringList programs{"window-benchmark", "import-benchmark", "export-benchmark", "reader-benchmark"};
+constexpr std::array programs{"window-benchmark", "import-benchmark", "export-benchmark", "reader-benchmark"};
 constexpr int patience = 240'000; // [ms]
 
 struct Run {
@@ -54,8 +56,8 @@ private slots:
 void TestBenchmarkPrograms::helpIsPrinted_data()
 {
     QTest::addColumn<QString>("program");
-    for (const QString &program : programs)
-        QTest::newRow(qPrintable(program)) << program;
+    for (const char *program : programs)
+        QTest::newRow(program) << program;
 }
 
 void TestBenchmarkPrograms::helpIsPrinted()
@@ -71,9 +73,9 @@ void TestBenchmarkPrograms::aWrongOptionGetsOneLine_data()
 {
     QTest::addColumn<QString>("program");
     QTest::addColumn<QStringList>("arguments");
-    for (const QString &program : programs) {
-        QTest::addRow("%s, unknown option", qPrintable(program)) << program << QStringList{"--fast"};
-        QTest::addRow("%s, stray word", qPrintable(program)) << program << QStringList{"now"};
+    for (const char *program : programs) {
+        QTest::addRow("%s, unknown option", program) << program << QStringList{"--fast"};
+        QTest::addRow("%s, stray word", program) << program << QStringList{"now"};
     }
     QTest::newRow("no number of rows") << "window-benchmark" << QStringList{"--rows", "many"};
     QTest::newRow("no files") << "import-benchmark" << QStringList{"--files", "0"};

@@ -56,12 +56,14 @@ QVector<QStringList> allOrders(int files, bool cancelled = false)
     QStringList events{"done x", "fail x"};
     if (cancelled)
         events += "drop queued";
+    const QVector<QStringList> ordersOfOthers = allOrders(files - 1, cancelled);
     for (const QString &event : qAsConst(events)) {
-        for (const QStringList &rest : allOrders(files - 1, cancelled))
+        for (const QStringList &rest : ordersOfOthers)
             orders += QStringList{event} + rest;
     }
     if (!cancelled) {
-        for (const QStringList &rest : allOrders(files, true))
+        const QVector<QStringList> ordersOnceCancelled = allOrders(files, true);
+        for (const QStringList &rest : ordersOnceCancelled)
             orders += QStringList{"cancel"} + rest;
     }
     return orders;
@@ -153,8 +155,9 @@ void TestExportBatch::everyOrderEndsOnce()
             texts += apply(batch, event);
         const int result = events.contains("cancel") ? 1 : events.contains("fail x") ? 2 : 0;
         const QStringList ends = texts.filter("ready ");
-        const QString failed = QStringList(events.filter("fail x")).replaceInStrings("fail ", "").join(' ');
-        QCOMPARE(ends, QStringList{QString("ready %1 [%2]").arg(result).arg(failed)});
+        QStringList failed = events.filter("fail x");
+        failed.replaceInStrings("fail ", "");
+        QCOMPARE(ends, QStringList{QString("ready %1 [%2]").arg(result).arg(failed.join(' '))});
         const bool lastIsDropped = events.last() == "drop queued";
         QCOMPARE(texts.indexOf(ends.first()), texts.size() - (lastIsDropped ? 2 : 1));
     }

@@ -10,8 +10,15 @@ Q_DECLARE_METATYPE(Stage)
 namespace
 {
 
-const StageQueue::Request drop = QList<QUrl>{QUrl("file:///card")};
-const StageQueue::Request reRead = StageQueue::ReReadRequest{};
+StageQueue::Request drop()
+{
+    return QList<QUrl>{QUrl("file:///card")};
+}
+
+StageQueue::Request reRead()
+{
+    return StageQueue::ReReadRequest{};
+}
 
 } // namespace
 
@@ -47,7 +54,7 @@ void TestStageQueue::aStageBeginsWhenNothingIsInItsWay()
     for (const bool isDrop : {true, false}) {
         StageQueue stages;
         stages.begin(current);
-        QTEST(stages.admit(isDrop ? drop : reRead, idle), isDrop ? "dropBegins" : "readingBegins");
+        QTEST(stages.admit(isDrop ? drop() : reRead(), idle), isDrop ? "dropBegins" : "readingBegins");
     }
 }
 
@@ -55,11 +62,11 @@ void TestStageQueue::whatWaitsIsTakenInOrder()
 {
     StageQueue stages;
     stages.begin(Stage::ReRead);
-    QVERIFY(!stages.admit(drop, false));
-    QVERIFY(!stages.admit(reRead, false));
+    QVERIFY(!stages.admit(drop(), false));
+    QVERIFY(!stages.admit(reRead(), false));
     QVERIFY(!stages.takeNext(true));
     stages.close();
-    QVERIFY2(!stages.admit(drop, true), "others wait longer");
+    QVERIFY2(!stages.admit(drop(), true), "others wait longer");
 
     auto next = stages.takeNext(true);
     QVERIFY(next && std::holds_alternative<QList<QUrl>>(*next));
@@ -74,8 +81,8 @@ void TestStageQueue::aDropJoinsAnImportAheadOfWhatWaits()
 {
     StageQueue stages;
     stages.begin(Stage::Import);
-    QVERIFY(!stages.admit(reRead, false));
-    QVERIFY(stages.admit(drop, false));
+    QVERIFY(!stages.admit(reRead(), false));
+    QVERIFY(stages.admit(drop(), false));
 }
 
 QTEST_APPLESS_MAIN(TestStageQueue)

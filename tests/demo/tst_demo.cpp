@@ -56,8 +56,8 @@ void TestDemo::mainJobComesOutRight()
     QCOMPARE(run.output.count("right to the frame"), 10);
     QCOMPARE(run.output.count("right to the sample"), 3);
     const QStringList screenshots = QDir(folder.filePath("screenshots")).entryList({"*.png"});
-    for (const QString name : {"1-before", "3-imported", "4-export-dialog", "6-export-result", "7-after"})
-        QVERIFY2(screenshots.contains(name + ".png"), qPrintable(name));
+    for (const char *name : {"1-before", "3-imported", "4-export-dialog", "6-export-result", "7-after"})
+        QVERIFY2(screenshots.contains(QString(name) + ".png"), name);
 }
 
 void TestDemo::timecodeThatIsOneFrameOffIsNoticed()

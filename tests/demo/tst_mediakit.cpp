@@ -39,12 +39,13 @@ std::vector<testsignals::LtcSignal> timecodesOf(const QVector<Recording> &record
 void TestMediaKit::dayHasAllRatesAndContainers()
 {
     QSet<QString> suffixes;
-    for (const Recording &recording : shootDay())
+    const QVector<Recording> recordings = shootDay();
+    for (const Recording &recording : recordings)
         suffixes += recording.path.section('.', -1);
     QCOMPARE(suffixes, (QSet<QString>{"mov", "mp4", "mts", "mxf", "wav"}));
 
     QSet<QString> rates;
-    for (const testsignals::LtcSignal &signal : timecodesOf(shootDay()))
+    for (const testsignals::LtcSignal &signal : timecodesOf(recordings))
         rates += QString("%1%2%3").arg(signal.rate.base).arg(signal.rate.ntsc).arg(signal.rate.dropFrame);
     QCOMPARE(rates, (QSet<QString>{"2410", "2400", "2500", "3010", "3011", "3000"}));
 }
@@ -64,7 +65,8 @@ void TestMediaKit::onlyThePairWasRecordedTogether()
 {
     QSet<QDateTime> times;
     int files = 0;
-    for (const Recording &recording : shootDay()) {
+    const QVector<Recording> recordings = shootDay();
+    for (const Recording &recording : recordings) {
         times += recording.modified;
         ++files;
     }

@@ -33,7 +33,8 @@ void TestSamplesInWindow::initTestCase()
     WindowDriver driver(window, folder.path());
     driver.dropFolder(kit);
     QVERIFY(driver.waitForStatus("Status: import ready", "importing"));
-    for (const mediakit::Sample &sample : mediakit::sampleKit())
+    const QVector<mediakit::Sample> samples = mediakit::sampleKit();
+    for (const mediakit::Sample &sample : samples)
         rows[sample.recording.path] = driver.row(sample.recording.path);
 }
 
@@ -41,7 +42,8 @@ void TestSamplesInWindow::windowShowsWhatTheKitPromises_data()
 {
     QTest::addColumn<QString>("fileName");
     QTest::addColumn<QString>("audioTC");
-    for (const mediakit::Sample &sample : mediakit::sampleKit())
+    const QVector<mediakit::Sample> samples = mediakit::sampleKit();
+    for (const mediakit::Sample &sample : samples)
         QTest::newRow(qPrintable(sample.situation))
             << sample.recording.path << mediakit::expectedAudioTC(sample.recording);
 }

@@ -34,14 +34,16 @@ QString firstLine(const QString &text)
 /// A heading as a link names it: lower case, blanks as hyphens, no punctuation.
 QString anchorOf(const QString &heading)
 {
+    static const QRegularExpression punctuation("[^\\w-]");
     QString anchor = heading.toLower().replace(' ', '-');
-    return anchor.remove(QRegularExpression("[^\\w-]"));
+    return anchor.remove(punctuation);
 }
 
 QStringList anchorsOf(const QString &page)
 {
     QStringList anchors;
-    for (const QString &line : page.split('\n')) {
+    const QStringList lines = page.split('\n');
+    for (const QString &line : lines) {
         if (line.startsWith('#'))
             anchors += anchorOf(line.section(' ', 1));
     }
@@ -91,7 +93,8 @@ void TestDocumentation::linksLeadToFilesAndHeadings_data()
     QTest::addColumn<QString>("target");
     static const QRegularExpression link("\\]\\(([^)]+)\\)");
     QStringList pages{"README.md", "CONTRIBUTING.md", "CHANGELOG.md"};
-    for (const QString &name : QDir(PROJECT_FOLDER "/docs").entryList({"*.md"}))
+    const QStringList names = QDir(PROJECT_FOLDER "/docs").entryList({"*.md"});
+    for (const QString &name : names)
         pages += "docs/" + name;
     for (const QString &page : qAsConst(pages)) {
         auto links = link.globalMatch(content(PROJECT_FOLDER "/" + page));

@@ -118,7 +118,7 @@ void addTags(Facts &facts, const QJsonObject &tags)
         add(facts, group, plainName(note), valueOf(group, tag.value().toString()));
     }
     // In MXF files it is the date of the package.
-    if (tags.contains("modification_date") && tags["modification_date"].toString().left(4).toInt() > 0)
+    if (tags.contains("modification_date") && tags["modification_date"].toString().leftRef(4).toInt() > 0)
         add(facts, FactGroup::CreationTime, "creation_time",
             valueOf(FactGroup::CreationTime, tags["modification_date"].toString()));
 }
@@ -185,7 +185,8 @@ Facts factsOfProbe(const QJsonObject &probe, const QVector<int> &audioNumbers)
     Facts facts;
     addTags(facts, probe["format"].toObject()["tags"].toObject());
     int audio = 0;
-    for (const QJsonValue value : probe["streams"].toArray()) {
+    const QJsonArray streams = probe["streams"].toArray();
+    for (const QJsonValue &value : streams) {
         const QJsonObject stream = value.toObject();
         const QString type = stream["codec_type"].toString();
         const QJsonObject tags = stream["tags"].toObject();
@@ -209,7 +210,7 @@ Facts factsOfProbe(const QJsonObject &probe, const QVector<int> &audioNumbers)
 Facts luminanceFacts(const QJsonArray &tracks)
 {
     Facts facts;
-    for (const QJsonValue value : tracks) {
+    for (const QJsonValue &value : tracks) {
         const QJsonObject track = value.toObject();
         if (track["@type"] != "Video")
             continue;

@@ -38,7 +38,7 @@ public:
 QVector<QJsonObject> streamsOf(const QJsonArray &streams, const QString &type)
 {
     QVector<QJsonObject> found;
-    for (const QJsonValue stream : streams) {
+    for (const QJsonValue &stream : streams) {
         if (stream.toObject()["codec_type"] == type)
             found += stream.toObject();
     }
@@ -117,7 +117,8 @@ void judgeTimecode(Faults &faults, const QJsonObject &probe, const Expectation &
     const QJsonObject tags = probe["format"].toObject()["tags"].toObject();
     if (expected.timecode && !expected.timecode->isEmpty()) {
         QStringList texts;
-        for (const QJsonValue stream : probe["streams"].toArray()) {
+        const QJsonArray streams = probe["streams"].toArray();
+        for (const QJsonValue &stream : streams) {
             const QString text = stream.toObject()["tags"].toObject()["timecode"].toString();
             if (!text.isEmpty())
                 texts += text;
@@ -125,7 +126,7 @@ void judgeTimecode(Faults &faults, const QJsonObject &probe, const Expectation &
         if (tags.contains("timecode"))
             texts += tags["timecode"].toString();
         faults.require("no start timecode", !texts.isEmpty());
-        for (const QString &text : texts)
+        for (const QString &text : qAsConst(texts))
             faults.compare("start timecode", text, *expected.timecode);
     }
     if (expected.timeReference) {
@@ -141,7 +142,7 @@ void judgeTimecode(Faults &faults, const QJsonObject &probe, const Expectation &
 QVector<QJsonObject> tracksOf(const QJsonArray &tracks, const QString &type)
 {
     QVector<QJsonObject> found;
-    for (const QJsonValue track : tracks) {
+    for (const QJsonValue &track : tracks) {
         if (track.toObject()["@type"] == type)
             found += track.toObject();
     }

@@ -238,7 +238,8 @@ mediakit::Recording soundOf(const SourceFile &source)
 
 QJsonObject MadeFile::audioStream(int track) const
 {
-    for (const QJsonValue value : probe["streams"].toArray()) {
+    const QJsonArray streams = probe["streams"].toArray();
+    for (const QJsonValue &value : streams) {
         if (value.toObject()["codec_type"] == "audio" && track-- == 0)
             return value.toObject();
     }
@@ -247,7 +248,8 @@ QJsonObject MadeFile::audioStream(int track) const
 
 QJsonObject MadeFile::picture() const
 {
-    for (const QJsonValue value : probe["streams"].toArray()) {
+    const QJsonArray streams = probe["streams"].toArray();
+    for (const QJsonValue &value : streams) {
         QJsonObject stream = value.toObject();
         if (stream["codec_type"] == "video" && stream["disposition"].toObject()["attached_pic"].toInt() == 0)
             return stream;

@@ -26,14 +26,21 @@ private slots:
 namespace
 {
 
-const QByteArray plainFile("RIFF\x1e\0\0\0WAVE"
-                           "fmt \2\0\0\0\1\0"
-                           "data\4\0\0\0\1\2\3\4",
-                           34);
-const QByteArray longFile("RF64\xff\xff\xff\xffWAVE"
-                          "ds64\x1c\0\0\0\x38\0\0\0\0\0\0\0\4\0\0\0\0\0\0\0\1\0\0\0\0\0\0\0\0\0\0\0"
-                          "data\xff\xff\xff\xff\1\2\3\4",
-                          60);
+QByteArray plainFile()
+{
+    return {"RIFF\x1e\0\0\0WAVE"
+            "fmt \2\0\0\0\1\0"
+            "data\4\0\0\0\1\2\3\4",
+            34};
+}
+
+QByteArray longFile()
+{
+    return {"RF64\xff\xff\xff\xffWAVE"
+            "ds64\x1c\0\0\0\x38\0\0\0\0\0\0\0\4\0\0\0\0\0\0\0\1\0\0\0\0\0\0\0\0\0\0\0"
+            "data\xff\xff\xff\xff\1\2\3\4",
+            60};
+}
 
 QString valueOf(const Facts &facts, FactGroup group, const QString &name)
 {
@@ -47,9 +54,9 @@ void TestRecorderChunks::chunksComeBack_data()
 {
     QTest::addColumn<QByteArray>("file");
     QTest::addColumn<bool>("isBefore");
-    QTest::newRow("behind the samples") << plainFile << false;
-    QTest::newRow("before the samples") << plainFile << true;
-    QTest::newRow("in a file for sizes beyond 4 GiB") << longFile << false;
+    QTest::newRow("behind the samples") << plainFile() << false;
+    QTest::newRow("before the samples") << plainFile() << true;
+    QTest::newRow("in a file for sizes beyond 4 GiB") << longFile() << false;
 }
 
 void TestRecorderChunks::chunksComeBack()
@@ -79,7 +86,7 @@ void TestRecorderChunks::lostChunksAreMissed()
     QCOMPARE(valueOf(facts, FactGroup::InfoText, "INAM"), QString("12A-3"));
     QVERIFY(find(facts, FactGroup::Cues, "cue "));
     QVERIFY(find(facts, FactGroup::OtherChunks, "_PMX"));
-    QVERIFY(wavechunks::factsOf(wavechunks::chunksOf(plainFile), {0, 1}).isEmpty());
+    QVERIFY(wavechunks::factsOf(wavechunks::chunksOf(plainFile()), {0, 1}).isEmpty());
 }
 
 void TestRecorderChunks::tracksAreNumberedByTheSource()

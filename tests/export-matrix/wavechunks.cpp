@@ -174,11 +174,12 @@ void addIxml(Facts &facts, const QByteArray &content, const QVector<int> &channe
             text += xml.text();
             break;
         case QXmlStreamReader::EndElement:
-            if (path.size() > 1 && path.last() == "TRACK_COUNT")
+            if (path.size() > 1 && path.last() == "TRACK_COUNT") {
                 add(facts, FactGroup::IxmlTracks, "number matches the channels",
                     text.toInt() == channels.size() ? "yes" : "no");
-            else if (path.size() > 1 && !text.trimmed().isEmpty())
+            } else if (path.size() > 1 && !text.trimmed().isEmpty()) {
                 add(facts, groupOfIxml(path.join('/')), path.mid(1).join('/'), text);
+            }
             text.clear();
             path.removeLast();
             break;
@@ -300,7 +301,8 @@ Facts factsOfReport(const QString &report)
                                                  {"Name", FactGroup::InfoText},
                                                  {"Artist", FactGroup::InfoText}};
     Facts facts;
-    for (const QString &line : report.trimmed().split('\n')) {
+    const QStringList lines = report.trimmed().split('\n');
+    for (const QString &line : lines) {
         if (line.indexOf(':') == nameLength) {
             const QString name = line.left(nameLength).trimmed();
             facts += Fact{groups.value(name, FactGroup::BextText), "sndfile: " + name,

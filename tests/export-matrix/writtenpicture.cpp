@@ -184,7 +184,8 @@ WrittenPicture pictureOf(const QJsonObject &stream)
     picture.pixelAspect = aspectOf(stream["sample_aspect_ratio"].toString());
     picture.pixelFormat = stream["pix_fmt"].toString();
     picture.fields = fieldsOf(stream["field_order"].toString());
-    for (const QJsonValue data : stream["side_data_list"].toArray()) {
+    const QJsonArray sideDataList = stream["side_data_list"].toArray();
+    for (const QJsonValue &data : sideDataList) {
         if (data.toObject().contains("rotation"))
             picture.rotation = (360 - data.toObject()["rotation"].toInt()) % 360; // counted anticlockwise
     }

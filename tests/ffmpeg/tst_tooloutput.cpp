@@ -64,7 +64,8 @@ qint64 peakMemory()
     qint64 peak = 0;
     QFile status("/proc/self/status");
     if (status.open(QIODevice::ReadOnly)) {
-        for (const QByteArray &line : status.readAll().split('\n')) {
+        const QList<QByteArray> lines = status.readAll().split('\n');
+        for (const QByteArray &line : lines) {
             if (line.startsWith("VmHWM:"))
                 peak = line.mid(6).chopped(2).trimmed().toLongLong();
         }

@@ -144,7 +144,8 @@ void checkExport(const FileData &file, const ExportOptions &options, int takenNa
     require(words.mid(0, 3) == QStringList{"-y", "-i", file.absoluteFilePath}, "the input comes first");
     require(words.size() >= 4 && words.last() == command.outputPath, "the output comes last");
     const QString folder = options.exportDir + '/';
-    require(command.outputPath.startsWith(folder) && !command.outputPath.mid(folder.size()).contains('/') &&
+    require(command.outputPath.startsWith(folder) &&
+                !command.outputPath.midRef(folder.size()).contains('/') &&
                 command.outputPath.size() > folder.size() + 1,
             "the output is a file in the export folder", command.outputPath);
     require(takenNames >= lastName || !taken.contains(command.outputPath), "no existing file is written to",
@@ -169,7 +170,7 @@ void checkExtraction(const FileData &file)
         require(outputs.at(i) == "-map" && isAudioStream(file, outputs.at(i + 1).mid(2)),
                 "each audio stream is mapped", outputs.join('|'));
         const auto origin = ReaderFileName::parse(path);
-        require(path.startsWith(folder + '/') && !path.mid(folder.size() + 1).contains('/'),
+        require(path.startsWith(folder + '/') && !path.midRef(folder.size() + 1).contains('/'),
                 "extracted audio goes to its folder", path);
         require("0:" + QString::number(origin.audioStream) == outputs.at(i + 1) &&
                     origin.row == file.rowNumber,

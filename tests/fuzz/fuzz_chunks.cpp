@@ -23,7 +23,7 @@ namespace
 {
 
 constexpr std::uint64_t start = 0x1'2345'6789; // [samples since midnight] of the tool's files
-const std::string speed = "029.970-DF";
+constexpr const char *speed = "029.970-DF";
 
 std::string toolFile(int kind)
 {

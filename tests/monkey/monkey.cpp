@@ -36,7 +36,7 @@ Monkey::Monkey(std::uint64_t seed)
     inWorker->moveToThread(bench->child<QThread>("workerThread"));
     exportFolder = bench->exportFolder();
     makeMedia();
-    QObject::connect(&answering, &QTimer::timeout, [this] { answerBoxes(); });
+    QObject::connect(&answering, &QTimer::timeout, &answering, [this] { answerBoxes(); });
     answering.start(1);
 }
 

@@ -21,7 +21,8 @@ void Monkey::checkSources()
 
 void Monkey::checkExports()
 {
-    for (const QString &folder : sourceFolders + QStringList{exportFolder}) {
+    const QStringList folders = sourceFolders + QStringList{exportFolder};
+    for (const QString &folder : folders) {
         const auto entries = QDir(folder).entryInfoList(QDir::Files | QDir::Hidden);
         for (const QFileInfo &entry : entries) {
             if (!sources.contains(entry.filePath()))

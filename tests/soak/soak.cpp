@@ -80,7 +80,8 @@ QString Soak::readAll()
     dialog->findChild<QComboBox *>("filesCombo")->setCurrentText("all files");
     dialog->findChild<QPushButton *>("readAudioTCButton")->click();
     QString failure = waitFor("Status: read finished");
-    for (const QString &cell : bench.column(3)) {
+    const QStringList cells = bench.column(3);
+    for (const QString &cell : cells) {
         if (!cell.contains("@25.00 on ch. 1"))
             return "a file without its timecode: " + cell;
     }

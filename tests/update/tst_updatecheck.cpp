@@ -11,8 +11,11 @@
 namespace
 {
 
-const QByteArray goodDescriptor("<a><MAJORVERSION>2</MAJORVERSION><MINORVERSION>5</MINORVERSION>"
-                                "<OSTRELAPP url='http://host/a.zip'/><DESCRIPTION>Faster.</DESCRIPTION></a>");
+QByteArray goodDescriptor()
+{
+    return "<a><MAJORVERSION>2</MAJORVERSION><MINORVERSION>5</MINORVERSION>"
+           "<OSTRELAPP url='http://host/a.zip'/><DESCRIPTION>Faster.</DESCRIPTION></a>";
+}
 
 constexpr int patience = 30000; // [ms]
 
@@ -98,7 +101,7 @@ void TestUpdateCheck::usableDescriptorsAreTold()
 void TestUpdateCheck::theRequestNamesTheProgram()
 {
     HttpServer server;
-    server.answer("200 OK", goodDescriptor);
+    server.answer("200 OK", goodDescriptor());
     Check check(server);
     QTRY_COMPARE_WITH_TIMEOUT(check.finished.count(), 1, patience);
     const QByteArray request = server.lastRequest();
@@ -122,10 +125,10 @@ void TestUpdateCheck::failuresAreSilent_data()
     QTest::addColumn<QByteArray>("status");
     QTest::addColumn<QByteArray>("body");
     QTest::addColumn<QByteArray>("lines");
-    QTest::newRow("not found") << QByteArray("404 Not Found") << goodDescriptor << QByteArray();
-    QTest::newRow("server error") << QByteArray("500 Internal Server Error") << goodDescriptor
+    QTest::newRow("not found") << QByteArray("404 Not Found") << goodDescriptor() << QByteArray();
+    QTest::newRow("server error") << QByteArray("500 Internal Server Error") << goodDescriptor()
                                   << QByteArray();
-    QTest::newRow("asks for a password") << QByteArray("401 Unauthorized") << goodDescriptor
+    QTest::newRow("asks for a password") << QByteArray("401 Unauthorized") << goodDescriptor()
                                          << QByteArray("WWW-Authenticate: Basic realm=\"x\"\r\n");
     QTest::newRow("no content") << QByteArray("200 OK") << QByteArray() << QByteArray();
     QTest::newRow("not XML") << QByteArray("200 OK") << QByteArray("It works!") << QByteArray();
@@ -167,8 +170,8 @@ void TestUpdateCheck::aRefusedConnectionIsSilent()
 void TestUpdateCheck::aCutConnectionIsSilent()
 {
     HttpServer server;
-    server.answer("200 OK", goodDescriptor);
-    server.cutBodyAfter(goodDescriptor.size() - 4);
+    server.answer("200 OK", goodDescriptor());
+    server.cutBodyAfter(goodDescriptor().size() - 4);
     Check check(server);
     QTRY_COMPARE_WITH_TIMEOUT(check.finished.count(), 1, patience);
     QCOMPARE(check.announced.count(), 0);
@@ -191,7 +194,7 @@ void TestUpdateCheck::aServerThatNeverAnswersIsLeftAlone()
 void TestUpdateCheck::aRedirectionIsNotFollowed()
 {
     HttpServer elsewhere;
-    elsewhere.answer("200 OK", goodDescriptor);
+    elsewhere.answer("200 OK", goodDescriptor());
     HttpServer server;
     server.answer("302 Found", {}, "Location: " + elsewhere.url().toEncoded() + "\r\n");
     Check check(server);
@@ -205,7 +208,7 @@ void TestUpdateCheck::aHugeBodyIsNotReadToItsEnd()
     constexpr qint64 hugeBody = qint64{50} * 1024 * 1024;   // [bytes]
     constexpr qint64 saneAmount = qint64{10} * 1024 * 1024; // [bytes] the limit and what the sockets hold
     HttpServer server;
-    server.answer("200 OK", goodDescriptor);
+    server.answer("200 OK", goodDescriptor());
     server.stretchBodyTo(hugeBody);
     Check check(server);
     QTRY_COMPARE_WITH_TIMEOUT(check.finished.count(), 1, patience);
@@ -216,7 +219,7 @@ void TestUpdateCheck::aHugeBodyIsNotReadToItsEnd()
 void TestUpdateCheck::aCompressedBodyIsNotAskedForNorUnfolded()
 {
     HttpServer server;
-    server.answer("200 OK", qCompress(goodDescriptor).mid(4), "Content-Encoding: deflate\r\n");
+    server.answer("200 OK", qCompress(goodDescriptor()).mid(4), "Content-Encoding: deflate\r\n");
     Check check(server);
     QTRY_COMPARE_WITH_TIMEOUT(check.finished.count(), 1, patience);
     QVERIFY(!server.lastRequest().contains("gzip"));

@@ -221,7 +221,8 @@ void TestMainWindow::aFolderIsImportedAndItsStreamsShown()
     QStringList names = bench.column(0);
     names.sort();
     QCOMPARE(names, (QStringList{"a.mov", "b.wav"}));
-    for (const QString &cell : bench.column(audioColumn))
+    const QStringList audioCells = bench.column(audioColumn);
+    for (const QString &cell : audioCells)
         QCOMPARE(cell, QString("10:00:00:00@25.00 on ch. 1"));
     QCOMPARE(bench.progressBar->value(), 0);
     const int row = bench.column(0).indexOf("a.mov");

@@ -6,7 +6,10 @@
 namespace
 {
 
-const QString heading("Export finished.\nErrors occured with the folliwing files:");
+QString heading()
+{
+    return "Export finished.\nErrors occured with the folliwing files:";
+}
 
 QJsonObject audio(int index, const char *layout, int channels)
 {
@@ -37,13 +40,13 @@ void TestWindowTexts::failedFilesStandFourALine_data()
     QTest::addColumn<QStringList>("names");
     QTest::addColumn<QString>("text");
     QTest::newRow("no name: the heading loses its last two characters")
-        << QStringList{} << heading.chopped(2);
-    QTest::newRow("one") << QStringList{"a.mov"} << heading + "\na.mov";
-    QTest::newRow("four") << QStringList{"a", "b", "c", "d"} << heading + "\na, b, c, d";
-    QTest::newRow("five") << QStringList{"a", "b", "c", "d", "e"} << heading + "\na, b, c, d, \ne";
+        << QStringList{} << heading().chopped(2);
+    QTest::newRow("one") << QStringList{"a.mov"} << heading() + "\na.mov";
+    QTest::newRow("four") << QStringList{"a", "b", "c", "d"} << heading() + "\na, b, c, d";
+    QTest::newRow("five") << QStringList{"a", "b", "c", "d", "e"} << heading() + "\na, b, c, d, \ne";
     QTest::newRow("nine") << QStringList{"1", "2", "3", "4", "5", "6", "7", "8", "9"}
-                          << heading + "\n1, 2, 3, 4, \n5, 6, 7, 8, \n9";
-    QTest::newRow("percent signs") << QStringList{"100% %1.mov", "%2"} << heading + "\n100% %1.mov, %2";
+                          << heading() + "\n1, 2, 3, 4, \n5, 6, 7, 8, \n9";
+    QTest::newRow("percent signs") << QStringList{"100% %1.mov", "%2"} << heading() + "\n100% %1.mov, %2";
 }
 
 void TestWindowTexts::failedFilesStandFourALine()

@@ -13,7 +13,7 @@ constexpr std::uint64_t fileHeadLength = 12;
 constexpr std::uint64_t longestHeader = 1 << 20;
 constexpr std::uint64_t longestShortLength = 0xffffffff;
 constexpr std::uint64_t longLengthsLength = 28;
-const std::string seeElsewhere = "\xff\xff\xff\xff"; // the length is in "ds64"
+constexpr const char *seeElsewhere = "\xff\xff\xff\xff"; // the length is in "ds64"
 
 /// The bytes of \a chunk with its head and padding, out of \a header.
 std::string wholeChunk(const std::string &header, const Chunk &chunk)
@@ -52,7 +52,8 @@ bool setFileSize(std::string &header, const std::string &old, const ChunkList &l
         return false;
     const std::uint64_t samplesLength = list.find("data")->length;
     const std::uint64_t frameSize = std::max<std::uint64_t>(1, numberAt(old, format->begin + 12, 2));
-    header.replace(0, 8, "RF64" + seeElsewhere);
+    header.replace(0, 4, "RF64");
+    header.replace(4, 4, seeElsewhere);
     header.replace(first.begin - headLength, 4, "ds64");
     header.replace(first.begin, longLengthsLength,
                    numberBytes(length, 8) + numberBytes(samplesLength, 8) +

@@ -24,8 +24,10 @@ Q_DECLARE_METATYPE(std::string)
 namespace
 {
 
-const std::string samples = "abcdefgh";
-const std::string labels = "adtllabl\0\0\0\0"s;
+std::string samples()
+{
+    return "abcdefgh";
+}
 
 /// A file as the tool writes it, with a start of its own.
 std::string toolFile(std::uint64_t start = 777)
@@ -35,7 +37,7 @@ std::string toolFile(std::uint64_t start = 777)
                  {"bext", field(std::string(), 338) + numberBytes(start, 8) +
                               std::string(evened(bext(0)).size() - 346, '\0')},
                  {"LIST", "INFOICMT\4\0\0\0tool"s},
-                 {"data", samples}});
+                 {"data", samples()}});
 }
 
 WaveChanges newStart()
@@ -115,16 +117,16 @@ void TestKeptChunks::keep(const char *source, const char *written) const
 
 void TestKeptChunks::theBroadcastExtensionHasTheNewStart()
 {
-    const std::string file = kept(riff({{"bext", bext(123)}, {"fmt ", format(2, 16)}, {"data", samples}}));
+    const std::string file = kept(riff({{"bext", bext(123)}, {"fmt ", format(2, 16)}, {"data", samples()}}));
     QVERIFY(contentOf(file, "bext") == evened(bext(777)));
-    QCOMPARE(contentOf(file, "data"), samples);
+    QCOMPARE(contentOf(file, "data"), samples());
     QVERIFY(file.find("bext") < file.find("data"));
 }
 
 void TestKeptChunks::theSourcesStartStaysWithoutANewOne()
 {
     const std::string file =
-        kept(riff({{"bext", bext(123)}, {"fmt ", format(2, 16)}, {"data", samples}}), {});
+        kept(riff({{"bext", bext(123)}, {"fmt ", format(2, 16)}, {"data", samples()}}), {});
     QVERIFY(contentOf(file, "bext") == evened(bext(123)));
 }
 
@@ -132,17 +134,17 @@ void TestKeptChunks::theBroadcastExtensionHasAnEvenLength()
 {
     const std::string odd = bext(123);
     QCOMPARE(odd.size() % 2, std::size_t{1});
-    const std::string file = kept(riff({{"bext", odd}, {"fmt ", format(2, 16)}, {"data", samples}}), {});
+    const std::string file = kept(riff({{"bext", odd}, {"fmt ", format(2, 16)}, {"data", samples()}}), {});
     QVERIFY(contentOf(file, "bext") == odd + '\0');
     const std::string even = odd + "\r";
-    const std::string other = kept(riff({{"bext", even}, {"fmt ", format(2, 16)}, {"data", samples}}), {});
+    const std::string other = kept(riff({{"bext", even}, {"fmt ", format(2, 16)}, {"data", samples()}}), {});
     QVERIFY(contentOf(other, "bext") == even);
 }
 
 void TestKeptChunks::chunksAreKeptByteForByte()
 {
     const Chunks others{{"cue ", "cue, odd"},
-                        {"LIST", labels},
+                        {"LIST", "adtllabl\0\0\0\0"s},
                         {"_PMX", "<x:xmpmeta/>"},
                         {"axml", "<odd/>"},
                         {"chna", "numbers"}};
@@ -168,7 +170,7 @@ void TestKeptChunks::whatIsDamagedIsLeftOut_data()
     QTest::addColumn<bool>("isBextKept");
     const QString tools = "JUNK fmt bext LIST data";
     const NewChunk form{"fmt ", format(2, 16)};
-    const NewChunk sound{"data", samples};
+    const NewChunk sound{"data", samples()};
     const NewChunk ixml{"iXML", "<BWFXML><SCENE>1</SCENE></BWFXML>"};
     QTest::newRow("nothing damaged") << riff({form, {"bext", bext(1)}, sound, ixml}) << tools + " iXML"
                                      << true;
@@ -201,7 +203,7 @@ void TestKeptChunks::whatIsDamagedIsLeftOut()
     const std::string file = kept(source);
     QCOMPARE(namesIn(file), names);
     QVERIFY(chunksOf(bytesOf(file)).isWhole);
-    QCOMPARE(contentOf(file, "data"), samples);
+    QCOMPARE(contentOf(file, "data"), samples());
     QCOMPARE(contentOf(file, "bext") == evened(bext(777)), isBextKept);
     QCOMPARE(*timeReferenceOf(contentOf(file, "bext")), std::uint64_t{777});
 }
@@ -229,7 +231,7 @@ void TestKeptChunks::whatNumbersChannelsGoesWithAChannel()
               {"axml", "<x/>"},
               {"iXML", "<BWFXML><TRACK_LIST><TRACK_COUNT>4</TRACK_COUNT><TRACK>1</TRACK><TRACK>2</TRACK>"
                        "<TRACK>3</TRACK><TRACK>4</TRACK></TRACK_LIST></BWFXML>"},
-              {"data", samples}});
+              {"data", samples()}});
     WaveChanges changes;
     changes.keptChannels = {0, 1, 3};
     const std::string file = kept(source, changes);
@@ -241,15 +243,15 @@ void TestKeptChunks::whatNumbersChannelsGoesWithAChannel()
 
 void TestKeptChunks::metadataIsCompleted()
 {
-    const std::string file = kept(
-        riff({{"fmt ", format(2, 16)}, {"LIST", "INFOICMT\2\0\0\0noIXYZ\4\0\0\0more"s}, {"data", samples}}));
+    const std::string file = kept(riff(
+        {{"fmt ", format(2, 16)}, {"LIST", "INFOICMT\2\0\0\0noIXYZ\4\0\0\0more"s}, {"data", samples()}}));
     QCOMPARE(contentOf(file, "LIST"), "INFOICMT\4\0\0\0toolIXYZ\4\0\0\0more"s);
 }
 
 void TestKeptChunks::filesOnDiskAreRewritten()
 {
     const std::string source =
-        riff({{"fmt ", format(2, 16)}, {"bext", bext(1)}, {"data", samples}, {"cue ", "c"}});
+        riff({{"fmt ", format(2, 16)}, {"bext", bext(1)}, {"data", samples()}, {"cue ", "c"}});
     store("source.wav", source);
     store("written.WAV", toolFile());
     keep("source.wav", "written.WAV");
@@ -273,14 +275,14 @@ void TestKeptChunks::filesThatCannotBeReadCostNothing()
     store("untouched.WAV", toolFile());
     keep(qPrintable(source), "untouched.WAV");
     QVERIFY(stored("untouched.WAV") == toolFile());
-    store("source.wav", riff({{"fmt ", format(2, 16)}, {"data", samples}}));
+    store("source.wav", riff({{"fmt ", format(2, 16)}, {"data", samples()}}));
     QVERIFY_EXCEPTION_THROWN(keep("source.wav", qPrintable(source)), Refusal);
 }
 
 void TestKeptChunks::aFullDiskLeavesTheFileAsItWas()
 {
     store("source.wav",
-          riff({{"fmt ", format(2, 16)}, {"data", samples}, {"axml", std::string(100'000, 'x')}}));
+          riff({{"fmt ", format(2, 16)}, {"data", samples()}, {"axml", std::string(100'000, 'x')}}));
     store("full.WAV", toolFile());
     // A limit on the size of files gives the same error as a full disk, once its signal is ignored.
     rlimit old = {};

@@ -26,7 +26,10 @@ QString described(const std::string &file)
     return texts.join(' ') + (list.isWhole ? "" : " ...");
 }
 
-const std::string samples(8, 's');
+std::string samples()
+{
+    return "ssssssss";
+}
 
 /// A file as the tool writes it.
 std::string toolFile(const std::string &info = "INFOISFT\4\0\0\0tool"s)
@@ -35,7 +38,7 @@ std::string toolFile(const std::string &info = "INFOISFT\4\0\0\0tool"s)
                  {"fmt ", format(1, 16)},
                  {"bext", std::string(602, '\0')},
                  {"LIST", info},
-                 {"data", samples}});
+                 {"data", samples()}});
 }
 
 } // namespace
@@ -67,17 +70,18 @@ void TestWaveChunks::chunksAreListedUpToTheFirstDamage_data()
 {
     QTest::addColumn<std::string>("file");
     QTest::addColumn<QString>("list");
-    const std::string whole = riff({{"fmt ", format(1, 16)}, {"data", samples}, {"iXML", "<a/>"}});
+    const std::string whole = riff({{"fmt ", format(1, 16)}, {"data", samples()}, {"iXML", "<a/>"}});
     QTest::newRow("whole") << whole << "fmt :16 data:8 iXML:4";
-    QTest::newRow("long") << rf64({{"fmt ", format(1, 16)}, {"data", samples}, {"iXML", "<a/>"}})
+    QTest::newRow("long") << rf64({{"fmt ", format(1, 16)}, {"data", samples()}, {"iXML", "<a/>"}})
                           << "ds64:28 fmt :16 data:8 iXML:4";
     QTest::newRow("long, the other name")
-        << "BW64" + rf64({{"fmt ", format(1, 16)}, {"data", samples}}).substr(4) << "ds64:28 fmt :16 data:8";
-    QTest::newRow("odd length") << riff({{"iXML", "<a />"}, {"data", samples}}) << "iXML:5 data:8";
-    const std::string odd = riff({{"data", samples}, {"iXML", "<a />"}});
+        << "BW64" + rf64({{"fmt ", format(1, 16)}, {"data", samples()}}).substr(4)
+        << "ds64:28 fmt :16 data:8";
+    QTest::newRow("odd length") << riff({{"iXML", "<a />"}, {"data", samples()}}) << "iXML:5 data:8";
+    const std::string odd = riff({{"data", samples()}, {"iXML", "<a />"}});
     QTest::newRow("odd length at the end") << odd << "data:8 iXML:5";
     QTest::newRow("odd length at the end, no padding") << odd.substr(0, odd.size() - 1) << "data:8 iXML:5";
-    QTest::newRow("empty chunk") << riff({{"cue ", ""}, {"data", samples}}) << "cue :0 data:8";
+    QTest::newRow("empty chunk") << riff({{"cue ", ""}, {"data", samples()}}) << "cue :0 data:8";
     QTest::newRow("breaks off in the last chunk")
         << whole.substr(0, whole.size() - 1) << "fmt :16 data:8 ...";
     QTest::newRow("breaks off in a head") << whole.substr(0, whole.size() - 5) << "fmt :16 data:8 ...";
@@ -86,13 +90,13 @@ void TestWaveChunks::chunksAreListedUpToTheFirstDamage_data()
     QTest::newRow("endless chunk") << riff({{"fmt ", format(1, 16)}}) + "iXML\xff\xff\xff\xff<a/>"
                                    << "fmt :16 ...";
     QTest::newRow("samples of a long length in a short file")
-        << "RIFF" + rf64({{"data", samples}}).substr(4) << "ds64:28 ...";
-    std::string endless = rf64({{"data", samples}});
+        << "RIFF" + rf64({{"data", samples()}}).substr(4) << "ds64:28 ...";
+    std::string endless = rf64({{"data", samples()}});
     endless.replace(28, 8, 8, '\xff');
     QTest::newRow("long length beyond the file") << endless << "ds64:28 ...";
     QTest::newRow("long without the long lengths") << "RF64" + whole.substr(4) << " ...";
     QTest::newRow("long lengths too short")
-        << "RF64" + riff({{"ds64", std::string(27, '\0')}, {"data", samples}}).substr(4) << " ...";
+        << "RF64" + riff({{"ds64", std::string(27, '\0')}, {"data", samples()}}).substr(4) << " ...";
     QTest::newRow("no name") << riff({{"fmt ", format(1, 16)}}) + std::string(64, '\0') << "fmt :16 ...";
     QTest::newRow("big-endian") << "RIFX" + whole.substr(4) << " ...";
     QTest::newRow("no WAV file") << whole.substr(0, 8) + "AVI " + whole.substr(12) << " ...";
@@ -110,9 +114,9 @@ void TestWaveChunks::chunksAreListedUpToTheFirstDamage()
 
 void TestWaveChunks::aChunkIsWhereItIs()
 {
-    const std::string file = riff({{"iXML", "<a />"}, {"data", samples}});
+    const std::string file = riff({{"iXML", "<a />"}, {"data", samples()}});
     QCOMPARE(contentOf(file, "iXML"), std::string("<a />"));
-    QCOMPARE(contentOf(file, "data"), samples);
+    QCOMPARE(contentOf(file, "data"), samples());
     QCOMPARE(contentOf(file, "bext"), std::string("none"));
 }
 
@@ -167,7 +171,7 @@ void TestWaveChunks::samplesAndOtherChunksStay()
                                       {"fmt ", format(1, 32, 48000, 3)},
                                       {"fact", "1234"},
                                       {"bext", std::string(602, '\0')},
-                                      {"data", samples},
+                                      {"data", samples()},
                                       {"PEAK", "abc"}});
     const auto rewriting = rewritingOf(bytesOf(written), std::string(700, 'b'), {}, {{"cue ", "c"}});
     QVERIFY(rewriting);
@@ -194,21 +198,21 @@ void TestWaveChunks::aMissingPaddingIsAdded()
 void TestWaveChunks::longFilesTellTheirLengthElsewhere()
 {
     const std::string written =
-        rf64({{"fmt ", format(1, 16)}, {"bext", std::string(602, '\0')}, {"data", samples}});
+        rf64({{"fmt ", format(1, 16)}, {"bext", std::string(602, '\0')}, {"data", samples()}});
     const auto rewriting = rewritingOf(bytesOf(written), std::string(602, 'b'), {}, {{"cue ", "c"}});
     QVERIFY(rewriting);
     const std::string file = rewritten(written, *rewriting);
     QCOMPARE(described(file), QString("ds64:28 fmt :16 bext:602 data:8 cue :1"));
     QCOMPARE(numberAt(file, 4, 4), std::uint64_t{0xffffffff});
     QCOMPARE(numberAt(contentOf(file, "ds64"), 0, 8), file.size() - 8);
-    QCOMPARE(numberAt(contentOf(file, "ds64"), 8, 8), samples.size());
+    QCOMPARE(numberAt(contentOf(file, "ds64"), 8, 8), samples().size());
 }
 
 void TestWaveChunks::aFileThatGrowsBeyondFourGibibytesBecomesLong()
 {
     const std::uint64_t length = 0xfffffff0 - 4096; // [bytes] of the samples
     std::string header = toolFile();
-    header.resize(header.size() - samples.size());
+    header.resize(header.size() - samples().size());
     header.replace(header.size() - 4, 4, numberBytes(length, 4));
     const Bytes written{header.size() + length, [&header](std::uint64_t position, std::size_t count) {
                             return position < header.size() ? header.substr(position, count)
@@ -247,17 +251,17 @@ void TestWaveChunks::filesThatAreNotTheToolsStayAsTheyAre_data()
 {
     QTest::addColumn<std::string>("written");
     const std::string bext(602, '\0');
-    QTest::newRow("no bext") << riff({{"fmt ", format(1, 16)}, {"data", samples}});
+    QTest::newRow("no bext") << riff({{"fmt ", format(1, 16)}, {"data", samples()}});
     QTest::newRow("bext behind the samples")
-        << riff({{"fmt ", format(1, 16)}, {"data", samples}, {"bext", bext}});
+        << riff({{"fmt ", format(1, 16)}, {"data", samples()}, {"bext", bext}});
     QTest::newRow("two of bext") << riff(
-        {{"fmt ", format(1, 16)}, {"bext", bext}, {"bext", "short"}, {"data", samples}});
+        {{"fmt ", format(1, 16)}, {"bext", bext}, {"bext", "short"}, {"data", samples()}});
     QTest::newRow("metadata behind the samples")
-        << riff({{"fmt ", format(1, 16)}, {"bext", bext}, {"data", samples}, {"LIST", "INFO"}});
+        << riff({{"fmt ", format(1, 16)}, {"bext", bext}, {"data", samples()}, {"LIST", "INFO"}});
     QTest::newRow("no samples") << riff({{"fmt ", format(1, 16)}, {"bext", bext}});
     QTest::newRow("damaged") << toolFile() + "x";
     QTest::newRow("a header of more than a mebibyte")
-        << riff({{"bext", bext}, {"JUNK", std::string(1 << 20, 'j')}, {"data", samples}});
+        << riff({{"bext", bext}, {"JUNK", std::string(1 << 20, 'j')}, {"data", samples()}});
 }
 
 void TestWaveChunks::filesThatAreNotTheToolsStayAsTheyAre()
