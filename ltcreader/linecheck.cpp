@@ -76,7 +76,8 @@ PartValues valuesOf(const Timecode &label, bool dropFrame)
             label.minutes % 10, label.minutes / 10, label.hours % 10,  label.hours / 10};
 }
 
-/// For each frame, part and value the log-likelihood, up to what is common to all values.
+/// For each frame, part and value the log-likelihood, up to what is common to all values: 0 before timecode
+/// shows.
 using Evidence = std::vector<std::array<std::array<double, 16>, partCount>>;
 
 /// How strong timecode is among the half bits of some frames.
@@ -131,6 +132,19 @@ bool isSteady(const FrameGrid &grid)
            steadyShare * strengthOf(grid, 0, grid.frames, false).amplitude;
 }
 
+/// How many frames of \a grid pass before its timecode shows.
+int framesBefore(const FrameGrid &grid)
+{
+    const bool steady = isSteady(grid);
+    int before = 0;
+    for (int frame = leastStretch; frame < grid.frames; ++frame) {
+        const double earlier = strengthOf(grid, 0, frame, steady).amplitude;
+        if (earlier < absent * strengthOf(grid, frame, grid.frames, steady).amplitude)
+            before = frame;
+    }
+    return before;
+}
+
 /// The polarity in which \a part of frame \a frame begins, 1 high to -1 low, 0 where it is not known.
 double polarityOf(const FrameGrid &grid, const Polarities &polarities, const std::vector<float> &levels,
                   int frame, std::size_t part)
@@ -174,7 +188,9 @@ Evidence evidenceOf(const FrameGrid &grid, const std::vector<float> &levels)
     const Polarities polarities = findPolarities(grid);
     const bool steady = isSteady(grid);
     Evidence evidence(static_cast<std::size_t>(grid.frames));
-    for (int frame = 0; frame < grid.frames; ++frame) {
+    const int before = framesBefore(grid);
+    // Where timecode begins late, its first frame is seldom whole.
+    for (int frame = before > 0 ? before + 1 : 0; frame < grid.frames; ++frame) {
         const auto index = static_cast<std::size_t>(frame);
         const Strength strength = strengthAt(grid, frame, steady);
         const double noise = std::max(noiseBeside(strength.amplitude), unexplained);
@@ -517,19 +533,6 @@ bool hasSyncWords(const float *halves, std::size_t count)
             return true;
     }
     return false;
-}
-
-/// How many frames of \a grid pass before its timecode shows.
-int framesBefore(const FrameGrid &grid)
-{
-    const bool steady = isSteady(grid);
-    int before = 0;
-    for (int frame = leastStretch; frame < grid.frames; ++frame) {
-        const double earlier = strengthOf(grid, 0, frame, steady).amplitude;
-        if (earlier < absent * strengthOf(grid, frame, grid.frames, steady).amplitude)
-            before = frame;
-    }
-    return before;
 }
 
 /// RMS of \a samples between \a from and \a to.

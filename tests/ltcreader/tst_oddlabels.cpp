@@ -72,6 +72,7 @@ private slots:
     void anEarlyJumpThatSingleFramesShowIsNotOverruled();
     void aClockInTheUserBitsDoesNotChangeTheLabel();
     void aRunningPartBehindAPauseIsNotExtrapolatedThroughIt();
+    void aLateBeginningIsReadThroughSilence();
     void shortRecordingsGiveFiniteNumbers();
     void theRateClassIsOnlyAnsweredWhenItIsProven();
     void aLabelRepeatedOnceASecondMakesNoOtherRate();
@@ -230,6 +231,22 @@ void TestOddLabels::aRunningPartBehindAPauseIsNotExtrapolatedThroughIt()
             },
             pal, 3.0, noise));
         QVERIFY2(outcome.doubt != Doubt::None, qPrintable(QStringLiteral("noise %1 dB").arg(noise)));
+    }
+}
+
+void TestOddLabels::aLateBeginningIsReadThroughSilence()
+{
+    constexpr std::ptrdiff_t silent = 72000; // samples, 1.5 s
+    const std::vector<float> whole = recording(
+        [](std::int64_t index, LtcRate rate) { return counting(start, index, rate); }, pal, 3.0, 60.0);
+    for (std::uint64_t seed = 1; seed <= 10; ++seed) {
+        std::vector<float> samples = whole;
+        std::fill_n(samples.begin(), silent, 0.0F);
+        testsignals::Random random(seed);
+        testsignals::addAtRatio(samples, testsignals::whiteNoise(random, samples.size()), 20.0);
+        const Outcome outcome = outcomeOf(samples);
+        QVERIFY2(outcome.doubt == Doubt::None, qPrintable(QStringLiteral("seed %1").arg(seed)));
+        QVERIFY(outcome.likeliest->start == (Timecode{10, 20, 30, 12}));
     }
 }
 
