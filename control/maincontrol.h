@@ -27,6 +27,14 @@ public:
     explicit MainControl(QObject *parent = nullptr);
     ~MainControl() override;
 
+    /// Runs at most \a count tools together, 1 ... JobQueues::maximumRunning, which is the default. To be
+    /// called before work is asked for.
+    void setJobLimit(int count) { jobs.setLimit(count); }
+
+    /// Imports read timecodes as \a options say, instead of automatically. To be called before work is asked
+    /// for.
+    void setImportOptions(const AudioTCOptions &options) { importOptions = options; }
+
 signals:
     void ffmpegExtractAudioStreamsReq(FileData fileData, QString targetFolderPath);
 
@@ -54,6 +62,10 @@ signals:
 
     /// A drop has arrived. It is part of every end of an import that is told from now on.
     void dropTaken();
+
+    /// The export of \a rowNumber into \a outputPath has ended with the tool's own code, or with
+    /// toolNotStarted. The file of an export that was cancelled is gone.
+    void fileExported(int rowNumber, QString outputPath, int exitCode);
 
 public slots:
     void onFFProbeReady(FFMpegHandler *handler, QJsonObject ffprobeJson, uint fileNumber, int exitCode);
@@ -107,4 +119,6 @@ private:
     AudioTCOptions audioTCOptions;  ///< of the re-read
     uint probeResultCount = 0;      ///< results of probes since the start
     uint extractResultCount = 0;    ///< results of extractions since the start
+
+    std::optional<AudioTCOptions> importOptions; ///< how imports read; none = automatically
 };
