@@ -1,0 +1,212 @@
+// SPDX-License-Identifier: MIT
+#include "batch/batchoptions.h"
+
+#include "app/records/applicationinfo.h"
+#include "app/records/optiontables.h"
+
+#include <QCommandLineParser>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <array>
+
+namespace
+{
+
+constexpr std::array algorithms{"auto", "low", "mid", "high", "slope"}; // in the order of their codes
+
+const QCommandLineOption &helpOption()
+{
+    static const QCommandLineOption option({"h", "help"}, "Shows this help.");
+    return option;
+}
+
+const QCommandLineOption &versionOption()
+{
+    static const QCommandLineOption option("version", "Shows the version.");
+    return option;
+}
+
+const QCommandLineOption &reportOption()
+{
+    static const QCommandLineOption option(
+        "report", "Writes a report at the end: .csv or .json. May be given several times.", "FILE");
+    return option;
+}
+
+const QCommandLineOption &algorithmOption()
+{
+    static const QCommandLineOption option("algorithm", "Reads with auto, low, mid, high or slope.", "NAME");
+    return option;
+}
+
+const QCommandLineOption &channelOption()
+{
+    static const QCommandLineOption option("channel", "Reads this channel only: 1 to 8, or auto.", "NUMBER");
+    return option;
+}
+
+const QCommandLineOption &frameRateOption()
+{
+    static const QCommandLineOption option("frame-rate",
+                                           "Reads this rate only: 23.98, 24, 25, 29.97, 30 or auto.", "RATE");
+    return option;
+}
+
+const QCommandLineOption &jobsOption()
+{
+    static const QCommandLineOption option("jobs", "Runs at most this many tools together, 1 to 45.",
+                                           "NUMBER");
+    return option;
+}
+
+const QCommandLineOption &quietOption()
+{
+    static const QCommandLineOption option("quiet", "Shows neither table nor progress.");
+    return option;
+}
+
+void addOptions(QCommandLineParser &parser)
+{
+    parser.setApplicationDescription(
+        "Reads the timecode that sound carries on an audio channel (LTC), without a window.\n\n"
+        "  ostrel-batch read [options] PATH...   shows the timecode of each file and writes no media\n\n"
+        "Exit code: 0 done, 1 some files failed, 2 wrong usage, 3 a tool is missing.");
+    parser.addPositionalArgument("command", "read");
+    parser.addPositionalArgument("PATH", "Files and folders with all their sub-folders.", "PATH...");
+    parser.addOptions({helpOption(), versionOption(), reportOption(), algorithmOption(), channelOption(),
+                       frameRateOption(), jobsOption(), quietOption()});
+}
+
+/// The code of \a text in \a table, whose own words (such as "channel 2" or "25.00 FPS") count too.
+template <typename Code>
+std::optional<Code> codeOf(const QMap<QString, Code> &table, const QString &text, const QString &pattern)
+{
+    for (auto entry = table.begin(); entry != table.end(); ++entry) {
+        if (entry.key().compare(text, Qt::CaseInsensitive) == 0 ||
+            entry.key().compare(pattern.arg(text), Qt::CaseInsensitive) == 0)
+            return entry.value();
+    }
+    return std::nullopt;
+}
+
+std::optional<double> frameRateOf(const QString &text)
+{
+    if (text == "23.976")
+        return frameRates.value("23.98 FPS");
+    if (const auto rate = codeOf(frameRates, text, "%1 FPS"))
+        return rate;
+    return codeOf(frameRates, text, "%1.00 FPS");
+}
+
+std::optional<int> algorithmOf(const QString &text)
+{
+    const auto *const found = std::find(algorithms.begin(), algorithms.end(), text.toLower());
+    if (found == algorithms.end())
+        return std::nullopt;
+    return static_cast<int>(found - algorithms.begin());
+}
+
+/// Reads the settings of one run out of a parser that has understood the arguments. The first thing that is
+/// wrong is kept as the reason.
+class Reader
+{
+public:
+    explicit Reader(const QCommandLineParser &parser) : parser(parser) {}
+
+    BatchOptions options;
+    QString reason;
+
+    void readCommon()
+    {
+        options.quiet = parser.isSet(quietOption());
+        options.reports = parser.values(reportOption());
+        for (const QString &report : qAsConst(options.reports)) {
+            const QString suffix = QFileInfo(report).suffix().toLower();
+            if (suffix != "csv" && suffix != "json")
+                refuse("a report ends in .csv or .json, not \"" + report + '"');
+        }
+        options.jobs = value<int>(jobsOption(), options.jobs, [](const QString &text) {
+            bool isNumber = false;
+            const int number = text.toInt(&isNumber);
+            const bool isInRange = isNumber && number >= 1 && number <= JobQueues::maximumRunning;
+            return isInRange ? std::make_optional(number) : std::nullopt;
+        });
+    }
+
+    void readReading()
+    {
+        AudioTCOptions reading;
+        reading.allFiles = true;
+        reading.algorithm = value<int>(algorithmOption(), 0, algorithmOf);
+        reading.channel = value<int>(channelOption(), -1, [](const QString &text) {
+            return codeOf(audioChannels, text, "channel %1");
+        });
+        reading.frameRate = value<double>(frameRateOption(), -1.0, frameRateOf);
+        if (parser.isSet(algorithmOption()) || parser.isSet(channelOption()) ||
+            parser.isSet(frameRateOption()))
+            options.reading = reading;
+    }
+
+    void readPaths(const QStringList &paths, const std::function<bool(const QString &)> &exists)
+    {
+        options.paths = paths;
+        if (paths.isEmpty())
+            refuse("give files or folders");
+        for (const QString &path : paths) {
+            if (!exists(path))
+                refuse("no such file or folder: " + path);
+        }
+    }
+
+private:
+    template <typename Value, typename Convert>
+    Value value(const QCommandLineOption &option, Value otherwise, Convert convert)
+    {
+        if (!parser.isSet(option))
+            return otherwise;
+        const QString text = parser.value(option);
+        const auto converted = convert(text);
+        if (!converted)
+            refuse("--" + option.names().constLast() + " cannot be \"" + text + '"');
+        return converted.value_or(otherwise);
+    }
+
+    void refuse(const QString &text)
+    {
+        if (reason.isEmpty())
+            reason = text;
+    }
+
+    const QCommandLineParser &parser;
+};
+
+} // namespace
+
+BatchCommand parseBatchCommand(const QStringList &arguments,
+                               const std::function<bool(const QString &)> &exists)
+{
+    QCommandLineParser parser;
+    addOptions(parser);
+    if (!parser.parse(arguments))
+        return BatchRefusal{parser.errorText()};
+    if (parser.isSet(helpOption()))
+        return BatchAnswer{parser.helpText()};
+    if (parser.isSet(versionOption()))
+        return BatchAnswer{
+            QString("ostrel-batch %1.%2\n").arg(applicationMajorVersion).arg(applicationMinorVersion)};
+    QStringList paths = parser.positionalArguments();
+    if (paths.isEmpty())
+        return BatchRefusal{"give a command; see --help"};
+    const QString command = paths.takeFirst();
+    if (command != "read")
+        return BatchRefusal{"no such command: " + command + "; see --help"};
+
+    Reader reader(parser);
+    reader.readCommon();
+    reader.readReading();
+    reader.readPaths(paths, exists);
+    if (!reader.reason.isEmpty())
+        return BatchRefusal{reader.reason};
+    return reader.options;
+}

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/records/audiotcoptions.h"
+#include "app/records/exportoptions.h"
+#include "control/jobqueues.h"
+
+#include <QStringList>
+
+#include <functional>
+#include <optional>
+#include <variant>
+
+/// What one run of the program without a window is to do.
+struct BatchOptions {
+    QStringList paths;                     ///< files and folders, as dropped on the window
+    QStringList reports;                   ///< files to be written at the end; their suffix says which kind
+    std::optional<AudioTCOptions> reading; ///< none = as the window's import reads
+    int jobs = JobQueues::maximumRunning;  ///< tools that run together at most
+    bool quiet = false;                    ///< neither table nor progress
+};
+
+/// The user asks for this text.
+struct BatchAnswer {
+    QString text;
+};
+
+/// The arguments are wrong.
+struct BatchRefusal {
+    QString reason; ///< one line for people
+};
+
+using BatchCommand = std::variant<BatchOptions, BatchAnswer, BatchRefusal>;
+
+/// Understands \a arguments, the program's name first. \a exists says whether a path names a file or folder.
+BatchCommand parseBatchCommand(const QStringList &arguments,
+                               const std::function<bool(const QString &)> &exists);

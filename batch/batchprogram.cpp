@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+#include "batch/batchprogram.h"
+
+#include "batch/outcome.h"
+#include "batch/reports.h"
+#include "filelist/celltexts.h"
+#include "process/missingtools.h"
+
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <algorithm>
+#include <utility>
+
+namespace
+{
+
+constexpr int widestName = 60;    // [characters] in the table; longer names move their line
+constexpr int widestFileTC = 17;  // [characters] "file TC not found"
+constexpr int widestAudioTC = 32; // [characters] a drop-frame timecode with rate and channel
+
+} // namespace
+
+BatchProgram::BatchProgram(const BatchOptions &options)
+    : options(options), run(&control), console(options.quiet)
+{
+    control.setJobLimit(options.jobs);
+    if (options.reading)
+        control.setImportOptions(*options.reading);
+    connect(&run, &BatchRun::rowDone, this, &BatchProgram::onRowDone);
+    connect(&run, &BatchRun::ended, this, &BatchProgram::onEnded);
+    connect(&run, &BatchRun::progressed, this,
+            [this](const QString &what, int done, int total) { console.showProgress(what, done, total); });
+}
+
+ExitCode BatchProgram::start()
+{
+    const QStringList missing = missingTools();
+    if (!missing.isEmpty()) {
+        console.showProblem("not installed: " + missing.join(", "));
+        return ExitCode::ToolMissing;
+    }
+    if (!areReportsWritable())
+        return ExitCode::WrongUsage;
+    run.start(options.paths);
+    return ExitCode::Done;
+}
+
+void BatchProgram::interrupt()
+{
+    if (std::exchange(isInterrupted, true)) {
+        emit finished(static_cast<int>(ExitCode::SomeFailed));
+        return;
+    }
+    run.stop();
+}
+
+void BatchProgram::onRowDone(int row)
+{
+    const ImportedFiles &files = run.importedFiles();
+    if (!std::exchange(isTableBegun, true)) {
+        int width = 0;
+        for (int other = 0; other < files.count(); ++other)
+            width = std::max(width, files.record(other).fileName.size());
+        console.beginTable(
+            {{"File", std::min(width, widestName)}, {"File TC", widestFileTC}, {"Audio TC", widestAudioTC}});
+    }
+    const FileData &file = files.record(row);
+    const RowStatus &status = files.status(row);
+    const bool isRead = status.audioTC != RowStatus::AudioTC::Unread;
+    console.showRow({file.fileName, celltexts::fileTC(file, status, "-"),
+                     isRead ? celltexts::audioTC(file, status, {}) : reasonFor(file, status)});
+    if (outcomeOf(file, status) == Outcome::Failed)
+        console.showProblem(file.absoluteFilePath + ": " + reasonFor(file, status));
+}
+
+void BatchProgram::onEnded()
+{
+    console.clearBar();
+    if (run.importedFiles().count() == 0)
+        console.showProblem("no media files found");
+    const bool areWritten = writeReports();
+    const bool isDone = areWritten && !isInterrupted && !run.hasFailures();
+    emit finished(static_cast<int>(isDone ? ExitCode::Done : ExitCode::SomeFailed));
+}
+
+/// Before the work, as it may take hours.
+bool BatchProgram::areReportsWritable()
+{
+    for (const QString &path : qAsConst(options.reports)) {
+        const QFileInfo file(path);
+        const bool isWritable =
+            file.exists() ? file.isFile() && file.isWritable() : QFileInfo(file.absolutePath()).isWritable();
+        if (!isWritable) {
+            console.showProblem("cannot write the report " + path);
+            return false;
+        }
+    }
+    return true;
+}
+
+bool BatchProgram::writeReports()
+{
+    const QJsonArray records = run.records();
+    bool areWritten = true;
+    for (const QString &path : qAsConst(options.reports)) {
+        QSaveFile file(path);
+        const QByteArray text = reports::forPath(path, records);
+        if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit())
+            continue;
+        console.showProblem("cannot write the report " + path + ": " + file.errorString());
+        areWritten = false;
+    }
+    return areWritten;
+}

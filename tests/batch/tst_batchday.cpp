@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: MIT
+#include "demo/mediakit/expectedcell.h"
+#include "demo/mediakit/mediamaker.h"
+#include "demo/mediakit/shootday.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+/// A day's files through the whole program with the real tools, judged by what was put into them.
+class TestBatchDay : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void theTableShowsWhatWasRecorded();
+    void theReportSaysWhatWasRecorded_data();
+    void theReportSaysWhatWasRecorded();
+
+private:
+    QTemporaryDir folder;
+    QVector<mediakit::Recording> recordings;
+    QString table;
+    QMap<QString, QJsonObject> lines; ///< of the CSV report, as Python reads them, by file name
+};
+
+namespace
+{
+
+constexpr int runLimit = 120'000; // [ms] on a busy machine
+
+QString nameOf(const mediakit::Recording &recording)
+{
+    return QFileInfo(recording.path).fileName();
+}
+
+} // namespace
+
+void TestBatchDay::initTestCase()
+{
+    recordings = mediakit::shootDay();
+    const QString problem = mediakit::makeAll(recordings, folder.path());
+    QVERIFY2(problem.isEmpty(), qPrintable(problem));
+
+    QProcess batch;
+    batch.start(BATCH, {"read", folder.path(), "--report", folder.filePath("day.csv")});
+    QVERIFY(batch.waitForFinished(runLimit));
+    table = QString::fromUtf8(batch.readAllStandardOutput());
+    QVERIFY2(batch.exitCode() == 1, "one file of the day is broken");
+
+    QProcess python;
+    python.start("python3", {"-c",
+                             "import csv, json, sys\n"
+                             "print(json.dumps(list(csv.DictReader(open(sys.argv[1], newline='')))))",
+                             folder.filePath("day.csv")});
+    QVERIFY(python.waitForFinished(runLimit));
+    const QJsonArray read = QJsonDocument::fromJson(python.readAllStandardOutput()).array();
+    QCOMPARE(read.size(), recordings.size());
+    for (const QJsonValue line : read)
+        lines[line.toObject()["name"].toString()] = line.toObject();
+}
+
+void TestBatchDay::theTableShowsWhatWasRecorded()
+{
+    const QStringList shown = table.split('\n');
+    for (const mediakit::Recording &recording : qAsConst(recordings)) {
+        const QStringList line = shown.filter(nameOf(recording));
+        QCOMPARE(line.size(), 1);
+        QVERIFY2(line.first().endsWith("  " + mediakit::expectedAudioTC(recording)),
+                 qPrintable(line.first()));
+    }
+}
+
+void TestBatchDay::theReportSaysWhatWasRecorded_data()
+{
+    QTest::addColumn<int>("index");
+    for (int i = 0; i < recordings.size(); ++i)
+        QTest::newRow(qPrintable(nameOf(recordings.at(i)))) << i;
+}
+
+void TestBatchDay::theReportSaysWhatWasRecorded()
+{
+    QFETCH(int, index);
+    const mediakit::Recording &recording = recordings.at(index);
+    const QJsonObject line = lines.value(nameOf(recording));
+    QCOMPARE(line["path"].toString(), QDir(folder.path()).filePath(recording.path));
+    QCOMPARE(line["sizeBytes"].toString().toLongLong(), QFileInfo(line["path"].toString()).size());
+    const auto signal = mediakit::timecodeOf(recording);
+    if (recording.broken || !signal) {
+        QCOMPARE(line["result"].toString(), QString(recording.broken ? "failed" : "none"));
+        QCOMPARE(line["audioTimecode"].toString(), QString());
+        QVERIFY(!line["reason"].toString().isEmpty());
+        return;
+    }
+    QCOMPARE(line["result"].toString(), QString(recording.siblingTimecode ? "linked" : "found"));
+    QCOMPARE(line["reason"].toString(), QString());
+    QCOMPARE(line["audioTimecode"].toString(),
+             QString::fromStdString(testsignals::text(testsignals::startTime(*signal), signal->rate)));
+    QVERIFY(std::abs(line["frameRate"].toString().toDouble() - testsignals::framesPerSecond(signal->rate)) <
+            0.001);
+    QCOMPARE(line["dropFrame"].toString(), QString(signal->rate.dropFrame ? "true" : "false"));
+    QCOMPARE(line["sampleRate"].toString().toInt(), recording.sampleRate);
+    // Coded sound moves by some samples; a frame is 1,600 at least.
+    const auto difference = line["samplesSinceMidnight"].toString().toLongLong() -
+                            static_cast<qint64>(testsignals::samplesSinceMidnight(*signal));
+    const bool isPcm = line["soundCodecs"].toString().startsWith("pcm");
+    QVERIFY2(std::abs(difference) <= (isPcm ? 1 : 400), qPrintable(QString::number(difference)));
+    QVERIFY(std::abs(line["durationSeconds"].toString().toDouble() - recording.duration) < 0.1);
+    int channels = 0;
+    for (const mediakit::Track &track : recording.tracks)
+        channels += track.size();
+    QCOMPARE(line["soundChannels"].toString().toInt(), channels);
+    if (recording.siblingTimecode)
+        return;
+    QString channel;
+    for (const mediakit::Track &track : recording.tracks) {
+        for (int i = 0; i < track.size(); ++i) {
+            if (track.at(i).timecode)
+                channel = QString::number(i + 1);
+        }
+    }
+    QCOMPARE(line["channel"].toString(), channel);
+}
+
+QTEST_GUILESS_MAIN(TestBatchDay)
+#include "tst_batchday.moc"
