@@ -13,7 +13,14 @@
 namespace
 {
 
-constexpr std::array algorithms{"auto", "low", "mid", "high", "slope"}; // in the order of their codes
+// In the order of their codes, which are those of the choice boxes.
+constexpr std::array algorithms{"auto", "low", "mid", "high", "slope"};
+constexpr std::array videoTypes{"pass",     "mxf-mpeg2",    "mxf-dnxhd-36",  "mxf-dnxhd-115", "mxf-dnxhd-175",
+                                "mov-pass", "mov-dnxhd-36", "mov-dnxhd-115", "mov-dnxhd-175"};
+constexpr std::array soundTypes{"pass", "pcm16", "pcm24"};
+
+constexpr int firstMxfType = 1;
+constexpr int lastMxfType = 4;
 
 const QCommandLineOption &helpOption()
 {
@@ -31,6 +38,37 @@ const QCommandLineOption &reportOption()
 {
     static const QCommandLineOption option(
         "report", "Writes a report at the end: .csv or .json. May be given several times.", "FILE");
+    return option;
+}
+
+const QCommandLineOption &toOption()
+{
+    static const QCommandLineOption option("to", "Writes the new files into this folder.", "FOLDER");
+    return option;
+}
+
+const QCommandLineOption &videoTypeOption()
+{
+    static const QCommandLineOption option(
+        "video-type",
+        "Picture: pass (as it is, the default), mov-pass, mxf-mpeg2, or mxf- or mov- with dnxhd-36, "
+        "dnxhd-115 or dnxhd-175. The words of the window count too.",
+        "TYPE");
+    return option;
+}
+
+const QCommandLineOption &audioTypeOption()
+{
+    static const QCommandLineOption option(
+        "audio-type", "Sound: pass (as it is, the default; not in MXF), pcm16 (the default in MXF) or pcm24.",
+        "TYPE");
+    return option;
+}
+
+const QCommandLineOption &keepTimecodeOption()
+{
+    static const QCommandLineOption option("keep-timecode-channel",
+                                           "Keeps the timecode audible. Otherwise its channel is left out.");
     return option;
 }
 
@@ -70,12 +108,15 @@ void addOptions(QCommandLineParser &parser)
 {
     parser.setApplicationDescription(
         "Reads the timecode that sound carries on an audio channel (LTC), without a window.\n\n"
-        "  ostrel-batch read [options] PATH...   shows the timecode of each file and writes no media\n\n"
+        "  ostrel-batch read [options] PATH...   shows the timecode of each file and writes no media\n"
+        "  ostrel-batch export --to FOLDER [options] PATH...\n"
+        "                                        writes new files that start with it\n\n"
         "Exit code: 0 done, 1 some files failed, 2 wrong usage, 3 a tool is missing.");
-    parser.addPositionalArgument("command", "read");
+    parser.addPositionalArgument("command", "read or export");
     parser.addPositionalArgument("PATH", "Files and folders with all their sub-folders.", "PATH...");
     parser.addOptions({helpOption(), versionOption(), reportOption(), algorithmOption(), channelOption(),
-                       frameRateOption(), jobsOption(), quietOption()});
+                       frameRateOption(), toOption(), videoTypeOption(), audioTypeOption(),
+                       keepTimecodeOption(), jobsOption(), quietOption()});
 }
 
 /// The code of \a text in \a table, whose own words (such as "channel 2" or "25.00 FPS") count too.
@@ -99,12 +140,30 @@ std::optional<double> frameRateOf(const QString &text)
     return codeOf(frameRates, text, "%1.00 FPS");
 }
 
+template <typename Names>
+std::optional<int> placeOf(const QString &text, const Names &names)
+{
+    const auto *const found = std::find(names.begin(), names.end(), text.toLower());
+    if (found == names.end())
+        return std::nullopt;
+    return static_cast<int>(found - names.begin());
+}
+
 std::optional<int> algorithmOf(const QString &text)
 {
-    const auto *const found = std::find(algorithms.begin(), algorithms.end(), text.toLower());
-    if (found == algorithms.end())
-        return std::nullopt;
-    return static_cast<int>(found - algorithms.begin());
+    return placeOf(text, algorithms);
+}
+
+std::optional<int> videoTypeOf(const QString &text)
+{
+    const auto code = placeOf(text, videoTypes);
+    return code ? code : codeOf(exportTypes, text, "%1");
+}
+
+std::optional<int> soundTypeOf(const QString &text)
+{
+    const auto code = placeOf(text, soundTypes);
+    return code ? code : codeOf(audioTypes, text, "%1");
 }
 
 /// Reads the settings of one run out of a parser that has understood the arguments. The first thing that is
@@ -148,13 +207,41 @@ public:
             options.reading = reading;
     }
 
-    void readPaths(const QStringList &paths, const std::function<bool(const QString &)> &exists)
+    void readExport(const std::function<PathKind(const QString &)> &kindOf)
+    {
+        ExportOptions exporting;
+        exporting.exportAll = true;
+        exporting.exportDir = parser.value(toOption());
+        if (!parser.isSet(toOption()))
+            refuse("give a folder with --to");
+        else if (kindOf(exporting.exportDir) != PathKind::Folder)
+            refuse("no such folder: " + exporting.exportDir);
+        exporting.videoType = value<int>(videoTypeOption(), 0, videoTypeOf);
+        const bool isMxf = exporting.videoType >= firstMxfType && exporting.videoType <= lastMxfType;
+        exporting.audioType = value<int>(audioTypeOption(), isMxf ? 1 : 0, soundTypeOf);
+        if (isMxf && exporting.audioType == 0)
+            refuse("--audio-type cannot be \"" + parser.value(audioTypeOption()) + "\" in MXF");
+        exporting.muteAudioTC = !parser.isSet(keepTimecodeOption());
+        options.exporting = exporting;
+    }
+
+    /// For a command that does not export.
+    void refuseExportOptions(const QString &command)
+    {
+        for (const QCommandLineOption &option :
+             {toOption(), videoTypeOption(), audioTypeOption(), keepTimecodeOption()}) {
+            if (parser.isSet(option))
+                refuse('"' + command + "\" takes no --" + option.names().constFirst());
+        }
+    }
+
+    void readPaths(const QStringList &paths, const std::function<PathKind(const QString &)> &kindOf)
     {
         options.paths = paths;
         if (paths.isEmpty())
             refuse("give files or folders");
         for (const QString &path : paths) {
-            if (!exists(path))
+            if (kindOf(path) == PathKind::Nothing)
                 refuse("no such file or folder: " + path);
         }
     }
@@ -184,7 +271,7 @@ private:
 } // namespace
 
 BatchCommand parseBatchCommand(const QStringList &arguments,
-                               const std::function<bool(const QString &)> &exists)
+                               const std::function<PathKind(const QString &)> &kindOf)
 {
     QCommandLineParser parser;
     addOptions(parser);
@@ -199,13 +286,17 @@ BatchCommand parseBatchCommand(const QStringList &arguments,
     if (paths.isEmpty())
         return BatchRefusal{"give a command; see --help"};
     const QString command = paths.takeFirst();
-    if (command != "read")
+    if (command != "read" && command != "export")
         return BatchRefusal{"no such command: " + command + "; see --help"};
 
     Reader reader(parser);
     reader.readCommon();
     reader.readReading();
-    reader.readPaths(paths, exists);
+    if (command == "export")
+        reader.readExport(kindOf);
+    else
+        reader.refuseExportOptions(command);
+    reader.readPaths(paths, kindOf);
     if (!reader.reason.isEmpty())
         return BatchRefusal{reader.reason};
     return reader.options;

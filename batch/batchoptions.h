@@ -13,11 +13,12 @@
 
 /// What one run of the program without a window is to do.
 struct BatchOptions {
-    QStringList paths;                     ///< files and folders, as dropped on the window
-    QStringList reports;                   ///< files to be written at the end; their suffix says which kind
-    std::optional<AudioTCOptions> reading; ///< none = as the window's import reads
-    int jobs = JobQueues::maximumRunning;  ///< tools that run together at most
-    bool quiet = false;                    ///< neither table nor progress
+    QStringList paths;                      ///< files and folders, as dropped on the window
+    QStringList reports;                    ///< files to be written at the end; their suffix says which kind
+    std::optional<AudioTCOptions> reading;  ///< none = as the window's import reads
+    std::optional<ExportOptions> exporting; ///< none = nothing is exported
+    int jobs = JobQueues::maximumRunning;   ///< tools that run together at most
+    bool quiet = false;                     ///< neither table nor progress
 };
 
 /// The user asks for this text.
@@ -32,6 +33,9 @@ struct BatchRefusal {
 
 using BatchCommand = std::variant<BatchOptions, BatchAnswer, BatchRefusal>;
 
-/// Understands \a arguments, the program's name first. \a exists says whether a path names a file or folder.
+/// What is at a path.
+enum class PathKind { Nothing, File, Folder };
+
+/// Understands \a arguments, the program's name first. \a kindOf says what is at a path.
 BatchCommand parseBatchCommand(const QStringList &arguments,
-                               const std::function<bool(const QString &)> &exists);
+                               const std::function<PathKind(const QString &)> &kindOf);

@@ -22,7 +22,7 @@ constexpr int widestAudioTC = 32; // [characters] a drop-frame timecode with rat
 } // namespace
 
 BatchProgram::BatchProgram(const BatchOptions &options)
-    : options(options), run(&control), console(options.quiet)
+    : options(options), run(&control, options.exporting), console(options.quiet)
 {
     control.setJobLimit(options.jobs);
     if (options.reading)
@@ -62,16 +62,25 @@ void BatchProgram::onRowDone(int row)
         int width = 0;
         for (int other = 0; other < files.count(); ++other)
             width = std::max(width, files.record(other).fileName.size());
-        console.beginTable(
-            {{"File", std::min(width, widestName)}, {"File TC", widestFileTC}, {"Audio TC", widestAudioTC}});
+        QVector<PrintedTable::Column> columns{
+            {"File", std::min(width, widestName)}, {"File TC", widestFileTC}, {"Audio TC", widestAudioTC}};
+        if (options.exporting)
+            columns += {{"Exported file", std::min(width, widestName)}, {"Export", 0}};
+        console.beginTable(columns);
     }
     const FileData &file = files.record(row);
     const RowStatus &status = files.status(row);
     const bool isRead = status.audioTC != RowStatus::AudioTC::Unread;
-    console.showRow({file.fileName, celltexts::fileTC(file, status, "-"),
-                     isRead ? celltexts::audioTC(file, status, {}) : reasonFor(file, status)});
-    if (outcomeOf(file, status) == Outcome::Failed)
-        console.showProblem(file.absoluteFilePath + ": " + reasonFor(file, status));
+    QStringList cells{file.fileName, celltexts::fileTC(file, status, "-"),
+                      isRead ? celltexts::audioTC(file, status, {}) : reasonFor(file, status)};
+    if (options.exporting) {
+        const ExportState &exported = run.exportState(row);
+        cells += exported.path.isEmpty() ? QString("-") : QFileInfo(exported.path).fileName();
+        cells += wordFor(exported);
+    }
+    console.showRow(cells);
+    if (run.hasFailed(row))
+        console.showProblem(file.absoluteFilePath + ": " + run.reasonOf(row));
 }
 
 void BatchProgram::onEnded()

@@ -5,28 +5,50 @@
 #include "batch/reportrecord.h"
 #include "control/maincontrol.h"
 
+#include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
-#include <utility>
 
-BatchRun::BatchRun(MainControl *control) : control(control)
+namespace
+{
+
+/// Gives what is at \a path a name that says that it was not proven to be whole. Returns the name; empty
+/// where nothing is there.
+QString unproven(const QString &path)
+{
+    const QString renamed = path + ".unverified";
+    if (!QFile::exists(path))
+        return {};
+    QFile::remove(renamed); // of an earlier run
+    return QFile::rename(path, renamed) ? renamed : path;
+}
+
+} // namespace
+
+BatchRun::BatchRun(MainControl *control, const std::optional<ExportOptions> &exporting)
+    : control(control), exporting(exporting)
 {
     constexpr auto queued = Qt::QueuedConnection; // the controller is not called back inside its own signals
     connect(this, &BatchRun::iterateThroughDirReq, control, &MainControl::onIterateThroughDir, queued);
     connect(this, &BatchRun::ffprobeFileReq, control, &MainControl::onFFProbeFile, queued);
     connect(this, &BatchRun::initAudioTCInfoReq, control, &MainControl::onInitAudioTCInfo, queued);
+    connect(this, &BatchRun::exportFilesReq, control, &MainControl::onExportReq, queued);
+    connect(this, &BatchRun::cancelExport, control, &MainControl::onExportCancel, queued);
     connect(control, &MainControl::gotFileFromDir, this, &BatchRun::addFile, queued);
     connect(control, &MainControl::ffprobeResult, this, &BatchRun::onFFProbeResult, queued);
     connect(control, &MainControl::audioTCReadResult, this, &BatchRun::onAudioTCReadReturn, queued);
     connect(control, &MainControl::importProgress, this, &BatchRun::onImportProgress, queued);
     connect(control, &MainControl::importReady, this, &BatchRun::onImportEnd, queued);
     connect(control, &MainControl::importIdle, this, &BatchRun::onImportEnd, queued);
+    connect(control, &MainControl::exportProgress, this, &BatchRun::onExportProgress, queued);
+    connect(control, &MainControl::fileExported, this, &BatchRun::onFileExported, queued);
+    connect(control, &MainControl::exportReady, this, &BatchRun::onExportEnd, queued);
 }
 
 void BatchRun::start(const QStringList &paths)
 {
-    isRunning = true;
+    phase = Phase::Reading;
     QList<QUrl> urls;
     for (const QString &path : paths)
         urls += QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath());
@@ -35,23 +57,37 @@ void BatchRun::start(const QStringList &paths)
 
 void BatchRun::stop()
 {
-    if (!isRunning)
-        return;
-    control->shutDown();
-    onImportEnd();
+    isStopped = true;
+    if (phase == Phase::Exporting) {
+        emit cancelExport();
+    } else if (phase == Phase::Reading) {
+        control->shutDown();
+        onImportEnd();
+    }
+}
+
+bool BatchRun::hasFailed(int row) const
+{
+    const bool isExportMissing = exports.at(row).kind == ExportState::Kind::Failed ||
+                                 exports.at(row).kind == ExportState::Kind::UnderWay;
+    return isExportMissing || outcomeOf(files.record(row), files.status(row)) == Outcome::Failed;
+}
+
+QString BatchRun::reasonOf(int row) const
+{
+    const QString reason = reasonFor(exports.at(row));
+    return reason.isEmpty() ? reasonFor(files.record(row), files.status(row)) : reason;
 }
 
 QJsonArray BatchRun::records() const
 {
-    QVector<int> rows = files.allRows(); // in the order in which the file system names them
-    std::sort(rows.begin(), rows.end(), [this](int first, int second) {
-        return files.record(first).absoluteFilePath < files.record(second).absoluteFilePath;
-    });
     QJsonArray records;
-    for (const int row : qAsConst(rows)) {
+    const QVector<int> rows = rowsByPath();
+    for (const int row : rows) {
         const FileData &file = files.record(row);
         const QFileInfo info(file.absoluteFilePath);
-        records += reportrecord::make(file, files.status(row), info.exists() ? info.size() : -1);
+        const qint64 size = info.exists() ? info.size() : -1;
+        records += reportrecord::make(file, files.status(row), size, exports.at(row));
     }
     return records;
 }
@@ -59,23 +95,22 @@ QJsonArray BatchRun::records() const
 bool BatchRun::hasFailures() const
 {
     const QVector<int> rows = files.allRows();
-    return std::any_of(rows.cbegin(), rows.cend(), [this](int row) {
-        return outcomeOf(files.record(row), files.status(row)) == Outcome::Failed;
-    });
+    return std::any_of(rows.cbegin(), rows.cend(), [this](int row) { return hasFailed(row); });
 }
 
 void BatchRun::addFile(QFileInfo fileInfo)
 {
-    if (!isRunning)
+    if (phase != Phase::Reading)
         return;
     const int row = files.add(fileInfo);
     open.add(files.record(row));
+    exports += ExportState();
     emit ffprobeFileReq(files.record(row), row);
 }
 
 void BatchRun::onFFProbeResult(FileData fileData, int fileNumber, int exitCode)
 {
-    if (!isRunning || !files.contains(fileNumber))
+    if (phase != Phase::Reading || !files.contains(fileNumber))
         return;
     files.takeProbe(fileData, fileNumber, exitCode);
     if (exitCode != 0) {
@@ -89,7 +124,7 @@ void BatchRun::onFFProbeResult(FileData fileData, int fileNumber, int exitCode)
 void BatchRun::onAudioTCReadReturn(QJsonObject ltcResultJson, int fileNumber, int audioTCStreamIndex,
                                    int exitCode)
 {
-    if (!isRunning || !files.contains(fileNumber))
+    if (phase != Phase::Reading || !files.contains(fileNumber))
         return;
     files.takeReading(ltcResultJson, fileNumber, audioTCStreamIndex, exitCode);
     const bool isExtractionFailure = audioTCStreamIndex < 0;
@@ -98,20 +133,98 @@ void BatchRun::onAudioTCReadReturn(QJsonObject ltcResultJson, int fileNumber, in
 
 void BatchRun::onImportProgress(int current, int total)
 {
-    if (isRunning)
+    if (phase == Phase::Reading)
         emit progressed("reading", current, total);
 }
 
 void BatchRun::onImportEnd()
 {
-    if (!std::exchange(isRunning, false))
+    if (phase != Phase::Reading)
         return;
     report(open.takeRest());
+    if (exporting && !isStopped)
+        startExport();
+    else
+        end();
+}
+
+void BatchRun::startExport()
+{
+    phase = Phase::Exporting;
+    // In the order of their paths, so that files of one name get the same numbers in each run.
+    QVector<int> rows = rowsByPath();
+    const auto isUnread = [this](int row) {
+        return outcomeOf(files.record(row), files.status(row)) == Outcome::Failed;
+    };
+    rows.erase(std::remove_if(rows.begin(), rows.end(), isUnread), rows.end());
+    const QVector<FileData> taken = files.takeForExport(rows, *exporting);
+    for (const int row : qAsConst(rows))
+        exports[row].kind = ExportState::Kind::LeftOut;
+    for (const FileData &file : taken)
+        exports[file.rowNumber].kind = ExportState::Kind::UnderWay;
+    for (const int row : qAsConst(rows)) {
+        if (exports.at(row).kind == ExportState::Kind::LeftOut)
+            emit rowDone(row);
+    }
+    if (taken.isEmpty())
+        end();
+    else
+        emit exportFilesReq(taken, *exporting);
+}
+
+void BatchRun::onExportProgress(int current, int total)
+{
+    if (phase != Phase::Exporting || isStopped)
+        return;
+    // Between the begin and the end, which count otherwise, files are worth many units each.
+    if (total > files.count())
+        emit progressed("exporting", current, total);
+}
+
+void BatchRun::onFileExported(int rowNumber, QString outputPath, int exitCode)
+{
+    if (phase != Phase::Exporting || !files.contains(rowNumber))
+        return;
+    if (isStopped && !QFile::exists(outputPath)) // cancelled
+        return;
+    ExportState &exported = exports[rowNumber];
+    exported.exitCode = exitCode;
+    exported.kind = exitCode == 0 ? ExportState::Kind::Written : ExportState::Kind::Failed;
+    exported.path = exitCode == 0 ? outputPath : unproven(outputPath);
+    emit rowDone(rowNumber);
+}
+
+void BatchRun::onExportEnd()
+{
+    if (phase != Phase::Exporting)
+        return;
+    for (int row = 0; row < files.count(); ++row) {
+        if (exports.at(row).kind == ExportState::Kind::UnderWay)
+            emit rowDone(row);
+    }
+    end();
+}
+
+void BatchRun::end()
+{
+    phase = Phase::Idle;
     emit ended();
 }
 
+QVector<int> BatchRun::rowsByPath() const
+{
+    QVector<int> rows = files.allRows(); // in the order in which the file system names them
+    std::sort(rows.begin(), rows.end(), [this](int first, int second) {
+        return files.record(first).absoluteFilePath < files.record(second).absoluteFilePath;
+    });
+    return rows;
+}
+
+/// Of an import. A file that is to be exported is not done by it.
 void BatchRun::report(const QVector<int> &rows)
 {
-    for (const int row : rows)
-        emit rowDone(row);
+    for (const int row : rows) {
+        if (!exporting || isStopped || outcomeOf(files.record(row), files.status(row)) == Outcome::Failed)
+            emit rowDone(row);
+    }
 }

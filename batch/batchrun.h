@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/records/exportoptions.h"
+#include "batch/exportstate.h"
 #include "batch/openrows.h"
 #include "filelist/importedfiles.h"
 
@@ -9,10 +11,12 @@
 #include <QStringList>
 #include <QUrl>
 
+#include <optional>
+
 class MainControl;
 
-/// One run without a window: has the controller import files, as the table of the window does, and knows when
-/// a file is done.
+/// One run without a window: has the controller import files and export them, as the table of the window
+/// does, and knows when a file is done.
 ///
 /// Lives in the controller's thread; all calls between the two are queued, as they are between two threads.
 class BatchRun : public QObject
@@ -20,17 +24,26 @@ class BatchRun : public QObject
     Q_OBJECT
 
 public:
-    /// \a control answers the requests; it is not owned.
-    explicit BatchRun(MainControl *control);
+    /// \a control answers the requests; it is not owned. Without \a exporting nothing is exported.
+    BatchRun(MainControl *control, const std::optional<ExportOptions> &exporting);
 
     /// Begins with \a paths, files and folders. ended() follows in any case.
     void start(const QStringList &paths);
 
-    /// Ends the run now: no tool goes on, and what is not done stays so. ended() comes inside this call,
-    /// unless it has come before.
+    /// Ends the run soon: no tool goes on, what is not done stays so, and half-written files are removed.
+    /// ended() follows, unless it has come before.
     void stop();
 
     const ImportedFiles &importedFiles() const { return files; }
+
+    /// How the export of the existing \a row has come out.
+    const ExportState &exportState(int row) const { return exports.at(row); }
+
+    /// Whether \a row was not read, or not exported although that was asked for.
+    bool hasFailed(int row) const;
+
+    /// Why, or why there is no timecode or no new file; empty where all is well.
+    QString reasonOf(int row) const;
 
     /// What the reports say of all files, in the order of their paths.
     QJsonArray records() const;
@@ -42,6 +55,8 @@ signals:
     void iterateThroughDirReq(QList<QUrl> urls);
     void ffprobeFileReq(FileData fileData, int rowNumber);
     void initAudioTCInfoReq(FileData fileData, int rowNumber);
+    void exportFilesReq(QVector<FileData> exportFileVector, ExportOptions exportOptions);
+    void cancelExport();
 
     /// No further result will change \a row; all rows are known by the first time.
     void rowDone(int row);
@@ -54,12 +69,23 @@ private slots:
     void onAudioTCReadReturn(QJsonObject ltcResultJson, int fileNumber, int audioTCStreamIndex, int exitCode);
     void onImportProgress(int current, int total);
     void onImportEnd();
+    void onExportProgress(int current, int total);
+    void onFileExported(int rowNumber, QString outputPath, int exitCode);
+    void onExportEnd();
 
 private:
+    enum class Phase { Idle, Reading, Exporting };
+
+    QVector<int> rowsByPath() const;
     void report(const QVector<int> &rows);
+    void startExport();
+    void end();
 
     MainControl *control;
+    std::optional<ExportOptions> exporting;
     ImportedFiles files; ///< one record per row, in row order
     OpenRows open;
-    bool isRunning = false;
+    QVector<ExportState> exports; ///< in row order
+    Phase phase = Phase::Idle;
+    bool isStopped = false; ///< by stop()
 };

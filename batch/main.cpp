@@ -12,6 +12,14 @@
 namespace
 {
 
+PathKind kindOf(const QString &path)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return PathKind::Nothing;
+    return info.isDir() ? PathKind::Folder : PathKind::File;
+}
+
 int run(const BatchOptions &options)
 {
     BatchProgram program(options);
@@ -33,8 +41,7 @@ int main(int argc, char *argv[])
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName("ostrel-batch");
 
-    const BatchCommand command = parseBatchCommand(
-        QCoreApplication::arguments(), [](const QString &path) { return QFileInfo::exists(path); });
+    const BatchCommand command = parseBatchCommand(QCoreApplication::arguments(), kindOf);
     if (const auto *options = std::get_if<BatchOptions>(&command))
         return run(*options);
     if (const auto *answer = std::get_if<BatchAnswer>(&command)) {

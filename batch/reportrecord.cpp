@@ -77,12 +77,12 @@ const QStringList &keys()
         "soundCodecs", "soundStreams", "soundChannels", "fileTimecode",   "audioTimecode",
         "frameRate",   "dropFrame",    "stream",        "channel",        "samplesSinceMidnight",
         "sampleRate",  "confidence",   "levelDbfs",     "clockOffsetPpm", "userBits",
-        "linkedFrom",
+        "linkedFrom",  "exportResult", "exportPath",
     };
     return all;
 }
 
-QJsonObject make(const FileData &file, const RowStatus &status, qint64 size)
+QJsonObject make(const FileData &file, const RowStatus &status, qint64 size, const ExportState &exported)
 {
     QJsonObject record;
     for (const QString &key : keys())
@@ -91,7 +91,8 @@ QJsonObject make(const FileData &file, const RowStatus &status, qint64 size)
     record["name"] = file.fileName;
     record["path"] = file.absoluteFilePath;
     record["result"] = wordFor(outcome);
-    record["reason"] = textOrNull(reasonFor(file, status));
+    const QString exportReason = reasonFor(exported);
+    record["reason"] = textOrNull(exportReason.isEmpty() ? reasonFor(file, status) : exportReason);
     if (size >= 0)
         record["sizeBytes"] = size;
     if (!file.streams.isEmpty()) {
@@ -104,6 +105,8 @@ QJsonObject make(const FileData &file, const RowStatus &status, qint64 size)
         addReading(record, file, outcome == Outcome::Found);
     if (outcome == Outcome::Linked)
         record["linkedFrom"] = status.sourceName;
+    record["exportResult"] = textOrNull(wordFor(exported));
+    record["exportPath"] = textOrNull(exported.path);
     return record;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/records/filedata.h"
+#include "batch/exportstate.h"
 #include "filelist/importedfiles.h"
 
 #include <QJsonObject>
@@ -15,6 +16,7 @@ namespace reportrecord
 const QStringList &keys();
 
 /// The record of \a file, of \a size [bytes]; a negative size is not known.
-QJsonObject make(const FileData &file, const RowStatus &status, qint64 size);
+QJsonObject make(const FileData &file, const RowStatus &status, qint64 size,
+                 const ExportState &exported = {});
 
 } // namespace reportrecord

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "app/records/optiontables.h"
 #include "batch/batchoptions.h"
 
 #include <QTest>
@@ -12,6 +13,8 @@ private slots:
     void reportsAndPathsKeepTheirOrder();
     void theReadingIsChosen_data();
     void theReadingIsChosen();
+    void anExportIsChosen_data();
+    void anExportIsChosen();
     void wrongUsageIsRefused_data();
     void wrongUsageIsRefused();
     void questionsAreAnswered();
@@ -20,14 +23,16 @@ private slots:
 namespace
 {
 
-bool isThere(const QString &path)
+PathKind kindOf(const QString &path)
 {
-    return path != "missing";
+    if (path == "missing")
+        return PathKind::Nothing;
+    return path == "out" ? PathKind::Folder : PathKind::File;
 }
 
 BatchCommand parse(const QStringList &arguments)
 {
-    return parseBatchCommand(QStringList{"ostrel-batch"} + arguments, isThere);
+    return parseBatchCommand(QStringList{"ostrel-batch"} + arguments, kindOf);
 }
 
 BatchOptions optionsOf(const QStringList &arguments)
@@ -90,6 +95,39 @@ void TestBatchOptions::theReadingIsChosen()
     QTEST(options.reading->frameRate, "frameRate");
 }
 
+void TestBatchOptions::anExportIsChosen_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("videoType");
+    QTest::addColumn<int>("audioType");
+    QTest::addColumn<bool>("mute");
+    QTest::newRow("nothing chosen") << QStringList{} << 0 << 0 << true;
+    QTest::newRow("the timecode stays") << QStringList{"--keep-timecode-channel"} << 0 << 0 << false;
+    QTest::newRow("sound in MXF") << QStringList{"--video-type", "mxf-mpeg2"} << 1 << 1 << true;
+    QTest::newRow("deeper sound in MXF")
+        << QStringList{"--video-type", "mxf-dnxhd-175", "--audio-type", "pcm24"} << 4 << 2 << true;
+    const QStringList names{"pass",     "mxf-mpeg2",    "mxf-dnxhd-36",  "mxf-dnxhd-115", "mxf-dnxhd-175",
+                            "mov-pass", "mov-dnxhd-36", "mov-dnxhd-115", "mov-dnxhd-175"};
+    for (int code = 0; code < names.size(); ++code)
+        QTest::newRow(qPrintable(names.at(code)))
+            << QStringList{"--video-type", names.at(code), "--audio-type", "pcm16"} << code << 1 << true;
+    for (auto type = exportTypes.begin(); type != exportTypes.end(); ++type)
+        QTest::newRow(qPrintable("the window's " + type.key()))
+            << QStringList{"--video-type", type.key(), "--audio-type", "PCM 24 bit"} << type.value() << 2
+            << true;
+}
+
+void TestBatchOptions::anExportIsChosen()
+{
+    QFETCH(QStringList, arguments);
+    const BatchOptions options = optionsOf(QStringList{"export", "--to", "out", "card"} + arguments);
+    QVERIFY(options.exporting);
+    QCOMPARE(options.exporting->exportDir, QString("out"));
+    QTEST(options.exporting->videoType, "videoType");
+    QTEST(options.exporting->audioType, "audioType");
+    QTEST(options.exporting->muteAudioTC, "mute");
+}
+
 void TestBatchOptions::wrongUsageIsRefused_data()
 {
     QTest::addColumn<QStringList>("arguments");
@@ -112,6 +150,18 @@ void TestBatchOptions::wrongUsageIsRefused_data()
         << read + QStringList{"--frame-rate", "48"} << "--frame-rate cannot be \"48\"";
     QTest::newRow("an unknown algorithm")
         << read + QStringList{"--algorithm", "best"} << "--algorithm cannot be \"best\"";
+    const QStringList exporting{"export", "--to", "out", "card"};
+    QTest::newRow("an export to nowhere") << QStringList{"export", "card"} << "give a folder with --to";
+    QTest::newRow("an export into a folder that is not there")
+        << QStringList{"export", "--to", "missing", "card"} << "no such folder: missing";
+    QTest::newRow("an export into a file")
+        << QStringList{"export", "--to", "file", "card"} << "no such folder: file";
+    QTest::newRow("an unknown picture")
+        << exporting + QStringList{"--video-type", "avi"} << "--video-type cannot be \"avi\"";
+    QTest::newRow("MXF holds no other sound")
+        << exporting + QStringList{"--video-type", "mxf-mpeg2", "--audio-type", "pass"}
+        << "--audio-type cannot be \"pass\" in MXF";
+    QTest::newRow("a read writes nothing") << read + QStringList{"--to", "out"} << "\"read\" takes no --to";
 }
 
 void TestBatchOptions::wrongUsageIsRefused()

@@ -30,6 +30,10 @@ private slots:
     void interruptedOnceItReportsWhatIsDone();
     void interruptedTwiceItEndsAtOnce();
     void aFolderWithoutMediaIsDone();
+    void aDayIsExported();
+    void anExportThatFailsLeavesNoFileOfItsName();
+    void whatCannotBeReadIsNotExported();
+    void anInterruptedExportLeavesNoHalfFile();
 
 private:
     struct Run {
@@ -42,7 +46,10 @@ private:
     QString makeFile(const QString &name, const QJsonObject &plan = {}) const;
     QJsonArray reported(const QString &path) const;
 
+    QString out() const { return target->path(); }
+
     std::unique_ptr<QTemporaryDir> media;
+    std::unique_ptr<QTemporaryDir> target; ///< of exports
     std::unique_ptr<QTemporaryDir> system; ///< the system's temporary folder for the program
 };
 
@@ -59,6 +66,7 @@ QJsonObject plan(const QString &job, const QJsonObject &part)
 void TestBatchProgram::init()
 {
     media = std::make_unique<QTemporaryDir>();
+    target = std::make_unique<QTemporaryDir>();
     system = std::make_unique<QTemporaryDir>();
 }
 
@@ -253,6 +261,76 @@ void TestBatchProgram::aFolderWithoutMediaIsDone()
     QCOMPARE(nothing.exitCode, 0);
     QCOMPARE(nothing.errors, QString("ostrel-batch: no media files found\n"));
     QCOMPARE(nothing.output, QString());
+}
+
+void TestBatchProgram::aDayIsExported()
+{
+    makeFile("card2/a.mov");
+    makeFile("card1/a.mov");
+    const QJsonObject oneChannel{
+        {"codec_type", "audio"}, {"codec_name", "pcm_s24le"}, {"channels", 1}, {"sample_rate", "48000"}};
+    makeFile("sound/alone.wav",
+             plan("probe", {{"json", QJsonObject{{"streams", QJsonArray{oneChannel}},
+                                                 {"format", QJsonObject{{"duration", "10.0"}}}}}}));
+    const QString report = media->filePath("day.json");
+    const Run day = run({"export", "--to", out(), "--video-type", "mov-pass", "--report", report,
+                         media->filePath("card1"), media->filePath("card2"), media->filePath("sound")});
+    QCOMPARE(day.exitCode, 0);
+    QVERIFY(day.errors.contains("exporting: 100 %\n"));
+    QCOMPARE(QDir(out()).entryList(QDir::Files), (QStringList{"a.MOV", "a_1.MOV"}));
+    const QJsonArray records = reported(report);
+    const auto field = [&](int i, const char *key) {
+        return records.at(i).toObject()[QLatin1String(key)].toString();
+    };
+    QCOMPARE(field(0, "exportPath"), out() + "/a.MOV"); // of the first card
+    QCOMPARE(field(0, "exportResult"), QString("written"));
+    QCOMPARE(field(1, "exportPath"), out() + "/a_1.MOV");
+    QCOMPARE(field(2, "exportResult"), QString("left out"));
+    QCOMPARE(field(2, "reason"), QString("the file holds nothing but timecode"));
+}
+
+void TestBatchProgram::anExportThatFailsLeavesNoFileOfItsName()
+{
+    const QJsonArray halfWay{QJsonObject{{"work", true}}};
+    const QString bad = makeFile("bad.mov", plan("export", {{"actions", halfWay}, {"exitCode", 7}}));
+    makeFile("good.mov");
+    const Run both = run({"export", "--to", out(), media->path()});
+    QCOMPARE(both.exitCode, 1);
+    QVERIFY(both.errors.contains(bad + ": the export tool has failed with code 7\n"));
+    QCOMPARE(QDir(out()).entryList(QDir::Files), (QStringList{"bad.mov.unverified", "good.mov"}));
+}
+
+void TestBatchProgram::whatCannotBeReadIsNotExported()
+{
+    const QString bad = makeFile("bad.mov", plan("read", {{"exitCode", 201}}));
+    const QString none = makeFile("none.mov", plan("read", {{"exitCode", 205}}));
+    const Run both = run({"export", "--to", out(), media->path()});
+    QCOMPARE(both.exitCode, 1);
+    QVERIFY(both.errors.contains(bad + ": could not open file\n"));
+    QVERIFY(faketools::calls(bad, "export").isEmpty()); // its timecode would be missing
+    QCOMPARE(faketools::calls(none, "export").size(), 1);
+}
+
+void TestBatchProgram::anInterruptedExportLeavesNoHalfFile()
+{
+    makeFile("done.mov");
+    const QJsonArray halfWay{QJsonObject{{"work", true}}, QJsonObject{{"waitFor", "never"}}};
+    const QString hanging = makeFile("hanging.mov", plan("export", {{"actions", halfWay}}));
+    QProcess process;
+    prepare(process, {"export", "--to", out(), media->path()});
+    process.start();
+    QByteArray output;
+    const auto isShown = [&](const char *text) {
+        output += process.readAllStandardOutput();
+        return output.contains(text);
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(isShown("done.mov"), longWait);
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(out() + "/hanging.mov"), longWait);
+    QCOMPARE(kill(static_cast<pid_t>(process.processId()), SIGTERM), 0);
+    QVERIFY(process.waitForFinished(longWait));
+    QCOMPARE(process.exitCode(), 1);
+    QVERIFY(process.readAllStandardError().contains("hanging.mov: not exported"));
+    QCOMPARE(QDir(out()).entryList(QDir::Files), QStringList{"done.mov"});
 }
 
 QTEST_GUILESS_MAIN(TestBatchProgram)

@@ -80,13 +80,14 @@ void TestReportRecord::aRecordHasAllKeys()
 
 void TestReportRecord::aFileWithTimecodeIsDescribed()
 {
-    const QJsonObject record =
-        reportrecord::make(withTimecode(cameraFile()), statusOf(RowStatus::AudioTC::Found), 1234567);
+    const ExportState exported{ExportState::Kind::Failed, "/out/A001.MOV.unverified", 7};
+    const QJsonObject record = reportrecord::make(withTimecode(cameraFile()),
+                                                  statusOf(RowStatus::AudioTC::Found), 1234567, exported);
     const QJsonObject expected{
         {"name", "A001.mov"},
         {"path", "/card/A001.mov"},
         {"result", "found"},
-        {"reason", QJsonValue()},
+        {"reason", "the export tool has failed with code 7"},
         {"durationSeconds", 5.5},
         {"sizeBytes", 1234567},
         {"pictureRate", "30000/1001"},
@@ -109,6 +110,8 @@ void TestReportRecord::aFileWithTimecodeIsDescribed()
         {"clockOffsetPpm", 1.5},
         {"userBits", "0000002a"},
         {"linkedFrom", QJsonValue()},
+        {"exportResult", "failed"},
+        {"exportPath", "/out/A001.MOV.unverified"},
     };
     for (const QString &key : reportrecord::keys())
         QVERIFY2(record[key] == expected[key], qPrintable(key));
