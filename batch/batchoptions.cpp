@@ -3,9 +3,9 @@
 
 #include "app/records/applicationinfo.h"
 #include "app/records/optiontables.h"
+#include "batch/reports.h"
 
 #include <QCommandLineParser>
-#include <QFileInfo>
 
 #include <algorithm>
 #include <array>
@@ -37,7 +37,8 @@ const QCommandLineOption &versionOption()
 const QCommandLineOption &reportOption()
 {
     static const QCommandLineOption option(
-        "report", "Writes a report at the end: .csv or .json. May be given several times.", "FILE");
+        "report", "Writes a report at the end: .csv, .json, .ale or .html. May be given several times.",
+        "FILE");
     return option;
 }
 
@@ -181,9 +182,8 @@ public:
         options.quiet = parser.isSet(quietOption());
         options.reports = parser.values(reportOption());
         for (const QString &report : qAsConst(options.reports)) {
-            const QString suffix = QFileInfo(report).suffix().toLower();
-            if (suffix != "csv" && suffix != "json")
-                refuse("a report ends in .csv or .json, not \"" + report + '"');
+            if (!reports::isReportName(report))
+                refuse("a report ends in .csv, .json, .ale or .html, not \"" + report + '"');
         }
         options.jobs = value<int>(jobsOption(), options.jobs, [](const QString &text) {
             bool isNumber = false;

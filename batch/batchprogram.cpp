@@ -113,12 +113,14 @@ bool BatchProgram::writeReports()
     const QJsonArray records = run.records();
     bool areWritten = true;
     for (const QString &path : qAsConst(options.reports)) {
-        QSaveFile file(path);
-        const QByteArray text = reports::forPath(path, records);
-        if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit())
-            continue;
-        console.showProblem("cannot write the report " + path + ": " + file.errorString());
-        areWritten = false;
+        for (const reports::ReportFile &report : reports::forPath(path, records)) {
+            QSaveFile file(report.path);
+            if (file.open(QIODevice::WriteOnly) && file.write(report.content) == report.content.size() &&
+                file.commit())
+                continue;
+            console.showProblem("cannot write the report " + report.path + ": " + file.errorString());
+            areWritten = false;
+        }
     }
     return areWritten;
 }

@@ -2,6 +2,8 @@
 #include "batch/reports.h"
 
 #include "app/records/applicationinfo.h"
+#include "batch/alereport.h"
+#include "batch/htmlreport.h"
 #include "batch/reportrecord.h"
 
 #include <QFileInfo>
@@ -74,14 +76,29 @@ QByteArray json(const QJsonArray &records)
         .toJson();
 }
 
-QByteArray forPath(const QString &path, const QJsonArray &records)
+bool isReportName(const QString &path)
+{
+    static const QStringList suffixes{"csv", "json", "ale", "html"};
+    return suffixes.contains(QFileInfo(path).suffix().toLower());
+}
+
+QVector<ReportFile> forPath(const QString &path, const QJsonArray &records)
 {
     const QString suffix = QFileInfo(path).suffix().toLower();
     if (suffix == "csv")
-        return csv(records);
+        return {{path, csv(records)}};
     if (suffix == "json")
-        return json(records);
-    return {};
+        return {{path, json(records)}};
+    if (suffix == "html")
+        return {{path, htmlreport::make(records)}};
+
+    QVector<ReportFile> files;
+    for (const alereport::Log &log : alereport::make(records)) {
+        const QString stem = path.left(path.size() - suffix.size() - 1);
+        const QString name = files.isEmpty() ? path : stem + '-' + log.rate + path.right(suffix.size() + 1);
+        files += ReportFile{name, log.content};
+    }
+    return files;
 }
 
 } // namespace reports

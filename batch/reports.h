@@ -4,6 +4,7 @@
 #include <QByteArray>
 #include <QJsonArray>
 #include <QString>
+#include <QVector>
 
 /// The reports of a run, made of its records (see reportrecord).
 namespace reports
@@ -19,7 +20,17 @@ QByteArray json(const QJsonArray &records);
 /// How many of \a records ended with each result: "files", "found", "linked", "none" and "failed".
 QJsonObject summary(const QJsonArray &records);
 
-/// The report that the suffix of \a path asks for, in any case of letters; none for other suffixes.
-QByteArray forPath(const QString &path, const QJsonArray &records);
+/// A file that a report consists of.
+struct ReportFile {
+    QString path;
+    QByteArray content;
+};
+
+/// Whether a report can have the name \a path: whether its suffix, in any case of letters, is one of a kind.
+bool isReportName(const QString &path);
+
+/// The report that \a path names. Kinds that hold one frame rate only become a file for each rate: the most
+/// frequent one gets \a path.
+QVector<ReportFile> forPath(const QString &path, const QJsonArray &records);
 
 } // namespace reports

@@ -18,6 +18,7 @@ class TestBatchDay : public QObject
 private slots:
     void initTestCase();
     void theTableShowsWhatWasRecorded();
+    void theJsonReportFollowsItsSchema();
     void theReportSaysWhatWasRecorded_data();
     void theReportSaysWhatWasRecorded();
 
@@ -47,7 +48,8 @@ void TestBatchDay::initTestCase()
     QVERIFY2(problem.isEmpty(), qPrintable(problem));
 
     QProcess batch;
-    batch.start(BATCH, {"read", folder.path(), "--report", folder.filePath("day.csv")});
+    batch.start(BATCH, {"read", folder.path(), "--report", folder.filePath("day.csv"), "--report",
+                        folder.filePath("day.json")});
     QVERIFY(batch.waitForFinished(runLimit));
     table = QString::fromUtf8(batch.readAllStandardOutput());
     QVERIFY2(batch.exitCode() == 1, "one file of the day is broken");
@@ -73,6 +75,23 @@ void TestBatchDay::theTableShowsWhatWasRecorded()
         QVERIFY2(line.first().endsWith("  " + mediakit::expectedAudioTC(recording)),
                  qPrintable(line.first()));
     }
+}
+
+void TestBatchDay::theJsonReportFollowsItsSchema()
+{
+    QProcess python;
+    python.start("python3", {"-c",
+                             "import json, jsonschema, sys\n"
+                             "schema, report = (json.load(open(path)) for path in sys.argv[1:])\n"
+                             "jsonschema.validate(report, schema)\n"
+                             "report['files'][0]['more'] = 1\n"
+                             "try:\n"
+                             "    jsonschema.validate(report, schema)\n"
+                             "except jsonschema.ValidationError:\n"
+                             "    print('strict')",
+                             SCHEMA, folder.filePath("day.json")});
+    QVERIFY(python.waitForFinished(runLimit));
+    QCOMPARE(python.readAllStandardOutput() + python.readAllStandardError(), QByteArray("strict\n"));
 }
 
 void TestBatchDay::theReportSaysWhatWasRecorded_data()

@@ -139,8 +139,8 @@ void TestBatchOptions::wrongUsageIsRefused_data()
     QTest::newRow("a path that is not there")
         << QStringList{"read", "card", "missing"} << "no such file or folder: missing";
     QTest::newRow("an unknown option") << read + QStringList{"--fast"} << "Unknown option 'fast'.";
-    QTest::newRow("a report of another kind")
-        << read + QStringList{"--report", "a.pdf"} << "a report ends in .csv or .json, not \"a.pdf\"";
+    QTest::newRow("a report of another kind") << read + QStringList{"--report", "a.pdf"}
+                                              << "a report ends in .csv, .json, .ale or .html, not \"a.pdf\"";
     QTest::newRow("no job") << read + QStringList{"--jobs", "0"} << "--jobs cannot be \"0\"";
     QTest::newRow("too many jobs") << read + QStringList{"--jobs", "46"} << "--jobs cannot be \"46\"";
     QTest::newRow("jobs in words") << read + QStringList{"--jobs", "two"} << "--jobs cannot be \"two\"";

@@ -106,9 +106,18 @@ void TestReports::jsonIsReadBackAsItWas()
 
 void TestReports::theSuffixChooses()
 {
-    QCOMPARE(reports::forPath("/a.b/day.CSV", records()), reports::csv(records()));
-    QCOMPARE(reports::forPath("day.json", records()), reports::json(records()));
-    QCOMPARE(reports::forPath("day.txt", records()), QByteArray());
+    const auto contents = [](const QString &path) {
+        QStringList names;
+        for (const reports::ReportFile &file : reports::forPath(path, records()))
+            names += file.path + ' ' + QString::fromUtf8(file.content.left(9)).simplified();
+        return names;
+    };
+    QCOMPARE(contents("/a.b/day.CSV"), QStringList{"/a.b/day.CSV name,path"});
+    QCOMPARE(contents("day.json"), QStringList{"day.json { \"fi"});
+    QCOMPARE(contents("day.html"), QStringList{"day.html <!DOCTYPE"});
+    QCOMPARE(contents("day.ale"), QStringList{"day.ale Heading"});
+    QVERIFY(reports::isReportName("day.ALE"));
+    QVERIFY(!reports::isReportName("day.txt"));
 }
 
 QTEST_GUILESS_MAIN(TestReports)
