@@ -73,6 +73,13 @@ const QCommandLineOption &keepTimecodeOption()
     return option;
 }
 
+const QCommandLineOption &noVerifyOption()
+{
+    static const QCommandLineOption option(
+        "no-verify", "Does not check the new files. Otherwise each is compared with its source.");
+    return option;
+}
+
 const QCommandLineOption &algorithmOption()
 {
     static const QCommandLineOption option("algorithm", "Reads with auto, low, mid, high or slope.", "NAME");
@@ -117,7 +124,7 @@ void addOptions(QCommandLineParser &parser)
     parser.addPositionalArgument("PATH", "Files and folders with all their sub-folders.", "PATH...");
     parser.addOptions({helpOption(), versionOption(), reportOption(), algorithmOption(), channelOption(),
                        frameRateOption(), toOption(), videoTypeOption(), audioTypeOption(),
-                       keepTimecodeOption(), jobsOption(), quietOption()});
+                       keepTimecodeOption(), noVerifyOption(), jobsOption(), quietOption()});
 }
 
 /// The code of \a text in \a table, whose own words (such as "channel 2" or "25.00 FPS") count too.
@@ -223,13 +230,14 @@ public:
             refuse("--audio-type cannot be \"" + parser.value(audioTypeOption()) + "\" in MXF");
         exporting.muteAudioTC = !parser.isSet(keepTimecodeOption());
         options.exporting = exporting;
+        options.verifying = !parser.isSet(noVerifyOption());
     }
 
     /// For a command that does not export.
     void refuseExportOptions(const QString &command)
     {
         for (const QCommandLineOption &option :
-             {toOption(), videoTypeOption(), audioTypeOption(), keepTimecodeOption()}) {
+             {toOption(), videoTypeOption(), audioTypeOption(), keepTimecodeOption(), noVerifyOption()}) {
             if (parser.isSet(option))
                 refuse('"' + command + "\" takes no --" + option.names().constFirst());
         }

@@ -17,6 +17,7 @@ struct BatchOptions {
     QStringList reports;                    ///< files to be written at the end; their suffix says which kind
     std::optional<AudioTCOptions> reading;  ///< none = as the window's import reads
     std::optional<ExportOptions> exporting; ///< none = nothing is exported
+    bool verifying = true;                  ///< new files are checked
     int jobs = JobQueues::maximumRunning;   ///< tools that run together at most
     bool quiet = false;                     ///< neither table nor progress
 };

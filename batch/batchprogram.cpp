@@ -17,6 +17,7 @@ namespace
 
 constexpr int widestName = 60;    // [characters] in the table; longer names move their line
 constexpr int widestFileTC = 17;  // [characters] "file TC not found"
+constexpr int widestStart = 11;   // [characters] a timecode, or a sample of a sound file
 constexpr int widestAudioTC = 32; // [characters] a drop-frame timecode with rate and channel
 
 } // namespace
@@ -25,6 +26,7 @@ BatchProgram::BatchProgram(const BatchOptions &options)
     : options(options), run(&control, options.exporting), console(options.quiet)
 {
     control.setJobLimit(options.jobs);
+    run.setVerifying(options.verifying);
     if (options.reading)
         control.setImportOptions(*options.reading);
     connect(&run, &BatchRun::rowDone, this, &BatchProgram::onRowDone);
@@ -65,7 +67,8 @@ void BatchProgram::onRowDone(int row)
         QVector<PrintedTable::Column> columns{
             {"File", std::min(width, widestName)}, {"File TC", widestFileTC}, {"Audio TC", widestAudioTC}};
         if (options.exporting)
-            columns += {{"Exported file", std::min(width, widestName)}, {"Export", 0}};
+            columns +=
+                {{"Exported file", std::min(width, widestName)}, {"Start", widestStart}, {"Verdict", 0}};
         console.beginTable(columns);
     }
     const FileData &file = files.record(row);
@@ -76,6 +79,7 @@ void BatchProgram::onRowDone(int row)
     if (options.exporting) {
         const ExportState &exported = run.exportState(row);
         cells += exported.path.isEmpty() ? QString("-") : QFileInfo(exported.path).fileName();
+        cells += exported.start.isEmpty() ? QString("-") : exported.start;
         cells += wordFor(exported);
     }
     console.showRow(cells);

@@ -7,6 +7,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QThread>
 
 #include <algorithm>
 
@@ -59,7 +60,15 @@ void BatchRun::stop()
 {
     isStopped = true;
     if (phase == Phase::Exporting) {
+        qDeleteAll(checks);
+        checks.clear();
+        uncheckedRows.clear();
+        for (int row = 0; row < files.count(); ++row) {
+            if (isUnchecked(row))
+                setVerdict(row, {false, "not checked", {}});
+        }
         emit cancelExport();
+        endWhenChecked(); // the controller may have no end to tell of any more
     } else if (phase == Phase::Reading) {
         control->shutDown();
         onImportEnd();
@@ -68,9 +77,7 @@ void BatchRun::stop()
 
 bool BatchRun::hasFailed(int row) const
 {
-    const bool isExportMissing = exports.at(row).kind == ExportState::Kind::Failed ||
-                                 exports.at(row).kind == ExportState::Kind::UnderWay;
-    return isExportMissing || outcomeOf(files.record(row), files.status(row)) == Outcome::Failed;
+    return ::hasFailed(exports.at(row)) || outcomeOf(files.record(row), files.status(row)) == Outcome::Failed;
 }
 
 QString BatchRun::reasonOf(int row) const
@@ -189,14 +196,67 @@ void BatchRun::onFileExported(int rowNumber, QString outputPath, int exitCode)
         return;
     ExportState &exported = exports[rowNumber];
     exported.exitCode = exitCode;
-    exported.kind = exitCode == 0 ? ExportState::Kind::Written : ExportState::Kind::Failed;
-    exported.path = exitCode == 0 ? outputPath : unproven(outputPath);
-    emit rowDone(rowNumber);
+    exported.path = outputPath;
+    if (exitCode == 0 && isVerifying && !isStopped) {
+        uncheckedRows += rowNumber;
+        startChecks();
+    } else if (exitCode == 0 && isVerifying) {
+        setVerdict(rowNumber, {false, "not checked", {}});
+    } else {
+        exported.kind = exitCode == 0 ? ExportState::Kind::Written : ExportState::Kind::Failed;
+        if (exitCode != 0)
+            exported.path = unproven(outputPath);
+        emit rowDone(rowNumber);
+    }
+}
+
+void BatchRun::startChecks()
+{
+    const int most = std::max(1, QThread::idealThreadCount()); // each keeps a processor busy
+    while (!uncheckedRows.isEmpty() && checks.size() < most) {
+        const int row = uncheckedRows.takeFirst();
+        auto *check = new FileCheck(files.record(row), *exporting, exports.at(row).path, this);
+        connect(check, &FileCheck::done, this, &BatchRun::onChecked);
+        checks += check;
+        check->start();
+    }
+}
+
+void BatchRun::onChecked(FileCheck *check, int row, const Verdict &verdict)
+{
+    if (!checks.removeOne(check)) // given up
+        return;
+    check->deleteLater();
+    setVerdict(row, verdict);
+    startChecks();
+    endWhenChecked();
+}
+
+void BatchRun::setVerdict(int row, const Verdict &verdict)
+{
+    ExportState &exported = exports[row];
+    exported.kind = verdict.isProven ? ExportState::Kind::Verified : ExportState::Kind::Unverified;
+    exported.verdict = verdict.text;
+    exported.start = verdict.start;
+    if (!verdict.isProven)
+        exported.path = unproven(exported.path);
+    emit rowDone(row);
+}
+
+bool BatchRun::isUnchecked(int row) const
+{
+    return exports.at(row).kind == ExportState::Kind::UnderWay && !exports.at(row).path.isEmpty();
 }
 
 void BatchRun::onExportEnd()
 {
-    if (phase != Phase::Exporting)
+    isExportOver = true;
+    endWhenChecked();
+}
+
+void BatchRun::endWhenChecked()
+{
+    if (phase != Phase::Exporting || !isExportOver || !checks.isEmpty() || !uncheckedRows.isEmpty())
         return;
     for (int row = 0; row < files.count(); ++row) {
         if (exports.at(row).kind == ExportState::Kind::UnderWay)

@@ -3,6 +3,7 @@
 
 #include "app/records/exportoptions.h"
 #include "batch/exportstate.h"
+#include "batch/filecheck.h"
 #include "batch/openrows.h"
 #include "filelist/importedfiles.h"
 
@@ -26,6 +27,9 @@ class BatchRun : public QObject
 public:
     /// \a control answers the requests; it is not owned. Without \a exporting nothing is exported.
     BatchRun(MainControl *control, const std::optional<ExportOptions> &exporting);
+
+    /// Whether new files are checked against their sources. By default they are.
+    void setVerifying(bool verifying) { isVerifying = verifying; }
 
     /// Begins with \a paths, files and folders. ended() follows in any case.
     void start(const QStringList &paths);
@@ -72,6 +76,7 @@ private slots:
     void onExportProgress(int current, int total);
     void onFileExported(int rowNumber, QString outputPath, int exitCode);
     void onExportEnd();
+    void onChecked(FileCheck *check, int row, const Verdict &verdict);
 
 private:
     enum class Phase { Idle, Reading, Exporting };
@@ -79,6 +84,10 @@ private:
     QVector<int> rowsByPath() const;
     void report(const QVector<int> &rows);
     void startExport();
+    void startChecks();
+    void setVerdict(int row, const Verdict &verdict);
+    bool isUnchecked(int row) const;
+    void endWhenChecked();
     void end();
 
     MainControl *control;
@@ -87,5 +96,9 @@ private:
     OpenRows open;
     QVector<ExportState> exports; ///< in row order
     Phase phase = Phase::Idle;
-    bool isStopped = false; ///< by stop()
+    QVector<int> uncheckedRows;  ///< their new files wait to be checked
+    QVector<FileCheck *> checks; ///< that run
+    bool isVerifying = true;
+    bool isExportOver = false; ///< the controller has ended its batch
+    bool isStopped = false;    ///< by stop()
 };

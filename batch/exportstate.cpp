@@ -3,6 +3,12 @@
 
 #include "app/records/resultcodes.h"
 
+bool hasFailed(const ExportState &exported)
+{
+    return exported.kind == ExportState::Kind::Failed || exported.kind == ExportState::Kind::UnderWay ||
+           exported.kind == ExportState::Kind::Unverified;
+}
+
 QString wordFor(const ExportState &exported)
 {
     switch (exported.kind) {
@@ -14,6 +20,10 @@ QString wordFor(const ExportState &exported)
         return "not done";
     case ExportState::Kind::Written:
         return "written";
+    case ExportState::Kind::Verified:
+        return "verified";
+    case ExportState::Kind::Unverified:
+        return "unverified";
     case ExportState::Kind::Failed:
         break;
     }
@@ -25,7 +35,10 @@ QString reasonFor(const ExportState &exported)
     switch (exported.kind) {
     case ExportState::Kind::NotAsked:
     case ExportState::Kind::Written:
+    case ExportState::Kind::Verified:
         return {};
+    case ExportState::Kind::Unverified:
+        return exported.verdict;
     case ExportState::Kind::LeftOut:
         return "the file holds nothing but timecode";
     case ExportState::Kind::UnderWay:

@@ -86,6 +86,7 @@ QString fileRow(const QJsonObject &record)
                              element("td", escaped(record["durationSeconds"])) +
                              element("td", pictureText(record)) + element("td", soundText(record)) +
                              element("td", escaped(record["exportPath"])) +
+                             element("td", escaped(record["exportStart"]), "timecode") +
                              element("td", outcome, isWrong(record) ? "wrong" : "")) +
            '\n';
 }
@@ -116,7 +117,8 @@ QString summaryText(const QJsonArray &records)
 bool isWrong(const QJsonObject &record)
 {
     const QString exported = record["exportResult"].toString();
-    return record["result"] == "failed" || exported == "failed" || exported == "not done";
+    return record["result"] == "failed" || exported == "failed" || exported == "unverified" ||
+           exported == "not done";
 }
 
 QByteArray make(const QJsonArray &records)
@@ -136,7 +138,7 @@ QByteArray make(const QJsonArray &records)
         body += element("h2", "What went wrong") + '\n' + table({"File", "Reason"}, wrong);
     body += element("h2", "All files") + '\n' +
             table({"File", "Audio TC", "Rate", "Place", "File TC", "Duration [s]", "Picture", "Sound",
-                   "New file", "Result"},
+                   "New file", "New start", "Result"},
                   all);
     const QString head = "<meta charset=\"utf-8\"/>" + element("title", "Timecode report") +
                          element("style", QString::fromLatin1(style));

@@ -77,7 +77,7 @@ const QStringList &keys()
         "soundCodecs", "soundStreams", "soundChannels", "fileTimecode",   "audioTimecode",
         "frameRate",   "dropFrame",    "stream",        "channel",        "samplesSinceMidnight",
         "sampleRate",  "confidence",   "levelDbfs",     "clockOffsetPpm", "userBits",
-        "linkedFrom",  "exportResult", "exportPath",
+        "linkedFrom",  "exportResult", "exportStart",   "verdict",        "exportPath",
     };
     return all;
 }
@@ -106,6 +106,8 @@ QJsonObject make(const FileData &file, const RowStatus &status, qint64 size, con
     if (outcome == Outcome::Linked)
         record["linkedFrom"] = status.sourceName;
     record["exportResult"] = textOrNull(wordFor(exported));
+    record["exportStart"] = textOrNull(exported.start);
+    record["verdict"] = textOrNull(exported.verdict);
     record["exportPath"] = textOrNull(exported.path);
     return record;
 }

@@ -2,6 +2,8 @@
 #include "app/records/optiontables.h"
 #include "batch/batchoptions.h"
 
+#include <QFile>
+#include <QRegularExpression>
 #include <QTest>
 
 class TestBatchOptions : public QObject
@@ -18,6 +20,8 @@ private slots:
     void wrongUsageIsRefused_data();
     void wrongUsageIsRefused();
     void questionsAreAnswered();
+    void everyOptionIsDocumented_data();
+    void everyOptionIsDocumented();
 };
 
 namespace
@@ -178,6 +182,30 @@ void TestBatchOptions::questionsAreAnswered()
     const BatchCommand help = parse({"--help"});
     QVERIFY(std::get<BatchAnswer>(help).text.contains("--frame-rate"));
     QCOMPARE(std::get<BatchAnswer>(parse({"--version"})).text, QString("ostrel-batch 1.0\n"));
+}
+
+void TestBatchOptions::everyOptionIsDocumented_data()
+{
+    QTest::addColumn<QString>("page");
+    for (const char *page :
+         {"docs/manual.md", "packaging/ostrel-batch.1", "packaging/linux/ostrel-batch.bash"})
+        QTest::newRow(page) << page;
+}
+
+void TestBatchOptions::everyOptionIsDocumented()
+{
+    QFETCH(QString, page);
+    QFile file(QString(PROJECT_FOLDER "/") + page);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(file.readAll()).remove('\\'); // of the manual page
+    static const QRegularExpression option("--[a-z-]+");
+    auto options = option.globalMatch(std::get<BatchAnswer>(parse({"--help"})).text);
+    int count = 0;
+    for (; options.hasNext(); ++count) {
+        const QString name = options.next().captured();
+        QVERIFY2(text.contains(name), qPrintable(name));
+    }
+    QVERIFY(count >= 13);
 }
 
 QTEST_GUILESS_MAIN(TestBatchOptions)

@@ -124,6 +124,10 @@ void TestHtmlReport::wrongIsWhatDidNotSucceed_data()
                               << "" << true;
     QTest::newRow("not written") << "linked"
                                  << "failed" << true;
+    QTest::newRow("verified") << "found"
+                              << "verified" << false;
+    QTest::newRow("found wanting") << "found"
+                                   << "unverified" << true;
     QTest::newRow("interrupted") << "found"
                                  << "not done" << true;
 }

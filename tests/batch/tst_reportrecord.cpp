@@ -80,14 +80,15 @@ void TestReportRecord::aRecordHasAllKeys()
 
 void TestReportRecord::aFileWithTimecodeIsDescribed()
 {
-    const ExportState exported{ExportState::Kind::Failed, "/out/A001.MOV.unverified", 7};
+    const ExportState exported{ExportState::Kind::Unverified, "/out/A001.MOV.unverified", 0, "one frame off",
+                               "10:11:12;12"};
     const QJsonObject record = reportrecord::make(withTimecode(cameraFile()),
                                                   statusOf(RowStatus::AudioTC::Found), 1234567, exported);
     const QJsonObject expected{
         {"name", "A001.mov"},
         {"path", "/card/A001.mov"},
         {"result", "found"},
-        {"reason", "the export tool has failed with code 7"},
+        {"reason", "one frame off"},
         {"durationSeconds", 5.5},
         {"sizeBytes", 1234567},
         {"pictureRate", "30000/1001"},
@@ -110,7 +111,9 @@ void TestReportRecord::aFileWithTimecodeIsDescribed()
         {"clockOffsetPpm", 1.5},
         {"userBits", "0000002a"},
         {"linkedFrom", QJsonValue()},
-        {"exportResult", "failed"},
+        {"exportResult", "unverified"},
+        {"exportStart", "10:11:12;12"},
+        {"verdict", "one frame off"},
         {"exportPath", "/out/A001.MOV.unverified"},
     };
     for (const QString &key : reportrecord::keys())
