@@ -28,13 +28,18 @@ private slots:
     void seededFaultsAreFound_data();
     void seededFaultsAreFound();
 
+    void cleanupTestCase() { qInfo("%d good files were proven", goodFiles); }
+
 private:
     MadeFile sourceOf(const QString &name);
     QString exported(const MadeFile &source, const ExportOptions &options, const QString &folder);
     static Verdict check(const MadeFile &source, const ExportOptions &options, const QString &path);
 
     QTemporaryDir folder;
+    QTemporaryDir made;              ///< good new files
     QMap<QString, MadeFile> sources; ///< made so far, by name
+    QMap<QString, QString> proven;   ///< good new files made so far, by source and kind of export
+    int goodFiles = 0;               ///< proven so far
 };
 
 namespace
@@ -120,24 +125,31 @@ Verdict TestFileCheck::check(const MadeFile &source, const ExportOptions &option
 void TestFileCheck::goodFilesAreProven_data()
 {
     QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("place");
     const QVector<SourceFile> all = exportmatrix::allSources();
+    int place = 0;
     for (const SourceFile &source : all) {
         if (source.isCore && source.isRead && !source.isCutOff)
-            QTest::newRow(qPrintable(source.name)) << source.name;
+            QTest::newRow(qPrintable(source.name)) << source.name << place++;
     }
 }
 
 void TestFileCheck::goodFilesAreProven()
 {
     QFETCH(QString, name);
+    QFETCH(int, place);
     const MadeFile source = sourceOf(name);
-    const QVector<ExportOptions> all = exportmatrix::optionsFor(source.source, true);
-    for (const ExportOptions &options : all) {
+    QVector<ExportOptions> all = exportmatrix::optionsFor(source.source, true);
+    if (!qEnvironmentVariableIsSet(
+            "OSTREL_ALL_CHECKS")) // takes minutes; otherwise each its own kind of export
+        all = {all.at(place % all.size())};
+    for (const ExportOptions &options : qAsConst(all)) {
         const QTemporaryDir target;
         const QString path = exported(source, options, target.path());
         if (path.isEmpty())
             continue; // refused, such as sound alone in MXF
         const Verdict verdict = check(source, options, path);
+        ++goodFiles;
         QVERIFY2(verdict.isProven, qPrintable(exportmatrix::nameOf(options) + ": " + verdict.text));
     }
 }
@@ -226,10 +238,15 @@ void TestFileCheck::seededFaultsAreFound()
     QFETCH(int, percentKept);
     const MadeFile source = sourceOf(name);
     const QTemporaryDir target;
-    const QString path = exported(source, options, target.path());
-    QVERIFY(!path.isEmpty());
-    const Verdict before = check(source, options, path);
-    QVERIFY2(before.isProven, qPrintable(before.text));
+    const QString kind = name + ' ' + exportmatrix::nameOf(options);
+    if (!proven.contains(kind)) {
+        const QString good = exported(source, options, made.path());
+        QVERIFY(!good.isEmpty());
+        const Verdict before = check(source, options, good);
+        QVERIFY2(before.isProven, qPrintable(before.text));
+        proven[kind] = good;
+    }
+    const QString path = proven[kind];
 
     const QString damaged = target.filePath("damaged." + QFileInfo(path).suffix());
     if (arguments.isEmpty()) {
