@@ -118,9 +118,11 @@ void addOptions(QCommandLineParser &parser)
         "Reads the timecode that sound carries on an audio channel (LTC), without a window.\n\n"
         "  ostrel-batch read [options] PATH...   shows the timecode of each file and writes no media\n"
         "  ostrel-batch export --to FOLDER [options] PATH...\n"
-        "                                        writes new files that start with it\n\n"
+        "                                        writes new files that start with it\n"
+        "  ostrel-batch join --report FILE REPORT.json...\n"
+        "                                        makes one report of several\n\n"
         "Exit code: 0 done, 1 some files failed, 2 wrong usage, 3 a tool is missing.");
-    parser.addPositionalArgument("command", "read or export");
+    parser.addPositionalArgument("command", "read, export or join");
     parser.addPositionalArgument("PATH", "Files and folders with all their sub-folders.", "PATH...");
     parser.addOptions({helpOption(), versionOption(), reportOption(), algorithmOption(), channelOption(),
                        frameRateOption(), toOption(), videoTypeOption(), audioTypeOption(),
@@ -276,6 +278,25 @@ private:
     const QCommandLineParser &parser;
 };
 
+BatchCommand parseJoin(const QCommandLineParser &parser, const QStringList &paths,
+                       const std::function<PathKind(const QString &)> &kindOf)
+{
+    Reader reader(parser);
+    reader.readCommon();
+    reader.readPaths(paths, kindOf);
+    reader.options.isJoin = true;
+    if (!reader.reason.isEmpty())
+        return BatchRefusal{reader.reason};
+    const QStringList given = parser.optionNames();
+    for (const QString &name : given) {
+        if (name != "report" && name != "quiet")
+            return BatchRefusal{"\"join\" takes no --" + name};
+    }
+    if (reader.options.reports.isEmpty())
+        return BatchRefusal{"give the new report with --report"};
+    return reader.options;
+}
+
 } // namespace
 
 BatchCommand parseBatchCommand(const QStringList &arguments,
@@ -294,6 +315,8 @@ BatchCommand parseBatchCommand(const QStringList &arguments,
     if (paths.isEmpty())
         return BatchRefusal{"give a command; see --help"};
     const QString command = paths.takeFirst();
+    if (command == "join")
+        return parseJoin(parser, paths, kindOf);
     if (command != "read" && command != "export")
         return BatchRefusal{"no such command: " + command + "; see --help"};
 

@@ -13,8 +13,9 @@
 
 /// What one run of the program without a window is to do.
 struct BatchOptions {
-    QStringList paths;                      ///< files and folders, as dropped on the window
-    QStringList reports;                    ///< files to be written at the end; their suffix says which kind
+    bool isJoin = false; ///< the paths are reports to be joined; nothing is read or exported
+    QStringList paths;   ///< files and folders, as dropped on the window
+    QStringList reports; ///< files to be written at the end; their suffix says which kind
     std::optional<AudioTCOptions> reading;  ///< none = as the window's import reads
     std::optional<ExportOptions> exporting; ///< none = nothing is exported
     bool verifying = true;                  ///< new files are checked

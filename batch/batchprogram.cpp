@@ -2,10 +2,12 @@
 #include "batch/batchprogram.h"
 
 #include "batch/outcome.h"
+#include "batch/reportrecord.h"
 #include "batch/reports.h"
 #include "filelist/celltexts.h"
 #include "process/missingtools.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
 
@@ -46,6 +48,32 @@ ExitCode BatchProgram::start()
         return ExitCode::WrongUsage;
     run.start(options.paths);
     return ExitCode::Done;
+}
+
+ExitCode BatchProgram::join()
+{
+    if (!areReportsWritable())
+        return ExitCode::WrongUsage;
+    QVector<QJsonArray> all;
+    for (const QString &path : qAsConst(options.paths)) {
+        QFile file(path);
+        const auto records =
+            file.open(QIODevice::ReadOnly) ? reports::recordsIn(file.readAll()) : std::nullopt;
+        if (!records) {
+            console.showProblem(path + " is no report in JSON");
+            return ExitCode::WrongUsage;
+        }
+        all += *records;
+    }
+    const QJsonArray joined = reports::join(all);
+    bool isDone = writeReports(joined);
+    for (const QJsonValue record : joined) {
+        if (!reportrecord::isWrong(record.toObject()))
+            continue;
+        isDone = false;
+        console.showProblem(record["path"].toString() + ": " + record["reason"].toString());
+    }
+    return isDone ? ExitCode::Done : ExitCode::SomeFailed;
 }
 
 void BatchProgram::interrupt()
@@ -92,7 +120,7 @@ void BatchProgram::onEnded()
     console.clearBar();
     if (run.importedFiles().count() == 0)
         console.showProblem("no media files found");
-    const bool areWritten = writeReports();
+    const bool areWritten = writeReports(run.records());
     const bool isDone = areWritten && !isInterrupted && !run.hasFailures();
     emit finished(static_cast<int>(isDone ? ExitCode::Done : ExitCode::SomeFailed));
 }
@@ -112,9 +140,8 @@ bool BatchProgram::areReportsWritable()
     return true;
 }
 
-bool BatchProgram::writeReports()
+bool BatchProgram::writeReports(const QJsonArray &records)
 {
-    const QJsonArray records = run.records();
     bool areWritten = true;
     for (const QString &path : qAsConst(options.reports)) {
         for (const reports::ReportFile &report : reports::forPath(path, records)) {

@@ -22,6 +22,9 @@ public:
     /// nothing goes on and the reason was shown.
     ExitCode start();
 
+    /// Makes one report of the reports that the options name.
+    ExitCode join();
+
 public slots:
     /// Ends the run in good order; when called again, at once and without reports.
     void interrupt();
@@ -36,7 +39,7 @@ private slots:
 
 private:
     bool areReportsWritable();
-    bool writeReports();
+    bool writeReports(const QJsonArray &records);
 
     BatchOptions options;
     MainControl control;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "batch/htmlreport.h"
 
+#include "batch/reportrecord.h"
 #include "batch/reports.h"
 
 #include <QJsonObject>
@@ -87,7 +88,7 @@ QString fileRow(const QJsonObject &record)
                              element("td", pictureText(record)) + element("td", soundText(record)) +
                              element("td", escaped(record["exportPath"])) +
                              element("td", escaped(record["exportStart"]), "timecode") +
-                             element("td", outcome, isWrong(record) ? "wrong" : "")) +
+                             element("td", outcome, reportrecord::isWrong(record) ? "wrong" : "")) +
            '\n';
 }
 
@@ -114,13 +115,6 @@ QString summaryText(const QJsonArray &records)
 
 } // namespace
 
-bool isWrong(const QJsonObject &record)
-{
-    const QString exported = record["exportResult"].toString();
-    return record["result"] == "failed" || exported == "failed" || exported == "unverified" ||
-           exported == "not done";
-}
-
 QByteArray make(const QJsonArray &records)
 {
     QString wrong;
@@ -128,7 +122,7 @@ QByteArray make(const QJsonArray &records)
     for (const QJsonValue value : records) {
         const QJsonObject record = value.toObject();
         all += fileRow(record);
-        if (isWrong(record))
+        if (reportrecord::isWrong(record))
             wrong += element("tr", element("td", escaped(record["path"])) +
                                        element("td", escaped(record["reason"]), "wrong")) +
                      '\n';

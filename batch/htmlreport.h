@@ -11,7 +11,4 @@ namespace htmlreport
 /// The page of \a records: a summary, what went wrong, then all files. It is well-formed as XML too.
 QByteArray make(const QJsonArray &records);
 
-/// Whether \a record tells of something that went wrong.
-bool isWrong(const QJsonObject &record);
-
 } // namespace htmlreport

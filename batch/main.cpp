@@ -23,6 +23,8 @@ PathKind kindOf(const QString &path)
 int run(const BatchOptions &options)
 {
     BatchProgram program(options);
+    if (options.isJoin)
+        return static_cast<int>(program.join());
     const TerminationSignals termination;
     QObject::connect(&termination, &TerminationSignals::terminationRequested, &program,
                      &BatchProgram::interrupt);

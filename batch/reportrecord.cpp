@@ -112,4 +112,11 @@ QJsonObject make(const FileData &file, const RowStatus &status, qint64 size, con
     return record;
 }
 
+bool isWrong(const QJsonObject &record)
+{
+    const QString exported = record["exportResult"].toString();
+    return record["result"] == "failed" || exported == "failed" || exported == "unverified" ||
+           exported == "not done";
+}
+
 } // namespace reportrecord

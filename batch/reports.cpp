@@ -9,6 +9,7 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QMap>
 
 namespace reports
 {
@@ -64,6 +65,27 @@ QJsonObject summary(const QJsonArray &records)
         counts[result] = counts[result].toInt() + 1;
     }
     return counts;
+}
+
+std::optional<QJsonArray> recordsIn(const QByteArray &report)
+{
+    const QJsonObject object = QJsonDocument::fromJson(report).object();
+    if (object["program"] != "ostrel-batch" || !object["files"].isArray())
+        return std::nullopt;
+    return object["files"].toArray();
+}
+
+QJsonArray join(const QVector<QJsonArray> &reports)
+{
+    QMap<QString, QJsonObject> byPath;
+    for (const QJsonArray &records : reports) {
+        for (const QJsonValue record : records)
+            byPath[record.toObject()["path"].toString()] = record.toObject();
+    }
+    QJsonArray joined;
+    for (const QJsonObject &record : qAsConst(byPath))
+        joined += record;
+    return joined;
 }
 
 QByteArray json(const QJsonArray &records)

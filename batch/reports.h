@@ -6,6 +6,8 @@
 #include <QString>
 #include <QVector>
 
+#include <optional>
+
 /// The reports of a run, made of its records (see reportrecord).
 namespace reports
 {
@@ -16,6 +18,13 @@ QByteArray csv(const QJsonArray &records);
 
 /// One JSON object: "program", "version", "summary" and the "files".
 QByteArray json(const QJsonArray &records);
+
+/// The records in \a report, a report in JSON; none where it is not one.
+std::optional<QJsonArray> recordsIn(const QByteArray &report);
+
+/// The records of several \a reports together, in the order of their paths. Of a file that several describe,
+/// the last one counts.
+QJsonArray join(const QVector<QJsonArray> &reports);
 
 /// How many of \a records ended with each result: "files", "found", "linked", "none" and "failed".
 QJsonObject summary(const QJsonArray &records);

@@ -23,7 +23,7 @@ _ostrel_batch() {
         ;;
     *)
         if [ "$COMP_CWORD" -eq 1 ]; then
-            choices="read export --help --version"
+            choices="read export join --help --version"
         elif [[ $word == -* ]]; then
             choices="--report --algorithm --channel --frame-rate --jobs --quiet --help --version"
             if [[ " ${COMP_WORDS[*]} " == *" export "* ]]; then

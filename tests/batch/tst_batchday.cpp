@@ -21,6 +21,7 @@ private slots:
     void theJsonReportFollowsItsSchema();
     void theReportSaysWhatWasRecorded_data();
     void theReportSaysWhatWasRecorded();
+    void newFilesAreVerifiedAndStartRight();
 
 private:
     QTemporaryDir folder;
@@ -143,6 +144,44 @@ void TestBatchDay::theReportSaysWhatWasRecorded()
         }
     }
     QCOMPARE(line["channel"].toString(), channel);
+}
+
+void TestBatchDay::newFilesAreVerifiedAndStartRight()
+{
+    const QTemporaryDir out;
+    const QString report = out.filePath("day.json");
+    QProcess batch;
+    batch.start(BATCH, {"export", "--to", out.path(), "--video-type", "mov-pass", "--audio-type", "pcm24",
+                        "--report", report, folder.path()});
+    QVERIFY(batch.waitForFinished(runLimit));
+    QVERIFY2(batch.exitCode() == 1, "one file of the day is broken");
+    QFile file(report);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QMap<QString, QJsonObject> records;
+    for (const QJsonValue record : QJsonDocument::fromJson(file.readAll()).object()["files"].toArray())
+        records[record.toObject()["name"].toString()] = record.toObject();
+
+    for (const mediakit::Recording &recording : qAsConst(recordings)) {
+        const QJsonObject record = records.value(nameOf(recording));
+        const QString result = record["exportResult"].toString();
+        if (recording.broken) {
+            QVERIFY(record["exportResult"].isNull());
+        } else if (mediakit::isTimecodeAlone(recording)) {
+            QCOMPARE(result, QString("left out"));
+        } else {
+            QVERIFY2(result == "verified", qPrintable(recording.path + ": " + record["verdict"].toString()));
+            QVERIFY(QFileInfo(record["exportPath"].toString()).isFile());
+            const auto signal = mediakit::timecodeOf(recording);
+            if (!signal)
+                QVERIFY(record["exportStart"].isNull());
+            else if (mediakit::isSoundFile(recording))
+                QCOMPARE(record["exportStart"].toString().toLongLong(),
+                         static_cast<qint64>(testsignals::samplesSinceMidnight(*signal)));
+            else
+                QCOMPARE(record["exportStart"].toString(),
+                         QString::fromStdString(testsignals::text(signal->start, signal->rate)));
+        }
+    }
 }
 
 QTEST_GUILESS_MAIN(TestBatchDay)

@@ -13,6 +13,7 @@ class TestBatchOptions : public QObject
 private slots:
     void aPlainReadTakesTheDefaults();
     void reportsAndPathsKeepTheirOrder();
+    void reportsAreJoined();
     void theReadingIsChosen_data();
     void theReadingIsChosen();
     void anExportIsChosen_data();
@@ -66,6 +67,15 @@ void TestBatchOptions::reportsAndPathsKeepTheirOrder()
     QCOMPARE(options.paths, (QStringList{"b", "a", "-c"}));
     QCOMPARE(options.jobs, 3);
     QVERIFY(options.quiet);
+}
+
+void TestBatchOptions::reportsAreJoined()
+{
+    const BatchOptions options = optionsOf({"join", "a.json", "b.json", "--report", "c.html"});
+    QVERIFY(options.isJoin);
+    QCOMPARE(options.paths, (QStringList{"a.json", "b.json"}));
+    QCOMPARE(options.reports, QStringList{"c.html"});
+    QVERIFY(!optionsOf({"read", "a.json"}).isJoin);
 }
 
 void TestBatchOptions::theReadingIsChosen_data()
@@ -165,6 +175,10 @@ void TestBatchOptions::wrongUsageIsRefused_data()
     QTest::newRow("MXF holds no other sound")
         << exporting + QStringList{"--video-type", "mxf-mpeg2", "--audio-type", "pass"}
         << "--audio-type cannot be \"pass\" in MXF";
+    const QStringList joining{"join", "a.json"};
+    QTest::newRow("a join without a new report") << joining << "give the new report with --report";
+    QTest::newRow("a join reads nothing")
+        << joining + QStringList{"--report", "b.csv", "--channel", "1"} << "\"join\" takes no --channel";
     QTest::newRow("a read writes nothing") << read + QStringList{"--to", "out"} << "\"read\" takes no --to";
 }
 

@@ -30,6 +30,7 @@ private slots:
     void interruptedOnceItReportsWhatIsDone();
     void interruptedTwiceItEndsAtOnce();
     void aFolderWithoutMediaIsDone();
+    void reportsOfSeveralRunsJoin();
     void aDayIsExported();
     void anExportThatFailsLeavesNoFileOfItsName();
     void whatCannotBeReadIsNotExported();
@@ -332,6 +333,26 @@ void TestBatchProgram::anInterruptedExportLeavesNoHalfFile()
     QCOMPARE(process.exitCode(), 1);
     QVERIFY(process.readAllStandardError().contains("hanging.mov: not exported"));
     QCOMPARE(QDir(out()).entryList(QDir::Files), QStringList{"done.mov"});
+}
+
+void TestBatchProgram::reportsOfSeveralRunsJoin()
+{
+    const QString good = makeFile("A/good.mov");
+    const QString bad = makeFile("B/bad.mov", plan("probe", {{"exitCode", 1}}));
+    const QString first = media->filePath("1.json");
+    const QString second = media->filePath("2.json");
+    const QString all = media->filePath("all.json");
+    QCOMPARE(run({"read", good, "--report", first}).exitCode, 0);
+    QCOMPARE(run({"read", bad, "--report", second}).exitCode, 1);
+    const Run joined = run({"join", second, first, "--report", all});
+    QCOMPARE(joined.exitCode, 1);
+    QCOMPARE(joined.errors, "ostrel-batch: " + bad + ": error while reading file data\n");
+    const QJsonArray files = reported(all);
+    QCOMPARE(files.size(), 2);
+    QCOMPARE(files.at(0), reported(first).at(0));
+    QCOMPARE(files.at(1), reported(second).at(0));
+    QCOMPARE(run({"join", first, "--report", all}).exitCode, 0);
+    QCOMPARE(run({"join", good, "--report", all}).exitCode, 2); // no report
 }
 
 QTEST_GUILESS_MAIN(TestBatchProgram)

@@ -15,8 +15,6 @@ private slots:
     void thePageIsWellFormedAndShowsAll();
     void whatWentWrongComesFirst();
     void withoutFaultsNoneAreListed();
-    void wrongIsWhatDidNotSucceed_data();
-    void wrongIsWhatDidNotSucceed();
 };
 
 namespace
@@ -105,38 +103,6 @@ void TestHtmlReport::withoutFaultsNoneAreListed()
 {
     QVERIFY(!htmlreport::make({record("a.mov", "none")}).contains("What went wrong"));
     QVERIFY(htmlreport::make({}).contains("0 files"));
-}
-
-void TestHtmlReport::wrongIsWhatDidNotSucceed_data()
-{
-    QTest::addColumn<QString>("result");
-    QTest::addColumn<QString>("exported");
-    QTest::addColumn<bool>("isWrong");
-    QTest::newRow("found") << "found"
-                           << "" << false;
-    QTest::newRow("written") << "found"
-                             << "written" << false;
-    QTest::newRow("left out") << "found"
-                              << "left out" << false;
-    QTest::newRow("without timecode") << "none"
-                                      << "" << false;
-    QTest::newRow("not read") << "failed"
-                              << "" << true;
-    QTest::newRow("not written") << "linked"
-                                 << "failed" << true;
-    QTest::newRow("verified") << "found"
-                              << "verified" << false;
-    QTest::newRow("found wanting") << "found"
-                                   << "unverified" << true;
-    QTest::newRow("interrupted") << "found"
-                                 << "not done" << true;
-}
-
-void TestHtmlReport::wrongIsWhatDidNotSucceed()
-{
-    QFETCH(QString, result);
-    QFETCH(QString, exported);
-    QTEST(htmlreport::isWrong(record("a.mov", result, exported)), "isWrong");
 }
 
 QTEST_GUILESS_MAIN(TestHtmlReport)

@@ -13,6 +13,8 @@ private slots:
     void aFileWithTimecodeIsDescribed();
     void aLinkedFileNamesItsSource();
     void whatIsNotKnownIsNull();
+    void wrongIsWhatDidNotSucceed_data();
+    void wrongIsWhatDidNotSucceed();
 };
 
 namespace
@@ -148,6 +150,38 @@ void TestReportRecord::whatIsNotKnownIsNull()
     for (const char *key : {"sizeBytes", "durationSeconds", "pictureCodec", "soundStreams", "fileTimecode",
                             "audioTimecode", "frameRate", "confidence"})
         QVERIFY2(record[QLatin1String(key)].isNull(), key);
+}
+
+void TestReportRecord::wrongIsWhatDidNotSucceed_data()
+{
+    QTest::addColumn<QString>("result");
+    QTest::addColumn<QString>("exported");
+    QTest::addColumn<bool>("isWrong");
+    QTest::newRow("found") << "found"
+                           << "" << false;
+    QTest::newRow("written") << "found"
+                             << "written" << false;
+    QTest::newRow("left out") << "found"
+                              << "left out" << false;
+    QTest::newRow("without timecode") << "none"
+                                      << "" << false;
+    QTest::newRow("not read") << "failed"
+                              << "" << true;
+    QTest::newRow("not written") << "linked"
+                                 << "failed" << true;
+    QTest::newRow("verified") << "found"
+                              << "verified" << false;
+    QTest::newRow("found wanting") << "found"
+                                   << "unverified" << true;
+    QTest::newRow("interrupted") << "found"
+                                 << "not done" << true;
+}
+
+void TestReportRecord::wrongIsWhatDidNotSucceed()
+{
+    QFETCH(QString, result);
+    QFETCH(QString, exported);
+    QTEST(reportrecord::isWrong({{"result", result}, {"exportResult", exported}}), "isWrong");
 }
 
 QTEST_APPLESS_MAIN(TestReportRecord)

@@ -2,6 +2,7 @@
 #include "batch/reportrecord.h"
 #include "batch/reports.h"
 
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
@@ -18,6 +19,7 @@ private slots:
     void csvLinesEndAsTheStandardSays();
     void jsonIsReadBackAsItWas();
     void theSuffixChooses();
+    void reportsAreJoinedByPath();
 };
 
 namespace
@@ -118,6 +120,22 @@ void TestReports::theSuffixChooses()
     QCOMPARE(contents("day.ale"), QStringList{"day.ale Heading"});
     QVERIFY(reports::isReportName("day.ALE"));
     QVERIFY(!reports::isReportName("day.txt"));
+}
+
+void TestReports::reportsAreJoinedByPath()
+{
+    const auto at = [](const QString &path, const QString &result) {
+        QJsonObject file = record(QFileInfo(path).fileName(), result);
+        file["path"] = path;
+        return file;
+    };
+    const QJsonArray first{at("/b/1.mov", "failed"), at("/a/1.mov", "found")};
+    const QJsonArray second{at("/c/1.mov", "none"), at("/b/1.mov", "found")};
+    QCOMPARE(reports::join({first, second}),
+             (QJsonArray{at("/a/1.mov", "found"), at("/b/1.mov", "found"), at("/c/1.mov", "none")}));
+    QCOMPARE(reports::recordsIn(reports::json(first)).value_or(QJsonArray()), first);
+    for (const char *other : {"", "{}", "[]", "name,path", R"({"program": "another", "files": []})"})
+        QVERIFY(!reports::recordsIn(other));
 }
 
 QTEST_GUILESS_MAIN(TestReports)
