@@ -80,6 +80,13 @@ const QCommandLineOption &noVerifyOption()
     return option;
 }
 
+const QCommandLineOption &resumeOption()
+{
+    static const QCommandLineOption option(
+        "resume", "Keeps what an earlier run has exported and verified, and does the rest.");
+    return option;
+}
+
 const QCommandLineOption &algorithmOption()
 {
     static const QCommandLineOption option("algorithm", "Reads with auto, low, mid, high or slope.", "NAME");
@@ -126,7 +133,7 @@ void addOptions(QCommandLineParser &parser)
     parser.addPositionalArgument("PATH", "Files and folders with all their sub-folders.", "PATH...");
     parser.addOptions({helpOption(), versionOption(), reportOption(), algorithmOption(), channelOption(),
                        frameRateOption(), toOption(), videoTypeOption(), audioTypeOption(),
-                       keepTimecodeOption(), noVerifyOption(), jobsOption(), quietOption()});
+                       keepTimecodeOption(), noVerifyOption(), resumeOption(), jobsOption(), quietOption()});
 }
 
 /// The code of \a text in \a table, whose own words (such as "channel 2" or "25.00 FPS") count too.
@@ -233,13 +240,14 @@ public:
         exporting.muteAudioTC = !parser.isSet(keepTimecodeOption());
         options.exporting = exporting;
         options.verifying = !parser.isSet(noVerifyOption());
+        options.resuming = parser.isSet(resumeOption());
     }
 
     /// For a command that does not export.
     void refuseExportOptions(const QString &command)
     {
-        for (const QCommandLineOption &option :
-             {toOption(), videoTypeOption(), audioTypeOption(), keepTimecodeOption(), noVerifyOption()}) {
+        for (const QCommandLineOption &option : {toOption(), videoTypeOption(), audioTypeOption(),
+                                                 keepTimecodeOption(), noVerifyOption(), resumeOption()}) {
             if (parser.isSet(option))
                 refuse('"' + command + "\" takes no --" + option.names().constFirst());
         }

@@ -19,6 +19,7 @@ struct BatchOptions {
     std::optional<AudioTCOptions> reading;  ///< none = as the window's import reads
     std::optional<ExportOptions> exporting; ///< none = nothing is exported
     bool verifying = true;                  ///< new files are checked
+    bool resuming = false;                  ///< what an earlier run has proven stays
     int jobs = JobQueues::maximumRunning;   ///< tools that run together at most
     bool quiet = false;                     ///< neither table nor progress
 };

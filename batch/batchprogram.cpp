@@ -29,6 +29,7 @@ BatchProgram::BatchProgram(const BatchOptions &options)
 {
     control.setJobLimit(options.jobs);
     run.setVerifying(options.verifying);
+    run.setResuming(options.resuming);
     if (options.reading)
         control.setImportOptions(*options.reading);
     connect(&run, &BatchRun::rowDone, this, &BatchProgram::onRowDone);

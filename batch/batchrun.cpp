@@ -30,6 +30,11 @@ QString unproven(const QString &path)
 BatchRun::BatchRun(MainControl *control, const std::optional<ExportOptions> &exporting)
     : control(control), exporting(exporting)
 {
+    if (exporting) {
+        notes.emplace(*exporting);
+        control->setNameClaim(
+            [own = *notes](const FileData &file, const QString &path) { return own.claim(file, path); });
+    }
     constexpr auto queued = Qt::QueuedConnection; // the controller is not called back inside its own signals
     connect(this, &BatchRun::iterateThroughDirReq, control, &MainControl::onIterateThroughDir, queued);
     connect(this, &BatchRun::ffprobeFileReq, control, &MainControl::onFFProbeFile, queued);
@@ -164,19 +169,36 @@ void BatchRun::startExport()
         return outcomeOf(files.record(row), files.status(row)) == Outcome::Failed;
     };
     rows.erase(std::remove_if(rows.begin(), rows.end(), isUnread), rows.end());
-    const QVector<FileData> taken = files.takeForExport(rows, *exporting);
+    QVector<FileData> taken = files.takeForExport(rows, *exporting);
     for (const int row : qAsConst(rows))
         exports[row].kind = ExportState::Kind::LeftOut;
-    for (const FileData &file : taken)
+    for (const FileData &file : qAsConst(taken))
         exports[file.rowNumber].kind = ExportState::Kind::UnderWay;
+    const auto isDone = [this](const FileData &file) { return isResuming && takeEarlier(file); };
+    taken.erase(std::remove_if(taken.begin(), taken.end(), isDone), taken.end());
     for (const int row : qAsConst(rows)) {
-        if (exports.at(row).kind == ExportState::Kind::LeftOut)
+        if (exports.at(row).kind != ExportState::Kind::UnderWay)
             emit rowDone(row);
     }
     if (taken.isEmpty())
         end();
     else
         emit exportFilesReq(taken, *exporting);
+}
+
+/// Whether an earlier run has exported \a file. What it has left half done is removed.
+bool BatchRun::takeEarlier(const FileData &file)
+{
+    notes->removeHalfDone(file);
+    const auto done = notes->verifiedExport(file);
+    if (!done)
+        return false;
+    ExportState &exported = exports[file.rowNumber];
+    exported.kind = ExportState::Kind::Verified;
+    exported.path = done->path;
+    exported.start = done->start;
+    exported.verdict = "verified by an earlier run";
+    return true;
 }
 
 void BatchRun::onExportProgress(int current, int total)
@@ -192,6 +214,8 @@ void BatchRun::onFileExported(int rowNumber, QString outputPath, int exitCode)
 {
     if (phase != Phase::Exporting || !files.contains(rowNumber))
         return;
+    if (exitCode != 0 || !isVerifying)
+        notes->drop(outputPath);
     if (isStopped && !QFile::exists(outputPath)) // cancelled
         return;
     ExportState &exported = exports[rowNumber];
@@ -238,8 +262,12 @@ void BatchRun::setVerdict(int row, const Verdict &verdict)
     exported.kind = verdict.isProven ? ExportState::Kind::Verified : ExportState::Kind::Unverified;
     exported.verdict = verdict.text;
     exported.start = verdict.start;
-    if (!verdict.isProven)
+    if (verdict.isProven) {
+        notes->setVerified(files.record(row), exported.path, verdict.start);
+    } else {
+        notes->drop(exported.path);
         exported.path = unproven(exported.path);
+    }
     emit rowDone(row);
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/records/exportoptions.h"
+#include "batch/exportnotes.h"
 #include "batch/exportstate.h"
 #include "batch/filecheck.h"
 #include "batch/openrows.h"
@@ -30,6 +31,9 @@ public:
 
     /// Whether new files are checked against their sources. By default they are.
     void setVerifying(bool verifying) { isVerifying = verifying; }
+
+    /// Whether what an earlier run has exported and proven is left as it is. By default it is exported again.
+    void setResuming(bool resuming) { isResuming = resuming; }
 
     /// Begins with \a paths, files and folders. ended() follows in any case.
     void start(const QStringList &paths);
@@ -84,6 +88,7 @@ private:
     QVector<int> rowsByPath() const;
     void report(const QVector<int> &rows);
     void startExport();
+    bool takeEarlier(const FileData &file);
     void startChecks();
     void setVerdict(int row, const Verdict &verdict);
     bool isUnchecked(int row) const;
@@ -96,9 +101,11 @@ private:
     OpenRows open;
     QVector<ExportState> exports; ///< in row order
     Phase phase = Phase::Idle;
-    QVector<int> uncheckedRows;  ///< their new files wait to be checked
-    QVector<FileCheck *> checks; ///< that run
+    QVector<int> uncheckedRows;       ///< their new files wait to be checked
+    QVector<FileCheck *> checks;      ///< that run
+    std::optional<ExportNotes> notes; ///< of the exports; none = nothing is exported
     bool isVerifying = true;
+    bool isResuming = false;
     bool isExportOver = false; ///< the controller has ended its batch
     bool isStopped = false;    ///< by stop()
 };

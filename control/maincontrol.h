@@ -11,6 +11,9 @@
 #include <QJsonObject>
 #include <QTimer>
 
+#include <functional>
+#include <optional>
+
 class FFMpegHandler;
 class LTCHandler;
 
@@ -34,6 +37,13 @@ public:
     /// Imports read timecodes as \a options say, instead of automatically. To be called before work is asked
     /// for.
     void setImportOptions(const AudioTCOptions &options) { importOptions = options; }
+
+    /// Reserves the path of a new file for the export of a source; returns whether it was free.
+    using NameClaim = std::function<bool(const FileData &file, const QString &path)>;
+
+    /// Names of new files are reserved with \a claim. To be called before work is asked for.
+    void setNameClaim(const NameClaim &claim) { nameClaim = claim; }
+    const NameClaim &claimOfNames() const { return nameClaim; }
 
 signals:
     void ffmpegExtractAudioStreamsReq(FileData fileData, QString targetFolderPath);
@@ -121,4 +131,5 @@ private:
     uint extractResultCount = 0;    ///< results of extractions since the start
 
     std::optional<AudioTCOptions> importOptions; ///< how imports read; none = automatically
+    NameClaim nameClaim;                         ///< empty = names are not reserved
 };

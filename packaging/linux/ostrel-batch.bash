@@ -27,7 +27,7 @@ _ostrel_batch() {
         elif [[ $word == -* ]]; then
             choices="--report --algorithm --channel --frame-rate --jobs --quiet --help --version"
             if [[ " ${COMP_WORDS[*]} " == *" export "* ]]; then
-                choices+=" --to --video-type --audio-type --keep-timecode-channel --no-verify"
+                choices+=" --to --video-type --audio-type --keep-timecode-channel --no-verify --resume"
             fi
         else
             mapfile -t COMPREPLY < <(compgen -f -- "$word")

@@ -3,6 +3,7 @@
 #include "demo/mediakit/mediamaker.h"
 #include "demo/mediakit/shootday.h"
 
+#include <QCryptographicHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -22,6 +23,7 @@ private slots:
     void theReportSaysWhatWasRecorded_data();
     void theReportSaysWhatWasRecorded();
     void newFilesAreVerifiedAndStartRight();
+    void aKilledRunIsResumed();
 
 private:
     QTemporaryDir folder;
@@ -182,6 +184,65 @@ void TestBatchDay::newFilesAreVerifiedAndStartRight()
                          QString::fromStdString(testsignals::text(signal->start, signal->rate)));
         }
     }
+}
+
+void TestBatchDay::aKilledRunIsResumed()
+{
+    const QTemporaryDir whole;
+    const QTemporaryDir killed;
+    const auto arguments = [this](const QTemporaryDir &out) {
+        return QStringList{"export",
+                           "--resume",
+                           "--to",
+                           out.path(),
+                           "--video-type",
+                           "mov-pass",
+                           "--report",
+                           out.filePath("day.json"),
+                           folder.filePath("SOUND"),
+                           folder.filePath("CAMERA-B")};
+    };
+    const auto contents = [](const QTemporaryDir &out) {
+        QMap<QString, QByteArray> files;
+        for (const QString &name : QDir(out.path()).entryList({"*.MOV*", "*.WAV*"}, QDir::Files)) {
+            QFile file(out.filePath(name));
+            if (file.open(QIODevice::ReadOnly))
+                files[name] = QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256);
+        }
+        return files;
+    };
+    QProcess batch;
+    batch.start(BATCH, arguments(whole));
+    QVERIFY(batch.waitForFinished(runLimit));
+    QVERIFY2(batch.exitCode() == 0, batch.readAllStandardError());
+    QCOMPARE(contents(whole).size(), 5);
+
+    // Each run gets a little further than the one before.
+    QVector<int> files;
+    for (int pause = 200; files.isEmpty() || files.last() < 5; pause += 400) { // [ms]
+        batch.start(BATCH, arguments(killed));
+        if (batch.waitForFinished(pause))
+            break;
+        batch.kill();
+        QVERIFY(batch.waitForFinished(runLimit));
+        files += QDir(killed.filePath(".ostrel-batch")).entryList({"*.json"}, QDir::Files).size();
+    }
+    batch.start(BATCH, arguments(killed));
+    QVERIFY(batch.waitForFinished(runLimit));
+    QVERIFY2(batch.exitCode() == 0, batch.readAllStandardError());
+    QCOMPARE(contents(killed).keys(), contents(whole).keys());
+    for (const QString &name : contents(whole).keys())
+        QVERIFY2(contents(killed)[name] == contents(whole)[name], qPrintable(name));
+
+    // Now all is there: nothing is written again.
+    const QDateTime before = QFileInfo(killed.filePath("B001_aac.MOV")).lastModified();
+    batch.start(BATCH, arguments(killed));
+    QVERIFY(batch.waitForFinished(runLimit));
+    QCOMPARE(batch.exitCode(), 0);
+    QCOMPARE(QFileInfo(killed.filePath("B001_aac.MOV")).lastModified(), before);
+    QFile report(killed.filePath("day.json"));
+    QVERIFY(report.open(QIODevice::ReadOnly));
+    QCOMPARE(report.readAll().count("verified by an earlier run"), 5);
 }
 
 QTEST_GUILESS_MAIN(TestBatchDay)
