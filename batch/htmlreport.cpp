@@ -122,10 +122,11 @@ QByteArray make(const QJsonArray &records)
     for (const QJsonValue value : records) {
         const QJsonObject record = value.toObject();
         all += fileRow(record);
-        if (reportrecord::isWrong(record))
+        if (reportrecord::isWrong(record)) {
             wrong += element("tr", element("td", escaped(record["path"])) +
                                        element("td", escaped(record["reason"]), "wrong")) +
                      '\n';
+        }
     }
     QString body = element("h1", "Timecode report") + '\n' + element("p", summaryText(records)) + '\n';
     if (!wrong.isEmpty())

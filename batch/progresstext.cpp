@@ -23,11 +23,12 @@ QString timeText(double seconds)
 {
     const auto whole = static_cast<qint64>(std::ceil(seconds));
     const QChar zero('0');
-    if (whole >= 3600)
+    if (whole >= 3600) {
         return QString("%1:%2:%3")
             .arg(whole / 3600)
             .arg(whole % 3600 / 60, 2, 10, zero)
             .arg(whole % 60, 2, 10, zero);
+    }
     return QString("%1:%2").arg(whole / 60).arg(whole % 60, 2, 10, zero);
 }
 

@@ -68,7 +68,7 @@ QVector<Sound> soundsOf(const FileData &file, const ExportOptions &options)
     QVector<Sound> sounds;
     for (const char entry : file.audioStreamMap) {
         Sound sound;
-        sound.stream = static_cast<signed char>(entry);
+        sound.stream = static_cast<unsigned char>(entry);
         sound.kept.resize(streamOf(file, sound.stream)["channels"].toInt());
         std::iota(sound.kept.begin(), sound.kept.end(), 0);
         sound.isWhole = !isMuted || sound.stream != file.audioStreamIndex;
@@ -94,7 +94,7 @@ qint64 timeReferenceOf(const FileData &file)
 {
     const qint64 samples = wholeNumber(file.audioTCResult["SamplesSinceMidnight"]);
     const int countedRate = file.audioTCResult["SampleRate"].toInt();
-    const QJsonObject stream = streamOf(file, static_cast<signed char>(file.audioStreamMap.at(0)));
+    const QJsonObject stream = streamOf(file, static_cast<unsigned char>(file.audioStreamMap.at(0)));
     const int ownRate = stream["sample_rate"].toString().toInt();
     if (countedRate <= 0 || countedRate == ownRate)
         return samples;
@@ -208,11 +208,13 @@ QStringList soundFaults(const FileData &file, const Expectation &expected, const
     for (int i = 0; i < sounds.size(); ++i) {
         const Sound &sound = expected.sounds.at(i);
         const QJsonObject original = streamOf(file, sound.stream);
-        if (sounds.at(i)["channels"].toInt() != sound.kept.size())
+        const int channels = sounds.at(i)["channels"].toInt();
+        if (channels != sound.kept.size()) {
             faults += QString("%1 channels instead of %2 in audio stream %3")
-                          .arg(sounds.at(i)["channels"].toInt())
+                          .arg(channels)
                           .arg(sound.kept.size())
                           .arg(i + 1);
+        }
         if (seconds(sounds.at(i)["duration"]) < seconds(original["duration"]) - toleratedSeconds)
             faults += QString("audio stream %1 is too short").arg(i + 1);
         isCompared = isCompared || areSamplesKept(file, expected, i, probe);
