@@ -125,14 +125,14 @@ QByteArray log(const QString &rate, const QVector<QJsonObject> &records)
 QVector<Log> make(const QJsonArray &records)
 {
     QMap<QString, QVector<QJsonObject>> byRate;
-    for (const QJsonValue value : records) {
+    for (const QJsonValue &value : records) {
         const QJsonObject record = value.toObject();
         if (!record["audioTimecode"].toString().isEmpty())
             byRate[headingRate(loggedRate(record))] += record;
     }
     if (byRate.isEmpty())
         byRate["25"] = {};
-    QVector<QString> rates = byRate.keys().toVector();
+    QStringList rates = byRate.keys();
     std::stable_sort(rates.begin(), rates.end(), [&byRate](const QString &first, const QString &second) {
         return byRate.value(first).size() > byRate.value(second).size();
     });

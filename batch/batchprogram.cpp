@@ -68,7 +68,7 @@ ExitCode BatchProgram::join()
     }
     const QJsonArray joined = reports::join(all);
     bool isDone = writeReports(joined);
-    for (const QJsonValue record : joined) {
+    for (const QJsonValue &record : joined) {
         if (!reportrecord::isWrong(record.toObject()))
             continue;
         isDone = false;
@@ -145,7 +145,8 @@ bool BatchProgram::writeReports(const QJsonArray &records)
 {
     bool areWritten = true;
     for (const QString &path : qAsConst(options.reports)) {
-        for (const reports::ReportFile &report : reports::forPath(path, records)) {
+        const QVector<reports::ReportFile> files = reports::forPath(path, records);
+        for (const reports::ReportFile &report : files) {
             QSaveFile file(report.path);
             if (file.open(QIODevice::WriteOnly) && file.write(report.content) == report.content.size() &&
                 file.commit())

@@ -44,7 +44,8 @@ void ExportNotes::drop(const QString &path) const
 
 std::optional<ExportNotes::Done> ExportNotes::verifiedExport(const FileData &file) const
 {
-    for (const QJsonObject &note : notesOf(file)) {
+    const QVector<QJsonObject> notes = notesOf(file);
+    for (const QJsonObject &note : notes) {
         const QFileInfo written(QDir(options.exportDir).absoluteFilePath(note["export"].toString()));
         if (note.contains("exportSize") && written.isFile() &&
             written.size() == static_cast<qint64>(note["exportSize"].toDouble()))
@@ -55,7 +56,8 @@ std::optional<ExportNotes::Done> ExportNotes::verifiedExport(const FileData &fil
 
 void ExportNotes::removeHalfDone(const FileData &file) const
 {
-    for (const QJsonObject &note : notesOf(file)) {
+    const QVector<QJsonObject> notes = notesOf(file);
+    for (const QJsonObject &note : notes) {
         if (note.contains("exportSize"))
             continue;
         const QString path = QDir(options.exportDir).absoluteFilePath(note["export"].toString());

@@ -119,7 +119,7 @@ QByteArray make(const QJsonArray &records)
 {
     QString wrong;
     QString all;
-    for (const QJsonValue value : records) {
+    for (const QJsonValue &value : records) {
         const QJsonObject record = value.toObject();
         all += fileRow(record);
         if (reportrecord::isWrong(record)) {

@@ -36,7 +36,7 @@ void addSound(QJsonObject &record, const QJsonArray &streams)
 {
     QStringList codecs;
     int channels = 0;
-    for (const QJsonValue stream : streams) {
+    for (const QJsonValue &stream : streams) {
         codecs += stream.toObject()["codec_name"].toString();
         channels += stream.toObject()["channels"].toInt();
     }

@@ -48,7 +48,7 @@ QByteArray csvLine(const QStringList &cells)
 QByteArray csv(const QJsonArray &records)
 {
     QByteArray text = csvLine(reportrecord::keys());
-    for (const QJsonValue record : records) {
+    for (const QJsonValue &record : records) {
         QStringList cells;
         for (const QString &key : reportrecord::keys())
             cells += cellText(record.toObject()[key]);
@@ -60,7 +60,7 @@ QByteArray csv(const QJsonArray &records)
 QJsonObject summary(const QJsonArray &records)
 {
     QJsonObject counts{{"files", records.size()}, {"found", 0}, {"linked", 0}, {"none", 0}, {"failed", 0}};
-    for (const QJsonValue record : records) {
+    for (const QJsonValue &record : records) {
         const QString result = record.toObject()["result"].toString();
         counts[result] = counts[result].toInt() + 1;
     }
@@ -79,7 +79,7 @@ QJsonArray join(const QVector<QJsonArray> &reports)
 {
     QMap<QString, QJsonObject> byPath;
     for (const QJsonArray &records : reports) {
-        for (const QJsonValue record : records)
+        for (const QJsonValue &record : records)
             byPath[record.toObject()["path"].toString()] = record.toObject();
     }
     QJsonArray joined;
@@ -115,7 +115,8 @@ QVector<ReportFile> forPath(const QString &path, const QJsonArray &records)
         return {{path, htmlreport::make(records)}};
 
     QVector<ReportFile> files;
-    for (const alereport::Log &log : alereport::make(records)) {
+    const QVector<alereport::Log> logs = alereport::make(records);
+    for (const alereport::Log &log : logs) {
         const QString stem = path.left(path.size() - suffix.size() - 1);
         const QString name = files.isEmpty() ? path : stem + '-' + log.rate + path.right(suffix.size() + 1);
         files += ReportFile{name, log.content};

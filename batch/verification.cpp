@@ -32,7 +32,8 @@ QJsonObject streamOf(const FileData &file, int index)
 QVector<QJsonObject> streamsOf(const QJsonObject &probe, const QString &type)
 {
     QVector<QJsonObject> streams;
-    for (const QJsonValue stream : probe["streams"].toArray()) {
+    const QJsonArray all = probe["streams"].toArray();
+    for (const QJsonValue &stream : all) {
         const bool isCover = stream.toObject()["disposition"].toObject()["attached_pic"].toInt() == 1;
         if (stream.toObject()["codec_type"] == type && !isCover)
             streams += stream.toObject();
@@ -331,7 +332,8 @@ QString startIn(const QJsonObject &probe)
 {
     const QJsonObject tags = probe["format"].toObject()["tags"].toObject();
     QString start = tags["timecode"].toString();
-    for (const QJsonValue stream : probe["streams"].toArray()) {
+    const QJsonArray streams = probe["streams"].toArray();
+    for (const QJsonValue &stream : streams) {
         const QString own = stream.toObject()["tags"].toObject()["timecode"].toString();
         if (!own.isEmpty())
             start = own;
@@ -343,7 +345,7 @@ QStringList startsInMediainfo(const QByteArray &json)
 {
     QStringList starts;
     const QJsonArray tracks = QJsonDocument::fromJson(json).object()["media"].toObject()["track"].toArray();
-    for (const QJsonValue track : tracks) {
+    for (const QJsonValue &track : tracks) {
         const QString start = track.toObject()["TimeCode_FirstFrame"].toString();
         // Pictures carry timecodes of their own, which stay when they are copied.
         if (track.toObject()["@type"] == "Other" && !start.isEmpty())

@@ -65,7 +65,7 @@ void TestBatchDay::initTestCase()
     QVERIFY(python.waitForFinished(runLimit));
     const QJsonArray read = QJsonDocument::fromJson(python.readAllStandardOutput()).array();
     QCOMPARE(read.size(), recordings.size());
-    for (const QJsonValue line : read)
+    for (const QJsonValue &line : read)
         lines[line.toObject()["name"].toString()] = line.toObject();
 }
 
@@ -160,7 +160,8 @@ void TestBatchDay::newFilesAreVerifiedAndStartRight()
     QFile file(report);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QMap<QString, QJsonObject> records;
-    for (const QJsonValue record : QJsonDocument::fromJson(file.readAll()).object()["files"].toArray())
+    const QJsonArray all = QJsonDocument::fromJson(file.readAll()).object()["files"].toArray();
+    for (const QJsonValue &record : all)
         records[record.toObject()["name"].toString()] = record.toObject();
 
     for (const mediakit::Recording &recording : qAsConst(recordings)) {

@@ -73,7 +73,7 @@ print(json.dumps(reader.rows))
 QStringList firstCells(const QJsonArray &rows)
 {
     QStringList cells;
-    for (const QJsonValue row : rows)
+    for (const QJsonValue &row : rows)
         cells += row.toArray().first().toString();
     return cells;
 }

@@ -82,7 +82,7 @@ void TestReports::csvIsReadBackCellByCell()
     QCOMPARE(cell(1, "linkedFrom"), QString());
     QCOMPARE(cell(2, "name"), QString("b.wav"));
     QCOMPARE(cell(3, "result"), QString("failed"));
-    for (const QJsonValue line : lines)
+    for (const QJsonValue &line : lines)
         QCOMPARE(line.toArray().size(), keys.size());
 }
 
@@ -110,7 +110,8 @@ void TestReports::theSuffixChooses()
 {
     const auto contents = [](const QString &path) {
         QStringList names;
-        for (const reports::ReportFile &file : reports::forPath(path, records()))
+        const auto files = reports::forPath(path, records());
+        for (const reports::ReportFile &file : files)
             names += file.path + ' ' + QString::fromUtf8(file.content.left(9)).simplified();
         return names;
     };
