@@ -2,8 +2,8 @@
 #include "app/applicationattributes.h"
 #include "app/mainwindow.h"
 #include "app/records/recordtypes.h"
-#include "app/terminationsignals.h"
 #include "process/filenamecoding.h"
+#include "process/terminationsignals.h"
 
 #include <QApplication>
 

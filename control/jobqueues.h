@@ -5,6 +5,7 @@
 
 #include <QQueue>
 
+#include <algorithm>
 #include <array>
 #include <functional>
 #include <optional>
@@ -21,8 +22,12 @@ public:
     /// In the order in which the queues are served.
     enum Kind { Probe, Extraction, Reading, Export, KindCount };
 
+    /// Lets no more than \a count jobs run together, 1 ... maximumRunning; a value outside is brought into
+    /// that range.
+    void setLimit(int count) { limit = std::clamp(count, 1, maximumRunning); }
+
     /// Whether one more job of \a kind may start now.
-    bool mayStart(Kind kind) const { return !isHeld[kind] && running() < maximumRunning; }
+    bool mayStart(Kind kind) const { return !isHeld[kind] && running() < limit; }
 
     /// Keeps jobs of \a kind from starting until they are no longer held; they wait in their queue.
     void setHeld(Kind kind, bool held) { isHeld[kind] = held; }
@@ -48,6 +53,7 @@ public:
     bool serve(const std::function<void(Kind kind, const FileData &file)> &start);
 
 private:
+    int limit = maximumRunning; ///< jobs of all kinds together
     std::array<int, KindCount> runningJobs{};
     std::array<bool, KindCount> isHeld{};
     std::array<QQueue<FileData>, KindCount> waiting;

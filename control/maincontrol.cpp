@@ -74,7 +74,7 @@ void MainControl::startJob(JobQueues::Kind kind, const FileData &file)
 
 void MainControl::startReaders(const FileData &file)
 {
-    const auto options = audioTCUpdateMode ? std::make_optional(audioTCOptions) : std::nullopt;
+    const auto options = audioTCUpdateMode ? std::make_optional(audioTCOptions) : importOptions;
     const QStringList paths = extractedFiles(temporaryFolder.subFolder(file.baseName), file.rowNumber);
     for (const QString &path : paths) {
         tooljobs::read(this, path, options, file.isGoPro);
@@ -126,6 +126,7 @@ void MainControl::onExportReady(FFMpegHandler *handler, int exitCode)
 {
     if (batch.isCancelled())
         QFile::remove(handler->outputFilePath()); // partly written
+    emit fileExported(handler->fileData().rowNumber, handler->outputFilePath(), exitCode);
     send(batch.finish(handler->fileData().fileName, exitCode));
     finishJob(JobQueues::Export, handler);
 }

@@ -11,6 +11,9 @@
 #include <QJsonObject>
 #include <QTimer>
 
+#include <functional>
+#include <optional>
+
 class FFMpegHandler;
 class LTCHandler;
 
@@ -26,6 +29,21 @@ class MainControl : public QObject
 public:
     explicit MainControl(QObject *parent = nullptr);
     ~MainControl() override;
+
+    /// Runs at most \a count tools together, 1 ... JobQueues::maximumRunning, which is the default. To be
+    /// called before work is asked for.
+    void setJobLimit(int count) { jobs.setLimit(count); }
+
+    /// Imports read timecodes as \a options say, instead of automatically. To be called before work is asked
+    /// for.
+    void setImportOptions(const AudioTCOptions &options) { importOptions = options; }
+
+    /// Reserves the path of a new file for the export of a source; returns whether it was free.
+    using NameClaim = std::function<bool(const FileData &file, const QString &path)>;
+
+    /// Names of new files are reserved with \a claim. To be called before work is asked for.
+    void setNameClaim(const NameClaim &claim) { nameClaim = claim; }
+    const NameClaim &claimOfNames() const { return nameClaim; }
 
 signals:
     void ffmpegExtractAudioStreamsReq(FileData fileData, QString targetFolderPath);
@@ -54,6 +72,10 @@ signals:
 
     /// A drop has arrived. It is part of every end of an import that is told from now on.
     void dropTaken();
+
+    /// The export of \a rowNumber into \a outputPath has ended with the tool's own code, or with
+    /// toolNotStarted. The file of an export that was cancelled is gone.
+    void fileExported(int rowNumber, QString outputPath, int exitCode);
 
 public slots:
     void onFFProbeReady(FFMpegHandler *handler, QJsonObject ffprobeJson, uint fileNumber, int exitCode);
@@ -107,4 +129,7 @@ private:
     AudioTCOptions audioTCOptions;  ///< of the re-read
     uint probeResultCount = 0;      ///< results of probes since the start
     uint extractResultCount = 0;    ///< results of extractions since the start
+
+    std::optional<AudioTCOptions> importOptions; ///< how imports read; none = automatically
+    NameClaim nameClaim;                         ///< empty = names are not reserved
 };

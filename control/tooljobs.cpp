@@ -74,6 +74,8 @@ void exportFile(MainControl *control, const FileData &file, const ExportBatch &b
                      });
     QObject::connect(control, &MainControl::cancelExportReq, handler, &FFMpegHandler::onExportCancel);
     handler->setBatchSize(batch.fileCount());
+    if (const MainControl::NameClaim &claim = control->claimOfNames())
+        handler->setNameClaim([claim, file](const QString &path) { return claim(file, path); });
     handler->buildExportArguments(file, batch.options());
 }
 

@@ -104,6 +104,13 @@ bool FFMpegHandler::isTaken(const QString &path) const
 {
     if (QFileInfo(path).isFile())
         return true;
+    if (isTakenByHandler(path))
+        return true;
+    return nameClaim && !nameClaim(path);
+}
+
+bool FFMpegHandler::isTakenByHandler(const QString &path) const
+{
     if (!parent())
         return false;
     const auto handlers = parent()->findChildren<FFMpegHandler *>(QString(), Qt::FindDirectChildrenOnly);

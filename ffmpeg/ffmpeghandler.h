@@ -10,6 +10,8 @@
 #include <QProcess>
 #include <QString>
 
+#include <functional>
+
 /// Runs one job of the media tools - a probe, an audio extraction or an export - and reports its result once.
 ///
 /// Lives in the controller's thread, as a child of the controller, which deletes it with deleteLater() once
@@ -36,6 +38,10 @@ public:
 
     /// Lets the export know that it is one of \a files that run together. Call it before the export starts.
     void setBatchSize(int files) { batchSize = files; }
+
+    /// Names of outputs are asked for with \a claim, which reserves a path and returns whether it was free.
+    /// Call it before the export starts; without it no name is reserved.
+    void setNameClaim(const std::function<bool(const QString &path)> &claim) { nameClaim = claim; }
 
     /// The file that the export writes; empty before buildExportArguments().
     QString outputFilePath() const { return outputPath; }
@@ -69,20 +75,22 @@ private:
     void start(QProcess *process, const QString &program, const QStringList &arguments);
     void reportFailedStart(QProcess::ProcessError error);
     bool isTaken(const QString &path) const;
+    bool isTakenByHandler(const QString &path) const;
     bool isWriting(const QString &path) const;
 
-    QByteArray probeOutput;              ///< what the probe tool has printed so far
-    QString outputPath;                  ///< the file that the export writes
-    FileData record;                     ///< the file being worked on
-    uint fileNumber = 0;                 ///< the caller's number of the file being probed
-    uint progressStepsDone = 0;          ///< progress steps reported so far, 0 ... options.progressSteps
-    ExportOptions options;               ///< of the export
-    int batchSize = 0;                   ///< exports that run together; 0 = not known
-    qint64 inputFileSize = 0;            ///< [bytes]
-    qint64 expectedOutputSize = 0;       ///< [bytes per progress step]
-    QProcess *exportProcess;             ///< child of this handler
-    QProcess *probeProcess;              ///< child of this handler
-    QProcess *extractProcess;            ///< child of this handler
+    QByteArray probeOutput;        ///< what the probe tool has printed so far
+    QString outputPath;            ///< the file that the export writes
+    FileData record;               ///< the file being worked on
+    uint fileNumber = 0;           ///< the caller's number of the file being probed
+    uint progressStepsDone = 0;    ///< progress steps reported so far, 0 ... options.progressSteps
+    ExportOptions options;         ///< of the export
+    int batchSize = 0;             ///< exports that run together; 0 = not known
+    qint64 inputFileSize = 0;      ///< [bytes]
+    qint64 expectedOutputSize = 0; ///< [bytes per progress step]
+    QProcess *exportProcess;       ///< child of this handler
+    QProcess *probeProcess;        ///< child of this handler
+    QProcess *extractProcess;      ///< child of this handler
+    std::function<bool(const QString &)> nameClaim; ///< empty = names are not reserved
     QString ffprobePath = "ffprobe.exe"; ///< name of the tool; where it is, is looked up at its start
     QString ffmpegPath = "ffmpeg.exe";   ///< name of the tool; where it is, is looked up at its start
 };

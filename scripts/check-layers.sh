@@ -11,7 +11,7 @@ layers='
 app/records process widgets ltcreader tooladapter tests/support
 ffmpeg ltc update demo/mediakit tests/fakes
 control filelist demo/samples
-app
+app batch
 demo bench/ltc
 bench/support
 bench/realtools bench/reader bench/window

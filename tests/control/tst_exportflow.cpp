@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
+#include <QMap>
 #include <QTest>
 
 namespace
@@ -40,6 +41,8 @@ private slots:
     void aBatchThatSucceedsEndsReady();
     void everyHandlerGetsFifteenSteps();
     void aBatchWithAFailureNamesTheFile();
+    void everyEndNamesItsRowAndFile();
+    void noMoreToolsRunThanTheLimit();
     void aCrashIsAFailure();
     void aFailedFileDoesNotStopTheBatch();
     void progressIsCountedInFifteenUnitsAFile();
@@ -130,6 +133,30 @@ void TestExportFlow::aBatchWithAFailureNamesTheFile()
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
     QCOMPARE(lastEvents(3), (QStringList{"export 45/45 exporting files...", "export 3/3 ready",
                                          "exportReady 2 [take.2.mov]"}));
+}
+
+void TestExportFlow::everyEndNamesItsRowAndFile()
+{
+    QMap<int, QString> ends;
+    connect(&bench->control(), &MainControl::fileExported, &bench->control(),
+            [&ends](int row, const QString &path, int exitCode) {
+                ends[row] = path + ' ' + QString::number(exitCode);
+            });
+    startExport({bench->makeFile("card1/a.mov", exporting({{"exitCode", 7}}), 3),
+                 bench->makeFile("card2/a.mov", {}, 5)});
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
+    QCOMPARE(ends, (QMap<int, QString>{{3, output("a.MOV 7")}, {5, output("a_1.MOV 0")}}));
+}
+
+void TestExportFlow::noMoreToolsRunThanTheLimit()
+{
+    bench->control().setJobLimit(3);
+    startExport(bench->makeFiles(8, waiting()));
+    QCOMPARE(bench->handlers(), 3);
+    bench->openGate();
+    QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
+    QCOMPARE(bench->startedTools().size(), 8);
+    QVERIFY(bench->mostToolsAtOnce() <= 3);
 }
 
 void TestExportFlow::aCrashIsAFailure()

@@ -28,6 +28,8 @@ class TestJobQueues : public QObject
 private slots:
     void fortyFiveJobsRunAtOnce_data();
     void fortyFiveJobsRunAtOnce();
+    void aLowerLimitHolds_data();
+    void aLowerLimitHolds();
     void jobsOfAllKindsCountTogether();
     void theFirstThatWaitsIsTheFirstTaken();
     void nothingIsTakenWhileTheLimitIsReached();
@@ -57,6 +59,28 @@ void TestJobQueues::fortyFiveJobsRunAtOnce()
     start(jobs, JobQueues::Probe, running);
     QCOMPARE(jobs.running(), running);
     QTEST(jobs.mayStart(JobQueues::Export), "mayStart");
+}
+
+void TestJobQueues::aLowerLimitHolds_data()
+{
+    QTest::addColumn<int>("limit");
+    QTest::addColumn<int>("most");
+    QTest::newRow("two together") << 2 << 2;
+    QTest::newRow("all") << 45 << 45;
+    QTest::newRow("no more than all") << 46 << 45;
+    QTest::newRow("at least one") << 0 << 1;
+}
+
+void TestJobQueues::aLowerLimitHolds()
+{
+    QFETCH(int, limit);
+    QFETCH(int, most);
+    JobQueues jobs;
+    jobs.setLimit(limit);
+    start(jobs, JobQueues::Export, most - 1);
+    QVERIFY(jobs.mayStart(JobQueues::Probe));
+    start(jobs, JobQueues::Reading, 1);
+    QVERIFY(!jobs.mayStart(JobQueues::Probe));
 }
 
 void TestJobQueues::jobsOfAllKindsCountTogether()

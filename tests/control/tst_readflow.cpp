@@ -43,6 +43,7 @@ private slots:
     void theReadersAnswerIsPassedOnUnchanged_data();
     void theReadersAnswerIsPassedOnUnchanged();
     void anImportReadsWithAutomaticSettings();
+    void anImportReadsAsItsOptionsSay();
     void aReReadPassesItsOptions();
     void aFailedExtractionIsReported_data();
     void aFailedExtractionIsReported();
@@ -191,6 +192,20 @@ void TestReadFlow::anImportReadsWithAutomaticSettings()
              QStringList{"-aSLOPE"});
     QCOMPARE(faketools::calls(other.absoluteFilePath, "read").constFirst().arguments,
              QStringList{QDir(bench->temporaryPath()).filePath("other/other_1_1.wav")});
+}
+
+void TestReadFlow::anImportReadsAsItsOptionsSay()
+{
+    AudioTCOptions options;
+    options.algorithm = 1;
+    options.channel = 2;
+    options.frameRate = 25.0;
+    bench->control().setImportOptions(options);
+    const FileData file = makeSound("a.mov", 4, "\x01");
+    bench->control().onInitAudioTCInfo(file, 4);
+    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("read ").size(), 1, longWait);
+    QCOMPARE(faketools::calls(file.absoluteFilePath, "read").constFirst().arguments.mid(1),
+             (QStringList{"-c2", "-f25", "-aLOW"}));
 }
 
 void TestReadFlow::aReReadPassesItsOptions()

@@ -12,11 +12,12 @@ quietly() { "$@" >/tmp/log 2>&1 || { cat /tmp/log >&2; exit 1; }; }
 echo "== Installing the package and what it names, nothing else"
 quietly apt-get -q update
 quietly apt-get -q -y install --no-install-recommends "$given"/*.deb
-for file in /usr/bin/ostrel-timecode-tool /usr/bin/LTCReader "$programs"/{LTCReader,ffmpeg,ffprobe}.exe; do
+for file in /usr/bin/ostrel-timecode-tool /usr/bin/ostrel-batch /usr/bin/LTCReader "$programs"/{LTCReader,ffmpeg,ffprobe}.exe; do
     [ -x "$file" ] || { echo "in-fresh-root: $file is no program" >&2; exit 1; }
 done
 if ldd "$programs"/* | grep "not found"; then exit 1; fi
 LTCReader --version
+ostrel-batch --version
 
 echo "== What the test needs: a screen, hands, and the demo with its signal maker"
 quietly apt-get -q -y install --no-install-recommends \

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/terminationsignals.h"
+#include "process/terminationsignals.h"
 
 #include <QSignalSpy>
 #include <QTest>

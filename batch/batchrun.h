@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/records/exportoptions.h"
+#include "batch/exportnotes.h"
+#include "batch/exportstate.h"
+#include "batch/filecheck.h"
+#include "batch/openrows.h"
+#include "filelist/importedfiles.h"
+
+#include <QJsonArray>
+#include <QObject>
+#include <QStringList>
+#include <QUrl>
+
+#include <optional>
+
+class MainControl;
+
+/// One run without a window: has the controller import files and export them, as the table of the window
+/// does, and knows when a file is done.
+///
+/// Lives in the controller's thread; all calls between the two are queued, as they are between two threads.
+class BatchRun : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// \a control answers the requests; it is not owned. Without \a exporting nothing is exported.
+    BatchRun(MainControl *control, const std::optional<ExportOptions> &exporting);
+
+    /// Whether new files are checked against their sources. By default they are.
+    void setVerifying(bool verifying) { isVerifying = verifying; }
+
+    /// Whether what an earlier run has exported and proven is left as it is. By default it is exported again.
+    void setResuming(bool resuming) { isResuming = resuming; }
+
+    /// Begins with \a paths, files and folders. ended() follows in any case.
+    void start(const QStringList &paths);
+
+    /// Ends the run soon: no tool goes on, what is not done stays so, and half-written files are removed.
+    /// ended() follows, unless it has come before.
+    void stop();
+
+    const ImportedFiles &importedFiles() const { return files; }
+
+    /// How the export of the existing \a row has come out.
+    const ExportState &exportState(int row) const { return exports.at(row); }
+
+    /// Whether \a row was not read, or not exported although that was asked for.
+    bool hasFailed(int row) const;
+
+    /// Why, or why there is no timecode or no new file; empty where all is well.
+    QString reasonOf(int row) const;
+
+    /// What the reports say of all files, in the order of their paths.
+    QJsonArray records() const;
+
+    /// Whether a file has failed.
+    bool hasFailures() const;
+
+signals:
+    void iterateThroughDirReq(QList<QUrl> urls);
+    void ffprobeFileReq(FileData fileData, int rowNumber);
+    void initAudioTCInfoReq(FileData fileData, int rowNumber);
+    void exportFilesReq(QVector<FileData> exportFileVector, ExportOptions exportOptions);
+    void cancelExport();
+
+    /// No further result will change \a row; all rows are known by the first time.
+    void rowDone(int row);
+    void progressed(QString what, int done, int total);
+    void ended();
+
+private slots:
+    void addFile(QFileInfo fileInfo);
+    void onFFProbeResult(FileData fileData, int fileNumber, int exitCode);
+    void onAudioTCReadReturn(QJsonObject ltcResultJson, int fileNumber, int audioTCStreamIndex, int exitCode);
+    void onImportProgress(int current, int total);
+    void onImportEnd();
+    void onExportProgress(int current, int total);
+    void onFileExported(int rowNumber, QString outputPath, int exitCode);
+    void onExportEnd();
+    void onChecked(FileCheck *check, int row, const Verdict &verdict);
+
+private:
+    enum class Phase { Idle, Reading, Exporting };
+
+    QVector<int> rowsByPath() const;
+    void report(const QVector<int> &rows);
+    void startExport();
+    bool takeEarlier(const FileData &file);
+    void startChecks();
+    void setVerdict(int row, const Verdict &verdict);
+    bool isUnchecked(int row) const;
+    void endWhenChecked();
+    void end();
+
+    MainControl *control;
+    std::optional<ExportOptions> exporting;
+    ImportedFiles files; ///< one record per row, in row order
+    OpenRows open;
+    QVector<ExportState> exports; ///< in row order
+    Phase phase = Phase::Idle;
+    QVector<int> uncheckedRows;       ///< their new files wait to be checked
+    QVector<FileCheck *> checks;      ///< that run
+    std::optional<ExportNotes> notes; ///< of the exports; none = nothing is exported
+    bool isVerifying = true;
+    bool isResuming = false;
+    bool isExportOver = false; ///< the controller has ended its batch
+    bool isStopped = false;    ///< by stop()
+};
