@@ -73,7 +73,7 @@ void BatchRun::stop()
                 setVerdict(row, {false, "not checked", {}});
         }
         emit cancelExport();
-        endWhenChecked(); // the controller may have no end to tell of any more
+        endWhenChecked(); // the controller may have no end to report any more
     } else if (phase == Phase::Reading) {
         control->shutDown();
         onImportEnd();

@@ -19,7 +19,7 @@ const QStringList &keys();
 QJsonObject make(const FileData &file, const RowStatus &status, qint64 size,
                  const ExportState &exported = {});
 
-/// Whether \a record tells of something that went wrong.
+/// Whether \a record reports something that went wrong.
 bool isWrong(const QJsonObject &record);
 
 } // namespace reportrecord

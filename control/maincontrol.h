@@ -48,8 +48,8 @@ public:
 signals:
     void ffmpegExtractAudioStreamsReq(FileData fileData, QString targetFolderPath);
 
-    /// A probe has ended: 0 and the filled record, or 1000 (the tool failed) or 1001 (it told nothing) and a
-    /// default record.
+    /// A probe has ended: 0 and the filled record, or 1000 (the tool failed) or 1001 (it reported nothing)
+    /// and a default record.
     void ffprobeResult(FileData fileData, int fileNumber, int exitCode);
 
     /// A reader has ended (its own exit code and object), or an extraction has failed (2001, stream -1).
@@ -70,7 +70,7 @@ signals:
     /// An import or a re-read has come to its end without reaching its total: nothing of it runs or waits.
     void importIdle();
 
-    /// A drop has arrived. It is part of every end of an import that is told from now on.
+    /// A drop has arrived. It is part of every end of an import that is reported from now on.
     void dropTaken();
 
     /// The export of \a rowNumber into \a outputPath has ended with the tool's own code, or with

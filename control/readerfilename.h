@@ -4,7 +4,7 @@
 #include <QString>
 #include <QStringList>
 
-/// What the path of an extracted audio file, "<base name>_<stream>_<row>.wav", tells of its origin.
+/// What the path of an extracted audio file, "<base name>_<stream>_<row>.wav", says about its origin.
 struct ReaderFileName {
     int row = 0;           ///< row of the source file; 0 when the name holds no number there
     int audioStream = 0;   ///< index of the audio stream; 0 when the name holds no number there

@@ -20,7 +20,7 @@ public:
     bool hasFiles() const { return files > 0; }
     uint unitsDone() const { return done; }
 
-    /// All units of an import's probing, where no reader is known yet.
+    /// All units of an import's probing, before any reader is known.
     uint probingTotal() const { return files * 3; }
 
     /// All units as far as they are known now.

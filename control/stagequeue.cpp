@@ -3,7 +3,7 @@
 
 bool StageQueue::admit(const Request &request, bool idle)
 {
-    // A drop adds to the import under way, whatever waits for the end of that import.
+    // A drop adds to the import under way, even if something waits for the end of that import.
     if (isFree(request, idle) && (stage == Stage::Import || waiting.isEmpty()))
         return true;
     waiting.enqueue(request);

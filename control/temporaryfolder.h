@@ -9,7 +9,7 @@
 
 /// The folder into which audio is extracted, with one sub-folder for each source file's base name.
 ///
-/// Private to this user and to this instance of the program: a lock file beside the folder tells other
+/// Private to this user and to this instance of the program: a lock file next to the folder shows other
 /// instances that it is taken. Where the folder is taken, is another user's or is a link, its name gets "-"
 /// and the process id appended. What instances have left that ended without removing theirs, the next
 /// removes.

@@ -36,7 +36,7 @@ void TestOpenRows::aMovieIsSettledByItsLastStream()
     open.takeProbe(0, 2);
     QCOMPARE(open.takeReading(0), QVector<int>());
     QCOMPARE(open.takeReading(0), QVector<int>{0});
-    QCOMPARE(open.takeReading(0), QVector<int>()); // it is told once
+    QCOMPARE(open.takeReading(0), QVector<int>()); // it is reported once
 }
 
 void TestOpenRows::aFailureSettlesAtOnce()

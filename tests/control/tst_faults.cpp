@@ -20,7 +20,7 @@
 #include <sys/resource.h>
 #include <sys/types.h>
 
-// What tools, disks and files may do to the controller. Whatever it is: each operation comes to its end, each
+// What tools, disks and files may do to the controller. In every case each operation comes to its end, each
 // file gets an answer, and no process and no temporary file is left.
 
 namespace
@@ -499,7 +499,7 @@ void TestFaults::noExportGoesOntoASource_data()
     QTest::newRow("through its parent") << "card/../card/./";
     QTest::newRow("through a link to the folder") << "link";
     QTest::newRow("through a link to a link") << "link2";
-    QTest::newRow("through a folder beside it") << "card/sub/..";
+    QTest::newRow("through a folder next to it") << "card/sub/..";
 }
 
 /// Sources whose names differ in case only, or that are links themselves, exported as every type.
@@ -547,7 +547,7 @@ void TestFaults::endingTheThreadEndsTheTools()
     const QVector<FileData> exports{bench->makeFile("e.mov", plan("export", {{"hang", true}}))};
     const QVector<FileData> reads{bench->makeFile("r.mov", plan("extract", {{"hang", true}}), 0)};
     QThread thread;
-    auto *control = new MainControl; // beside that of the bench
+    auto *control = new MainControl; // next to that of the bench
     control->moveToThread(&thread);
     connect(&thread, &QThread::finished, control, &MainControl::shutDown);
     connect(&thread, &QThread::finished, control, &QObject::deleteLater);

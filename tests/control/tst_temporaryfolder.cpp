@@ -189,7 +189,7 @@ void TestTemporaryFolder::whatADeadInstanceHasLeftIsRemoved()
     TemporaryFolder first(parent->path());
     TemporaryFolder second(parent->path());
     second.createSubFolder("clip");
-    QVERIFY(QDir().mkpath(mainPath() + "-1/clip")); // nobody has its lock
+    QVERIFY(QDir().mkpath(mainPath() + "-1/clip")); // no process has its lock
     writeDeadLock(mainPath() + "-2.lock");
     QVERIFY(QDir().mkpath(parent->filePath("Other-1")));
     const TemporaryFolder third(parent->path());
