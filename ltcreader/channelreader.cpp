@@ -26,7 +26,7 @@ bool isOfLabels(Doubt doubt)
 } // namespace
 
 ChannelReader::ChannelReader(const Window &window, int channel, Algorithm algorithm,
-                             const std::optional<FrameRate> &wanted)
+                             const std::optional<timecode::Rate> &wanted)
     : window(window),
       channel(channel),
       algorithm(algorithm),

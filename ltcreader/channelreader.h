@@ -21,7 +21,7 @@ class ChannelReader
 public:
     /// \a wanted restricts the rate.
     ChannelReader(const Window &window, int channel, Algorithm algorithm,
-                  const std::optional<FrameRate> &wanted);
+                  const std::optional<timecode::Rate> &wanted);
 
     /// Takes in what the window holds from sample \a from on. A finding when it is beyond doubt.
     std::optional<Finding> follow(std::size_t from);
@@ -48,7 +48,7 @@ private:
     const Window &window;
     int channel;
     Algorithm algorithm;
-    std::optional<FrameRate> wanted;
+    std::optional<timecode::Rate> wanted;
     EdgeReader edges; ///< in the ordinary way, or the one that was chosen
 };
 

@@ -44,7 +44,7 @@ void keepBetter(ChannelOutcome &best, const ChannelOutcome &found)
 
 std::vector<ChannelReader> readersFor(const Window &window, const Settings &settings)
 {
-    std::optional<FrameRate> wanted;
+    std::optional<timecode::Rate> wanted;
     if (settings.frameRate >= 0.0)
         wanted = rateClass(settings.frameRate);
     std::vector<ChannelReader> readers;
@@ -75,16 +75,16 @@ ChannelOutcome readWindow(Window &window, const Settings &settings)
 
 } // namespace
 
-std::optional<FrameRate> rateClass(double frameRate)
+std::optional<timecode::Rate> rateClass(double frameRate)
 {
     // Users write the NTSC rates with two or three decimals.
     constexpr double rounding = 0.006;
-    constexpr std::array<FrameRate, 5> classes{FrameRate{24, true, false},
-                                               {24, false, false},
-                                               {25, false, false},
-                                               {30, true, false},
-                                               {30, false, false}};
-    for (const FrameRate &rate : classes) {
+    constexpr std::array<timecode::Rate, 5> classes{timecode::Rate{24, true, false},
+                                                    {24, false, false},
+                                                    {25, false, false},
+                                                    {30, true, false},
+                                                    {30, false, false}};
+    for (const timecode::Rate &rate : classes) {
         if (std::abs(rate.framesPerSecond() - frameRate) < rounding)
             return rate;
     }

@@ -3,7 +3,7 @@
 
 #include "ltcreader/doubt.h"
 #include "ltcreader/samplesource.h"
-#include "ltcreader/timecode.h"
+#include "timecode/timecode.h"
 
 #include <cstdint>
 #include <optional>
@@ -29,7 +29,7 @@ struct Settings {
 
 /// The timecode of a recording and how it was found.
 struct Reading {
-    Timecode start;                        ///< of the first sample, to the nearest frame
+    timecode::Label start;                 ///< of the first sample, to the nearest frame
     bool dropFrame = false;                ///< only together with ntsc
     bool ntsc = false;                     ///< real rate is baseRate * 1000 / 1001
     int baseRate = 25;                     ///< 24, 25 or 30
@@ -48,7 +48,7 @@ struct Reading {
 
 /// Nominal rate class that \a frameRate of Settings stands for; none when it is no rate of LTC.
 /// dropFrame is not set: both counts of 29.97 are meant.
-std::optional<FrameRate> rateClass(double frameRate);
+std::optional<timecode::Rate> rateClass(double frameRate);
 
 /// The likeliest timecode of a recording, and what keeps it from being an answer.
 struct Outcome {

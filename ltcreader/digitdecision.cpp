@@ -238,7 +238,7 @@ Resemblance resemblanceOf(const FrameGrid &grid, const std::vector<float> &level
 } // namespace
 
 std::optional<JointDecision> decideByDigits(const FrameGrid &grid, double measuredRate,
-                                            const std::optional<FrameRate> &wanted)
+                                            const std::optional<timecode::Rate> &wanted)
 {
     if (grid.frames < 1)
         return std::nullopt;

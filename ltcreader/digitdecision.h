@@ -11,6 +11,6 @@ namespace ltcreader
 /// Decides as decideTimecode() does, but from nothing but the digits and sync words: for recordings whose
 /// user bits change from frame to frame. Reads less deep in noise. The user bits of the decision are 0.
 std::optional<JointDecision> decideByDigits(const FrameGrid &grid, double measuredRate,
-                                            const std::optional<FrameRate> &wanted);
+                                            const std::optional<timecode::Rate> &wanted);
 
 } // namespace ltcreader

@@ -11,7 +11,7 @@ namespace ltcreader
 
 /// A timecode that was found in one channel of a window.
 struct Finding {
-    FrameRate rate;
+    timecode::Rate rate;
     double startCount = 0.0;  ///< [frames] since midnight at the first sample of the window, any sign
     double frameLength = 0.0; ///< [samples] as recorded
     int channel = 0;          ///< from 0

@@ -22,7 +22,7 @@ int fieldValue(FrameBits bits, BitField part)
     return static_cast<int>(bits >> part.first & ((FrameBits{1} << part.width) - 1));
 }
 
-std::optional<Timecode> labelOf(FrameBits bits)
+std::optional<timecode::Label> labelOf(FrameBits bits)
 {
     constexpr int framesLimit = 30;
     const auto frames = number(bits, field::frameTens, field::frameUnits, framesLimit);
@@ -31,7 +31,7 @@ std::optional<Timecode> labelOf(FrameBits bits)
     const auto hours = number(bits, field::hourTens, field::hourUnits, 24);
     if (!frames || !seconds || !minutes || !hours)
         return std::nullopt;
-    return Timecode{*hours, *minutes, *seconds, *frames};
+    return timecode::Label{*hours, *minutes, *seconds, *frames};
 }
 
 std::uint32_t userBitsOf(FrameBits bits)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/timecode.h"
+#include "timecode/timecode.h"
 
 #include <array>
 #include <cstdint>
@@ -47,7 +47,7 @@ using FrameBits = std::uint64_t;
 int fieldValue(FrameBits bits, BitField part);
 
 /// The label in \a bits; nothing when its digits cannot be a time of day.
-std::optional<Timecode> labelOf(FrameBits bits);
+std::optional<timecode::Label> labelOf(FrameBits bits);
 
 /// The eight groups of user bits of \a bits, the first group in the lowest bits.
 std::uint32_t userBitsOf(FrameBits bits);

@@ -69,7 +69,8 @@ bool isJumpedFrom(const std::vector<Member> &earlier, const std::vector<Member> 
 
 /// The frames that agree on one offset between count and place: the largest of several such groups, or the
 /// earliest from which the timecode jumped there.
-std::vector<Member> agreeingFrames(const std::vector<Frame> &frames, const FrameRate &rate, double length)
+std::vector<Member> agreeingFrames(const std::vector<Frame> &frames, const timecode::Rate &rate,
+                                   double length)
 {
     std::map<std::int64_t, std::vector<Member>> groups;
     const std::int64_t day = framesPerDay(rate);
@@ -126,7 +127,7 @@ void fitLine(const std::vector<Member> &members, FrameChain &chain)
     chain.startCount = startPlace + static_cast<double>(members.front().count - members.front().place);
 }
 
-FrameChain describe(const std::vector<Member> &members, const FrameRate &rate)
+FrameChain describe(const std::vector<Member> &members, const timecode::Rate &rate)
 {
     FrameChain chain;
     chain.rate = rate;
@@ -154,21 +155,21 @@ FrameChain describe(const std::vector<Member> &members, const FrameRate &rate)
 }
 
 /// How far the recording's speed is from \a rate, as the logarithm of the quotient.
-double speedError(double frameLength, const FrameRate &rate, int sampleRate)
+double speedError(double frameLength, const timecode::Rate &rate, int sampleRate)
 {
     return std::abs(std::log(sampleRate / frameLength / rate.framesPerSecond()));
 }
 
 /// How badly the speed fits a way of counting. Where it fits none well the user's word counts more.
-double speedPenalty(const FrameChain &chain, int sampleRate, const std::optional<FrameRate> &wanted)
+double speedPenalty(const FrameChain &chain, int sampleRate, const std::optional<timecode::Rate> &wanted)
 {
     const double error = speedError(chain.frameLength, chain.rate, sampleRate);
     const bool named = wanted && wanted->base == chain.rate.base;
     return named ? std::min(error, speedMatters) : error;
 }
 
-constexpr std::array<FrameRate, 4> waysOfCounting{
-    FrameRate{24, false, false}, {25, false, false}, {30, false, false}, {30, true, true}};
+constexpr std::array<timecode::Rate, 4> waysOfCounting{
+    timecode::Rate{24, false, false}, {25, false, false}, {30, false, false}, {30, true, true}};
 
 /// Whether the label of \a next is one higher than that of \a frame.
 bool isOneHigher(const Frame &frame, const Frame &next)
@@ -177,7 +178,7 @@ bool isOneHigher(const Frame &frame, const Frame &next)
     const auto nextLabel = labelOf(next.bits);
     if (!label || !nextLabel)
         return false;
-    return std::any_of(waysOfCounting.begin(), waysOfCounting.end(), [&](const FrameRate &way) {
+    return std::any_of(waysOfCounting.begin(), waysOfCounting.end(), [&](const timecode::Rate &way) {
         return isLabel(*label, way) && labelAt(frameCount(*label, way) + 1, way) == *nextLabel;
     });
 }
@@ -236,7 +237,7 @@ bool majorityHasDropFlag(const std::vector<Member> &members)
 /// Whether the speed is that of a way of counting other than \a base.
 bool isRateOfAnotherBase(int base, double frameLength, int sampleRate)
 {
-    return std::any_of(waysOfCounting.begin(), waysOfCounting.end(), [&](FrameRate way) {
+    return std::any_of(waysOfCounting.begin(), waysOfCounting.end(), [&](timecode::Rate way) {
         const double whole = speedError(frameLength, {way.base, false, false}, sampleRate);
         const double ntsc = speedError(frameLength, {way.base, way.base != 25, false}, sampleRate);
         return way.base != base && std::min(whole, ntsc) < speedMatters;
@@ -245,8 +246,8 @@ bool isRateOfAnotherBase(int base, double frameLength, int sampleRate)
 
 /// How far the speed is from the midpoint between \a rate and its neighbour in the ratio of 1000/1001, on the
 /// side of \a rate [standard deviations]; very far where there is nothing to distinguish.
-double distanceFromMidpoint(const FrameRate &rate, double frameLength, double lengthDeviation, int sampleRate,
-                            const std::optional<FrameRate> &wanted)
+double distanceFromMidpoint(const timecode::Rate &rate, double frameLength, double lengthDeviation,
+                            int sampleRate, const std::optional<timecode::Rate> &wanted)
 {
     constexpr double veryFar = 100.0;
     if (rate.base == 25 || wanted || speedError(frameLength, rate, sampleRate) > speedMatters)
@@ -258,8 +259,8 @@ double distanceFromMidpoint(const FrameRate &rate, double frameLength, double le
 
 } // namespace
 
-FrameRate rateBySpeed(FrameRate rate, double frameLength, int sampleRate,
-                      const std::optional<FrameRate> &wanted)
+timecode::Rate rateBySpeed(timecode::Rate rate, double frameLength, int sampleRate,
+                           const std::optional<timecode::Rate> &wanted)
 {
     if (rate.base == 25)
         return rate;
@@ -273,8 +274,8 @@ FrameRate rateBySpeed(FrameRate rate, double frameLength, int sampleRate,
     return rate;
 }
 
-Doubt doubtAboutSpeed(const FrameRate &rate, int seconds, double frameLength, double lengthDeviation,
-                      int sampleRate, const std::optional<FrameRate> &wanted)
+Doubt doubtAboutSpeed(const timecode::Rate &rate, int seconds, double frameLength, double lengthDeviation,
+                      int sampleRate, const std::optional<timecode::Rate> &wanted)
 {
     const double error = speedError(frameLength, rate, sampleRate);
     if (!(error < toleratedSpeed))
@@ -288,22 +289,22 @@ Doubt doubtAboutSpeed(const FrameRate &rate, int seconds, double frameLength, do
     return distance > 0.0 ? Doubt::None : Doubt::FalseFlag;
 }
 
-double chanceOfOtherClass(const FrameRate &rate, double frameLength, double lengthDeviation, int sampleRate,
-                          const std::optional<FrameRate> &wanted)
+double chanceOfOtherClass(const timecode::Rate &rate, double frameLength, double lengthDeviation,
+                          int sampleRate, const std::optional<timecode::Rate> &wanted)
 {
     const double distance = distanceFromMidpoint(rate, frameLength, lengthDeviation, sampleRate, wanted);
     return 0.5 * std::erfc(distance / std::numbers::sqrt2); // the tail of a normal distribution
 }
 
 std::optional<FrameChain> findChain(const std::vector<Frame> &frames, int sampleRate,
-                                    const std::optional<FrameRate> &wanted)
+                                    const std::optional<timecode::Rate> &wanted)
 {
     if (frames.size() < shortestChain)
         return std::nullopt;
     const double length = medianLength(frames);
     std::optional<FrameChain> best;
     double leastError = 0.0;
-    for (const FrameRate &way : waysOfCounting) {
+    for (const timecode::Rate &way : waysOfCounting) {
         const std::vector<Member> members = agreeingFrames(frames, way, length);
         if (members.size() < shortestChain)
             continue;

@@ -15,7 +15,7 @@ constexpr double clearDeviation = 0.06;
 
 /// Frames of one recording that count up with time.
 struct FrameChain {
-    FrameRate rate;
+    timecode::Rate rate;
     double startCount = 0.0;      ///< [frames] since midnight at the first sample of the recording, any sign
     double frameLength = 0.0;     ///< [samples] as recorded
     double lengthDeviation = 0.0; ///< [samples] standard deviation of frameLength
@@ -33,25 +33,25 @@ struct FrameChain {
 
 /// \a rate with ntsc as the measured frame length [samples] shows. Where the speed fits neither of both, \a
 /// wanted decides.
-FrameRate rateBySpeed(FrameRate rate, double frameLength, int sampleRate,
-                      const std::optional<FrameRate> &wanted);
+timecode::Rate rateBySpeed(timecode::Rate rate, double frameLength, int sampleRate,
+                           const std::optional<timecode::Rate> &wanted);
 
 /// What the speed says against \a rate, as rateBySpeed() gave it. No machine runs more than 13 % too fast or
 /// too slow. Film at 24 runs at 25, but labels that jump once look like it: so where no rate is \a wanted,
 /// the frame number must be read to return twice, \a seconds touched be three. 1000/1001 is proven only where
 /// the midpoint to the whole rate is four standard deviations away, \a lengthDeviation [samples]; far from
 /// both rates, and where one is \a wanted, it need not be.
-Doubt doubtAboutSpeed(const FrameRate &rate, int seconds, double frameLength, double lengthDeviation,
-                      int sampleRate, const std::optional<FrameRate> &wanted);
+Doubt doubtAboutSpeed(const timecode::Rate &rate, int seconds, double frameLength, double lengthDeviation,
+                      int sampleRate, const std::optional<timecode::Rate> &wanted);
 
 /// The probability, by the measured speed alone, that the class of \a rate is the other one.
-double chanceOfOtherClass(const FrameRate &rate, double frameLength, double lengthDeviation, int sampleRate,
-                          const std::optional<FrameRate> &wanted);
+double chanceOfOtherClass(const timecode::Rate &rate, double frameLength, double lengthDeviation,
+                          int sampleRate, const std::optional<timecode::Rate> &wanted);
 
 /// The chain that the recording starts with: the earliest of \a frames (in order of time) that is long enough
 /// to be believed. \a wanted restricts the rate (its dropFrame is not looked at). \a sampleRate [Hz].
 std::optional<FrameChain> findChain(const std::vector<Frame> &frames, int sampleRate,
-                                    const std::optional<FrameRate> &wanted);
+                                    const std::optional<timecode::Rate> &wanted);
 
 /// How the labels of those of \a frames move whose edges cannot be mistaken: None when they count up, or
 /// where there are fewer than six of them.

@@ -144,8 +144,8 @@ double speedPenalty(int base, double measuredRate)
     constexpr double nearSpeed = 0.012;
     constexpr double nearPenalty = 4.0; // [log-likelihood] taken for one machine in fifty
     constexpr double farPenalty = 8.0;  // [log-likelihood] taken for one in three thousand
-    const FrameRate whole{base, false, false};
-    const FrameRate ntsc{base, base != 25, false};
+    const timecode::Rate whole{base, false, false};
+    const timecode::Rate ntsc{base, base != 25, false};
     const double error = std::min(std::abs(std::log(measuredRate / whole.framesPerSecond())),
                                   std::abs(std::log(measuredRate / ntsc.framesPerSecond())));
     return error < trueSpeed ? 0.0 : error < nearSpeed ? nearPenalty : farPenalty;

@@ -3,7 +3,7 @@
 
 #include "ltcreader/digits.h"
 #include "ltcreader/numbering.h"
-#include "ltcreader/timecode.h"
+#include "timecode/timecode.h"
 
 #include <functional>
 #include <vector>

@@ -105,7 +105,7 @@ double likelihoodPerFit(const std::vector<Hypothesis> &hypotheses, double halves
 } // namespace
 
 std::optional<JointDecision> decisionFor(const Hypothesis &best, int frames,
-                                         const std::optional<FrameRate> &wanted)
+                                         const std::optional<timecode::Rate> &wanted)
 {
     JointDecision decision;
     decision.rate.base = best.numbering.base;
@@ -127,14 +127,14 @@ std::optional<JointDecision> decisionFor(const Hypothesis &best, int frames,
     const auto [second, number] = placeOf(best.numbering, middle);
     const int minutes = best.minute < 0 ? 0 : (best.second + second) / 60;
     const int hours = best.hour < 0 ? 0 : (label->minutes + minutes) / 60;
-    const Timecode inMiddle{(label->hours + hours) % 24, (label->minutes + minutes) % 60,
-                            (best.second + second) % 60, number};
+    const timecode::Label inMiddle{(label->hours + hours) % 24, (label->minutes + minutes) % 60,
+                                   (best.second + second) % 60, number};
     decision.count = frameCount(inMiddle, decision.rate) - middle;
     return decision;
 }
 
 std::optional<JointDecision> decideTimecode(const FrameGrid &grid, double measuredRate,
-                                            const std::optional<FrameRate> &wanted)
+                                            const std::optional<timecode::Rate> &wanted)
 {
     if (grid.frames < 1)
         return std::nullopt;

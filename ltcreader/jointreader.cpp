@@ -37,13 +37,13 @@ constexpr double leastShareOfSync = 0.5; // a waveform that is all sync word is 
 constexpr double digitsSyncScore = 7.0;  // deep in noise digits alone prove nothing
 
 using Decide = std::optional<JointDecision> (*)(const FrameGrid &grid, double measuredRate,
-                                                const std::optional<FrameRate> &wanted);
+                                                const std::optional<timecode::Rate> &wanted);
 
 /// Decides, and where errors repeat decides again on what a filter makes of the frames that the decision
 /// gives. The filter learns again from the second decision; what is not as sure in both of them is not
 /// believed.
 std::optional<JointDecision> decideAdaptively(Decide decideOn, const FrameGrid &grid, double measuredRate,
-                                              const std::optional<FrameRate> &wanted)
+                                              const std::optional<timecode::Rate> &wanted)
 {
     auto first = decideOn(grid, measuredRate, wanted);
     const bool worthwhile =
@@ -144,7 +144,7 @@ bool startsLow(const std::vector<float> &levels)
 
 /// The reading that follows from \a decided; none where its rate is not \a wanted.
 std::optional<JointReading> readingOf(const Decided &decided, const std::vector<float> &samples,
-                                      int sampleRate, const std::optional<FrameRate> &wanted)
+                                      int sampleRate, const std::optional<timecode::Rate> &wanted)
 {
     const Candidate &candidate = *decided.candidate;
     const BitLine line = measureTiming(candidate, decided.decision.levels);
@@ -170,7 +170,7 @@ std::optional<JointReading> readingOf(const Decided &decided, const std::vector<
 } // namespace
 
 JointOutcome readJointly(const std::vector<float> &samples, int sampleRate,
-                         const std::optional<FrameRate> &wanted)
+                         const std::optional<timecode::Rate> &wanted)
 {
     JointOutcome outcome;
     if (static_cast<double>(samples.size()) < shortest * sampleRate)

@@ -16,7 +16,7 @@ struct JointReading {
     double startCount = 0.0;      ///< [frames] since midnight at the first sample, any sign
     double frameLength = 0.0;     ///< [samples] as recorded
     double lengthDeviation = 0.0; ///< [samples] standard deviation of frameLength
-    FrameRate rate;               ///< with ntsc, as the speed shows
+    timecode::Rate rate;          ///< with ntsc, as the speed shows
     double classDoubt = 0.0;      ///< probability that 1000/1001 is wrong
     double level = 0.0;           ///< [full scale] RMS of the timecode
     int frames = 0;               ///< complete and incomplete ones
@@ -32,6 +32,6 @@ struct JointOutcome {
 /// Reads one channel whose edges cannot be seen. \a samples at \a sampleRate [Hz]; \a wanted restricts the
 /// rate.
 JointOutcome readJointly(const std::vector<float> &samples, int sampleRate,
-                         const std::optional<FrameRate> &wanted);
+                         const std::optional<timecode::Rate> &wanted);
 
 } // namespace ltcreader

@@ -70,7 +70,7 @@ enum Part : std::size_t {
 
 using PartValues = std::array<int, partCount>;
 
-PartValues valuesOf(const Timecode &label, bool dropFrame)
+PartValues valuesOf(const timecode::Label &label, bool dropFrame)
 {
     return {label.frames % 10,  label.frames / 10,  dropFrame ? 1 : 0, label.seconds % 10, label.seconds / 10,
             label.minutes % 10, label.minutes / 10, label.hours % 10,  label.hours / 10};

@@ -5,7 +5,7 @@
 #include "ltcreader/doubt.h"
 #include "ltcreader/framechain.h"
 #include "ltcreader/syncsearch.h"
-#include "ltcreader/timecode.h"
+#include "timecode/timecode.h"
 
 #include <cstdint>
 #include <vector>
@@ -15,7 +15,7 @@ namespace ltcreader
 
 /// A line of labels: one for each frame of a grid, counting up.
 struct LabelLine {
-    FrameRate rate;
+    timecode::Rate rate;
     std::int64_t count = 0; ///< [frames] since midnight of frame 0 of the grid
 };
 

@@ -16,7 +16,7 @@ using namespace ltcreader;
 namespace
 {
 
-constexpr FrameRate pal{25, false, false};
+constexpr timecode::Rate pal{25, false, false};
 constexpr double halfBit = 1.0 / 4000.0; // [s] at 25 frames a second
 
 FrameBits noUserBits(int)

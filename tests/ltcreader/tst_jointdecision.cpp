@@ -11,15 +11,15 @@
 
 using namespace ltcreader;
 
-Q_DECLARE_METATYPE(Timecode)
-Q_DECLARE_METATYPE(FrameRate)
+Q_DECLARE_METATYPE(timecode::Label)
+Q_DECLARE_METATYPE(timecode::Rate)
 
 namespace
 {
 
 constexpr double believedMargin = 10.0;
-constexpr FrameRate pal{25, false, false};
-constexpr FrameRate drop{30, true, true};
+constexpr timecode::Rate pal{25, false, false};
+constexpr timecode::Rate drop{30, true, true};
 constexpr FrameBits allUserBits = 0xF0F0F0F0F0F0F0F0;
 
 FrameBits standingUserBits(int)
@@ -33,12 +33,12 @@ FrameBits changingUserBits(int frame)
     return engine() & allUserBits;
 }
 
-Timecode startOf(const JointDecision &decision)
+timecode::Label startOf(const JointDecision &decision)
 {
     return labelAt(decision.count, decision.rate);
 }
 
-QString text(const Timecode &label)
+QString text(const timecode::Label &label)
 {
     return QString::fromStdString(toText(label, false));
 }
@@ -62,23 +62,23 @@ private slots:
 
 void TestJointDecision::everyLabelIsFound_data()
 {
-    QTest::addColumn<Timecode>("start");
-    QTest::addColumn<FrameRate>("rate");
-    QTest::newRow("24") << Timecode{10, 11, 12, 13} << FrameRate{24, false, false};
-    QTest::newRow("25") << Timecode{1, 2, 3, 4} << pal;
-    QTest::newRow("30") << Timecode{23, 45, 6, 29} << FrameRate{30, false, false};
-    QTest::newRow("drop-frame") << Timecode{12, 34, 56, 28} << drop;
-    QTest::newRow("drop-frame, labels left out") << Timecode{12, 34, 58, 20} << drop;
-    QTest::newRow("drop-frame, tenth minute") << Timecode{12, 39, 58, 20} << drop;
-    QTest::newRow("a full minute") << Timecode{12, 34, 58, 20} << pal;
-    QTest::newRow("a full hour") << Timecode{12, 59, 59, 0} << pal;
-    QTest::newRow("midnight") << Timecode{23, 59, 58, 10} << pal;
+    QTest::addColumn<timecode::Label>("start");
+    QTest::addColumn<timecode::Rate>("rate");
+    QTest::newRow("24") << timecode::Label{10, 11, 12, 13} << timecode::Rate{24, false, false};
+    QTest::newRow("25") << timecode::Label{1, 2, 3, 4} << pal;
+    QTest::newRow("30") << timecode::Label{23, 45, 6, 29} << timecode::Rate{30, false, false};
+    QTest::newRow("drop-frame") << timecode::Label{12, 34, 56, 28} << drop;
+    QTest::newRow("drop-frame, labels left out") << timecode::Label{12, 34, 58, 20} << drop;
+    QTest::newRow("drop-frame, tenth minute") << timecode::Label{12, 39, 58, 20} << drop;
+    QTest::newRow("a full minute") << timecode::Label{12, 34, 58, 20} << pal;
+    QTest::newRow("a full hour") << timecode::Label{12, 59, 59, 0} << pal;
+    QTest::newRow("midnight") << timecode::Label{23, 59, 58, 10} << pal;
 }
 
 void TestJointDecision::everyLabelIsFound()
 {
-    QFETCH(Timecode, start);
-    QFETCH(FrameRate, rate);
+    QFETCH(timecode::Label, start);
+    QFETCH(timecode::Rate, rate);
     FrameGrid grid = gridOfTimecode(start, rate, 75, standingUserBits);
     addNoise(grid, 1.5);
     for (const auto decideOn : {decideTimecode, decideByDigits}) {
@@ -93,7 +93,7 @@ void TestJointDecision::everyLabelIsFound()
 
 void TestJointDecision::changingUserBitsNeedADecisionByDigits()
 {
-    const Timecode start{7, 8, 9, 10};
+    const timecode::Label start{7, 8, 9, 10};
     FrameGrid grid = gridOfTimecode(start, pal, 75, changingUserBits);
     addNoise(grid, 1.0);
     const auto together = decideTimecode(grid, 25.0, std::nullopt);
@@ -128,7 +128,7 @@ void TestJointDecision::digitsThatComeAsTheyLikeAreNoTimecode()
     // Sync words are there, and each frame shows another time.
     FrameGrid grid;
     for (int frame = 0; frame < 75; ++frame) {
-        const Timecode label = labelAt(std::int64_t{frame} * 1234567, pal);
+        const timecode::Label label = labelAt(std::int64_t{frame} * 1234567, pal);
         const FrameGrid single = gridOfTimecode(label, pal, 1, changingUserBits);
         grid.halves.insert(grid.halves.end(), single.halves.begin(), single.halves.end());
         ++grid.frames;
@@ -139,7 +139,7 @@ void TestJointDecision::digitsThatComeAsTheyLikeAreNoTimecode()
 
 void TestJointDecision::aLearningFilterRestoresWhatRunsTogether()
 {
-    const Timecode start{7, 8, 9, 10};
+    const timecode::Label start{7, 8, 9, 10};
     const FrameGrid clean = gridOfTimecode(start, pal, 75, standingUserBits);
     FrameGrid blurred = clean;
     for (std::size_t i = 1; i < clean.halves.size(); ++i)
@@ -160,7 +160,7 @@ void TestJointDecision::anotherBaseIsNotAnswered()
     const FrameGrid grid = gridOfTimecode({7, 8, 9, 10}, pal, 75, standingUserBits);
     for (const auto decideOn : {decideTimecode, decideByDigits}) {
         QVERIFY(decideOn(grid, 25.0, pal));
-        QVERIFY(!decideOn(grid, 25.0, FrameRate{24, false, false}));
+        QVERIFY(!decideOn(grid, 25.0, timecode::Rate{24, false, false}));
     }
 }
 

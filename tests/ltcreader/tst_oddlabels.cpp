@@ -178,7 +178,8 @@ void TestOddLabels::aJumpInNoiseIsNeverAnsweredWithTheLaterLine()
                     return counting(index < jumpAt ? start : later, index, rate);
                 },
                 pal, 3.0, noise));
-            const bool first = outcome.likeliest && outcome.likeliest->start == Timecode{10, 20, 30, 12};
+            const bool first =
+                outcome.likeliest && outcome.likeliest->start == timecode::Label{10, 20, 30, 12};
             QVERIFY2(outcome.doubt != Doubt::None || first,
                      qPrintable(QStringLiteral("jump at frame %1, noise %2 dB").arg(jumpAt).arg(noise)));
         }
@@ -198,7 +199,7 @@ void TestOddLabels::anEarlyJumpThatSingleFramesShowIsNotOverruled()
         testsignals::Random random(seed);
         testsignals::addAtRatio(samples, testsignals::musicLike(random, samples.size(), 48000), 0.0);
         const Outcome outcome = outcomeOf(samples);
-        const bool first = outcome.likeliest && outcome.likeliest->start == Timecode{10, 20, 30, 12};
+        const bool first = outcome.likeliest && outcome.likeliest->start == timecode::Label{10, 20, 30, 12};
         QVERIFY2(outcome.doubt != Doubt::None || first, qPrintable(QStringLiteral("seed %1").arg(seed)));
     }
 }
@@ -216,7 +217,7 @@ void TestOddLabels::aClockInTheUserBitsDoesNotChangeTheLabel()
         testsignals::Random random(7);
         testsignals::addAtRatio(samples, testsignals::whiteNoise(random, samples.size()), noise);
         const Outcome outcome = outcomeOf(samples);
-        const bool right = outcome.likeliest && outcome.likeliest->start == Timecode{10, 20, 30, 12};
+        const bool right = outcome.likeliest && outcome.likeliest->start == timecode::Label{10, 20, 30, 12};
         QVERIFY2(outcome.doubt != Doubt::None || right, qPrintable(QStringLiteral("noise %1 dB").arg(noise)));
     }
 }

@@ -1,22 +1,22 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/timecode.h"
+#include "timecode/timecode.h"
 
 #include <QTest>
 
-using namespace ltcreader;
+using namespace timecode;
 
-Q_DECLARE_METATYPE(ltcreader::FrameRate)
-Q_DECLARE_METATYPE(ltcreader::Timecode)
+Q_DECLARE_METATYPE(timecode::Rate)
+Q_DECLARE_METATYPE(timecode::Label)
 
 namespace
 {
 
-constexpr FrameRate film{24, false, false};
-constexpr FrameRate filmNtsc{24, true, false};
-constexpr FrameRate pal{25, false, false};
-constexpr FrameRate ntsc{30, true, false};
-constexpr FrameRate drop{30, true, true};
-constexpr FrameRate whole{30, false, false};
+constexpr Rate film{24, false, false};
+constexpr Rate filmNtsc{24, true, false};
+constexpr Rate pal{25, false, false};
+constexpr Rate ntsc{30, true, false};
+constexpr Rate drop{30, true, true};
+constexpr Rate whole{30, false, false};
 
 } // namespace
 
@@ -39,26 +39,26 @@ private slots:
 
 void TestTimecode::labelsAndCountsAgree_data()
 {
-    QTest::addColumn<FrameRate>("rate");
-    QTest::addColumn<Timecode>("label");
+    QTest::addColumn<Rate>("rate");
+    QTest::addColumn<Label>("label");
     QTest::addColumn<qint64>("count");
-    QTest::newRow("midnight") << pal << Timecode{0, 0, 0, 0} << qint64{0};
-    QTest::newRow("one second") << pal << Timecode{0, 0, 1, 0} << qint64{25};
-    QTest::newRow("last frame of the day") << pal << Timecode{23, 59, 59, 24} << qint64{2159999};
-    QTest::newRow("ten o'clock, 23.976") << filmNtsc << Timecode{10, 0, 0, 0} << qint64{864000};
-    QTest::newRow("before the first drop") << drop << Timecode{0, 0, 59, 29} << qint64{1799};
-    QTest::newRow("after the first drop") << drop << Timecode{0, 1, 0, 2} << qint64{1800};
-    QTest::newRow("before the tenth minute") << drop << Timecode{0, 9, 59, 29} << qint64{17981};
-    QTest::newRow("the tenth minute keeps its labels") << drop << Timecode{0, 10, 0, 0} << qint64{17982};
-    QTest::newRow("an hour of drop-frame") << drop << Timecode{1, 0, 0, 0} << qint64{107892};
-    QTest::newRow("last frame of a drop-frame day") << drop << Timecode{23, 59, 59, 29} << qint64{2589407};
-    QTest::newRow("29.97 without drop-frame") << ntsc << Timecode{0, 1, 0, 0} << qint64{1800};
+    QTest::newRow("midnight") << pal << Label{0, 0, 0, 0} << qint64{0};
+    QTest::newRow("one second") << pal << Label{0, 0, 1, 0} << qint64{25};
+    QTest::newRow("last frame of the day") << pal << Label{23, 59, 59, 24} << qint64{2159999};
+    QTest::newRow("ten o'clock, 23.976") << filmNtsc << Label{10, 0, 0, 0} << qint64{864000};
+    QTest::newRow("before the first drop") << drop << Label{0, 0, 59, 29} << qint64{1799};
+    QTest::newRow("after the first drop") << drop << Label{0, 1, 0, 2} << qint64{1800};
+    QTest::newRow("before the tenth minute") << drop << Label{0, 9, 59, 29} << qint64{17981};
+    QTest::newRow("the tenth minute keeps its labels") << drop << Label{0, 10, 0, 0} << qint64{17982};
+    QTest::newRow("an hour of drop-frame") << drop << Label{1, 0, 0, 0} << qint64{107892};
+    QTest::newRow("last frame of a drop-frame day") << drop << Label{23, 59, 59, 29} << qint64{2589407};
+    QTest::newRow("29.97 without drop-frame") << ntsc << Label{0, 1, 0, 0} << qint64{1800};
 }
 
 void TestTimecode::labelsAndCountsAgree()
 {
-    QFETCH(FrameRate, rate);
-    QFETCH(Timecode, label);
+    QFETCH(Rate, rate);
+    QFETCH(Label, label);
     QFETCH(qint64, count);
     QCOMPARE(qint64{frameCount(label, rate)}, count);
     QVERIFY(labelAt(count, rate) == label);
@@ -68,32 +68,32 @@ void TestTimecode::labelsAndCountsAgree()
 void TestTimecode::everyLabelOfADropFrameDayIsMetOnce()
 {
     for (std::int64_t count = 0; count < framesPerDay(drop); ++count) {
-        const Timecode label = labelAt(count, drop);
+        const Label label = labelAt(count, drop);
         QVERIFY2(isLabel(label, drop) && frameCount(label, drop) == count, toText(label, true).c_str());
     }
 }
 
 void TestTimecode::leftOutLabelsDoNotExist_data()
 {
-    QTest::addColumn<FrameRate>("rate");
-    QTest::addColumn<Timecode>("label");
+    QTest::addColumn<Rate>("rate");
+    QTest::addColumn<Label>("label");
     QTest::addColumn<bool>("exists");
-    QTest::newRow("00 of a minute") << drop << Timecode{1, 1, 0, 0} << false;
-    QTest::newRow("01 of a minute") << drop << Timecode{1, 1, 0, 1} << false;
-    QTest::newRow("02 of a minute") << drop << Timecode{1, 1, 0, 2} << true;
-    QTest::newRow("00 of a tenth minute") << drop << Timecode{1, 20, 0, 0} << true;
-    QTest::newRow("00 of a minute without drop-frame") << ntsc << Timecode{1, 1, 0, 0} << true;
-    QTest::newRow("frame 24 at 24") << film << Timecode{0, 0, 0, 24} << false;
-    QTest::newRow("frame 24 at 25") << pal << Timecode{0, 0, 0, 24} << true;
-    QTest::newRow("hour 24") << pal << Timecode{24, 0, 0, 0} << false;
-    QTest::newRow("second 60") << pal << Timecode{0, 0, 60, 0} << false;
-    QTest::newRow("minute 60") << pal << Timecode{0, 60, 0, 0} << false;
+    QTest::newRow("00 of a minute") << drop << Label{1, 1, 0, 0} << false;
+    QTest::newRow("01 of a minute") << drop << Label{1, 1, 0, 1} << false;
+    QTest::newRow("02 of a minute") << drop << Label{1, 1, 0, 2} << true;
+    QTest::newRow("00 of a tenth minute") << drop << Label{1, 20, 0, 0} << true;
+    QTest::newRow("00 of a minute without drop-frame") << ntsc << Label{1, 1, 0, 0} << true;
+    QTest::newRow("frame 24 at 24") << film << Label{0, 0, 0, 24} << false;
+    QTest::newRow("frame 24 at 25") << pal << Label{0, 0, 0, 24} << true;
+    QTest::newRow("hour 24") << pal << Label{24, 0, 0, 0} << false;
+    QTest::newRow("second 60") << pal << Label{0, 0, 60, 0} << false;
+    QTest::newRow("minute 60") << pal << Label{0, 60, 0, 0} << false;
 }
 
 void TestTimecode::leftOutLabelsDoNotExist()
 {
-    QFETCH(FrameRate, rate);
-    QFETCH(Timecode, label);
+    QFETCH(Rate, rate);
+    QFETCH(Label, label);
     QTEST(isLabel(label, rate), "exists");
 }
 
@@ -107,14 +107,14 @@ void TestTimecode::aDayHasItsFrames()
 
 void TestTimecode::countsOutsideTheDayWrap()
 {
-    QVERIFY((labelAt(-1, pal) == Timecode{23, 59, 59, 24}));
-    QVERIFY((labelAt(-1, drop) == Timecode{23, 59, 59, 29}));
-    QVERIFY((labelAt(framesPerDay(drop), drop) == Timecode{0, 0, 0, 0}));
+    QVERIFY((labelAt(-1, pal) == Label{23, 59, 59, 24}));
+    QVERIFY((labelAt(-1, drop) == Label{23, 59, 59, 29}));
+    QVERIFY((labelAt(framesPerDay(drop), drop) == Label{0, 0, 0, 0}));
 }
 
 void TestTimecode::samplesAreExact_data()
 {
-    QTest::addColumn<FrameRate>("rate");
+    QTest::addColumn<Rate>("rate");
     QTest::addColumn<double>("frames");
     QTest::addColumn<int>("sampleRate"); // [Hz]
     QTest::addColumn<qint64>("samples");
@@ -133,7 +133,7 @@ void TestTimecode::samplesAreExact_data()
 
 void TestTimecode::samplesAreExact()
 {
-    QFETCH(FrameRate, rate);
+    QFETCH(Rate, rate);
     QFETCH(double, frames);
     QFETCH(int, sampleRate);
     QFETCH(qint64, samples);

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/timecode.h"
+#include "timecode/timecode.h"
 
 #include <array>
 #include <cmath>
 #include <cstdio>
 
-namespace ltcreader
+namespace timecode
 {
 namespace
 {
@@ -15,26 +15,26 @@ constexpr int minutesPerCycle = 10; // only every tenth minute keeps all its lab
 constexpr int secondsPerMinute = 60;
 constexpr int minutesPerDay = 24 * 60;
 
-int framesPerMinute(const FrameRate &rate)
+int framesPerMinute(const Rate &rate)
 {
     return rate.base * secondsPerMinute;
 }
 
 } // namespace
 
-double FrameRate::framesPerSecond() const
+double Rate::framesPerSecond() const
 {
     return ntsc ? base * 1000.0 / 1001.0 : base;
 }
 
-std::int64_t framesPerDay(const FrameRate &rate)
+std::int64_t framesPerDay(const Rate &rate)
 {
     const std::int64_t all = std::int64_t{framesPerMinute(rate)} * minutesPerDay;
     const std::int64_t droppingMinutes = minutesPerDay - minutesPerDay / minutesPerCycle;
     return rate.dropFrame ? all - droppedLabels * droppingMinutes : all;
 }
 
-bool isLabel(const Timecode &label, const FrameRate &rate)
+bool isLabel(const Label &label, const Rate &rate)
 {
     const bool inRange = label.hours >= 0 && label.hours < 24 && label.minutes >= 0 && label.minutes < 60 &&
                          label.seconds >= 0 && label.seconds < 60 && label.frames >= 0 &&
@@ -44,14 +44,14 @@ bool isLabel(const Timecode &label, const FrameRate &rate)
     return inRange && !dropped;
 }
 
-std::int64_t frameCount(const Timecode &label, const FrameRate &rate)
+std::int64_t frameCount(const Label &label, const Rate &rate)
 {
     const std::int64_t minutes = label.hours * 60 + label.minutes;
     const std::int64_t count = (minutes * secondsPerMinute + label.seconds) * rate.base + label.frames;
     return rate.dropFrame ? count - droppedLabels * (minutes - minutes / minutesPerCycle) : count;
 }
 
-Timecode labelAt(std::int64_t count, const FrameRate &rate)
+Label labelAt(std::int64_t count, const Rate &rate)
 {
     const std::int64_t day = framesPerDay(rate);
     count = (count % day + day) % day;
@@ -66,7 +66,7 @@ Timecode labelAt(std::int64_t count, const FrameRate &rate)
         count += droppedLabels * ((minutesPerCycle - 1) * cycles + begun);
     }
     const std::int64_t seconds = count / rate.base;
-    Timecode label;
+    Label label;
     label.frames = static_cast<int>(count % rate.base);
     label.seconds = static_cast<int>(seconds % 60);
     label.minutes = static_cast<int>(seconds / 60 % 60);
@@ -74,7 +74,7 @@ Timecode labelAt(std::int64_t count, const FrameRate &rate)
     return label;
 }
 
-std::int64_t samplesAt(double frames, const FrameRate &rate, int sampleRate)
+std::int64_t samplesAt(double frames, const Rate &rate, int sampleRate)
 {
     const auto day = static_cast<double>(framesPerDay(rate));
     double inDay = std::fmod(frames, day);
@@ -86,7 +86,7 @@ std::int64_t samplesAt(double frames, const FrameRate &rate, int sampleRate)
     return samples >= samplesPerDay ? 0 : samples;
 }
 
-std::string toText(const Timecode &label, bool dropFrame)
+std::string toText(const Label &label, bool dropFrame)
 {
     std::array<char, 48> text{};
     std::snprintf(text.data(), text.size(), "%02d:%02d:%02d%c%02d", label.hours, label.minutes, label.seconds,
@@ -94,4 +94,4 @@ std::string toText(const Timecode &label, bool dropFrame)
     return text.data();
 }
 
-} // namespace ltcreader
+} // namespace timecode

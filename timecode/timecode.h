@@ -4,21 +4,21 @@
 #include <cstdint>
 #include <string>
 
-namespace ltcreader
+namespace timecode
 {
 
 /// A label of one frame, as LTC carries it. Which labels exist depends on the frame rate.
-struct Timecode {
+struct Label {
     int hours = 0;   ///< 0 to 23
     int minutes = 0; ///< 0 to 59
     int seconds = 0; ///< 0 to 59
     int frames = 0;  ///< 0 to the nominal rate - 1
 
-    friend bool operator==(const Timecode &, const Timecode &) = default;
+    friend bool operator==(const Label &, const Label &) = default;
 };
 
 /// How frames are counted and how long they last.
-struct FrameRate {
+struct Rate {
     int base = 25;          ///< nominal frames per second: 24, 25 or 30
     bool ntsc = false;      ///< real rate is base * 1000 / 1001
     bool dropFrame = false; ///< labels 00 and 01 are left out each minute but the tenth; only with base 30
@@ -26,26 +26,26 @@ struct FrameRate {
     /// The real rate [frames/s].
     double framesPerSecond() const;
 
-    friend bool operator==(const FrameRate &, const FrameRate &) = default;
+    friend bool operator==(const Rate &, const Rate &) = default;
 };
 
 /// Number of labels of one day: 2,589,408 with drop-frame, else 86,400 * base.
-std::int64_t framesPerDay(const FrameRate &rate);
+std::int64_t framesPerDay(const Rate &rate);
 
 /// True when \a label exists at \a rate; a label left out by drop-frame does not.
-bool isLabel(const Timecode &label, const FrameRate &rate);
+bool isLabel(const Label &label, const Rate &rate);
 
 /// Number of frames between midnight and the frame named \a label, which must exist at \a rate.
-std::int64_t frameCount(const Timecode &label, const FrameRate &rate);
+std::int64_t frameCount(const Label &label, const Rate &rate);
 
 /// The label of the frame that \a count frames after midnight begins; any \a count, taken modulo one day.
-Timecode labelAt(std::int64_t count, const FrameRate &rate);
+Label labelAt(std::int64_t count, const Rate &rate);
 
 /// Samples at \a sampleRate [Hz] from midnight to \a frames (whole and part) frames after it, to the nearest
 /// sample and modulo one day of labels.
-std::int64_t samplesAt(double frames, const FrameRate &rate, int sampleRate);
+std::int64_t samplesAt(double frames, const Rate &rate, int sampleRate);
 
 /// "HH:MM:SS:FF", with ";" before the frames for drop-frame.
-std::string toText(const Timecode &label, bool dropFrame);
+std::string toText(const Label &label, bool dropFrame);
 
-} // namespace ltcreader
+} // namespace timecode
