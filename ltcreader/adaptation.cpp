@@ -9,7 +9,7 @@
 #include "ltcreader/adaptation.h"
 
 #include "ltcreader/halfbitfilter.h"
-#include "ltcreader/symmetricequations.h"
+#include "ltcreader/maths/symmetricequations.h"
 
 #include <cmath>
 

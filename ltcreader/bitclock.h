@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ltcreader/edges.h"
-#include "ltcreader/frame.h"
+#include "ltcreader/frame/frame.h"
 
 #include <array>
 #include <cstdint>

@@ -2,7 +2,7 @@
 #include "ltcreader/candidate.h"
 
 #include "ltcreader/equaliser.h"
-#include "ltcreader/frame.h"
+#include "ltcreader/frame/frame.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/fft.h"
+#include "ltcreader/maths/fft.h"
 
 #include <vector>
 

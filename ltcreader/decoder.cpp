@@ -8,7 +8,7 @@
 #include "ltcreader/decoder.h"
 
 #include "ltcreader/channelreader.h"
-#include "ltcreader/window.h"
+#include "ltcreader/sound/window.h"
 
 #include <array>
 #include <cmath>

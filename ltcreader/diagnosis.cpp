@@ -7,7 +7,7 @@
 #include "ltcreader/diagnosis.h"
 
 #include "ltcreader/edgereader.h"
-#include "ltcreader/window.h"
+#include "ltcreader/sound/window.h"
 
 #include <algorithm>
 #include <cmath>

@@ -9,7 +9,7 @@
 #include "ltcreader/equaliser.h"
 
 #include "ltcreader/halfbitfilter.h"
-#include "ltcreader/symmetricequations.h"
+#include "ltcreader/maths/symmetricequations.h"
 
 #include <cmath>
 #include <numbers>

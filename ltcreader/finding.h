@@ -4,7 +4,7 @@
 #include "ltcreader/decoder.h"
 #include "ltcreader/framechain.h"
 #include "ltcreader/jointreader.h"
-#include "ltcreader/window.h"
+#include "ltcreader/sound/window.h"
 
 namespace ltcreader
 {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/doubt.h"
-#include "ltcreader/frame.h"
+#include "ltcreader/frame/doubt.h"
+#include "ltcreader/frame/frame.h"
 
 #include <optional>
 #include <vector>

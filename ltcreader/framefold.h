@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/numbering.h"
+#include "ltcreader/frame/numbering.h"
 #include "ltcreader/syncsearch.h"
 
 #include <array>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/digits.h"
-#include "ltcreader/numbering.h"
+#include "ltcreader/frame/digits.h"
+#include "ltcreader/frame/numbering.h"
 #include "timecode/timecode.h"
 
 #include <functional>

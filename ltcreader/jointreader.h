@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/doubt.h"
+#include "ltcreader/frame/doubt.h"
 #include "ltcreader/jointdecision.h"
 
 #include <optional>

@@ -10,7 +10,7 @@
 #include "ltcreader/linecheck.h"
 
 #include "ltcreader/conditioner.h"
-#include "ltcreader/digits.h"
+#include "ltcreader/frame/digits.h"
 #include "ltcreader/framefold.h"
 #include "ltcreader/halfbits.h"
 #include "ltcreader/levels.h"

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ltcreader/clocksearch.h"
-#include "ltcreader/doubt.h"
+#include "ltcreader/frame/doubt.h"
 #include "ltcreader/framechain.h"
 #include "ltcreader/syncsearch.h"
 #include "timecode/timecode.h"

@@ -3,7 +3,7 @@
 #include "ltcreader/decoder.h"
 #include "ltcreader/diagnosis.h"
 #include "ltcreader/report.h"
-#include "ltcreader/soundfile.h"
+#include "ltcreader/sound/soundfile.h"
 
 #include <cstdio>
 #include <exception>

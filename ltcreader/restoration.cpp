@@ -8,7 +8,7 @@
 
 #include "ltcreader/restoration.h"
 
-#include "ltcreader/fft.h"
+#include "ltcreader/maths/fft.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/frame.h"
+#include "ltcreader/frame/frame.h"
 #include "ltcreader/halfbits.h"
 
 #include <cstddef>

@@ -8,7 +8,7 @@
 #include "ltcreader/decoder.h"
 #include "ltcreader/diagnosis.h"
 #include "ltcreader/report.h"
-#include "ltcreader/soundfile.h"
+#include "ltcreader/sound/soundfile.h"
 #include "tests/fuzz/fuzzinput.h"
 
 #include <QJsonDocument>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/adaptation.h"
 #include "ltcreader/equaliser.h"
+#include "ltcreader/maths/symmetricequations.h"
 #include "ltcreader/restoration.h"
-#include "ltcreader/symmetricequations.h"
 #include "tests/ltcreader/timecodegrid.h"
 
 #include <QTest>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/soundfile.h"
+#include "ltcreader/sound/soundfile.h"
 #include "tests/support/wavfile.h"
 
 #include <QFile>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/samplesource.h"
+#include "ltcreader/sound/samplesource.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/window.h"
+#include "ltcreader/sound/window.h"
 
 #include <algorithm>
 #include <cmath>

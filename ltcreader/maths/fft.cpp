@@ -3,7 +3,7 @@
 // Stockham's form of the transform: each stage reads one buffer and writes the other in an order that needs
 // no mending at the end, with four branches to a stage and a last stage of two where the size asks for it.
 
-#include "ltcreader/fft.h"
+#include "ltcreader/maths/fft.h"
 
 #include <cmath>
 #include <map>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/numbering.h"
+#include "ltcreader/frame/numbering.h"
 
 namespace ltcreader
 {

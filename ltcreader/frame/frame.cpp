@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/frame.h"
+#include "ltcreader/frame/frame.h"
 
 #include <cstddef>
 

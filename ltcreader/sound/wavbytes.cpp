@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/wavbytes.h"
+#include "ltcreader/sound/wavbytes.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/soundfile.h"
+#include "ltcreader/sound/soundfile.h"
 
-#include "ltcreader/wavbytes.h"
+#include "ltcreader/sound/wavbytes.h"
 
 #include <sndfile.h>
 

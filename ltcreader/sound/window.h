@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/samplesource.h"
+#include "ltcreader/sound/samplesource.h"
 
 #include <cstddef>
 #include <vector>
