@@ -40,24 +40,23 @@ HalfBitFilter bestFilter(const std::vector<float> &halves, const std::vector<flo
 
 } // namespace
 
-FrameGrid adapted(const FrameGrid &grid, const std::vector<float> &levels)
+std::vector<float> adapted(const std::vector<float> &halfBits, const std::vector<float> &levels)
 {
-    const HalfBitFilter filter = bestFilter(grid.halves, levels);
-    FrameGrid result = grid;
+    const HalfBitFilter filter = bestFilter(halfBits, levels);
+    std::vector<float> result = halfBits;
     double squares = 0.0;
     double count = 0.0;
-    for (std::size_t i = 0; i < grid.halves.size(); ++i) {
-        if (grid.halves[i] == 0.0F)
+    for (std::size_t i = 0; i < halfBits.size(); ++i) {
+        if (halfBits[i] == 0.0F)
             continue;
-        const double sum = filteredAt(i, grid.halves, filter);
-        result.halves[i] = static_cast<float>(sum);
+        const double sum = filteredAt(i, halfBits, filter);
+        result[i] = static_cast<float>(sum);
         squares += sum * sum;
         count += 1.0;
     }
     const auto scale = static_cast<float>(squares > 0.0 ? std::sqrt(count / squares) : 0.0);
-    for (float &half : result.halves)
+    for (float &half : result)
         half *= scale;
-    measureSyncs(result);
     return result;
 }
 

@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/syncsearch.h"
-
 #include <vector>
 
 namespace ltcreader
 {
 
-/// \a grid after the filter that brings its half bits nearest to \a levels (one for each of them, 1 or -1, 0
-/// where not known), which a first look at it decided for. What is missing stays 0.
-FrameGrid adapted(const FrameGrid &grid, const std::vector<float> &levels);
+/// \a halfBits after the filter that brings them nearest to \a levels (one for each of them, 1 or -1, 0 where
+/// not known), which a first look at them decided for, scaled to a mean square of 1. What is missing stays 0.
+std::vector<float> adapted(const std::vector<float> &halfBits, const std::vector<float> &levels);
 
 } // namespace ltcreader

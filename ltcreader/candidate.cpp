@@ -3,6 +3,7 @@
 
 #include "ltcreader/equaliser.h"
 #include "ltcreader/frame/frame.h"
+#include "ltcreader/halfbits.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -21,7 +22,7 @@ void addCandidates(const Conditioner &conditioner, FrontEnd frontEnd,
                    std::shared_ptr<const Conditioned> sound, const Clock &clock,
                    std::vector<Candidate> &candidates)
 {
-    const auto add = [&](const HalfBits &halfBits) {
+    const auto add = [&](const std::vector<float> &halfBits) {
         Candidate candidate{frontEnd, sound, clock, findFrames(halfBits)};
         if (candidate.grid.score >= leastSyncScore)
             candidates.push_back(std::move(candidate));
@@ -29,7 +30,7 @@ void addCandidates(const Conditioner &conditioner, FrontEnd frontEnd,
     if (frontEnd == FrontEnd::Whitened) {
         const double frameRate = sound->sampleRate / (bitsPerFrame * clock.bitLength);
         sound = std::make_shared<Conditioned>(conditioner.prepare(frontEnd, frameRate));
-        const HalfBits halfBits = sumHalfBits(*sound, clock, 0.0);
+        const std::vector<float> halfBits = sumHalfBits(*sound, clock, 0.0);
         add(halfBits);
         add(equalise(halfBits, *sound, 0.5 * clock.bitLength / sound->sampleRate));
     } else {

@@ -48,23 +48,21 @@ HalfBitFilter invert(Response response)
 
 } // namespace
 
-HalfBits equalise(const HalfBits &halfBits, const Conditioned &sound, double halfBit)
+std::vector<float> equalise(const std::vector<float> &halfBits, const Conditioned &sound, double halfBit)
 {
     const Response response = responseOf(sound.weights, halfBit);
     if (!(response[0] > 0.0))
         return halfBits;
     const HalfBitFilter filter = invert(response);
-    const std::vector<float> &from = halfBits.values;
-    HalfBits result;
-    result.values.resize(from.size());
+    std::vector<float> result(halfBits.size());
     double squares = 0.0;
-    for (std::size_t i = 0; i < from.size(); ++i) {
-        const double sum = filteredAt(i, from, filter);
-        result.values[i] = static_cast<float>(sum);
+    for (std::size_t i = 0; i < halfBits.size(); ++i) {
+        const double sum = filteredAt(i, halfBits, filter);
+        result[i] = static_cast<float>(sum);
         squares += sum * sum;
     }
-    const double scale = squares > 0.0 ? std::sqrt(static_cast<double>(from.size()) / squares) : 0.0;
-    for (float &value : result.values)
+    const double scale = squares > 0.0 ? std::sqrt(static_cast<double>(halfBits.size()) / squares) : 0.0;
+    for (float &value : result)
         value *= static_cast<float>(scale);
     return result;
 }

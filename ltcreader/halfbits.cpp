@@ -7,7 +7,7 @@
 namespace ltcreader
 {
 
-HalfBits sumHalfBits(const Conditioned &sound, const Clock &clock, double shift)
+std::vector<float> sumHalfBits(const Conditioned &sound, const Clock &clock, double shift)
 {
     const auto length = static_cast<double>(sound.samples.size());
     std::vector<double> sums(sound.samples.size() + 1);
@@ -20,19 +20,19 @@ HalfBits sumHalfBits(const Conditioned &sound, const Clock &clock, double shift)
         const auto index = std::min(static_cast<std::size_t>(place), sound.samples.size() - 1);
         return sums[index] + (place - static_cast<double>(index)) * (sums[index + 1] - sums[index]);
     };
-    HalfBits result;
+    std::vector<float> result;
     const auto count = static_cast<std::size_t>(2.0 * (length / clock.bitLength + 2.0));
-    result.values.reserve(count);
+    result.reserve(count);
     double before = sumUpTo(clock.position(shift));
     double squares = 0.0;
     for (std::size_t i = 0; i < count; ++i) {
         const double after = sumUpTo(clock.position(shift + 0.5 * static_cast<double>(i + 1)));
-        result.values.push_back(static_cast<float>(after - before));
+        result.push_back(static_cast<float>(after - before));
         squares += (after - before) * (after - before);
         before = after;
     }
     const double scale = squares > 0.0 ? std::sqrt(static_cast<double>(count) / squares) : 0.0;
-    for (float &value : result.values)
+    for (float &value : result)
         value *= static_cast<float>(scale);
     return result;
 }

@@ -9,12 +9,8 @@
 namespace ltcreader
 {
 
-/// The sound of a recording summed over each half bit, scaled to a mean square of 1.
-struct HalfBits {
-    std::vector<float> values; ///< value i belongs to half i % 2 of bit i / 2 of the clock
-};
-
-/// Sums \a sound by \a clock, which may be shifted by \a shift [bits].
-HalfBits sumHalfBits(const Conditioned &sound, const Clock &clock, double shift);
+/// \a sound summed over each half bit of \a clock, which may be shifted by \a shift [bits], and scaled to a
+/// mean square of 1. Value i belongs to half i % 2 of bit i / 2 of the clock.
+std::vector<float> sumHalfBits(const Conditioned &sound, const Clock &clock, double shift);
 
 } // namespace ltcreader

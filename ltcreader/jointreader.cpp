@@ -39,6 +39,14 @@ constexpr double digitsSyncScore = 7.0;  // deep in noise digits alone prove not
 using Decide = std::optional<JointDecision> (*)(const FrameGrid &grid, double measuredRate,
                                                 const std::optional<timecode::Rate> &wanted);
 
+/// \a grid after the filter that brings its half bits nearest to \a levels.
+FrameGrid adaptedGrid(FrameGrid grid, const std::vector<float> &levels)
+{
+    grid.halves = adapted(grid.halves, levels);
+    measureSyncs(grid);
+    return grid;
+}
+
 /// Decides, and where errors repeat decides again on what a filter makes of the frames that the decision
 /// gives. The filter learns again from the second decision; what is not as sure in both of them is not
 /// believed.
@@ -50,8 +58,8 @@ std::optional<JointDecision> decideAdaptively(Decide decideOn, const FrameGrid &
         first && first->errorRepeats && first->amplitude >= adaptableAmplitude && first->margin < plainMargin;
     if (!worthwhile)
         return first;
-    const auto second = decideOn(adapted(grid, first->levels), measuredRate, wanted);
-    auto third = second ? decideOn(adapted(grid, second->levels), measuredRate, wanted) : std::nullopt;
+    const auto second = decideOn(adaptedGrid(grid, first->levels), measuredRate, wanted);
+    auto third = second ? decideOn(adaptedGrid(grid, second->levels), measuredRate, wanted) : std::nullopt;
     if (!third || third->count != second->count) {
         first->margin *= unconfirmedTrust;
         return first;

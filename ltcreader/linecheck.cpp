@@ -568,7 +568,7 @@ bool isPrecededByAnother(const FrameGrid &grid, const Conditioned &sound, const 
     if (end < leastStretch)
         return false;
     // Half way between half bits those of a one cancel out: what begins there shows only in a second look.
-    const std::vector<float> between = sumHalfBits(sound, clock, 0.25).values;
+    const std::vector<float> between = sumHalfBits(sound, clock, 0.25);
     const auto count = static_cast<std::size_t>(end) * halvesPerFrame;
     return hasSyncWords(grid.halves.data(), count) ||
            hasSyncWords(between.data(), std::min(between.size(), count));
@@ -604,7 +604,7 @@ Doubt doubtAboutChain(const FrameChain &chain, const std::vector<float> &samples
     clock.knots = {start - bitsBefore * clock.bitLength};
     const auto syncBit = (static_cast<std::int64_t>(bitsBefore) + dataBits) % bitsPerFrame;
     const FrameGrid grid =
-        cutIntoFrames(sumHalfBits(sound, clock, 0.0).values, static_cast<std::size_t>(2 * syncBit));
+        cutIntoFrames(sumHalfBits(sound, clock, 0.0), static_cast<std::size_t>(2 * syncBit));
     const double frameZero = (clock.position(0.5 * grid.firstHalf)) / perSample;
     const LabelLine line{chain.rate, std::llround(chain.startCount + frameZero / chain.frameLength)};
     if (isPrecededByAnother(grid, sound, clock))

@@ -76,14 +76,13 @@ FrameGrid cutIntoFrames(const std::vector<float> &values, std::size_t syncPlace)
     return grid;
 }
 
-FrameGrid findFrames(const HalfBits &halfBits)
+FrameGrid findFrames(const std::vector<float> &halfBits)
 {
-    const std::vector<float> &values = halfBits.values;
-    if (values.size() < syncHalves)
+    if (halfBits.size() < syncHalves)
         return {};
-    std::vector<float> resemblances(values.size() - syncHalves + 1);
+    std::vector<float> resemblances(halfBits.size() - syncHalves + 1);
     for (std::size_t i = 0; i < resemblances.size(); ++i)
-        resemblances[i] = syncResemblance(values.data() + i);
+        resemblances[i] = syncResemblance(halfBits.data() + i);
     const auto places = std::min<std::size_t>(halvesPerFrame, resemblances.size());
     std::size_t best = 0;
     double score = 0.0;
@@ -94,7 +93,7 @@ FrameGrid findFrames(const HalfBits &halfBits)
             best = place;
         }
     }
-    FrameGrid grid = cutIntoFrames(values, best);
+    FrameGrid grid = cutIntoFrames(halfBits, best);
     grid.score = score;
     return grid;
 }

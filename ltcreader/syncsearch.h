@@ -2,7 +2,6 @@
 #pragma once
 
 #include "ltcreader/frame/frame.h"
-#include "ltcreader/halfbits.h"
 
 #include <cstddef>
 #include <vector>
@@ -37,8 +36,8 @@ float syncResemblance(const float *halves);
 /// Cuts \a values into frames, one of whose sync words begins at \a syncPlace, below halvesPerFrame.
 FrameGrid cutIntoFrames(const std::vector<float> &values, std::size_t syncPlace);
 
-/// Finds where frames begin.
-FrameGrid findFrames(const HalfBits &halfBits);
+/// Finds where frames begin among \a halfBits.
+FrameGrid findFrames(const std::vector<float> &halfBits);
 
 /// Sets the syncs of \a grid from its half bits.
 void measureSyncs(FrameGrid &grid);

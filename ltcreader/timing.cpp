@@ -36,16 +36,16 @@ int framesPerPart(const Candidate &candidate)
 std::vector<double> fitsOfParts(const Candidate &candidate, const std::vector<float> &levels, double shift)
 {
     const int perPart = framesPerPart(candidate);
-    const HalfBits halfBits = sumHalfBits(*candidate.sound, candidate.clock, shift);
+    const std::vector<float> halfBits = sumHalfBits(*candidate.sound, candidate.clock, shift);
     std::vector<double> fits(static_cast<std::size_t>((candidate.grid.frames + perPart - 1) / perPart));
-    const int count = static_cast<int>(halfBits.values.size());
+    const int count = static_cast<int>(halfBits.size());
     for (int half = 0; half < candidate.grid.frames * halvesPerFrame; ++half) {
         const int place = half + candidate.grid.firstHalf;
         if (place < 0 || place >= count)
             continue;
         fits[static_cast<std::size_t>(half / (perPart * halvesPerFrame))] +=
             static_cast<double>(levels[static_cast<std::size_t>(half)]) *
-            static_cast<double>(halfBits.values[static_cast<std::size_t>(place)]);
+            static_cast<double>(halfBits[static_cast<std::size_t>(place)]);
     }
     return fits;
 }
