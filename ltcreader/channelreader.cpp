@@ -2,6 +2,7 @@
 #include "ltcreader/channelreader.h"
 
 #include "ltcreader/linecheck.h"
+#include "ltcreader/rateclass.h"
 
 #include <algorithm>
 #include <cstddef>

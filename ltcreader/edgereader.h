@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ltcreader/algorithm.h"
 #include "ltcreader/bitclock.h"
-#include "ltcreader/decoder.h"
 #include "ltcreader/slicer.h"
 
 #include <cstddef>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/decoder.h"
 #include "ltcreader/framechain.h"
 #include "ltcreader/jointreader.h"
+#include "ltcreader/reading.h"
 #include "ltcreader/sound/window.h"
 
 namespace ltcreader

@@ -10,6 +10,8 @@
 
 #include "ltcreader/framechain.h"
 
+#include "ltcreader/rateclass.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -24,12 +26,6 @@ namespace
 
 constexpr std::size_t shortestChain = 3; // [frames] fewer could agree by chance
 constexpr std::size_t longChain = 6;     // [frames] enough without any other sign
-constexpr double speedMatters = 0.003;   // a larger speed error says nothing about 1000 / 1001
-constexpr double toleratedSpeed = 0.13;  // machines that run faster or slower than that do not exist
-constexpr double leastDeviation = 1e-6;  // [samples] keeps quotients finite
-constexpr double provenClass = 4.3;      // standard deviations between the measured speed and the midpoint
-constexpr double nearSpeed = 0.012;      // most machines that do not run true come that near
-constexpr int provingSeconds = 3;        // touched: two returns of the frame number, where a jump makes one
 constexpr double clearBit = 0.2;         // [bits] half a bit and a whole one differ by 0.25 from their middle
 constexpr int toleratedBefore = 1;       // [frames] misread while the slicer finds the level
 constexpr int tellingPairs = 5;          // of clean neighbouring frames: their labels show how they move
@@ -154,12 +150,6 @@ FrameChain describe(const std::vector<Member> &members, const timecode::Rate &ra
     return chain;
 }
 
-/// How far the recording's speed is from \a rate, as the logarithm of the quotient.
-double speedError(double frameLength, const timecode::Rate &rate, int sampleRate)
-{
-    return std::abs(std::log(sampleRate / frameLength / rate.framesPerSecond()));
-}
-
 /// How badly the speed fits a way of counting. Where it fits none well the user's word counts more.
 double speedPenalty(const FrameChain &chain, int sampleRate, const std::optional<timecode::Rate> &wanted)
 {
@@ -167,9 +157,6 @@ double speedPenalty(const FrameChain &chain, int sampleRate, const std::optional
     const bool named = wanted && wanted->base == chain.rate.base;
     return named ? std::min(error, speedMatters) : error;
 }
-
-constexpr std::array<timecode::Rate, 4> waysOfCounting{
-    timecode::Rate{24, false, false}, {25, false, false}, {30, false, false}, {30, true, true}};
 
 /// Whether the label of \a next is one higher than that of \a frame.
 bool isOneHigher(const Frame &frame, const Frame &next)
@@ -234,67 +221,7 @@ bool majorityHasDropFlag(const std::vector<Member> &members)
     return 2 * static_cast<std::size_t>(flagged) > members.size();
 }
 
-/// Whether the speed is that of a way of counting other than \a base.
-bool isRateOfAnotherBase(int base, double frameLength, int sampleRate)
-{
-    return std::any_of(waysOfCounting.begin(), waysOfCounting.end(), [&](timecode::Rate way) {
-        const double whole = speedError(frameLength, {way.base, false, false}, sampleRate);
-        const double ntsc = speedError(frameLength, {way.base, way.base != 25, false}, sampleRate);
-        return way.base != base && std::min(whole, ntsc) < speedMatters;
-    });
-}
-
-/// How far the speed is from the midpoint between \a rate and its neighbour in the ratio of 1000/1001, on the
-/// side of \a rate [standard deviations]; very far where there is nothing to distinguish.
-double distanceFromMidpoint(const timecode::Rate &rate, double frameLength, double lengthDeviation,
-                            int sampleRate, const std::optional<timecode::Rate> &wanted)
-{
-    constexpr double veryFar = 100.0;
-    if (rate.base == 25 || wanted || speedError(frameLength, rate, sampleRate) > speedMatters)
-        return veryFar;
-    const double midpoint = std::sqrt(1000.0 / 1001.0) * rate.base; // [frames/s]
-    const double distance = std::log(sampleRate / frameLength / midpoint) * (rate.ntsc ? -1.0 : 1.0);
-    return std::clamp(distance * frameLength / std::max(leastDeviation, lengthDeviation), -veryFar, veryFar);
-}
-
 } // namespace
-
-timecode::Rate rateBySpeed(timecode::Rate rate, double frameLength, int sampleRate,
-                           const std::optional<timecode::Rate> &wanted)
-{
-    if (rate.base == 25)
-        return rate;
-    const double wholeError = speedError(frameLength, {rate.base, false, false}, sampleRate);
-    const double ntscError = speedError(frameLength, {rate.base, true, false}, sampleRate);
-    rate.ntsc = ntscError < wholeError;
-    if (wanted && std::min(wholeError, ntscError) > speedMatters)
-        rate.ntsc = wanted->ntsc;
-    if (rate.dropFrame)
-        rate.ntsc = true;
-    return rate;
-}
-
-Doubt doubtAboutSpeed(const timecode::Rate &rate, int seconds, double frameLength, double lengthDeviation,
-                      int sampleRate, const std::optional<timecode::Rate> &wanted)
-{
-    const double error = speedError(frameLength, rate, sampleRate);
-    if (!(error < toleratedSpeed))
-        return Doubt::Speed;
-    if (!wanted && seconds < provingSeconds && error > nearSpeed &&
-        isRateOfAnotherBase(rate.base, frameLength, sampleRate))
-        return Doubt::Speed;
-    const double distance = distanceFromMidpoint(rate, frameLength, lengthDeviation, sampleRate, wanted);
-    if (std::abs(distance) < provenClass)
-        return Doubt::RateClass;
-    return distance > 0.0 ? Doubt::None : Doubt::FalseFlag;
-}
-
-double chanceOfOtherClass(const timecode::Rate &rate, double frameLength, double lengthDeviation,
-                          int sampleRate, const std::optional<timecode::Rate> &wanted)
-{
-    const double distance = distanceFromMidpoint(rate, frameLength, lengthDeviation, sampleRate, wanted);
-    return 0.5 * std::erfc(distance / std::numbers::sqrt2); // the tail of a normal distribution
-}
 
 std::optional<FrameChain> findChain(const std::vector<Frame> &frames, int sampleRate,
                                     const std::optional<timecode::Rate> &wanted)

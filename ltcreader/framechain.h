@@ -3,6 +3,7 @@
 
 #include "ltcreader/frame/doubt.h"
 #include "ltcreader/frame/frame.h"
+#include "timecode/timecode.h"
 
 #include <optional>
 #include <vector>
@@ -30,23 +31,6 @@ struct FrameChain {
     double classDoubt = 0.0; ///< probability that 1000/1001 is wrong
     bool inverted = false;   ///< its frames begin with a falling edge
 };
-
-/// \a rate with ntsc as the measured frame length [samples] shows. Where the speed fits neither of both, \a
-/// wanted decides.
-timecode::Rate rateBySpeed(timecode::Rate rate, double frameLength, int sampleRate,
-                           const std::optional<timecode::Rate> &wanted);
-
-/// What the speed says against \a rate, as rateBySpeed() gave it. No machine runs more than 13 % too fast or
-/// too slow. Film at 24 runs at 25, but labels that jump once look like it: so where no rate is \a wanted,
-/// the frame number must be read to return twice, \a seconds touched be three. 1000/1001 is proven only where
-/// the midpoint to the whole rate is four standard deviations away, \a lengthDeviation [samples]; far from
-/// both rates, and where one is \a wanted, it need not be.
-Doubt doubtAboutSpeed(const timecode::Rate &rate, int seconds, double frameLength, double lengthDeviation,
-                      int sampleRate, const std::optional<timecode::Rate> &wanted);
-
-/// The probability, by the measured speed alone, that the class of \a rate is the other one.
-double chanceOfOtherClass(const timecode::Rate &rate, double frameLength, double lengthDeviation,
-                          int sampleRate, const std::optional<timecode::Rate> &wanted);
 
 /// The chain that the recording starts with: the earliest of \a frames (in order of time) that is long enough
 /// to be believed. \a wanted restricts the rate (its dropFrame is not looked at). \a sampleRate [Hz].

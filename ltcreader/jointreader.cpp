@@ -8,8 +8,8 @@
 #include "ltcreader/adaptation.h"
 #include "ltcreader/candidate.h"
 #include "ltcreader/digitdecision.h"
-#include "ltcreader/framechain.h"
 #include "ltcreader/linecheck.h"
+#include "ltcreader/rateclass.h"
 #include "ltcreader/timing.h"
 
 #include <algorithm>
