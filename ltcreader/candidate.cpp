@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/candidate.h"
 
-#include "ltcreader/equaliser.h"
 #include "ltcreader/frame/frame.h"
+#include "ltcreader/frontend/equaliser.h"
 #include "ltcreader/halfbits.h"
 
 #include <algorithm>

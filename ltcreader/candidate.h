@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ltcreader/clocksearch.h"
-#include "ltcreader/conditioner.h"
+#include "ltcreader/frontend/conditioner.h"
 #include "ltcreader/syncsearch.h"
 
 #include <memory>

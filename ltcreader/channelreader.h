@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/edgereader.h"
+#include "ltcreader/edge/edgereader.h"
 #include "ltcreader/finding.h"
 
 #include <optional>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/algorithm.h"
+#include "ltcreader/edge/algorithm.h"
 #include "ltcreader/frame/doubt.h"
 #include "ltcreader/reading.h"
 #include "ltcreader/sound/samplesource.h"

@@ -6,7 +6,7 @@
 
 #include "ltcreader/diagnosis.h"
 
-#include "ltcreader/edgereader.h"
+#include "ltcreader/edge/edgereader.h"
 #include "ltcreader/sound/window.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/framechain.h"
+#include "ltcreader/edge/framechain.h"
 #include "ltcreader/jointreader.h"
 #include "ltcreader/reading.h"
 #include "ltcreader/sound/window.h"

@@ -5,11 +5,11 @@
 
 #include "ltcreader/jointreader.h"
 
-#include "ltcreader/adaptation.h"
 #include "ltcreader/candidate.h"
 #include "ltcreader/digitdecision.h"
+#include "ltcreader/frame/rateclass.h"
+#include "ltcreader/frontend/adaptation.h"
 #include "ltcreader/linecheck.h"
-#include "ltcreader/rateclass.h"
 #include "ltcreader/timing.h"
 
 #include <algorithm>

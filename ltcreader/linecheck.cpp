@@ -9,9 +9,9 @@
 
 #include "ltcreader/linecheck.h"
 
-#include "ltcreader/conditioner.h"
 #include "ltcreader/frame/digits.h"
 #include "ltcreader/framefold.h"
+#include "ltcreader/frontend/conditioner.h"
 #include "ltcreader/halfbits.h"
 #include "ltcreader/levels.h"
 #include "ltcreader/likelihood.h"

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "ltcreader/clocksearch.h"
+#include "ltcreader/edge/framechain.h"
 #include "ltcreader/frame/doubt.h"
-#include "ltcreader/framechain.h"
 #include "ltcreader/syncsearch.h"
 #include "timecode/timecode.h"
 

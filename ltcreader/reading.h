@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/algorithm.h"
+#include "ltcreader/edge/algorithm.h"
 #include "timecode/timecode.h"
 
 #include <cstdint>

@@ -9,7 +9,8 @@ cd "$(dirname "$(readlink -f "$0")")/.."
 # is not listed belongs to the listed one that it is in.
 layers='
 timecode ltcreader/maths ltcreader/sound
-ltcreader/frame
+ltcreader/frame ltcreader/frontend
+ltcreader/edge
 ltcreader
 app/records process widgets tooladapter tests/support
 ffmpeg ltc update demo/mediakit tests/fakes

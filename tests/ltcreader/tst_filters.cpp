@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/adaptation.h"
-#include "ltcreader/equaliser.h"
+#include "ltcreader/frontend/adaptation.h"
+#include "ltcreader/frontend/equaliser.h"
+#include "ltcreader/frontend/restoration.h"
 #include "ltcreader/maths/symmetricequations.h"
-#include "ltcreader/restoration.h"
 #include "tests/ltcreader/timecodegrid.h"
 
 #include <QTest>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/adaptation.h"
 #include "ltcreader/digitdecision.h"
+#include "ltcreader/frontend/adaptation.h"
 #include "ltcreader/jointdecision.h"
 #include "tests/ltcreader/timecodegrid.h"
 

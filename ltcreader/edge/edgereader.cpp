@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/edgereader.h"
+#include "ltcreader/edge/edgereader.h"
 
 namespace ltcreader
 {

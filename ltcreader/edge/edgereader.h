@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/algorithm.h"
-#include "ltcreader/bitclock.h"
-#include "ltcreader/slicer.h"
+#include "ltcreader/edge/algorithm.h"
+#include "ltcreader/edge/bitclock.h"
+#include "ltcreader/edge/slicer.h"
 
 #include <cstddef>
 #include <optional>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/rateclass.h"
+#include "ltcreader/frame/rateclass.h"
 
 #include <algorithm>
 #include <cmath>

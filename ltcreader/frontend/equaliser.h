@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/conditioner.h"
+#include "ltcreader/frontend/conditioner.h"
 
 #include <vector>
 

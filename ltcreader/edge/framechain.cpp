@@ -8,9 +8,9 @@
 // any speed. Only where no return was seen does the speed decide. NTSC rates differ from whole ones by one in
 // a thousand, which the fit of all frame starts distinguishes.
 
-#include "ltcreader/framechain.h"
+#include "ltcreader/edge/framechain.h"
 
-#include "ltcreader/rateclass.h"
+#include "ltcreader/frame/rateclass.h"
 
 #include <algorithm>
 #include <array>

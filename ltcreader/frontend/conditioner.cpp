@@ -14,9 +14,9 @@
 //
 // All is done on the spectrum of the whole window with weights without phase, so nothing is shifted in time.
 
-#include "ltcreader/conditioner.h"
+#include "ltcreader/frontend/conditioner.h"
 
-#include "ltcreader/restoration.h"
+#include "ltcreader/frontend/restoration.h"
 
 #include <algorithm>
 #include <cmath>

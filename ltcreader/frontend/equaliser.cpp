@@ -6,9 +6,9 @@
 // known too, and a short filter that inverts it (with a little held back, so that what is lost is not made of
 // noise) puts zeros and ones on an equal footing.
 
-#include "ltcreader/equaliser.h"
+#include "ltcreader/frontend/equaliser.h"
 
-#include "ltcreader/halfbitfilter.h"
+#include "ltcreader/frontend/halfbitfilter.h"
 #include "ltcreader/maths/symmetricequations.h"
 
 #include <cmath>

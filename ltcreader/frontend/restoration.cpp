@@ -6,7 +6,7 @@
 // filters have the least phase that their gain allows; the opposite one has it too, and it follows from the
 // logarithm of the gain.
 
-#include "ltcreader/restoration.h"
+#include "ltcreader/frontend/restoration.h"
 
 #include "ltcreader/maths/fft.h"
 

@@ -6,9 +6,9 @@
 // least squares over the whole recording. It has a few dozen degrees of freedom against thousands of half
 // bits, so it cannot learn single wrong digits: decided again, those come out right.
 
-#include "ltcreader/adaptation.h"
+#include "ltcreader/frontend/adaptation.h"
 
-#include "ltcreader/halfbitfilter.h"
+#include "ltcreader/frontend/halfbitfilter.h"
 #include "ltcreader/maths/symmetricequations.h"
 
 #include <cmath>

@@ -6,7 +6,7 @@
 // halves make a one; half a bit followed by a whole one means that an edge was lost or added, and the count
 // of bits starts again.
 
-#include "ltcreader/bitclock.h"
+#include "ltcreader/edge/bitclock.h"
 
 #include <algorithm>
 #include <cmath>

@@ -7,7 +7,7 @@
 // is read as the square wave that it was. The moment of an edge is the crossing of the middle where that
 // belongs to the same rise, because it does not depend on the threshold.
 
-#include "ltcreader/slicer.h"
+#include "ltcreader/edge/slicer.h"
 
 #include <algorithm>
 #include <cmath>
