@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ltcreader/frame/numbering.h"
-#include "ltcreader/syncsearch.h"
+#include "ltcreader/sync/syncsearch.h"
 
 #include <array>
 #include <vector>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ltcreader/hypothesis.h"
-#include "ltcreader/syncsearch.h"
+#include "ltcreader/sync/syncsearch.h"
 
 #include <cstdint>
 #include <optional>

@@ -5,12 +5,12 @@
 
 #include "ltcreader/jointreader.h"
 
-#include "ltcreader/candidate.h"
 #include "ltcreader/digitdecision.h"
 #include "ltcreader/frame/rateclass.h"
 #include "ltcreader/frontend/adaptation.h"
 #include "ltcreader/linecheck.h"
-#include "ltcreader/timing.h"
+#include "ltcreader/sync/candidate.h"
+#include "ltcreader/sync/timing.h"
 
 #include <algorithm>
 #include <cmath>

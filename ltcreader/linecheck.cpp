@@ -12,9 +12,9 @@
 #include "ltcreader/frame/digits.h"
 #include "ltcreader/framefold.h"
 #include "ltcreader/frontend/conditioner.h"
-#include "ltcreader/halfbits.h"
 #include "ltcreader/levels.h"
 #include "ltcreader/likelihood.h"
+#include "ltcreader/sync/halfbits.h"
 #include "ltcreader/trellis.h"
 
 #include <algorithm>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/clocksearch.h"
 #include "ltcreader/edge/framechain.h"
 #include "ltcreader/frame/doubt.h"
-#include "ltcreader/syncsearch.h"
+#include "ltcreader/sync/clocksearch.h"
+#include "ltcreader/sync/syncsearch.h"
 #include "timecode/timecode.h"
 
 #include <cstdint>

@@ -10,7 +10,7 @@ cd "$(dirname "$(readlink -f "$0")")/.."
 layers='
 timecode ltcreader/maths ltcreader/sound
 ltcreader/frame ltcreader/frontend
-ltcreader/edge
+ltcreader/edge ltcreader/sync
 ltcreader
 app/records process widgets tooladapter tests/support
 ffmpeg ltc update demo/mediakit tests/fakes

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/clocksearch.h"
 #include "ltcreader/frontend/conditioner.h"
+#include "ltcreader/sync/clocksearch.h"
 
 #include <vector>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/halfbits.h"
+#include "ltcreader/sync/halfbits.h"
 
 #include <algorithm>
 #include <cmath>

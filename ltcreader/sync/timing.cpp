@@ -4,9 +4,9 @@
 // fits better, and by how much, shows where exactly it belongs. Done for some frames at a time, a line
 // through these moments gives speed and position to a fraction of a sample.
 
-#include "ltcreader/timing.h"
+#include "ltcreader/sync/timing.h"
 
-#include "ltcreader/halfbits.h"
+#include "ltcreader/sync/halfbits.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/clocksearch.h"
 #include "ltcreader/frontend/conditioner.h"
-#include "ltcreader/syncsearch.h"
+#include "ltcreader/sync/clocksearch.h"
+#include "ltcreader/sync/syncsearch.h"
 
 #include <memory>
 #include <vector>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/candidate.h"
+#include "ltcreader/sync/candidate.h"
 
 #include "ltcreader/frame/frame.h"
 #include "ltcreader/frontend/equaliser.h"
-#include "ltcreader/halfbits.h"
+#include "ltcreader/sync/halfbits.h"
 
 #include <algorithm>
 #include <cstddef>

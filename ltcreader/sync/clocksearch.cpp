@@ -6,7 +6,7 @@
 // window shows a line at the bit rate that stands out long before single bits can be read, and the line's
 // phase shows where bits begin. Followed in pieces of the window, the phase shows how the speed wanders.
 
-#include "ltcreader/clocksearch.h"
+#include "ltcreader/sync/clocksearch.h"
 
 #include <algorithm>
 #include <array>

@@ -4,7 +4,7 @@
 // 80 places where a frame could end the sums over all frames are compared: with one sign for all (frames of
 // an encoder that keeps the polarity steady, which most do) and with a sign of its own for each.
 
-#include "ltcreader/syncsearch.h"
+#include "ltcreader/sync/syncsearch.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/candidate.h"
+#include "ltcreader/sync/candidate.h"
 
 #include <vector>
 
