@@ -5,7 +5,7 @@
 
 #include "ltcreader/jointreader.h"
 
-#include "ltcreader/digitdecision.h"
+#include "ltcreader/decision/digitdecision.h"
 #include "ltcreader/frame/rateclass.h"
 #include "ltcreader/frontend/adaptation.h"
 #include "ltcreader/linecheck.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ltcreader/decision/jointdecision.h"
 #include "ltcreader/frame/doubt.h"
-#include "ltcreader/jointdecision.h"
 
 #include <optional>
 #include <vector>

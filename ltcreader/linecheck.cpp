@@ -9,13 +9,13 @@
 
 #include "ltcreader/linecheck.h"
 
+#include "ltcreader/decision/framefold.h"
+#include "ltcreader/decision/levels.h"
+#include "ltcreader/decision/likelihood.h"
+#include "ltcreader/decision/trellis.h"
 #include "ltcreader/frame/digits.h"
-#include "ltcreader/framefold.h"
 #include "ltcreader/frontend/conditioner.h"
-#include "ltcreader/levels.h"
-#include "ltcreader/likelihood.h"
 #include "ltcreader/sync/halfbits.h"
-#include "ltcreader/trellis.h"
 
 #include <algorithm>
 #include <array>

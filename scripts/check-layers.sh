@@ -11,6 +11,7 @@ layers='
 timecode ltcreader/maths ltcreader/sound
 ltcreader/frame ltcreader/frontend
 ltcreader/edge ltcreader/sync
+ltcreader/decision
 ltcreader
 app/records process widgets tooladapter tests/support
 ffmpeg ltc update demo/mediakit tests/fakes

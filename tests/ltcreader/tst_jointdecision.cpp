@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/digitdecision.h"
+#include "ltcreader/decision/digitdecision.h"
+#include "ltcreader/decision/jointdecision.h"
 #include "ltcreader/frontend/adaptation.h"
-#include "ltcreader/jointdecision.h"
 #include "tests/ltcreader/timecodegrid.h"
 
 #include <QTest>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/trellis.h"
+#include "ltcreader/decision/trellis.h"
 
 #include <QTest>
 

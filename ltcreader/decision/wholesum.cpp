@@ -4,10 +4,10 @@
 // changes that they cause. With those undone all seconds add up to one frame in which everything else stands
 // still, and the trellis finds what that is.
 
-#include "ltcreader/wholesum.h"
+#include "ltcreader/decision/wholesum.h"
 
-#include "ltcreader/likelihood.h"
-#include "ltcreader/trellis.h"
+#include "ltcreader/decision/likelihood.h"
+#include "ltcreader/decision/trellis.h"
 
 #include <array>
 #include <optional>

@@ -7,10 +7,10 @@
 // zeros of a frame even, would undo the order for the bits after it: those are counted from the end of the
 // frame instead.
 
-#include "ltcreader/framefold.h"
+#include "ltcreader/decision/framefold.h"
 
-#include "ltcreader/likelihood.h"
-#include "ltcreader/trellis.h"
+#include "ltcreader/decision/likelihood.h"
+#include "ltcreader/decision/trellis.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/jointdecision.h"
+#include "ltcreader/decision/jointdecision.h"
 
 #include <optional>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/hypothesis.h"
+#include "ltcreader/decision/hypothesis.h"
 #include "ltcreader/sync/syncsearch.h"
 
 #include <cstdint>

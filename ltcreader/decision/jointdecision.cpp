@@ -13,12 +13,12 @@
 // The answer's margin is the difference in log-likelihood to the best timecode that is another one, among the
 // other hypotheses and with each digit that stands still forced to another value.
 
-#include "ltcreader/jointdecision.h"
+#include "ltcreader/decision/jointdecision.h"
 
-#include "ltcreader/framefold.h"
-#include "ltcreader/levels.h"
-#include "ltcreader/likelihood.h"
-#include "ltcreader/wholesum.h"
+#include "ltcreader/decision/framefold.h"
+#include "ltcreader/decision/levels.h"
+#include "ltcreader/decision/likelihood.h"
+#include "ltcreader/decision/wholesum.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/framefold.h"
-#include "ltcreader/hypothesis.h"
+#include "ltcreader/decision/framefold.h"
+#include "ltcreader/decision/hypothesis.h"
 
 #include <vector>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/hypothesis.h"
+#include "ltcreader/decision/hypothesis.h"
 
-#include "ltcreader/likelihood.h"
+#include "ltcreader/decision/likelihood.h"
 
 #include <algorithm>
 #include <cmath>

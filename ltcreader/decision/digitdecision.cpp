@@ -6,12 +6,12 @@
 // independent of each other then, and the log-likelihood of a label for the first frame is the sum over all
 // digits that follow from it.
 
-#include "ltcreader/digitdecision.h"
+#include "ltcreader/decision/digitdecision.h"
 
-#include "ltcreader/framefold.h"
-#include "ltcreader/levels.h"
-#include "ltcreader/likelihood.h"
-#include "ltcreader/trellis.h"
+#include "ltcreader/decision/framefold.h"
+#include "ltcreader/decision/levels.h"
+#include "ltcreader/decision/likelihood.h"
+#include "ltcreader/decision/trellis.h"
 
 #include <algorithm>
 #include <array>

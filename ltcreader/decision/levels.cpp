@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/levels.h"
+#include "ltcreader/decision/levels.h"
 
-#include "ltcreader/trellis.h"
+#include "ltcreader/decision/trellis.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/trellis.h"
+#include "ltcreader/decision/trellis.h"
 
-#include "ltcreader/likelihood.h"
+#include "ltcreader/decision/likelihood.h"
 
 #include <bit>
 #include <cstddef>
