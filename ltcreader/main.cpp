@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/commandline.h"
-#include "ltcreader/decoder.h"
+#include "ltcreader/decoder/decoder.h"
 #include "ltcreader/diagnosis.h"
 #include "ltcreader/report.h"
 #include "ltcreader/sound/soundfile.h"

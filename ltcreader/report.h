@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/reading.h"
+#include "ltcreader/decoder/reading.h"
 
 #include <string>
 

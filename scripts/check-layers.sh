@@ -12,6 +12,8 @@ timecode ltcreader/maths ltcreader/sound
 ltcreader/frame ltcreader/frontend
 ltcreader/edge ltcreader/sync
 ltcreader/decision
+ltcreader/verification
+ltcreader/decoder
 ltcreader
 app/records process widgets tooladapter tests/support
 ffmpeg ltc update demo/mediakit tests/fakes

@@ -5,7 +5,7 @@
 // Input: the algorithm, the channel and the frame rate that are asked for, whether the answer is for people,
 // then the bytes of the file.
 
-#include "ltcreader/decoder.h"
+#include "ltcreader/decoder/decoder.h"
 #include "ltcreader/diagnosis.h"
 #include "ltcreader/report.h"
 #include "ltcreader/sound/soundfile.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/linecheck.h"
+#include "ltcreader/verification/linecheck.h"
 #include "tests/ltcreader/timecodegrid.h"
 
 #include <QTest>

@@ -3,7 +3,7 @@
 // Recordings whose labels do something else than counting up: the decoder refuses them, however well it reads
 // them.
 
-#include "ltcreader/decoder.h"
+#include "ltcreader/decoder/decoder.h"
 #include "tests/support/biphasemark.h"
 #include "tests/support/impairments.h"
 #include "tests/support/noise.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/channelreader.h"
+#include "ltcreader/decoder/channelreader.h"
 
 #include "ltcreader/frame/rateclass.h"
-#include "ltcreader/linecheck.h"
+#include "ltcreader/verification/linecheck.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/finding.h"
+#include "ltcreader/decoder/finding.h"
 
 #include <algorithm>
 #include <cmath>

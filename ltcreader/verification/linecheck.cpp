@@ -7,7 +7,7 @@
 // frames add up, so those of an alternative against the line, summed from the recording's beginning or to its
 // end, show where labels jump.
 
-#include "ltcreader/linecheck.h"
+#include "ltcreader/verification/linecheck.h"
 
 #include "ltcreader/decision/framefold.h"
 #include "ltcreader/decision/levels.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ltcreader/decoder/jointreader.h"
+#include "ltcreader/decoder/reading.h"
 #include "ltcreader/edge/framechain.h"
-#include "ltcreader/jointreader.h"
-#include "ltcreader/reading.h"
 #include "ltcreader/sound/window.h"
 
 namespace ltcreader

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ltcreader/decoder/reading.h"
 #include "ltcreader/edge/algorithm.h"
 #include "ltcreader/frame/doubt.h"
-#include "ltcreader/reading.h"
 #include "ltcreader/sound/samplesource.h"
 #include "timecode/timecode.h"
 

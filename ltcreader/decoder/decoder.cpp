@@ -5,9 +5,9 @@
 // second of sound. When the window is full and nothing was beyond doubt, everything else is tried on what was
 // kept. Where that finds nothing either, the window moves on.
 
-#include "ltcreader/decoder.h"
+#include "ltcreader/decoder/decoder.h"
 
-#include "ltcreader/channelreader.h"
+#include "ltcreader/decoder/channelreader.h"
 #include "ltcreader/sound/window.h"
 
 #include <array>

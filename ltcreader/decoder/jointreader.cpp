@@ -3,14 +3,14 @@
 // From sound to an answer when single bits cannot be read: front ends, the clock, half bits, frames,
 // the decision, and then back to the sound with the square wave that was decided for.
 
-#include "ltcreader/jointreader.h"
+#include "ltcreader/decoder/jointreader.h"
 
 #include "ltcreader/decision/digitdecision.h"
 #include "ltcreader/frame/rateclass.h"
 #include "ltcreader/frontend/adaptation.h"
-#include "ltcreader/linecheck.h"
 #include "ltcreader/sync/candidate.h"
 #include "ltcreader/sync/timing.h"
+#include "ltcreader/verification/linecheck.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ltcreader/decoder/finding.h"
 #include "ltcreader/edge/edgereader.h"
-#include "ltcreader/finding.h"
 
 #include <optional>
 
