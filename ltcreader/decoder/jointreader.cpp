@@ -10,6 +10,7 @@
 #include "ltcreader/frontend/adaptation.h"
 #include "ltcreader/sync/candidate.h"
 #include "ltcreader/sync/timing.h"
+#include "ltcreader/verification/beginning.h"
 #include "ltcreader/verification/linecheck.h"
 
 #include <algorithm>

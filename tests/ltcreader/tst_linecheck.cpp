@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "ltcreader/frontend/conditioner.h"
+#include "ltcreader/verification/beginning.h"
 #include "ltcreader/verification/linecheck.h"
 #include "tests/ltcreader/timecodegrid.h"
 
