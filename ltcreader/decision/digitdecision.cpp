@@ -44,7 +44,7 @@ Likelihoods likelihoodsOf(const float *frame, BitField part, double scale)
 {
     Likelihoods result{};
     for (int value = 0; value < 1 << part.width; ++value) {
-        const float fit = resemblance(halvesOf(frame, part.first), value, part.width);
+        const float fit = correlation(halvesOf(frame, part.first), value, part.width);
         result[static_cast<std::size_t>(value)] = logCosh(scale * static_cast<double>(fit));
     }
     return result;
@@ -53,7 +53,7 @@ Likelihoods likelihoodsOf(const float *frame, BitField part, double scale)
 std::vector<DigitLikelihoods> likelihoodsOfFrames(const FrameGrid &grid, double amplitude)
 {
     const double held = believableAmplitude(amplitude);
-    const double scale = held / noiseBeside(held); // from resemblance to log-likelihood
+    const double scale = held / noiseBeside(held); // from correlation to log-likelihood
     std::vector<DigitLikelihoods> frames;
     for (int frame = 0; frame < grid.frames; ++frame) {
         DigitLikelihoods &likelihoods = frames.emplace_back();
@@ -172,7 +172,7 @@ bool isSeenInAllDigits(const Hypothesis &hypothesis, const std::vector<DigitLike
 }
 
 /// How much the digits of a hypothesis resemble the half bits in any polarity.
-struct Resemblance {
+struct Correlation {
     double amplitude = 0.0;    ///< of the timecode in half bits of mean square 1
     double significance = 0.0; ///< in standard deviations of what chance brings
 };
@@ -184,7 +184,7 @@ public:
     /// Adds \a part of frame \a frame, for which \a levels were decided.
     void add(const FrameGrid &grid, const std::vector<float> &levels, int frame, BitField part);
 
-    Resemblance resemblance() const;
+    Correlation correlation() const;
 
 private:
     double magnitudes = 0.0; ///< of fits, in standard deviations of noise
@@ -213,7 +213,7 @@ void PartFits::add(const FrameGrid &grid, const std::vector<float> &levels, int 
     halvesSquares += used * used;
 }
 
-Resemblance PartFits::resemblance() const
+Correlation PartFits::correlation() const
 {
     constexpr double meanMagnitude = 0.7979; // of a normal distribution: sqrt(2 / pi)
     constexpr double deviation = 0.6028;     // of that magnitude: sqrt(1 - 2 / pi)
@@ -223,7 +223,7 @@ Resemblance PartFits::resemblance() const
             (magnitudes - parts * meanMagnitude) / (deviation * std::sqrt(parts))};
 }
 
-Resemblance resemblanceOf(const FrameGrid &grid, const std::vector<float> &levels)
+Correlation correlationOf(const FrameGrid &grid, const std::vector<float> &levels)
 {
     PartFits fits;
     for (int frame = 0; frame < grid.frames; ++frame) {
@@ -232,7 +232,7 @@ Resemblance resemblanceOf(const FrameGrid &grid, const std::vector<float> &level
         for (std::size_t digit = SecondUnits; digit < digitCount; ++digit)
             fits.add(grid, levels, frame, digitFields[digit]);
     }
-    return fits.resemblance();
+    return fits.correlation();
 }
 
 } // namespace
@@ -266,9 +266,9 @@ std::optional<JointDecision> decideByDigits(const FrameGrid &grid, double measur
         evaluate(*sum, other);
     };
     decision->levels = levelsOfDigits(grid, best);
-    const Resemblance resemblance = resemblanceOf(grid, decision->levels);
-    decision->amplitude = resemblance.amplitude;
-    decision->significance = resemblance.significance;
+    const Correlation correlation = correlationOf(grid, decision->levels);
+    decision->amplitude = correlation.amplitude;
+    decision->significance = correlation.significance;
     decision->syncAmplitude = syncAmplitude;
     const double unexplained = noiseBeside(decision->amplitude);
     const double repeated = repeatedError(grid, decision->levels);

@@ -20,7 +20,7 @@ namespace ltcreader
 namespace
 {
 
-/// The amplitude of the sync words whose resemblances are \a syncs and add up to \a sum: from their sum where
+/// The amplitude of the sync words whose correlations are \a syncs and add up to \a sum: from their sum where
 /// the polarity is steady, from their squares (noise has a square of one for each half bit) where it is not.
 double amplitudeOf(const std::vector<float> &syncs, double sum)
 {
@@ -47,7 +47,7 @@ Polarities findPolarities(const FrameGrid &grid)
     Polarities result;
     result.amplitude = amplitudeOf(grid.syncs, sum);
     const double held = believableAmplitude(result.amplitude);
-    const double scale = held / (1.0 - held * held); // from resemblance to log-likelihood
+    const double scale = held / (1.0 - held * held); // from correlation to log-likelihood
     double freeLikelihood = 0.0;
     for (const float sync : grid.syncs)
         freeLikelihood += logCosh(scale * static_cast<double>(sync));
@@ -83,7 +83,7 @@ FrameFold foldFrames(const FrameGrid &grid, const Polarities &polarities, const 
         };
         float polarity = polarities.atStart[static_cast<std::size_t>(frame)];
         const auto addNumber = [&polarity, halves](BitField part, int value, float &fit) {
-            fit += polarity * resemblance(halvesOf(halves, part.first), value, part.width);
+            fit += polarity * correlation(halvesOf(halves, part.first), value, part.width);
             polarity *= polarityAfter(value, part.width);
         };
         addNumber(field::frameUnits, number % 10, fold.unitsFit);

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ltcreader/frame/numbering.h"
-#include "ltcreader/sync/syncsearch.h"
+#include "ltcreader/sync/framesync.h"
 
 #include <array>
 #include <vector>

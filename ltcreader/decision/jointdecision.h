@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ltcreader/decision/hypothesis.h"
-#include "ltcreader/sync/syncsearch.h"
+#include "ltcreader/sync/framesync.h"
 
 #include <cstdint>
 #include <optional>

@@ -76,7 +76,7 @@ std::vector<float> levelsOfDigits(const FrameGrid &grid, const Hypothesis &hypot
         float *halves = levels.data() + static_cast<std::size_t>(frame) * halvesPerFrame;
         const auto draw = [&](BitField part) {
             const int value = fieldValue(bits, part);
-            const float fit = resemblance(halvesOf(grid.frame(frame), part.first), value, part.width);
+            const float fit = correlation(halvesOf(grid.frame(frame), part.first), value, part.width);
             float level = fit < 0.0F ? -1.0F : 1.0F;
             for (int bit = 0; bit < part.width; ++bit)
                 level = drawBit(halves, part.first + bit, (value >> bit & 1) != 0, level);

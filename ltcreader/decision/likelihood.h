@@ -11,7 +11,7 @@ namespace ltcreader
 // Half bits have a mean square of 1. Those of timecode with the amplitude a are taken for a or -a in
 // Gaussian noise, whose variance is then 1 - a * a. The logarithm of the density of such a half bit x, at the
 // level s of 1 or -1, is s * x * a / variance, up to what is the same for both levels. So the sum of s * x
-// over the levels of an assumption (its fit, or resemblance) becomes a log-likelihood when it is multiplied
+// over the levels of an assumption (its fit, or correlation) becomes a log-likelihood when it is multiplied
 // by a / variance.
 
 /// Share of the power that is never taken for explained: filters, wandering speed.

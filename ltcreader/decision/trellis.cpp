@@ -15,7 +15,7 @@ float polarityAfter(int value, int width)
     return zeros % 2 == 0 ? 1.0F : -1.0F;
 }
 
-float resemblance(const float *halves, int value, int width)
+float correlation(const float *halves, int value, int width)
 {
     float level = 1.0F;
     float sum = 0.0F;
@@ -54,7 +54,7 @@ void Trellis::number(BitField part, const float *halves, std::uint32_t allowed)
     for (int value = 0; value < 1 << part.width; ++value) {
         if ((allowed >> value & 1U) == 0)
             continue;
-        const float fit = resemblance(halves, value, part.width);
+        const float fit = correlation(halves, value, part.width);
         const bool keeps = polarityAfter(value, part.width) > 0.0F;
         for (std::size_t state = 0; state < 2; ++state) {
             const float total = before[state].fit + (state == 0 ? fit : -fit);

@@ -14,7 +14,7 @@ float polarityAfter(int value, int width);
 
 /// How well \a halves, two for each bit of a number of \a width bits, resemble \a value that begins high: the
 /// sum of their products with the levels of its half bits.
-float resemblance(const float *halves, int value, int width);
+float correlation(const float *halves, int value, int width);
 
 /// Finds the bits that fit a frame's half bits best, polarity and all.
 ///

@@ -57,7 +57,7 @@ void addSecond(const SecondSum &second, const Digits &digits, int correctionBit,
             continue;
         }
         const int width = digitFields[*digit].width;
-        sum.fits[*digit] += polarity * resemblance(halvesOf(second.data(), bit), digits[*digit], width);
+        sum.fits[*digit] += polarity * correlation(halvesOf(second.data(), bit), digits[*digit], width);
         polarity *= polarityAfter(digits[*digit], width);
         bit += width - 1;
     }
@@ -71,7 +71,7 @@ void addSecond(const SecondSum &second, const Digits &digits, int correctionBit,
         const BitField part = digitFields[*ending];
         polarity *= polarityAfter(digits[*ending], part.width);
         sum.fits[*ending] +=
-            polarity * resemblance(halvesOf(second.data(), part.first), digits[*ending], part.width);
+            polarity * correlation(halvesOf(second.data(), part.first), digits[*ending], part.width);
         bit = part.first;
     }
 }

@@ -7,9 +7,9 @@
 
 #include "ltcreader/decision/digitdecision.h"
 #include "ltcreader/frame/rateclass.h"
-#include "ltcreader/frontend/adaptation.h"
+#include "ltcreader/frontend/decisiondirected.h"
 #include "ltcreader/sync/candidate.h"
-#include "ltcreader/sync/timing.h"
+#include "ltcreader/sync/earlylatetiming.h"
 #include "ltcreader/verification/beginning.h"
 #include "ltcreader/verification/linecheck.h"
 
@@ -43,7 +43,7 @@ using Decide = std::optional<JointDecision> (*)(const FrameGrid &grid, double me
 /// \a grid after the filter that brings its half bits nearest to \a levels.
 FrameGrid adaptedGrid(FrameGrid grid, const std::vector<float> &levels)
 {
-    grid.halves = adapted(grid.halves, levels);
+    grid.halves = equaliseByDecision(grid.halves, levels);
     measureSyncs(grid);
     return grid;
 }
@@ -157,13 +157,12 @@ std::optional<JointReading> readingOf(const Decided &decided, const std::vector<
 {
     const Candidate &candidate = *decided.candidate;
     const BitLine line = measureTiming(candidate, decided.decision.levels);
-    const double samplesPerConditioned = sampleRate / candidate.sound->sampleRate;
-    const double frameZero =
-        (line.start + line.slope * 0.5 * candidate.grid.firstHalf) * samplesPerConditioned;
+    const double samplesPerFiltered = sampleRate / candidate.sound->sampleRate;
+    const double frameZero = (line.start + line.slope * 0.5 * candidate.grid.firstHalf) * samplesPerFiltered;
     JointReading reading;
     reading.decision = decided.decision;
-    reading.frameLength = line.slope * bitsPerFrame * samplesPerConditioned;
-    reading.lengthDeviation = line.slopeDeviation * bitsPerFrame * samplesPerConditioned;
+    reading.frameLength = line.slope * bitsPerFrame * samplesPerFiltered;
+    reading.lengthDeviation = line.slopeDeviation * bitsPerFrame * samplesPerFiltered;
     reading.startCount = static_cast<double>(reading.decision.count) - frameZero / reading.frameLength;
     reading.rate = rateBySpeed(reading.decision.rate, reading.frameLength, sampleRate, wanted);
     if (wanted && (wanted->base != reading.rate.base || wanted->ntsc != reading.rate.ntsc))

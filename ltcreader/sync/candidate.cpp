@@ -2,8 +2,8 @@
 #include "ltcreader/sync/candidate.h"
 
 #include "ltcreader/frame/frame.h"
-#include "ltcreader/frontend/equaliser.h"
-#include "ltcreader/sync/halfbits.h"
+#include "ltcreader/frontend/regularisedinverse.h"
+#include "ltcreader/sync/integrateanddump.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -18,8 +18,8 @@ constexpr std::size_t clocksPerFrontEnd = 3;
 constexpr double leastSyncScore = 5.0; // chance alone reaches 3.5 at the best of 80 places
 
 /// Cuts \a sound by \a clock in the ways that suit the front end, and keeps what shows sync words.
-void addCandidates(const Conditioner &conditioner, FrontEnd frontEnd,
-                   std::shared_ptr<const Conditioned> sound, const Clock &clock,
+void addCandidates(const Prewhitener &prewhitener, FrontEnd frontEnd,
+                   std::shared_ptr<const FilteredSound> sound, const Clock &clock,
                    std::vector<Candidate> &candidates)
 {
     const auto add = [&](const std::vector<float> &halfBits) {
@@ -29,12 +29,12 @@ void addCandidates(const Conditioner &conditioner, FrontEnd frontEnd,
     };
     if (frontEnd == FrontEnd::Whitened) {
         const double frameRate = sound->sampleRate / (bitsPerFrame * clock.bitLength);
-        sound = std::make_shared<Conditioned>(conditioner.prepare(frontEnd, frameRate));
-        const std::vector<float> halfBits = sumHalfBits(*sound, clock, 0.0);
+        sound = std::make_shared<FilteredSound>(prewhitener.prepare(frontEnd, frameRate));
+        const std::vector<float> halfBits = integrateHalfBits(*sound, clock, 0.0);
         add(halfBits);
-        add(equalise(halfBits, *sound, 0.5 * clock.bitLength / sound->sampleRate));
+        add(equaliseByInverse(halfBits, *sound, 0.5 * clock.bitLength / sound->sampleRate));
     } else {
-        add(sumHalfBits(*sound, clock, 0.0));
+        add(integrateHalfBits(*sound, clock, 0.0));
     }
 }
 
@@ -47,12 +47,12 @@ double Candidate::frameRate() const
 
 std::vector<Candidate> findCandidates(const std::vector<float> &samples, int sampleRate)
 {
-    const Conditioner conditioner(samples, sampleRate);
+    const Prewhitener prewhitener(samples, sampleRate);
     std::vector<Candidate> candidates;
-    for (const FrontEnd frontEnd : {FrontEnd::Whitened, FrontEnd::Flat, FrontEnd::Restored}) {
-        const auto sound = std::make_shared<Conditioned>(conditioner.prepare(frontEnd));
-        for (const Clock &clock : findClocks(*sound, clocksPerFrontEnd))
-            addCandidates(conditioner, frontEnd, sound, clock, candidates);
+    for (const FrontEnd frontEnd : {FrontEnd::Whitened, FrontEnd::Flat, FrontEnd::Equalised}) {
+        const auto sound = std::make_shared<FilteredSound>(prewhitener.prepare(frontEnd));
+        for (const Clock &clock : recoverClocks(*sound, clocksPerFrontEnd))
+            addCandidates(prewhitener, frontEnd, sound, clock, candidates);
     }
     std::sort(candidates.begin(), candidates.end(),
               [](const Candidate &a, const Candidate &b) { return a.grid.score > b.grid.score; });

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/frontend/conditioner.h"
-#include "ltcreader/sync/clocksearch.h"
-#include "ltcreader/sync/syncsearch.h"
+#include "ltcreader/frontend/prewhitener.h"
+#include "ltcreader/sync/clockrecovery.h"
+#include "ltcreader/sync/framesync.h"
 
 #include <memory>
 #include <vector>
@@ -14,7 +14,7 @@ namespace ltcreader
 /// A way of cutting a recording into frames in which sync words show.
 struct Candidate {
     FrontEnd frontEnd = FrontEnd::Flat;
-    std::shared_ptr<const Conditioned> sound;
+    std::shared_ptr<const FilteredSound> sound;
     Clock clock;
     FrameGrid grid;
 

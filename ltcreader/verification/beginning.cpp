@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/verification/beginning.h"
 
-#include "ltcreader/sync/halfbits.h"
+#include "ltcreader/sync/integrateanddump.h"
 #include "ltcreader/verification/frameevidence.h"
 #include "ltcreader/verification/sequentialtest.h"
 
@@ -27,7 +27,7 @@ bool hasSyncWords(const float *halves, std::size_t count)
         double squares = 0.0;
         double used = 0.0;
         for (std::size_t i = place; i + syncHalves <= count; i += halvesPerFrame) {
-            const auto fit = static_cast<double>(syncResemblance(halves + i));
+            const auto fit = static_cast<double>(syncCorrelation(halves + i));
             sum += fit;
             squares += fit * fit;
             used += fit != 0.0 ? 1.0 : 0.0;
@@ -71,7 +71,7 @@ double levelBetween(const std::vector<float> &samples, double from, double to)
     return std::sqrt(squares / std::max(1.0, count));
 }
 
-bool isPrecededByAnother(const FrameGrid &grid, const Conditioned &sound, const Clock &clock)
+bool isPrecededByAnother(const FrameGrid &grid, const FilteredSound &sound, const Clock &clock)
 {
     const int before = framesBefore(grid);
     const double strongest = strengthOf(grid, before, grid.frames, false).amplitude;
@@ -81,7 +81,7 @@ bool isPrecededByAnother(const FrameGrid &grid, const Conditioned &sound, const 
     if (end < leastStretch)
         return false;
     // Half way between half bits those of a one cancel out: what begins there shows only in a second look.
-    const std::vector<float> between = sumHalfBits(sound, clock, 0.25);
+    const std::vector<float> between = integrateHalfBits(sound, clock, 0.25);
     const auto count = static_cast<std::size_t>(end) * halvesPerFrame;
     return hasSyncWords(grid.halves.data(), count) ||
            hasSyncWords(between.data(), std::min(between.size(), count));

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/sync/clocksearch.h"
-#include "ltcreader/sync/syncsearch.h"
+#include "ltcreader/sync/clockrecovery.h"
+#include "ltcreader/sync/framesync.h"
 
 #include <vector>
 
@@ -11,7 +11,7 @@ namespace ltcreader
 
 /// Whether timecode lies before that of \a grid whose frames begin at other places. \a clock is that by which
 /// \a grid was cut out of \a sound.
-bool isPrecededByAnother(const FrameGrid &grid, const Conditioned &sound, const Clock &clock);
+bool isPrecededByAnother(const FrameGrid &grid, const FilteredSound &sound, const Clock &clock);
 
 /// Whether the timecode of \a grid shows only behind the beginning of \a samples, where louder sound may hide
 /// another. \a frameLength [samples].

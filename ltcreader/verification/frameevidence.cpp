@@ -122,7 +122,7 @@ Evidence evidenceOf(const FrameGrid &grid, const std::vector<float> &levels)
             const double polarity = polarityOf(grid, polarities, levels, frame, part);
             for (int value = 0; value < 1 << parts[part].width; ++value) {
                 const float fit =
-                    resemblance(halvesOf(grid.frame(frame), parts[part].first), value, parts[part].width);
+                    correlation(halvesOf(grid.frame(frame), parts[part].first), value, parts[part].width);
                 evidence[index][part][static_cast<std::size_t>(value)] =
                     logCosh(scale * static_cast<double>(fit), polarity);
             }

@@ -3,7 +3,7 @@
 
 #include "ltcreader/frame/digits.h"
 #include "ltcreader/frame/frame.h"
-#include "ltcreader/sync/syncsearch.h"
+#include "ltcreader/sync/framesync.h"
 #include "timecode/timecode.h"
 
 #include <array>

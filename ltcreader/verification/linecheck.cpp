@@ -5,8 +5,8 @@
 
 #include "ltcreader/verification/linecheck.h"
 
-#include "ltcreader/frontend/conditioner.h"
-#include "ltcreader/sync/halfbits.h"
+#include "ltcreader/frontend/prewhitener.h"
+#include "ltcreader/sync/integrateanddump.h"
 #include "ltcreader/verification/beginning.h"
 #include "ltcreader/verification/frameevidence.h"
 #include "ltcreader/verification/sequentialtest.h"
@@ -57,7 +57,7 @@ Doubt doubtAboutChain(const FrameChain &chain, const std::vector<float> &samples
     // Behind the chain its clock would run out of step.
     const auto end = std::min(samples.size(), static_cast<std::size_t>(chain.last));
     const std::vector<float> part(samples.begin(), samples.begin() + static_cast<std::ptrdiff_t>(end));
-    const Conditioned sound = Conditioner(part, sampleRate).prepare(FrontEnd::Flat);
+    const FilteredSound sound = Prewhitener(part, sampleRate).prepare(FrontEnd::Flat);
     const double perSample = sound.sampleRate / sampleRate;
     Clock clock;
     clock.bitLength = chain.frameLength * perSample / bitsPerFrame;
@@ -67,7 +67,7 @@ Doubt doubtAboutChain(const FrameChain &chain, const std::vector<float> &samples
     clock.knots = {start - bitsBefore * clock.bitLength};
     const auto syncBit = (static_cast<std::int64_t>(bitsBefore) + dataBits) % bitsPerFrame;
     const FrameGrid grid =
-        cutIntoFrames(sumHalfBits(sound, clock, 0.0), static_cast<std::size_t>(2 * syncBit));
+        cutIntoFrames(integrateHalfBits(sound, clock, 0.0), static_cast<std::size_t>(2 * syncBit));
     const double frameZero = (clock.position(0.5 * grid.firstHalf)) / perSample;
     const LabelLine line{chain.rate, std::llround(chain.startCount + frameZero / chain.frameLength)};
     if (isPrecededByAnother(grid, sound, clock))

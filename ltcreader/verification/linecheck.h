@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ltcreader/edge/framechain.h"
-#include "ltcreader/sync/syncsearch.h"
+#include "ltcreader/sync/framesync.h"
 #include "ltcreader/verification/alternativelines.h"
 
 #include <vector>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/sync/syncsearch.h"
+#include "ltcreader/sync/framesync.h"
 #include "timecode/timecode.h"
 
 #include <functional>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/frontend/adaptation.h"
-#include "ltcreader/frontend/equaliser.h"
-#include "ltcreader/frontend/restoration.h"
-#include "ltcreader/maths/symmetricequations.h"
+#include "ltcreader/frontend/decisiondirected.h"
+#include "ltcreader/frontend/minimumphase.h"
+#include "ltcreader/frontend/regularisedinverse.h"
+#include "ltcreader/maths/toeplitz.h"
 #include "tests/ltcreader/timecodegrid.h"
 
 #include <QTest>
@@ -103,7 +103,7 @@ private slots:
 void TestFilters::equationsAreSolved()
 {
     const std::array<double, 3> diagonals{4.0, 1.0, 0.5};
-    const std::array<double, 3> solution = solveSymmetric(diagonals, {6.0, 10.0, 6.0});
+    const std::array<double, 3> solution = solveToeplitz(diagonals, {6.0, 10.0, 6.0});
     const std::array<double, 3> expected{0.875, 2.0625, 0.875};
     for (std::size_t row = 0; row < solution.size(); ++row)
         QVERIFY(std::abs(solution[row] - expected[row]) < 1e-3);
@@ -123,10 +123,10 @@ void TestFilters::missingLowFrequenciesAreMadeUpFor()
     QFETCH(double, corner);
     QFETCH(double, order);
     const std::vector<float> levels = someTimecode().halves;
-    Conditioned sound;
+    FilteredSound sound;
     sound.weights = weightsFalling(corner, order);
     const std::vector<float> bent = filtered(levels, sound.weights);
-    const std::vector<float> straight = equalise(bent, sound, halfBit);
+    const std::vector<float> straight = equaliseByInverse(bent, sound, halfBit);
     QCOMPARE(straight.size(), levels.size());
     const double before = correlation(bent, levels);
     const double after = correlation(straight, levels);
@@ -137,7 +137,7 @@ void TestFilters::missingLowFrequenciesAreMadeUpFor()
 void TestFilters::withoutWeightsHalfBitsStayAsTheyAre()
 {
     const std::vector<float> halfBits = someTimecode().halves;
-    QCOMPARE(equalise(halfBits, Conditioned(), halfBit), halfBits);
+    QCOMPARE(equaliseByInverse(halfBits, FilteredSound(), halfBit), halfBits);
 }
 
 void TestFilters::aFilterIsUndone_data()
@@ -159,10 +159,10 @@ void TestFilters::aFilterIsUndone()
     };
     std::vector<double> powers{0.0};
     for (int step = 1; step < 320; ++step)
-        powers.push_back(density(step * restorationStep) * std::norm(response(step * restorationStep)));
-    const std::vector<std::complex<float>> gains = restoringGains(powers);
+        powers.push_back(density(step * gainStep) * std::norm(response(step * gainStep)));
+    const std::vector<std::complex<float>> gains = minimumPhaseGains(powers);
     const auto whole = [&](double frequency) {
-        const auto step = static_cast<std::size_t>(frequency / restorationStep);
+        const auto step = static_cast<std::size_t>(frequency / gainStep);
         return std::complex<double>(gains[step]) * response(frequency);
     };
     const std::complex<double> middle = whole(1500.0);
@@ -177,7 +177,7 @@ void TestFilters::aFilterIsUndone()
 
 void TestFilters::nothingIsRestoredFromNothing()
 {
-    QVERIFY(restoringGains({}).empty());
+    QVERIFY(minimumPhaseGains({}).empty());
 }
 
 void TestFilters::adaptationUndoesAnEcho()
@@ -186,7 +186,7 @@ void TestFilters::adaptationUndoesAnEcho()
     std::vector<float> echoed = clean;
     for (std::size_t i = 3; i < clean.size(); ++i)
         echoed[i] += 0.5F * clean[i - 3];
-    QVERIFY(correlation(adapted(echoed, clean), clean) > 0.99);
+    QVERIFY(correlation(equaliseByDecision(echoed, clean), clean) > 0.99);
     QVERIFY(correlation(echoed, clean) < 0.95);
 }
 
@@ -194,7 +194,7 @@ void TestFilters::adaptationKeepsWhatIsMissing()
 {
     std::vector<float> halfBits = someTimecode().halves;
     std::fill_n(halfBits.begin(), 100, 0.0F);
-    const std::vector<float> result = adapted(halfBits, halfBits);
+    const std::vector<float> result = equaliseByDecision(halfBits, halfBits);
     for (std::size_t i = 0; i < 100; ++i)
         QCOMPARE(result[i], 0.0F);
     QVERIFY(result[100] != 0.0F);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/decision/digitdecision.h"
 #include "ltcreader/decision/jointdecision.h"
-#include "ltcreader/frontend/adaptation.h"
+#include "ltcreader/frontend/decisiondirected.h"
 #include "tests/ltcreader/timecodegrid.h"
 
 #include <QTest>
@@ -149,7 +149,7 @@ void TestJointDecision::aLearningFilterRestoresWhatRunsTogether()
     QVERIFY(before);
     QVERIFY(before->errorRepeats);
     FrameGrid straight = blurred;
-    straight.halves = adapted(blurred.halves, before->levels);
+    straight.halves = equaliseByDecision(blurred.halves, before->levels);
     measureSyncs(straight);
     const auto after = decideTimecode(straight, 25.0, std::nullopt);
     QVERIFY(after);

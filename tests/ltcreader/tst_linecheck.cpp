@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/frontend/conditioner.h"
+#include "ltcreader/frontend/prewhitener.h"
 #include "ltcreader/verification/beginning.h"
 #include "ltcreader/verification/linecheck.h"
 #include "tests/ltcreader/timecodegrid.h"

@@ -74,11 +74,11 @@ void TestTrellis::aNumberResemblesItselfMost()
 {
     QFETCH(int, value);
     const std::vector<float> halves = halvesOf(static_cast<unsigned>(value), 4, 1.0F);
-    QCOMPARE(resemblance(halves.data(), value, 4), 8.0F);
+    QCOMPARE(correlation(halves.data(), value, 4), 8.0F);
     for (int other = 0; other < 16; ++other)
-        QVERIFY(other == value || resemblance(halves.data(), other, 4) < 8.0F);
+        QVERIFY(other == value || correlation(halves.data(), other, 4) < 8.0F);
     const std::vector<float> turned = halvesOf(static_cast<unsigned>(value), 4, -1.0F);
-    QCOMPARE(resemblance(turned.data(), value, 4), -8.0F);
+    QCOMPARE(correlation(turned.data(), value, 4), -8.0F);
 }
 
 void TestTrellis::freeBitsAreFound_data()

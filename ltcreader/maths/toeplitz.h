@@ -7,12 +7,12 @@
 namespace ltcreader
 {
 
-/// Solves the equations of a filter of \a count taps: those whose matrix has \a diagonals[0] on its diagonal,
-/// diagonals[1] next to it on both sides and so on, and \a right on the right side. The diagonal must be
-/// above 0 and the largest of its row.
+/// Solves the normal equations, of a symmetric Toeplitz matrix, of a filter of \a count taps: those whose
+/// matrix has \a diagonals[0] on its diagonal, diagonals[1] next to it on both sides and so on, and \a right
+/// on the right side. The diagonal must be above 0 and the largest of its row.
 template <std::size_t count>
-std::array<double, count> solveSymmetric(const std::array<double, count> &diagonals,
-                                         const std::array<double, count> &right)
+std::array<double, count> solveToeplitz(const std::array<double, count> &diagonals,
+                                        const std::array<double, count> &right)
 {
     std::array<std::array<double, count + 1>, count> rows{};
     for (std::size_t row = 0; row < count; ++row) {

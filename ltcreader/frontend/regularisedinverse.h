@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/frontend/conditioner.h"
+#include "ltcreader/frontend/prewhitener.h"
 
 #include <vector>
 
@@ -10,6 +10,7 @@ namespace ltcreader
 
 /// Undoes what the weights of \a sound do to neighbouring half bits of \a halfBit [s], and scales to a mean
 /// square of 1 again.
-std::vector<float> equalise(const std::vector<float> &halfBits, const Conditioned &sound, double halfBit);
+std::vector<float> equaliseByInverse(const std::vector<float> &halfBits, const FilteredSound &sound,
+                                     double halfBit);
 
 } // namespace ltcreader

@@ -3,13 +3,13 @@
 // Weights that keep rumble or music out also bend the square wave: where low frequencies are missing, a half
 // bit takes something away from its neighbours, and runs of zeros shrink while runs of ones do not. Sums over
 // half bits then favour wrong bits. The weights are known, so the response of half bits to each other is
-// known too, and a short filter that inverts it (with a little held back, so that what is lost is not made of
-// noise) puts zeros and ones on an equal footing.
+// known too, and a short zero-forcing filter that inverts it (regularised: a little is held back, so that
+// what is lost is not made of noise) puts zeros and ones on an equal footing.
 
-#include "ltcreader/frontend/equaliser.h"
+#include "ltcreader/frontend/regularisedinverse.h"
 
 #include "ltcreader/frontend/halfbitfilter.h"
-#include "ltcreader/maths/symmetricequations.h"
+#include "ltcreader/maths/toeplitz.h"
 
 #include <cmath>
 #include <numbers>
@@ -43,12 +43,13 @@ HalfBitFilter invert(Response response)
     HalfBitFilter aim{};
     aim[filterReach] = response[0];
     response[0] += heldBack * response[0];
-    return solveSymmetric(response, aim);
+    return solveToeplitz(response, aim);
 }
 
 } // namespace
 
-std::vector<float> equalise(const std::vector<float> &halfBits, const Conditioned &sound, double halfBit)
+std::vector<float> equaliseByInverse(const std::vector<float> &halfBits, const FilteredSound &sound,
+                                     double halfBit)
 {
     const Response response = responseOf(sound.weights, halfBit);
     if (!(response[0] > 0.0))

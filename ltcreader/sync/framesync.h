@@ -31,7 +31,7 @@ struct FrameGrid {
 };
 
 /// How much \a halves, as many as a sync word has, resemble one; the sign is its polarity.
-float syncResemblance(const float *halves);
+float syncCorrelation(const float *halves);
 
 /// Cuts \a values into frames, one of whose sync words begins at \a syncPlace, below halvesPerFrame.
 FrameGrid cutIntoFrames(const std::vector<float> &values, std::size_t syncPlace);

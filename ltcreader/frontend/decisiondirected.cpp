@@ -2,14 +2,14 @@
 
 // Filters in the recording's way, and notches against hum, let half bits run into their neighbours. The same
 // error then repeats in every frame, and adding up frames does not lessen it. A decision that is mostly right
-// give the filter that undoes this: the one that brings the half bits nearest to the levels decided for, by
+// gives the filter that undoes this: the one that brings the half bits nearest to the levels decided for, by
 // least squares over the whole recording. It has a few dozen degrees of freedom against thousands of half
 // bits, so it cannot learn single wrong digits: decided again, those come out right.
 
-#include "ltcreader/frontend/adaptation.h"
+#include "ltcreader/frontend/decisiondirected.h"
 
 #include "ltcreader/frontend/halfbitfilter.h"
-#include "ltcreader/maths/symmetricequations.h"
+#include "ltcreader/maths/toeplitz.h"
 
 #include <cmath>
 
@@ -35,12 +35,12 @@ HalfBitFilter bestFilter(const std::vector<float> &halves, const std::vector<flo
         }
     }
     likeness[0] = (1.0 + heldBack) * likeness[0] + leastPower;
-    return solveSymmetric(likeness, aim);
+    return solveToeplitz(likeness, aim);
 }
 
 } // namespace
 
-std::vector<float> adapted(const std::vector<float> &halfBits, const std::vector<float> &levels)
+std::vector<float> equaliseByDecision(const std::vector<float> &halfBits, const std::vector<float> &levels)
 {
     const HalfBitFilter filter = bestFilter(halfBits, levels);
     std::vector<float> result = halfBits;

@@ -3,10 +3,10 @@
 // Cables, capacitors and microphone inputs bend the square wave: a low-pass filter shrinks the ones, a
 // high-pass filter leaves spikes. What LTC's spectrum is like is known, so where little else is in the
 // recording its spectrum shows what the filter was, and the opposite filter restores the square wave. Such
-// filters have the least phase that their gain allows; the opposite one has it too, and it follows from the
-// logarithm of the gain.
+// filters have the least phase that their gain allows (minimum phase); the opposite one has it too, and it
+// follows from the logarithm of the gain, by way of the cepstrum (Oppenheim and Schafer).
 
-#include "ltcreader/frontend/restoration.h"
+#include "ltcreader/frontend/minimumphase.h"
 
 #include "ltcreader/maths/fft.h"
 
@@ -39,14 +39,13 @@ double timecodeDensity(double frequency)
 /// The natural logarithm of the gain at each step; the same below and above the band that can be measured.
 std::vector<double> logGains(const std::vector<double> &powers)
 {
-    const auto first = static_cast<std::size_t>(lowestFrequency / restorationStep);
-    const auto last =
-        std::min(static_cast<std::size_t>(highestFrequency / restorationStep), powers.size() - 1);
+    const auto first = static_cast<std::size_t>(lowestFrequency / gainStep);
+    const auto last = std::min(static_cast<std::size_t>(highestFrequency / gainStep), powers.size() - 1);
     std::vector<double> logs(points / 2 + 1);
     double middle = 0.0;
     for (std::size_t step = 0; step < logs.size(); ++step) {
         const std::size_t measured = std::clamp(step, std::min(first, last), last);
-        const double density = timecodeDensity(static_cast<double>(measured) * restorationStep);
+        const double density = timecodeDensity(static_cast<double>(measured) * gainStep);
         logs[step] = 0.5 * std::log(density / (powers[measured] + leastPower));
         if (measured == step)
             middle += logs[step] / static_cast<double>(last - std::min(first, last) + 1);
@@ -59,7 +58,7 @@ std::vector<double> logGains(const std::vector<double> &powers)
 
 } // namespace
 
-std::vector<std::complex<float>> restoringGains(const std::vector<double> &powers)
+std::vector<std::complex<float>> minimumPhaseGains(const std::vector<double> &powers)
 {
     if (powers.empty())
         return {};

@@ -12,11 +12,11 @@ namespace ltcreader
 enum class FrontEnd {
     Flat,     ///< nothing but a limit to the band of LTC
     Whitened, ///< each frequency is weighed by how little else is there
-    Restored  ///< what filters did to the spectrum of LTC is undone
+    Equalised ///< what filters did to the spectrum of LTC is undone
 };
 
 /// Sound at a low rate, ready for summing.
-struct Conditioned {
+struct FilteredSound {
     std::vector<float> samples;
     double sampleRate = 0.0;     ///< [Hz]
     std::vector<double> weights; ///< of frequencies, one for each weightStep from 0 on; empty: all alike
@@ -24,16 +24,17 @@ struct Conditioned {
 
 constexpr double weightStep = 25.0; // [Hz]
 
-/// Prepares one recording in several ways. None of them delays it.
-class Conditioner
+/// Filters one recording before its bits are summed up: as a matched filter for coloured noise does, or as an
+/// equaliser. Prepares it in several ways. None of them delays it.
+class Prewhitener
 {
 public:
     /// \a samples at \a sampleRate [Hz].
-    Conditioner(const std::vector<float> &samples, int sampleRate);
+    Prewhitener(const std::vector<float> &samples, int sampleRate);
 
     /// \a frameRate [frames/s] as recorded, 0 while it is not known: lines in the spectrum that repeat with
     /// it are the timecode's own.
-    Conditioned prepare(FrontEnd frontEnd, double frameRate = 0.0) const;
+    FilteredSound prepare(FrontEnd frontEnd, double frameRate = 0.0) const;
 
 private:
     void estimateDisturbance();

@@ -2,11 +2,12 @@
 
 // Each bit of LTC begins with a change of level. The sound's mean over the half bit before a moment times
 // that over the half bit after it is therefore negative at every beginning of a bit, and of either sign in
-// the middle: this product, taken at all moments, swings with the bit rate. Its spectrum over the whole
+// the middle: this product, taken at all moments (delay and multiply), swings with
+// the bit rate. Its spectrum over the whole
 // window shows a line at the bit rate that stands out long before single bits can be read, and the line's
 // phase shows where bits begin. Followed in pieces of the window, the phase shows how the speed wanders.
 
-#include "ltcreader/sync/clocksearch.h"
+#include "ltcreader/sync/clockrecovery.h"
 
 #include <algorithm>
 #include <array>
@@ -176,7 +177,7 @@ double Clock::position(double bit) const
     return even + knots[knot] + part * (next - knots[knot]);
 }
 
-std::vector<Clock> findClocks(const Conditioned &sound, std::size_t most)
+std::vector<Clock> recoverClocks(const FilteredSound &sound, std::size_t most)
 {
     const std::vector<double> sums = runningSum(sound.samples);
     std::array<std::vector<float>, 2> swings;

@@ -4,7 +4,7 @@
 // 80 places where a frame could end the sums over all frames are compared: with one sign for all (frames of
 // an encoder that keeps the polarity steady, which most do) and with a sign of its own for each.
 
-#include "ltcreader/sync/syncsearch.h"
+#include "ltcreader/sync/framesync.h"
 
 #include <algorithm>
 #include <array>
@@ -33,7 +33,7 @@ constexpr std::array<float, syncHalves> syncLevels = [] {
 
 /// How clearly the sync words show that begin at \a place and every frame after it, in standard deviations of
 /// what chance brings; the better of one sign for all and a sign for each.
-double scoreAt(std::size_t place, const std::vector<float> &resemblances)
+double scoreAt(std::size_t place, const std::vector<float> &correlations)
 {
     // Of a sum of noise of mean square 1 over a sync word, and of its magnitude (half-normal distribution).
     const double deviation = std::sqrt(static_cast<double>(syncHalves));
@@ -42,9 +42,9 @@ double scoreAt(std::size_t place, const std::vector<float> &resemblances)
     double sum = 0.0;
     double magnitudes = 0.0;
     double count = 0.0;
-    for (std::size_t i = place; i < resemblances.size(); i += halvesPerFrame) {
-        sum += static_cast<double>(resemblances[i]);
-        magnitudes += std::abs(static_cast<double>(resemblances[i]));
+    for (std::size_t i = place; i < correlations.size(); i += halvesPerFrame) {
+        sum += static_cast<double>(correlations[i]);
+        magnitudes += std::abs(static_cast<double>(correlations[i]));
         count += 1.0;
     }
     const double steady = std::abs(sum) / (deviation * std::sqrt(count));
@@ -54,7 +54,7 @@ double scoreAt(std::size_t place, const std::vector<float> &resemblances)
 
 } // namespace
 
-float syncResemblance(const float *halves)
+float syncCorrelation(const float *halves)
 {
     float sum = 0.0F;
     for (std::size_t half = 0; half < syncHalves; ++half)
@@ -80,14 +80,14 @@ FrameGrid findFrames(const std::vector<float> &halfBits)
 {
     if (halfBits.size() < syncHalves)
         return {};
-    std::vector<float> resemblances(halfBits.size() - syncHalves + 1);
-    for (std::size_t i = 0; i < resemblances.size(); ++i)
-        resemblances[i] = syncResemblance(halfBits.data() + i);
-    const auto places = std::min<std::size_t>(halvesPerFrame, resemblances.size());
+    std::vector<float> correlations(halfBits.size() - syncHalves + 1);
+    for (std::size_t i = 0; i < correlations.size(); ++i)
+        correlations[i] = syncCorrelation(halfBits.data() + i);
+    const auto places = std::min<std::size_t>(halvesPerFrame, correlations.size());
     std::size_t best = 0;
     double score = 0.0;
     for (std::size_t place = 0; place < places; place += 2) { // bits begin at every second half
-        const double found = scoreAt(place, resemblances);
+        const double found = scoreAt(place, correlations);
         if (found > score) {
             score = found;
             best = place;
@@ -102,7 +102,7 @@ void measureSyncs(FrameGrid &grid)
 {
     grid.syncs.clear();
     for (int frame = 0; frame < grid.frames; ++frame)
-        grid.syncs.push_back(syncResemblance(grid.frame(frame) + dataHalves));
+        grid.syncs.push_back(syncCorrelation(grid.frame(frame) + dataHalves));
 }
 
 } // namespace ltcreader

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/sync/halfbits.h"
+#include "ltcreader/sync/integrateanddump.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,7 +7,7 @@
 namespace ltcreader
 {
 
-std::vector<float> sumHalfBits(const Conditioned &sound, const Clock &clock, double shift)
+std::vector<float> integrateHalfBits(const FilteredSound &sound, const Clock &clock, double shift)
 {
     const auto length = static_cast<double>(sound.samples.size());
     std::vector<double> sums(sound.samples.size() + 1);

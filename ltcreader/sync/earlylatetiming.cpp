@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 
-// The square wave that was decided for is laid over the sound a little early and a little late: which of both
-// fits better, and by how much, shows where exactly it belongs. Done for some frames at a time, a line
-// through these moments gives speed and position to a fraction of a sample.
+// The early-late gate: the square wave that was decided for is laid over the sound a little early and a
+// little late: which of both fits better, and by how much, shows where exactly it belongs. Done for some
+// frames at a time, a line through these moments gives speed and position to a fraction of a sample.
 
-#include "ltcreader/sync/timing.h"
+#include "ltcreader/sync/earlylatetiming.h"
 
-#include "ltcreader/sync/halfbits.h"
+#include "ltcreader/sync/integrateanddump.h"
 
 #include <algorithm>
 #include <cmath>
@@ -36,7 +36,7 @@ int framesPerPart(const Candidate &candidate)
 std::vector<double> fitsOfParts(const Candidate &candidate, const std::vector<float> &levels, double shift)
 {
     const int perPart = framesPerPart(candidate);
-    const std::vector<float> halfBits = sumHalfBits(*candidate.sound, candidate.clock, shift);
+    const std::vector<float> halfBits = integrateHalfBits(*candidate.sound, candidate.clock, shift);
     std::vector<double> fits(static_cast<std::size_t>((candidate.grid.frames + perPart - 1) / perPart));
     const int count = static_cast<int>(halfBits.size());
     for (int half = 0; half < candidate.grid.frames * halvesPerFrame; ++half) {
@@ -54,7 +54,7 @@ std::vector<double> fitsOfParts(const Candidate &candidate, const std::vector<fl
 struct PartTiming {
     double weight;
     double bit;  // number of the bit in its middle
-    double time; // [conditioned samples] where that begins
+    double time; // [filtered samples] where that begins
 };
 
 /// The moments at which the decided levels fit the parts of the recording best.

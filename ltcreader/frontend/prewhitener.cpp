@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 
-// The best way to find a known waveform in noise is to weigh each frequency by the signal's strength over the
-// noise's power and then to correlate. What LTC's strength is we know well enough: it lives between some 150
-// Hz and 8 kHz. The noise's power must be estimated from the recording itself. Deep in noise nearly all power
-// is noise, so the smoothed power spectrum serves: mean logarithms over a few dozen hertz give the floor
-// between single lines, and lines that stand out of it (hum, music, whistles) are brought down to it. With
-// little noise that would take the timecode's own spectrum for noise; then the flat front end is the better
-// one, and the clock shows which of them saw more.
+// The best way to find a known waveform in coloured noise, the matched filter, is to weigh each frequency by
+// the signal's strength over the noise's power and then to correlate. What LTC's strength is we know well
+// enough: it lives between some 150 Hz and 8 kHz. The noise's power must be estimated from the recording
+// itself. Deep in noise nearly all power is noise, so the smoothed power spectrum serves: mean logarithms
+// over a few dozen hertz give the floor between single lines, and lines that stand out of it (hum, music,
+// whistles) are brought down to it. With little noise that would take the timecode's own spectrum for noise;
+// then the flat front end is the better one, and the clock shows which of them saw more.
 //
 // What timecode repeats in every frame makes lines as well, at multiples of the frame rate. They carry most
 // of what is to be read and must stay: once the clock has given the frame rate, lines that fall on it are
@@ -14,9 +14,9 @@
 //
 // All is done on the spectrum of the whole window with weights without phase, so nothing is shifted in time.
 
-#include "ltcreader/frontend/conditioner.h"
+#include "ltcreader/frontend/prewhitener.h"
 
-#include "ltcreader/frontend/restoration.h"
+#include "ltcreader/frontend/minimumphase.h"
 
 #include <algorithm>
 #include <cmath>
@@ -43,8 +43,7 @@ constexpr double ownPart = 0.75;          // of the timecode's lines are weaker 
 constexpr float ownExcess = 8.0F;         // and none is so many times stronger
 constexpr double evenTime = 0.02;         // [s] to each side, over which power is taken
 constexpr double quietShare = 0.1;        // of the mean power: quieter moments are not raised further
-constexpr double restorationReach =
-    150.0;                           // [Hz] to each side, over which power is taken to recognise filters by
+constexpr double gainReach = 150.0;  // [Hz] to each side, over which power is taken to recognise filters by
 constexpr float leastPower = 1e-20F; // keeps logarithms finite in silence
 constexpr double leastMean = 1e-30;  // keeps quotients finite in silence
 
@@ -76,7 +75,7 @@ float quantile(std::vector<float> &values, double part)
 }
 
 /// Weighs each moment by the power around it, so that claps and words count for no more than they show.
-void evenOut(Conditioned &sound)
+void evenOut(FilteredSound &sound)
 {
     std::vector<double> sums(sound.samples.size() + 1);
     for (std::size_t i = 0; i < sound.samples.size(); ++i) {
@@ -95,7 +94,7 @@ void evenOut(Conditioned &sound)
 
 } // namespace
 
-Conditioner::Conditioner(const std::vector<float> &samples, int rate)
+Prewhitener::Prewhitener(const std::vector<float> &samples, int rate)
     : length(samples.size()), sampleRate(rate)
 {
     const std::size_t size = powerOfTwoFrom(length);
@@ -115,7 +114,7 @@ Conditioner::Conditioner(const std::vector<float> &samples, int rate)
     estimateDisturbance();
 }
 
-void Conditioner::estimateDisturbance()
+void Prewhitener::estimateDisturbance()
 {
     const std::size_t bins = spectrum.size();
     std::vector<float> power(bins);
@@ -142,7 +141,7 @@ void Conditioner::estimateDisturbance()
 }
 
 /// The power at each frequency that is to be brought down.
-std::vector<float> Conditioner::disturbance(double frameRate) const
+std::vector<float> Prewhitener::disturbance(double frameRate) const
 {
     const std::size_t bins = spectrum.size();
     const auto ownLine = [&](std::size_t bin) {
@@ -171,7 +170,7 @@ std::vector<float> Conditioner::disturbance(double frameRate) const
     return result;
 }
 
-std::vector<double> Conditioner::meanWeights(const std::vector<float> &powers, std::size_t lowest) const
+std::vector<double> Prewhitener::meanWeights(const std::vector<float> &powers, std::size_t lowest) const
 {
     std::vector<double> sums;
     std::vector<double> counts;
@@ -188,15 +187,15 @@ std::vector<double> Conditioner::meanWeights(const std::vector<float> &powers, s
     return sums;
 }
 
-std::vector<double> Conditioner::meanPowers() const
+std::vector<double> Prewhitener::meanPowers() const
 {
     std::vector<double> sums(spectrum.size() + 1);
     for (std::size_t bin = 0; bin < spectrum.size(); ++bin)
         sums[bin + 1] = sums[bin] + static_cast<double>(std::norm(spectrum[bin]));
-    const auto reach = std::max<std::size_t>(1, static_cast<std::size_t>(restorationReach / binWidth));
+    const auto reach = std::max<std::size_t>(1, static_cast<std::size_t>(gainReach / binWidth));
     std::vector<double> powers;
     for (std::size_t step = 0;; ++step) {
-        const auto bin = static_cast<std::size_t>(static_cast<double>(step) * restorationStep / binWidth);
+        const auto bin = static_cast<std::size_t>(static_cast<double>(step) * gainStep / binWidth);
         if (bin >= spectrum.size())
             return powers;
         const std::size_t from = bin > reach ? bin - reach : 0;
@@ -205,7 +204,7 @@ std::vector<double> Conditioner::meanPowers() const
     }
 }
 
-Conditioned Conditioner::prepare(FrontEnd frontEnd, double frameRate) const
+FilteredSound Prewhitener::prepare(FrontEnd frontEnd, double frameRate) const
 {
     std::size_t size = powerOfTwoFrom(length);
     double rate = sampleRate;
@@ -216,19 +215,20 @@ Conditioned Conditioner::prepare(FrontEnd frontEnd, double frameRate) const
     Spectrum values(size);
     const std::vector<float> powers =
         frontEnd == FrontEnd::Whitened ? disturbance(frameRate) : std::vector<float>();
-    const std::vector<std::complex<float>> gains =
-        frontEnd == FrontEnd::Restored ? restoringGains(meanPowers()) : std::vector<std::complex<float>>();
+    const std::vector<std::complex<float>> gains = frontEnd == FrontEnd::Equalised
+                                                       ? minimumPhaseGains(meanPowers())
+                                                       : std::vector<std::complex<float>>();
     const auto lowest = static_cast<std::size_t>(lowestFrequency / binWidth);
     for (std::size_t bin = lowest; bin < std::min(spectrum.size(), size / 2); ++bin) {
         std::complex<float> weight = 1.0F;
         if (frontEnd == FrontEnd::Whitened)
             weight = 1.0F / powers[bin];
-        if (frontEnd == FrontEnd::Restored)
-            weight = gains[static_cast<std::size_t>(static_cast<double>(bin) * binWidth / restorationStep)];
+        if (frontEnd == FrontEnd::Equalised)
+            weight = gains[static_cast<std::size_t>(static_cast<double>(bin) * binWidth / gainStep)];
         values[bin] = spectrum[bin] * weight;
     }
     Fft::ofSize(size).backward(values);
-    Conditioned result;
+    FilteredSound result;
     if (frontEnd == FrontEnd::Whitened)
         result.weights = meanWeights(powers, lowest);
     result.sampleRate = rate;

@@ -10,9 +10,9 @@ namespace ltcreader
 
 /// A straight line of time against bit number.
 struct BitLine {
-    double start = 0.0;          ///< [conditioned samples] of bit 0 of the clock
-    double slope = 0.0;          ///< [conditioned samples] per bit
-    double slopeDeviation = 0.0; ///< [conditioned samples] per bit: standard deviation of the slope
+    double start = 0.0;          ///< [filtered samples] of bit 0 of the clock
+    double slope = 0.0;          ///< [filtered samples] per bit
+    double slopeDeviation = 0.0; ///< [filtered samples] per bit: standard deviation of the slope
 };
 
 /// Where bits lie in the sound of \a candidate, once its \a levels are decided.
