@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/frame/digits.h"
+#include "ltcreader/frame/codeword.h"
 #include "ltcreader/frame/numbering.h"
 #include "timecode/timecode.h"
 

@@ -36,86 +36,87 @@ ChannelReader::ChannelReader(const Window &window, int channel, Algorithm algori
 {
 }
 
-ChannelReader::Track ChannelReader::trackOf(const EdgeReader &reader, Algorithm way) const
+ChannelReader::EdgeReading ChannelReader::readingOf(const EdgeReader &reader, Algorithm way) const
 {
-    return {findChain(reader.frames(), window.sampleRate(), wanted), reader.frames(), way};
+    return {findTrack(reader.frames(), window.sampleRate(), wanted), reader.frames(), way};
 }
 
 std::optional<Finding> ChannelReader::follow(std::size_t from)
 {
     const std::vector<float> &samples = window.channel(channel);
     edges.process(samples.data() + from, samples.size() - from);
-    const Track track = trackOf(edges, firstTried(algorithm));
-    if (!track.chain || !isSure(*track.chain) || doubtAbout(track) != Doubt::None)
+    const EdgeReading reading = readingOf(edges, firstTried(algorithm));
+    if (!reading.track || !isSure(*reading.track) || doubtAbout(reading) != Doubt::None)
         return std::nullopt;
-    return toFinding(*track.chain, track.algorithm, channel, window);
+    return toFinding(*reading.track, reading.algorithm, channel, window);
 }
 
 /// In all ways that the algorithm allows, up to one that is clear.
-std::vector<ChannelReader::Track> ChannelReader::tracks() const
+std::vector<ChannelReader::EdgeReading> ChannelReader::readings() const
 {
-    std::vector<Track> all{trackOf(edges, firstTried(algorithm))};
+    std::vector<EdgeReading> all{readingOf(edges, firstTried(algorithm))};
     if (algorithm != Algorithm::Automatic)
         return all;
     const std::vector<float> &samples = window.channel(channel);
     for (const Algorithm other : {Algorithm::Slope, Algorithm::High, Algorithm::Low}) {
-        if (all.front().chain && isClear(*all.front().chain))
+        if (all.front().track && isClear(*all.front().track))
             break;
         EdgeReader reader(other, window.sampleRate());
         reader.process(samples.data(), samples.size());
-        all.push_back(trackOf(reader, other));
+        all.push_back(readingOf(reader, other));
     }
     return all;
 }
 
-Doubt ChannelReader::doubtAbout(const Track &track) const
+Doubt ChannelReader::doubtAbout(const EdgeReading &reading) const
 {
-    const FrameChain &chain = *track.chain;
-    if (isContradictedBefore(chain, track.frames))
+    const LabelTrack &track = *reading.track;
+    if (isContradictedBefore(track, reading.frames))
         return Doubt::Jump;
-    if (carriesFalseFlag(chain, track.frames))
+    if (carriesFalseFlag(track, reading.frames))
         return Doubt::FalseFlag;
-    const Doubt speed = doubtAboutSpeed(chain.rate, chain.wraps + 1, chain.frameLength, chain.lengthDeviation,
+    const Doubt speed = doubtAboutSpeed(track.rate, track.wraps + 1, track.frameLength, track.lengthDeviation,
                                         window.sampleRate(), wanted);
-    if (speed != Doubt::None || (isClear(chain) && beginsWithRecording(chain)))
+    if (speed != Doubt::None || (isClear(track) && beginsWithRecording(track)))
         return speed;
-    return doubtAboutChain(chain, window.channel(channel), window.sampleRate());
+    return doubtAboutTrack(track, window.channel(channel), window.sampleRate());
 }
 
-ChannelOutcome ChannelReader::outcomeOf(const Track &track) const
+ChannelOutcome ChannelReader::outcomeOf(const EdgeReading &reading) const
 {
-    return {toFinding(*track.chain, track.algorithm, channel, window), doubtAbout(track)};
+    return {toFinding(*reading.track, reading.algorithm, channel, window), doubtAbout(reading)};
 }
 
-bool ChannelReader::standsAlone(const FrameChain &chain) const
+bool ChannelReader::standsAlone(const LabelTrack &track) const
 {
     constexpr int provingFrames = 10; // in a row; fewer may fit the count of another rate
     constexpr double latestEnd = 2.0; // [frames] more than that behind a row could show another count
     constexpr double quiet = 0.5;     // times the row's level: too little to hide timecode
     const auto end = static_cast<double>(window.size());
     const bool countsProven =
-        chain.wraps > 0 || chain.frames >= provingFrames || chain.last > end - latestEnd * chain.frameLength;
+        track.wraps > 0 || track.frames >= provingFrames || track.last > end - latestEnd * track.frameLength;
     return countsProven &&
-           (beginsWithRecording(chain) ||
-            window.level(channel, 0.0, chain.first) < quiet * window.level(channel, chain.first, chain.last));
+           (beginsWithRecording(track) ||
+            window.level(channel, 0.0, track.first) < quiet * window.level(channel, track.first, track.last));
 }
 
 ChannelOutcome ChannelReader::readThoroughly() const
 {
-    const std::vector<Track> all = tracks();
-    const auto longest = std::max_element(all.begin(), all.end(), [](const Track &a, const Track &b) {
-        return (a.chain ? a.chain->frames : 0) < (b.chain ? b.chain->frames : 0);
-    });
-    if (longest->chain && isClear(*longest->chain) && standsAlone(*longest->chain))
+    const std::vector<EdgeReading> all = readings();
+    const auto longest =
+        std::max_element(all.begin(), all.end(), [](const EdgeReading &a, const EdgeReading &b) {
+            return (a.track ? a.track->frames : 0) < (b.track ? b.track->frames : 0);
+        });
+    if (longest->track && isClear(*longest->track) && standsAlone(*longest->track))
         return outcomeOf(*longest);
     // Labels that were read and do not count up are the truth, even if a sum over all frames says otherwise.
-    for (const Track &track : all) {
-        const Doubt labels = doubtAboutLabels(track.frames);
+    for (const EdgeReading &reading : all) {
+        const Doubt labels = doubtAboutLabels(reading.frames);
         if (labels != Doubt::None)
             return {std::nullopt, labels};
     }
     std::optional<ChannelOutcome> byEdges;
-    if (longest->chain && isBelievable(*longest->chain))
+    if (longest->track && isBelievable(*longest->track))
         byEdges = outcomeOf(*longest);
     // Spikes are what recordings with a steep high-pass filter consist of; summing reads them where slopes
     // cannot.
@@ -127,7 +128,7 @@ ChannelOutcome ChannelReader::readThoroughly() const
         jointly.likeliest = toFinding(*joint.likeliest, channel);
     if (!byEdges)
         return jointly;
-    if (isOfLabels(jointly.doubt) && !standsAlone(*longest->chain))
+    if (isOfLabels(jointly.doubt) && !standsAlone(*longest->track))
         byEdges->doubt = jointly.doubt;
     if (jointly.doubt != Doubt::None || isOfLabels(byEdges->doubt))
         return *byEdges;

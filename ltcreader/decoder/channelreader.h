@@ -30,20 +30,20 @@ public:
     ChannelOutcome readThoroughly() const;
 
 private:
-    /// A chain and the frames that it was found among.
-    struct Track {
-        std::optional<FrameChain> chain;
+    /// A track and the frames that it was found among.
+    struct EdgeReading {
+        std::optional<LabelTrack> track;
         std::vector<Frame> frames;
         Algorithm algorithm;
     };
 
-    Track trackOf(const EdgeReader &reader, Algorithm way) const;
-    std::vector<Track> tracks() const;
-    Doubt doubtAbout(const Track &track) const;
-    /// Whether nothing outside \a chain can contradict it: its count is proven, and it begins where
+    EdgeReading readingOf(const EdgeReader &reader, Algorithm way) const;
+    std::vector<EdgeReading> readings() const;
+    Doubt doubtAbout(const EdgeReading &reading) const;
+    /// Whether nothing outside \a track can contradict it: its count is proven, and it begins where
     /// sound begins.
-    bool standsAlone(const FrameChain &chain) const;
-    ChannelOutcome outcomeOf(const Track &track) const;
+    bool standsAlone(const LabelTrack &track) const;
+    ChannelOutcome outcomeOf(const EdgeReading &reading) const;
 
     const Window &window;
     int channel;

@@ -21,54 +21,54 @@ constexpr double wrongFrame =
     0.01; // share of frames beyond the edges' reach in which the same digit is misread
 constexpr double leastDoubt = 1e-9; // no recording leaves less
 
-double spanInFrames(const FrameChain &chain)
+double spanInFrames(const LabelTrack &track)
 {
-    return std::max(1.0, std::round((chain.last - chain.first) / chain.frameLength));
+    return std::max(1.0, std::round((track.last - track.first) / track.frameLength));
 }
 
 } // namespace
 
-bool beginsWithRecording(const FrameChain &chain)
+bool beginsWithRecording(const LabelTrack &track)
 {
-    return chain.first < latestStart * chain.frameLength;
+    return track.first < latestStart * track.frameLength;
 }
 
-bool isSure(const FrameChain &chain)
+bool isSure(const LabelTrack &track)
 {
-    return beginsWithRecording(chain) && chain.frames >= sureFrames && chain.wraps > 0 &&
-           chain.strangers == 0 && chain.deviation < sureDeviation &&
-           chain.frames >= spanInFrames(chain) - 0.5;
+    return beginsWithRecording(track) && track.frames >= sureFrames && track.wraps > 0 &&
+           track.strangers == 0 && track.deviation < sureDeviation &&
+           track.frames >= spanInFrames(track) - 0.5;
 }
 
-bool isClear(const FrameChain &chain)
+bool isClear(const LabelTrack &track)
 {
-    return chain.frames >= unbrokenFrames && chain.strangers == 0 && chain.deviation < clearDeviation &&
-           chain.frames >= spanInFrames(chain) - 0.5;
+    return track.frames >= unbrokenFrames && track.strangers == 0 && track.deviation < clearDeviation &&
+           track.frames >= spanInFrames(track) - 0.5;
 }
 
-bool isBelievable(const FrameChain &chain)
+bool isBelievable(const LabelTrack &track)
 {
-    const bool unbroken = chain.unbroken >= unbrokenFrames && chain.deviation < sureDeviation;
+    const bool unbroken = track.unbroken >= unbrokenFrames && track.deviation < sureDeviation;
     const bool longRow =
-        chain.frames >= believableFrames && chain.frames / spanInFrames(chain) >= believableShare;
+        track.frames >= believableFrames && track.frames / spanInFrames(track) >= believableShare;
     const bool scattered =
-        chain.frames >= unbrokenFrames && chain.strangers == 0 && chain.deviation < clearDeviation;
-    return (unbroken || longRow || scattered) && chain.strangers <= toleratedStrangers * chain.frames;
+        track.frames >= unbrokenFrames && track.strangers == 0 && track.deviation < clearDeviation;
+    return (unbroken || longRow || scattered) && track.strangers <= toleratedStrangers * track.frames;
 }
 
-Finding toFinding(const FrameChain &chain, Algorithm algorithm, int channel, const Window &window)
+Finding toFinding(const LabelTrack &track, Algorithm algorithm, int channel, const Window &window)
 {
     Finding finding;
-    finding.rate = chain.rate;
-    finding.startCount = chain.startCount;
-    finding.frameLength = chain.frameLength;
+    finding.rate = track.rate;
+    finding.startCount = track.startCount;
+    finding.frameLength = track.frameLength;
     finding.channel = channel;
-    finding.level = window.level(channel, chain.first, chain.last);
-    finding.confidence = 1.0 - std::max(leastDoubt, std::pow(wrongFrame, chain.frames)) - chain.classDoubt;
-    finding.frames = chain.frames;
-    finding.bits = chain.bits;
+    finding.level = window.level(channel, track.first, track.last);
+    finding.confidence = 1.0 - std::max(leastDoubt, std::pow(wrongFrame, track.frames)) - track.classDoubt;
+    finding.frames = track.frames;
+    finding.bits = track.bits;
     finding.algorithm = algorithm;
-    finding.inverted = chain.inverted;
+    finding.inverted = track.inverted;
     return finding;
 }
 

@@ -3,7 +3,7 @@
 
 #include "ltcreader/decoder/jointreader.h"
 #include "ltcreader/decoder/reading.h"
-#include "ltcreader/edge/framechain.h"
+#include "ltcreader/edge/labeltrack.h"
 #include "ltcreader/sound/window.h"
 
 namespace ltcreader
@@ -23,20 +23,20 @@ struct Finding {
     bool inverted = false;
 };
 
-/// True when less than two whole frames lie before \a chain.
-bool beginsWithRecording(const FrameChain &chain);
+/// True when less than two whole frames lie before \a track.
+bool beginsWithRecording(const LabelTrack &track);
 
-/// True when \a chain leaves no doubt and begins with the recording, so that nothing else needs to be looked
+/// True when \a track leaves no doubt and begins with the recording, so that nothing else needs to be looked
 /// at.
-bool isSure(const FrameChain &chain);
+bool isSure(const LabelTrack &track);
 
-/// True when \a chain is right in its own span, though the recording holds more that is not part of it.
-bool isClear(const FrameChain &chain);
+/// True when \a track is right in its own span, though the recording holds more that is not part of it.
+bool isClear(const LabelTrack &track);
 
-/// True when \a chain may be reported where nothing better is found.
-bool isBelievable(const FrameChain &chain);
+/// True when \a track may be reported where nothing better is found.
+bool isBelievable(const LabelTrack &track);
 
-Finding toFinding(const FrameChain &chain, Algorithm algorithm, int channel, const Window &window);
+Finding toFinding(const LabelTrack &track, Algorithm algorithm, int channel, const Window &window);
 Finding toFinding(const JointReading &reading, int channel);
 
 /// Whether all numbers of \a finding are finite and can be those of timecode.

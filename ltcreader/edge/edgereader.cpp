@@ -34,7 +34,7 @@ Slicer slicerFor(Algorithm algorithm, int sampleRate)
 }
 
 EdgeReader::EdgeReader(Algorithm algorithm, int sampleRate)
-    : slicer(slicerFor(algorithm, sampleRate)), clock(sampleRate)
+    : slicer(slicerFor(algorithm, sampleRate)), decoder(sampleRate)
 {
     if (algorithm == Algorithm::Slope)
         slope.emplace(sampleRate);
@@ -50,7 +50,7 @@ void EdgeReader::process(const float *samples, std::size_t count)
     edges.clear();
     slicer.process(samples, count, edges);
     for (const Edge &edge : edges) {
-        clock.process(edge, found);
+        decoder.process(edge, found);
     }
 }
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ltcreader/edge/algorithm.h"
-#include "ltcreader/edge/bitclock.h"
+#include "ltcreader/edge/biphasedecoder.h"
 #include "ltcreader/edge/slicer.h"
 
 #include <cstddef>
@@ -31,7 +31,7 @@ public:
 private:
     std::optional<SlopeFilter> slope;
     Slicer slicer;
-    BitClock clock;
+    BiphaseDecoder decoder;
     std::vector<float> filtered; ///< the slopes of a block
     std::vector<Edge> edges;     ///< of a block
     std::vector<Frame> found;

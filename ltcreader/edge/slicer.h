@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/edge/edges.h"
+#include "ltcreader/edge/edge.h"
 
 #include <cstddef>
 #include <vector>

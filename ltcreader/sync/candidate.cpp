@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/sync/candidate.h"
 
-#include "ltcreader/frame/frame.h"
+#include "ltcreader/frame/codeword.h"
 #include "ltcreader/frontend/regularisedinverse.h"
 #include "ltcreader/sync/integrateanddump.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/frame/frame.h"
+#include "ltcreader/frame/codeword.h"
 
 #include <cstddef>
 #include <vector>

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/frame/digits.h"
-#include "ltcreader/frame/frame.h"
+#include "ltcreader/frame/codeword.h"
 #include "ltcreader/sync/framesync.h"
 #include "timecode/timecode.h"
 

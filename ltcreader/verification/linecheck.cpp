@@ -52,16 +52,16 @@ Doubt doubtAboutLine(const LabelLine &line, const FrameGrid &grid, const std::ve
     return doubtOf(verdictOn(line, grid, levels, otherMotion), grid.frames, samples, frameLength);
 }
 
-Doubt doubtAboutChain(const FrameChain &chain, const std::vector<float> &samples, int sampleRate)
+Doubt doubtAboutTrack(const LabelTrack &track, const std::vector<float> &samples, int sampleRate)
 {
-    // Behind the chain its clock would run out of step.
-    const auto end = std::min(samples.size(), static_cast<std::size_t>(chain.last));
+    // Behind the track its clock would run out of step.
+    const auto end = std::min(samples.size(), static_cast<std::size_t>(track.last));
     const std::vector<float> part(samples.begin(), samples.begin() + static_cast<std::ptrdiff_t>(end));
     const FilteredSound sound = Prewhitener(part, sampleRate).prepare(FrontEnd::Flat);
     const double perSample = sound.sampleRate / sampleRate;
     Clock clock;
-    clock.bitLength = chain.frameLength * perSample / bitsPerFrame;
-    const double start = chain.first * perSample;
+    clock.bitLength = track.frameLength * perSample / bitsPerFrame;
+    const double start = track.first * perSample;
     const double bitsBefore = std::floor(start / clock.bitLength);
     clock.knotDistance = static_cast<double>(part.size()) * perSample;
     clock.knots = {start - bitsBefore * clock.bitLength};
@@ -69,13 +69,13 @@ Doubt doubtAboutChain(const FrameChain &chain, const std::vector<float> &samples
     const FrameGrid grid =
         cutIntoFrames(integrateHalfBits(sound, clock, 0.0), static_cast<std::size_t>(2 * syncBit));
     const double frameZero = (clock.position(0.5 * grid.firstHalf)) / perSample;
-    const LabelLine line{chain.rate, std::llround(chain.startCount + frameZero / chain.frameLength)};
+    const LabelLine line{track.rate, std::llround(track.startCount + frameZero / track.frameLength)};
     if (isPrecededByAnother(grid, sound, clock))
         return Doubt::Jump;
-    if (isMaskedBefore(grid, part, chain.frameLength))
+    if (isMaskedBefore(grid, part, track.frameLength))
         return Doubt::TooNoisy;
     const Verdict verdict = verdictOn(line, grid, {}, contradiction); // that labels count up was read
-    return doubtOf(verdict, grid.frames, part, chain.frameLength);
+    return doubtOf(verdict, grid.frames, part, track.frameLength);
 }
 
 } // namespace ltcreader

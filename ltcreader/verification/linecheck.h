@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/edge/framechain.h"
+#include "ltcreader/edge/labeltrack.h"
 #include "ltcreader/sync/framesync.h"
 #include "ltcreader/verification/alternativelines.h"
 
@@ -17,7 +17,7 @@ namespace ltcreader
 Doubt doubtAboutLine(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels,
                      const std::vector<float> &samples, double frameLength);
 
-/// What all this says against \a chain in \a samples at \a sampleRate [Hz].
-Doubt doubtAboutChain(const FrameChain &chain, const std::vector<float> &samples, int sampleRate);
+/// What all this says against \a track in \a samples at \a sampleRate [Hz].
+Doubt doubtAboutTrack(const LabelTrack &track, const std::vector<float> &samples, int sampleRate);
 
 } // namespace ltcreader

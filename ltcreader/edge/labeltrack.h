@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ltcreader/edge/frame.h"
 #include "ltcreader/frame/doubt.h"
-#include "ltcreader/frame/frame.h"
 #include "timecode/timecode.h"
 
 #include <optional>
@@ -15,16 +15,16 @@ namespace ltcreader
 constexpr double clearDeviation = 0.06;
 
 /// Frames of one recording that count up with time.
-struct FrameChain {
+struct LabelTrack {
     timecode::Rate rate;
     double startCount = 0.0;      ///< [frames] since midnight at the first sample of the recording, any sign
     double frameLength = 0.0;     ///< [samples] as recorded
     double lengthDeviation = 0.0; ///< [samples] standard deviation of frameLength
     double deviation = 0.0;       ///< [bits] root mean square deviation of the edges
-    int frames = 0;               ///< that belong to the chain
+    int frames = 0;               ///< that belong to the track
     int unbroken = 0;             ///< most of them in a row without a gap
     int strangers = 0;            ///< frames within its span that do not
-    int wraps = 0;           ///< times that the frame number returned to its lowest label within the chain
+    int wraps = 0;           ///< times that the frame number returned to its lowest label within the track
     double first = 0.0;      ///< [samples] where its first frame starts
     double last = 0.0;       ///< [samples] where its last frame ends
     FrameBits bits = 0;      ///< of its first frame
@@ -32,20 +32,20 @@ struct FrameChain {
     bool inverted = false;   ///< its frames begin with a falling edge
 };
 
-/// The chain that the recording starts with: the earliest of \a frames (in order of time) that is long enough
+/// The track that the recording starts with: the earliest of \a frames (in order of time) that is long enough
 /// to be believed. \a wanted restricts the rate (its dropFrame is not looked at). \a sampleRate [Hz].
-std::optional<FrameChain> findChain(const std::vector<Frame> &frames, int sampleRate,
+std::optional<LabelTrack> findTrack(const std::vector<Frame> &frames, int sampleRate,
                                     const std::optional<timecode::Rate> &wanted);
 
 /// How the labels of those of \a frames move whose edges cannot be mistaken: None when they count up, or
 /// where there are fewer than six of them.
 Doubt doubtAboutLabels(const std::vector<Frame> &frames);
 
-/// Whether one of \a frames carries a label that the drop-frame flag of \a chain leaves out.
-bool carriesFalseFlag(const FrameChain &chain, const std::vector<Frame> &frames);
+/// Whether one of \a frames carries a label that the drop-frame flag of \a track leaves out.
+bool carriesFalseFlag(const LabelTrack &track, const std::vector<Frame> &frames);
 
-/// Whether frames of \a frames whose edges cannot be mistaken, more than one, lie before \a chain and are not
+/// Whether frames of \a frames whose edges cannot be mistaken, more than one, lie before \a track and are not
 /// part of its line.
-bool isContradictedBefore(const FrameChain &chain, const std::vector<Frame> &frames);
+bool isContradictedBefore(const LabelTrack &track, const std::vector<Frame> &frames);
 
 } // namespace ltcreader

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/edge/edges.h"
-#include "ltcreader/frame/frame.h"
+#include "ltcreader/edge/edge.h"
+#include "ltcreader/edge/frame.h"
 
 #include <array>
 #include <cstdint>
@@ -12,11 +12,11 @@ namespace ltcreader
 {
 
 /// Turns edges into bits and bits into frames, following the speed of the recording.
-class BitClock
+class BiphaseDecoder
 {
 public:
     /// \a sampleRate [Hz].
-    explicit BitClock(int sampleRate);
+    explicit BiphaseDecoder(int sampleRate);
 
     /// Takes the next \a edge; appends to \a frames when it completes one.
     void process(const Edge &edge, std::vector<Frame> &frames);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/frame/frame.h"
+#include "ltcreader/frame/codeword.h"
 
 #include <cstddef>
 

@@ -6,7 +6,7 @@
 // halves make a one; half a bit followed by a whole one means that an edge was lost or added, and the count
 // of bits starts again.
 
-#include "ltcreader/edge/bitclock.h"
+#include "ltcreader/edge/biphasedecoder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -26,7 +26,7 @@ constexpr double following = 1.0 / 12.0; // share of a new length in the measure
 
 } // namespace
 
-BitClock::BitClock(int sampleRate)
+BiphaseDecoder::BiphaseDecoder(int sampleRate)
     : nominalBit(sampleRate / std::sqrt(slowestBits * fastestBits)),
       bitLength(nominalBit),
       shortest(0.5 * sampleRate / (fastestBits * (1.0 + speedTolerance)) * earliestEdge),
@@ -34,7 +34,7 @@ BitClock::BitClock(int sampleRate)
 {
 }
 
-void BitClock::loseBits()
+void BiphaseDecoder::loseBits()
 {
     heldBits = 0;
     halfDone = false;
@@ -42,7 +42,7 @@ void BitClock::loseBits()
     syncWindow = 0;
 }
 
-void BitClock::process(const Edge &edge, std::vector<Frame> &frames)
+void BiphaseDecoder::process(const Edge &edge, std::vector<Frame> &frames)
 {
     const double distance = edge.position - last.position;
     last = edge;
@@ -74,7 +74,7 @@ void BitClock::process(const Edge &edge, std::vector<Frame> &frames)
     }
 }
 
-Frame BitClock::heldFrame() const
+Frame BiphaseDecoder::heldFrame() const
 {
     // The least squares line through all bits: single edges lie.
     constexpr double middle = 0.5 * (bitsPerFrame - 1);
@@ -100,7 +100,7 @@ Frame BitClock::heldFrame() const
             history[next].startsRising};
 }
 
-void BitClock::bit(bool one, const Edge &end, double squaredDeviation)
+void BiphaseDecoder::bit(bool one, const Edge &end, double squaredDeviation)
 {
     dataWindow = dataWindow >> 1 | FrameBits{syncWindow & 1U} << (dataBits - 1);
     syncWindow = static_cast<std::uint16_t>(syncWindow >> 1 | (one ? 1U << (syncBits - 1) : 0U));

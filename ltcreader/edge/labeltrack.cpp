@@ -8,7 +8,7 @@
 // any speed. Only where no return was seen does the speed decide. NTSC rates differ from whole ones by one in
 // a thousand, which the fit of all frame starts distinguishes.
 
-#include "ltcreader/edge/framechain.h"
+#include "ltcreader/edge/labeltrack.h"
 
 #include "ltcreader/frame/rateclass.h"
 
@@ -24,8 +24,8 @@ namespace ltcreader
 namespace
 {
 
-constexpr std::size_t shortestChain = 3; // [frames] fewer could agree by chance
-constexpr std::size_t longChain = 6;     // [frames] enough without any other sign
+constexpr std::size_t shortestTrack = 3; // [frames] fewer could agree by chance
+constexpr std::size_t longTrack = 6;     // [frames] enough without any other sign
 constexpr double clearBit = 0.2;         // [bits] half a bit and a whole one differ by 0.25 from their middle
 constexpr int toleratedBefore = 1;       // [frames] misread while the slicer finds the level
 constexpr int tellingPairs = 5;          // of clean neighbouring frames: their labels show how they move
@@ -60,7 +60,7 @@ double meanPhase(const std::vector<Frame> &frames, double length)
 /// Whether \a earlier is timecode of its own, which ends where \a later begins.
 bool isJumpedFrom(const std::vector<Member> &earlier, const std::vector<Member> &later)
 {
-    return earlier.size() >= longChain && earlier.back().place < later.front().place;
+    return earlier.size() >= longTrack && earlier.back().place < later.front().place;
 }
 
 /// The frames that agree on one offset between count and place: the largest of several such groups, or the
@@ -93,7 +93,7 @@ std::vector<Member> agreeingFrames(const std::vector<Frame> &frames, const timec
 }
 
 /// Least squares line through the frame starts.
-void fitLine(const std::vector<Member> &members, FrameChain &chain)
+void fitLine(const std::vector<Member> &members, LabelTrack &track)
 {
     const auto n = static_cast<double>(members.size());
     double meanPlace = 0.0;
@@ -109,52 +109,52 @@ void fitLine(const std::vector<Member> &members, FrameChain &chain)
         products += place * (member.frame->start - meanStart);
         squares += place * place;
     }
-    chain.frameLength = products / squares;
+    track.frameLength = products / squares;
     double residuals = 0.0;
     double jitter = 0.0; // [samples squared] of starts, each at the end of a line through 80 edges
     for (const Member &member : members) {
         const double place = static_cast<double>(member.place) - meanPlace;
-        residuals += std::pow(member.frame->start - meanStart - chain.frameLength * place, 2.0);
+        residuals += std::pow(member.frame->start - meanStart - track.frameLength * place, 2.0);
         jitter += 4.0 / bitsPerFrame *
-                  std::pow(member.frame->meanDeviation * chain.frameLength / bitsPerFrame, 2.0) / n;
+                  std::pow(member.frame->meanDeviation * track.frameLength / bitsPerFrame, 2.0) / n;
     }
-    chain.lengthDeviation = std::sqrt(std::max(residuals / (n - 2.0), jitter) / squares);
-    const double startPlace = meanPlace - meanStart / chain.frameLength;
-    chain.startCount = startPlace + static_cast<double>(members.front().count - members.front().place);
+    track.lengthDeviation = std::sqrt(std::max(residuals / (n - 2.0), jitter) / squares);
+    const double startPlace = meanPlace - meanStart / track.frameLength;
+    track.startCount = startPlace + static_cast<double>(members.front().count - members.front().place);
 }
 
-FrameChain describe(const std::vector<Member> &members, const timecode::Rate &rate)
+LabelTrack describe(const std::vector<Member> &members, const timecode::Rate &rate)
 {
-    FrameChain chain;
-    chain.rate = rate;
-    fitLine(members, chain);
-    chain.frames = static_cast<int>(members.size());
-    chain.first = members.front().frame->start;
-    chain.last = members.back().frame->end;
-    chain.bits = members.front().frame->bits;
+    LabelTrack track;
+    track.rate = rate;
+    fitLine(members, track);
+    track.frames = static_cast<int>(members.size());
+    track.first = members.front().frame->start;
+    track.last = members.back().frame->end;
+    track.bits = members.front().frame->bits;
     int inverted = 0;
     int row = 0;
     for (std::size_t i = 0; i < members.size(); ++i) {
         const Member &member = members[i];
-        chain.deviation += std::pow(member.frame->meanDeviation, 2.0) / chain.frames;
+        track.deviation += std::pow(member.frame->meanDeviation, 2.0) / track.frames;
         if (!member.frame->startsRising)
             ++inverted;
         row = i > 0 && member.place == members[i - 1].place + 1 ? row + 1 : 1;
-        chain.unbroken = std::max(chain.unbroken, row);
+        track.unbroken = std::max(track.unbroken, row);
         if (i > 0 && labelOf(member.frame->bits)->frames < labelOf(members[i - 1].frame->bits)->frames) {
-            ++chain.wraps;
+            ++track.wraps;
         }
     }
-    chain.deviation = std::sqrt(chain.deviation);
-    chain.inverted = 2 * inverted > chain.frames;
-    return chain;
+    track.deviation = std::sqrt(track.deviation);
+    track.inverted = 2 * inverted > track.frames;
+    return track;
 }
 
 /// How badly the speed fits a way of counting. Where it fits none well the user's word counts more.
-double speedPenalty(const FrameChain &chain, int sampleRate, const std::optional<timecode::Rate> &wanted)
+double speedMismatch(const LabelTrack &track, int sampleRate, const std::optional<timecode::Rate> &wanted)
 {
-    const double error = speedError(chain.frameLength, chain.rate, sampleRate);
-    const bool named = wanted && wanted->base == chain.rate.base;
+    const double error = speedError(track.frameLength, track.rate, sampleRate);
+    const bool named = wanted && wanted->base == track.rate.base;
     return named ? std::min(error, speedMatters) : error;
 }
 
@@ -204,13 +204,13 @@ std::vector<Frame> firstClearRun(const std::vector<Frame> &frames)
             run.push_back(frame);
             continue;
         }
-        if (run.size() >= shortestChain)
+        if (run.size() >= shortestTrack)
             return run;
         run.clear();
         if (isClear(frame))
             run.push_back(frame);
     }
-    return run.size() >= shortestChain ? run : std::vector<Frame>();
+    return run.size() >= shortestTrack ? run : std::vector<Frame>();
 }
 
 bool majorityHasDropFlag(const std::vector<Member> &members)
@@ -223,31 +223,31 @@ bool majorityHasDropFlag(const std::vector<Member> &members)
 
 } // namespace
 
-std::optional<FrameChain> findChain(const std::vector<Frame> &frames, int sampleRate,
+std::optional<LabelTrack> findTrack(const std::vector<Frame> &frames, int sampleRate,
                                     const std::optional<timecode::Rate> &wanted)
 {
-    if (frames.size() < shortestChain)
+    if (frames.size() < shortestTrack)
         return std::nullopt;
     const double length = medianLength(frames);
-    std::optional<FrameChain> best;
+    std::optional<LabelTrack> best;
     double leastError = 0.0;
     for (const timecode::Rate &way : waysOfCounting) {
         const std::vector<Member> members = agreeingFrames(frames, way, length);
-        if (members.size() < shortestChain)
+        if (members.size() < shortestTrack)
             continue;
         if (way.base == 30 && majorityHasDropFlag(members) != way.dropFrame)
             continue;
-        const FrameChain chain = describe(members, way);
-        const double error = speedPenalty(chain, sampleRate, wanted);
-        if (!best || chain.frames > best->frames || (chain.frames == best->frames && error < leastError)) {
-            best = chain;
+        const LabelTrack track = describe(members, way);
+        const double error = speedMismatch(track, sampleRate, wanted);
+        if (!best || track.frames > best->frames || (track.frames == best->frames && error < leastError)) {
+            best = track;
             leastError = error;
         }
     }
     const std::vector<Frame> run = firstClearRun(frames);
     const bool ownTimecode = !run.empty() && run.size() < frames.size();
     if (ownTimecode && (!best || run.back().start < best->first))
-        return findChain(run, sampleRate, wanted);
+        return findTrack(run, sampleRate, wanted);
     if (!best)
         return std::nullopt;
     best->rate = rateBySpeed(best->rate, best->frameLength, sampleRate, wanted);
@@ -297,24 +297,24 @@ Doubt doubtAboutLabels(const std::vector<Frame> &frames)
     return 2 * down > pairs ? Doubt::CountingDown : Doubt::Jump;
 }
 
-bool carriesFalseFlag(const FrameChain &chain, const std::vector<Frame> &frames)
+bool carriesFalseFlag(const LabelTrack &track, const std::vector<Frame> &frames)
 {
-    return chain.rate.dropFrame && std::any_of(frames.begin(), frames.end(), [&chain](const Frame &frame) {
+    return track.rate.dropFrame && std::any_of(frames.begin(), frames.end(), [&track](const Frame &frame) {
                const auto label = labelOf(frame.bits);
-               return isClear(frame) && label && !isLabel(*label, chain.rate);
+               return isClear(frame) && label && !isLabel(*label, track.rate);
            });
 }
 
-bool isContradictedBefore(const FrameChain &chain, const std::vector<Frame> &frames)
+bool isContradictedBefore(const LabelTrack &track, const std::vector<Frame> &frames)
 {
-    const std::int64_t day = framesPerDay(chain.rate);
+    const std::int64_t day = framesPerDay(track.rate);
     const auto contradicting = std::count_if(frames.begin(), frames.end(), [&](const Frame &frame) {
-        if (!isClear(frame) || frame.start >= chain.first)
+        if (!isClear(frame) || frame.start >= track.first)
             return false;
         const auto label = labelOf(frame.bits);
-        const double count = chain.startCount + frame.start / chain.frameLength;
-        return !label || !isLabel(*label, chain.rate) ||
-               (frameCount(*label, chain.rate) - std::llround(count)) % day != 0;
+        const double count = track.startCount + frame.start / track.frameLength;
+        return !label || !isLabel(*label, track.rate) ||
+               (frameCount(*label, track.rate) - std::llround(count)) % day != 0;
     });
     return contradicting > toleratedBefore;
 }
