@@ -8,10 +8,10 @@
 
 #include "ltcreader/decision/digitdecision.h"
 
-#include "ltcreader/decision/framefold.h"
-#include "ltcreader/decision/levels.h"
+#include "ltcreader/decision/coherentaverage.h"
 #include "ltcreader/decision/likelihood.h"
-#include "ltcreader/decision/trellis.h"
+#include "ltcreader/decision/remodulator.h"
+#include "ltcreader/decision/viterbi.h"
 
 #include <algorithm>
 #include <array>
@@ -237,7 +237,7 @@ Correlation correlationOf(const FrameGrid &grid, const std::vector<float> &level
 
 } // namespace
 
-std::optional<JointDecision> decideByDigits(const FrameGrid &grid, double measuredRate,
+std::optional<LabelDecision> decideByDigits(const FrameGrid &grid, double measuredRate,
                                             const std::optional<timecode::Rate> &wanted)
 {
     if (grid.frames < 1)
@@ -265,7 +265,7 @@ std::optional<JointDecision> decideByDigits(const FrameGrid &grid, double measur
         });
         evaluate(*sum, other);
     };
-    decision->levels = levelsOfDigits(grid, best);
+    decision->levels = remodulateDigits(grid, best);
     const Correlation correlation = correlationOf(grid, decision->levels);
     decision->amplitude = correlation.amplitude;
     decision->significance = correlation.significance;

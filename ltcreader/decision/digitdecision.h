@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/decision/jointdecision.h"
+#include "ltcreader/decision/labeldecision.h"
 
 #include <optional>
 
@@ -10,7 +10,7 @@ namespace ltcreader
 
 /// Decides as decideTimecode() does, but from nothing but the digits and sync words: for recordings whose
 /// user bits change from frame to frame. Reads less deep in noise. The user bits of the decision are 0.
-std::optional<JointDecision> decideByDigits(const FrameGrid &grid, double measuredRate,
+std::optional<LabelDecision> decideByDigits(const FrameGrid &grid, double measuredRate,
                                             const std::optional<timecode::Rate> &wanted);
 
 } // namespace ltcreader

@@ -37,7 +37,7 @@ constexpr double leastSignificance = 14.0;
 constexpr double leastShareOfSync = 0.5; // a waveform that is all sync word is none
 constexpr double digitsSyncScore = 7.0;  // deep in noise digits alone prove nothing
 
-using Decide = std::optional<JointDecision> (*)(const FrameGrid &grid, double measuredRate,
+using Decide = std::optional<LabelDecision> (*)(const FrameGrid &grid, double measuredRate,
                                                 const std::optional<timecode::Rate> &wanted);
 
 /// \a grid after the filter that brings its half bits nearest to \a levels.
@@ -51,7 +51,7 @@ FrameGrid adaptedGrid(FrameGrid grid, const std::vector<float> &levels)
 /// Decides, and where errors repeat decides again on what a filter makes of the frames that the decision
 /// gives. The filter learns again from the second decision; what is not as sure in both of them is not
 /// believed.
-std::optional<JointDecision> decideAdaptively(Decide decideOn, const FrameGrid &grid, double measuredRate,
+std::optional<LabelDecision> decideAdaptively(Decide decideOn, const FrameGrid &grid, double measuredRate,
                                               const std::optional<timecode::Rate> &wanted)
 {
     auto first = decideOn(grid, measuredRate, wanted);
@@ -72,7 +72,7 @@ std::optional<JointDecision> decideAdaptively(Decide decideOn, const FrameGrid &
 /// A decision and what it was made on.
 struct Decided {
     const Candidate *candidate;
-    JointDecision decision;
+    LabelDecision decision;
 
     /// [frames] since midnight at the recording's first sample, as far as the clock shows.
     double startCount() const
@@ -82,7 +82,7 @@ struct Decided {
     }
 };
 
-bool isBelievable(const JointDecision &decision)
+bool isBelievable(const LabelDecision &decision)
 {
     return decision.margin >= leastMargin && decision.significance >= leastSignificance &&
            decision.amplitude >= leastShareOfSync * decision.syncAmplitude &&

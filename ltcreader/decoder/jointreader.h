@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/decision/jointdecision.h"
+#include "ltcreader/decision/labeldecision.h"
 #include "ltcreader/frame/doubt.h"
 
 #include <optional>
@@ -12,7 +12,7 @@ namespace ltcreader
 
 /// A timecode that was read from all frames of a recording together.
 struct JointReading {
-    JointDecision decision;
+    LabelDecision decision;
     double startCount = 0.0;      ///< [frames] since midnight at the first sample, any sign
     double frameLength = 0.0;     ///< [samples] as recorded
     double lengthDeviation = 0.0; ///< [samples] standard deviation of frameLength

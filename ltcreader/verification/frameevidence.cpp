@@ -6,10 +6,10 @@
 
 #include "ltcreader/verification/frameevidence.h"
 
-#include "ltcreader/decision/framefold.h"
-#include "ltcreader/decision/levels.h"
+#include "ltcreader/decision/coherentaverage.h"
 #include "ltcreader/decision/likelihood.h"
-#include "ltcreader/decision/trellis.h"
+#include "ltcreader/decision/remodulator.h"
+#include "ltcreader/decision/viterbi.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/decision/digitdecision.h"
-#include "ltcreader/decision/jointdecision.h"
+#include "ltcreader/decision/labeldecision.h"
 #include "ltcreader/frontend/decisiondirected.h"
 #include "tests/ltcreader/timecodegrid.h"
 
@@ -33,7 +33,7 @@ FrameBits changingUserBits(int frame)
     return engine() & allUserBits;
 }
 
-timecode::Label startOf(const JointDecision &decision)
+timecode::Label startOf(const LabelDecision &decision)
 {
     return labelAt(decision.count, decision.rate);
 }
@@ -45,7 +45,7 @@ QString text(const timecode::Label &label)
 
 } // namespace
 
-class TestJointDecision : public QObject
+class TestLabelDecision : public QObject
 {
     Q_OBJECT
 
@@ -60,7 +60,7 @@ private slots:
     void anotherBaseIsNotAnswered();
 };
 
-void TestJointDecision::everyLabelIsFound_data()
+void TestLabelDecision::everyLabelIsFound_data()
 {
     QTest::addColumn<timecode::Label>("start");
     QTest::addColumn<timecode::Rate>("rate");
@@ -75,7 +75,7 @@ void TestJointDecision::everyLabelIsFound_data()
     QTest::newRow("midnight") << timecode::Label{23, 59, 58, 10} << pal;
 }
 
-void TestJointDecision::everyLabelIsFound()
+void TestLabelDecision::everyLabelIsFound()
 {
     QFETCH(timecode::Label, start);
     QFETCH(timecode::Rate, rate);
@@ -91,7 +91,7 @@ void TestJointDecision::everyLabelIsFound()
     }
 }
 
-void TestJointDecision::changingUserBitsNeedADecisionByDigits()
+void TestLabelDecision::changingUserBitsNeedADecisionByDigits()
 {
     const timecode::Label start{7, 8, 9, 10};
     FrameGrid grid = gridOfTimecode(start, pal, 75, changingUserBits);
@@ -104,14 +104,14 @@ void TestJointDecision::changingUserBitsNeedADecisionByDigits()
     QVERIFY2(byDigits->margin > believedMargin, qPrintable(QString::number(byDigits->margin)));
 }
 
-void TestJointDecision::noiseAloneDecidesNothing_data()
+void TestLabelDecision::noiseAloneDecidesNothing_data()
 {
     QTest::addColumn<int>("frames");
     QTest::newRow("3 s") << 75;
     QTest::newRow("0.2 s") << 5;
 }
 
-void TestJointDecision::noiseAloneDecidesNothing()
+void TestLabelDecision::noiseAloneDecidesNothing()
 {
     QFETCH(int, frames);
     FrameGrid grid = gridOfTimecode({1, 2, 3, 4}, pal, frames, standingUserBits);
@@ -123,7 +123,7 @@ void TestJointDecision::noiseAloneDecidesNothing()
     }
 }
 
-void TestJointDecision::digitsThatComeAsTheyLikeAreNoTimecode()
+void TestLabelDecision::digitsThatComeAsTheyLikeAreNoTimecode()
 {
     // Sync words are there, and each frame shows another time.
     FrameGrid grid;
@@ -137,7 +137,7 @@ void TestJointDecision::digitsThatComeAsTheyLikeAreNoTimecode()
     QVERIFY(!decideByDigits(grid, 25.0, std::nullopt));
 }
 
-void TestJointDecision::aLearningFilterRestoresWhatRunsTogether()
+void TestLabelDecision::aLearningFilterRestoresWhatRunsTogether()
 {
     const timecode::Label start{7, 8, 9, 10};
     const FrameGrid clean = gridOfTimecode(start, pal, 75, standingUserBits);
@@ -158,7 +158,7 @@ void TestJointDecision::aLearningFilterRestoresWhatRunsTogether()
              qPrintable(QString("%1 before, %2 after").arg(before->margin).arg(after->margin)));
 }
 
-void TestJointDecision::anotherBaseIsNotAnswered()
+void TestLabelDecision::anotherBaseIsNotAnswered()
 {
     const FrameGrid grid = gridOfTimecode({7, 8, 9, 10}, pal, 75, standingUserBits);
     for (const auto decideOn : {decideTimecode, decideByDigits}) {
@@ -167,6 +167,6 @@ void TestJointDecision::anotherBaseIsNotAnswered()
     }
 }
 
-QTEST_APPLESS_MAIN(TestJointDecision)
+QTEST_APPLESS_MAIN(TestLabelDecision)
 
-#include "tst_jointdecision.moc"
+#include "tst_labeldecision.moc"

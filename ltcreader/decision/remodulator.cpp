@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/decision/levels.h"
+#include "ltcreader/decision/remodulator.h"
 
-#include "ltcreader/decision/trellis.h"
+#include "ltcreader/decision/viterbi.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -47,7 +47,8 @@ void drawSyncWord(float *halves, float level)
 
 } // namespace
 
-std::vector<float> levelsOf(const FrameGrid &grid, const Polarities &polarities, const Hypothesis &hypothesis)
+std::vector<float> remodulate(const FrameGrid &grid, const Polarities &polarities,
+                              const Hypothesis &hypothesis)
 {
     std::vector<float> levels(grid.halves.size());
     for (int frame = 0; frame < grid.frames; ++frame) {
@@ -68,7 +69,7 @@ std::vector<float> levelsOf(const FrameGrid &grid, const Polarities &polarities,
     return levels;
 }
 
-std::vector<float> levelsOfDigits(const FrameGrid &grid, const Hypothesis &hypothesis)
+std::vector<float> remodulateDigits(const FrameGrid &grid, const Hypothesis &hypothesis)
 {
     std::vector<float> levels(grid.halves.size());
     for (int frame = 0; frame < grid.frames; ++frame) {

@@ -12,7 +12,7 @@ namespace ltcreader
 {
 
 /// The timecode that explains all frames of a grid together best.
-struct JointDecision {
+struct LabelDecision {
     timecode::Rate rate;        ///< base and dropFrame; ntsc is left to the speed
     std::int64_t count = 0;     ///< [frames] since midnight of frame 0 of the grid
     FrameBits bits = 0;         ///< of frame 0, without its phase correction bit
@@ -27,12 +27,12 @@ struct JointDecision {
 
 /// Decides on \a grid, whose frames follow each other at \a measuredRate [frames/s]. \a wanted restricts the
 /// base. User bits are taken to stand still.
-std::optional<JointDecision> decideTimecode(const FrameGrid &grid, double measuredRate,
+std::optional<LabelDecision> decideTimecode(const FrameGrid &grid, double measuredRate,
                                             const std::optional<timecode::Rate> &wanted);
 
 /// Rate, count and bits of the timecode that the evaluated hypothesis \a best means for \a frames frames;
 /// none when it is not \a wanted.
-std::optional<JointDecision> decisionFor(const Hypothesis &best, int frames,
+std::optional<LabelDecision> decisionFor(const Hypothesis &best, int frames,
                                          const std::optional<timecode::Rate> &wanted);
 
 } // namespace ltcreader

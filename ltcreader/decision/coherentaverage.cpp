@@ -7,10 +7,10 @@
 // zeros of a frame even, would undo the order for the bits after it: those are counted from the end of the
 // frame instead.
 
-#include "ltcreader/decision/framefold.h"
+#include "ltcreader/decision/coherentaverage.h"
 
 #include "ltcreader/decision/likelihood.h"
-#include "ltcreader/decision/trellis.h"
+#include "ltcreader/decision/viterbi.h"
 
 #include <algorithm>
 #include <cmath>
@@ -67,15 +67,15 @@ Polarities findPolarities(const FrameGrid &grid)
     return result;
 }
 
-FrameFold foldFrames(const FrameGrid &grid, const Polarities &polarities, const FrameNumbering &numbering,
-                     int correctionBit)
+CoherentAverage averageFrames(const FrameGrid &grid, const Polarities &polarities,
+                              const FrameNumbering &numbering, int correctionBit)
 {
-    FrameFold fold;
-    fold.seconds.resize(static_cast<std::size_t>(secondsTouched(numbering, grid.frames)));
+    CoherentAverage average;
+    average.seconds.resize(static_cast<std::size_t>(secondsTouched(numbering, grid.frames)));
     for (int frame = 0; frame < grid.frames; ++frame) {
         const auto [second, number] = placeOf(numbering, frame);
         const float *halves = grid.frame(frame);
-        SecondSum &sum = fold.seconds[static_cast<std::size_t>(second)];
+        SecondSum &sum = average.seconds[static_cast<std::size_t>(second)];
         const auto add = [&sum, halves](int fromBit, int toBit, float sign) {
             for (int half = 2 * fromBit; half < 2 * toBit; ++half) {
                 sum[static_cast<std::size_t>(half)] += sign * halves[half];
@@ -86,13 +86,13 @@ FrameFold foldFrames(const FrameGrid &grid, const Polarities &polarities, const 
             fit += polarity * correlation(halvesOf(halves, part.first), value, part.width);
             polarity *= polarityAfter(value, part.width);
         };
-        addNumber(field::frameUnits, number % 10, fold.unitsFit);
+        addNumber(field::frameUnits, number % 10, average.unitsFit);
         add(field::frameUnits.end(), field::frameTens.first, polarity);
-        addNumber(field::frameTens, number / 10, fold.tensFit);
+        addNumber(field::frameTens, number / 10, average.tensFit);
         add(field::frameTens.end(), correctionBit, polarity);
         add(correctionBit + 1, dataBits, polarities.atSync[static_cast<std::size_t>(frame)]);
     }
-    return fold;
+    return average;
 }
 
 } // namespace ltcreader

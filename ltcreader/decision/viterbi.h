@@ -16,16 +16,17 @@ float polarityAfter(int value, int width);
 /// sum of their products with the levels of its half bits.
 float correlation(const float *halves, int value, int width);
 
-/// Finds the bits that fit a frame's half bits best, polarity and all.
+/// Finds the bits that fit a frame's half bits best, polarity and all: A. Viterbi's algorithm on a trellis of
+/// two states.
 ///
 /// In biphase mark code the polarity at the start of a bit follows from the bits before: a zero changes it, a
 /// one leaves it. The best bits up to some place are therefore known for both polarities there, and the next
 /// bit is decided for each of them.
-class Trellis
+class Viterbi
 {
 public:
     /// Begins high when \a anchored, else with either polarity.
-    explicit Trellis(bool anchored);
+    explicit Viterbi(bool anchored);
 
     /// Continues over bit number \a bit, which may be 0 or 1; \a halves points to its two halves.
     void free(int bit, const float *halves);

@@ -4,10 +4,10 @@
 // changes that they cause. With those undone all seconds add up to one frame in which everything else stands
 // still, and the trellis finds what that is.
 
-#include "ltcreader/decision/wholesum.h"
+#include "ltcreader/decision/hypothesisfit.h"
 
 #include "ltcreader/decision/likelihood.h"
-#include "ltcreader/decision/trellis.h"
+#include "ltcreader/decision/viterbi.h"
 
 #include <array>
 #include <optional>
@@ -35,7 +35,7 @@ std::optional<Digit> digitEndingAt(int bit)
     return std::nullopt;
 }
 
-/// All seconds of a fold added up, as far as a hypothesis says how.
+/// All seconds of a average added up, as far as a hypothesis says how.
 struct WholeSum {
     SecondSum halves{};
     std::array<float, digitCount> fits{}; // of the digits that the hypothesis gives
@@ -76,7 +76,7 @@ void addSecond(const SecondSum &second, const Digits &digits, int correctionBit,
     }
 }
 
-void walk(Trellis &trellis, const WholeSum &sum, const Allowed &allowed, int from, int to)
+void walk(Viterbi &trellis, const WholeSum &sum, const Allowed &allowed, int from, int to)
 {
     for (int bit = from; bit < to; ++bit) {
         const float *halves = halvesOf(sum.halves.data(), bit);
@@ -100,50 +100,51 @@ struct FittingBits {
 };
 
 /// The bits that fit best with the digits that stand still among \a allowed.
-FittingBits fittingBits(const FrameFold &fold, const WholeSum &sum, const Allowed &allowed, int correctionBit)
+FittingBits fittingBits(const CoherentAverage &average, const WholeSum &sum, const Allowed &allowed,
+                        int correctionBit)
 {
-    Trellis beginning(true);
-    beginning.known(fold.unitsFit);
+    Viterbi beginning(true);
+    beginning.known(average.unitsFit);
     walk(beginning, sum, allowed, field::frameUnits.end(), field::frameTens.first);
-    beginning.known(fold.tensFit);
+    beginning.known(average.tensFit);
     walk(beginning, sum, allowed, field::frameTens.end(), correctionBit);
-    Trellis end(false);
+    Viterbi end(false);
     walk(end, sum, allowed, correctionBit + 1, dataBits);
     return {beginning.fit(false) + end.fit(true), beginning.bits(false) | end.bits(true)};
 }
 
 } // namespace
 
-float fitOfNumbering(const FrameFold &fold, int correctionBit)
+float fitOfNumbering(const CoherentAverage &average, int correctionBit)
 {
     WholeSum sum;
     float secondsFit = 0.0F;
     Digits open{};
     open.fill(-1);
-    for (const SecondSum &second : fold.seconds) {
+    for (const SecondSum &second : average.seconds) {
         addSecond(second, open, correctionBit, sum);
-        Trellis ofSecond(false);
+        Viterbi ofSecond(false);
         for (int bit = field::secondUnits.first; bit < correctionBit; ++bit)
             ofSecond.free(bit, halvesOf(second.data(), bit));
         secondsFit += ofSecond.fit(false);
     }
-    Trellis beginning(true);
-    beginning.known(fold.unitsFit);
+    Viterbi beginning(true);
+    beginning.known(average.unitsFit);
     walk(beginning, sum, anyTime, field::frameUnits.end(), field::frameTens.first);
-    beginning.known(fold.tensFit);
+    beginning.known(average.tensFit);
     walk(beginning, sum, anyTime, field::frameTens.end(), field::secondUnits.first);
-    Trellis end(false);
+    Viterbi end(false);
     walk(end, sum, anyTime, correctionBit + 1, dataBits);
     return beginning.fit(false) + secondsFit + end.fit(true);
 }
 
-void evaluate(const FrameFold &fold, Hypothesis &hypothesis)
+void evaluate(const CoherentAverage &average, Hypothesis &hypothesis)
 {
     WholeSum sum;
     Digits digits{};
-    for (std::size_t second = 0; second < fold.seconds.size(); ++second) {
+    for (std::size_t second = 0; second < average.seconds.size(); ++second) {
         digits = digitsAfter(hypothesis, static_cast<int>(second));
-        addSecond(fold.seconds[second], digits, hypothesis.correctionBit, sum);
+        addSecond(average.seconds[second], digits, hypothesis.correctionBit, sum);
     }
     for (std::size_t digit = 0; digit < digitCount; ++digit)
         sum.given[digit] = digits[digit] >= 0;
@@ -154,7 +155,7 @@ void evaluate(const FrameFold &fold, Hypothesis &hypothesis)
         allowed[HourUnits] &= hours.units;
         if (!sum.given[HourTens] && (allowed[HourTens] == 0 || allowed[HourUnits] == 0))
             continue;
-        const FittingBits bits = fittingBits(fold, sum, allowed, hypothesis.correctionBit);
+        const FittingBits bits = fittingBits(average, sum, allowed, hypothesis.correctionBit);
         if (bits.fit > best.fit)
             best = bits;
     }

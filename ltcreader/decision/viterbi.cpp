@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/decision/trellis.h"
+#include "ltcreader/decision/viterbi.h"
 
 #include "ltcreader/decision/likelihood.h"
 
@@ -27,13 +27,13 @@ float correlation(const float *halves, int value, int width)
     return sum;
 }
 
-Trellis::Trellis(bool anchored)
+Viterbi::Viterbi(bool anchored)
 {
     if (anchored)
         paths[1].fit = impossibleFit;
 }
 
-void Trellis::free(int bit, const float *halves)
+void Viterbi::free(int bit, const float *halves)
 {
     const float one = halves[0] - halves[1];
     const float zero = halves[0] + halves[1];
@@ -47,7 +47,7 @@ void Trellis::free(int bit, const float *halves)
     }
 }
 
-void Trellis::number(BitField part, const float *halves, std::uint32_t allowed)
+void Viterbi::number(BitField part, const float *halves, std::uint32_t allowed)
 {
     const std::array<Path, 2> before = paths;
     paths = {Path{impossibleFit, 0}, Path{impossibleFit, 0}};
@@ -66,18 +66,18 @@ void Trellis::number(BitField part, const float *halves, std::uint32_t allowed)
     }
 }
 
-void Trellis::known(float fit)
+void Viterbi::known(float fit)
 {
     paths[0].fit += fit;
     paths[1].fit -= fit;
 }
 
-float Trellis::fit(bool anchored) const
+float Viterbi::fit(bool anchored) const
 {
     return anchored || paths[0].fit > paths[1].fit ? paths[0].fit : paths[1].fit;
 }
 
-FrameBits Trellis::bits(bool anchored) const
+FrameBits Viterbi::bits(bool anchored) const
 {
     return anchored || paths[0].fit > paths[1].fit ? paths[0].bits : paths[1].bits;
 }

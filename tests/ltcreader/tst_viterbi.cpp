@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/decision/trellis.h"
+#include "ltcreader/decision/viterbi.h"
 
 #include <QTest>
 
@@ -27,7 +27,7 @@ constexpr BitField wholeNumber{0, 4};
 
 } // namespace
 
-class TestTrellis : public QObject
+class TestViterbi : public QObject
 {
     Q_OBJECT
 
@@ -43,7 +43,7 @@ private slots:
     void aWeakWrongHalfBitDoesNotMatter();
 };
 
-void TestTrellis::zerosTurnThePolarity_data()
+void TestViterbi::zerosTurnThePolarity_data()
 {
     QTest::addColumn<int>("value");
     QTest::addColumn<int>("width");
@@ -55,7 +55,7 @@ void TestTrellis::zerosTurnThePolarity_data()
     QTest::newRow("three zeros") << 0 << 3 << -1.0F;
 }
 
-void TestTrellis::zerosTurnThePolarity()
+void TestViterbi::zerosTurnThePolarity()
 {
     QFETCH(int, value);
     QFETCH(int, width);
@@ -63,14 +63,14 @@ void TestTrellis::zerosTurnThePolarity()
     QCOMPARE(polarityAfter(value, width), polarity);
 }
 
-void TestTrellis::aNumberResemblesItselfMost_data()
+void TestViterbi::aNumberResemblesItselfMost_data()
 {
     QTest::addColumn<int>("value");
     for (int value = 0; value < 16; ++value)
         QTest::newRow(qPrintable(QString::number(value))) << value;
 }
 
-void TestTrellis::aNumberResemblesItselfMost()
+void TestViterbi::aNumberResemblesItselfMost()
 {
     QFETCH(int, value);
     const std::vector<float> halves = halvesOf(static_cast<unsigned>(value), 4, 1.0F);
@@ -81,7 +81,7 @@ void TestTrellis::aNumberResemblesItselfMost()
     QCOMPARE(correlation(turned.data(), value, 4), -8.0F);
 }
 
-void TestTrellis::freeBitsAreFound_data()
+void TestViterbi::freeBitsAreFound_data()
 {
     QTest::addColumn<bool>("anchored");
     QTest::addColumn<float>("level");
@@ -90,21 +90,21 @@ void TestTrellis::freeBitsAreFound_data()
     QTest::newRow("begins low, not known") << false << -1.0F;
 }
 
-void TestTrellis::freeBitsAreFound()
+void TestViterbi::freeBitsAreFound()
 {
     QFETCH(bool, anchored);
     QFETCH(float, level);
     constexpr unsigned bits = 0b1011000101;
     constexpr int width = 10;
     const std::vector<float> halves = halvesOf(bits, width, level);
-    Trellis trellis(anchored);
+    Viterbi trellis(anchored);
     for (int bit = 0; bit < width; ++bit)
         trellis.free(bit, halves.data() + std::ptrdiff_t{2} * bit);
     QCOMPARE(trellis.bits(false), FrameBits{bits});
     QCOMPARE(trellis.fit(false), 2.0F * width);
 }
 
-void TestTrellis::onlyAllowedNumbersAreFound_data()
+void TestViterbi::onlyAllowedNumbersAreFound_data()
 {
     QTest::addColumn<uint>("allowed");
     QTest::addColumn<uint>("found");
@@ -112,25 +112,25 @@ void TestTrellis::onlyAllowedNumbersAreFound_data()
     QTest::newRow("all but that") << (1U << 2U | 1U << 9U) << 2U;
 }
 
-void TestTrellis::onlyAllowedNumbersAreFound()
+void TestViterbi::onlyAllowedNumbersAreFound()
 {
     QFETCH(uint, allowed);
     QFETCH(uint, found);
     const std::vector<float> halves = halvesOf(6, 4, 1.0F);
-    Trellis trellis(true);
+    Viterbi trellis(true);
     trellis.number(wholeNumber, halves.data(), allowed);
     QCOMPARE(trellis.bits(false), FrameBits{found});
 }
 
-void TestTrellis::aWeakWrongHalfBitDoesNotMatter()
+void TestViterbi::aWeakWrongHalfBitDoesNotMatter()
 {
     std::vector<float> halves = halvesOf(6, 4, 1.0F);
     halves[3] *= -0.2F;
-    Trellis trellis(true);
+    Viterbi trellis(true);
     trellis.number(wholeNumber, halves.data(), 0x3FF);
     QCOMPARE(trellis.bits(false), FrameBits{6});
 }
 
-QTEST_APPLESS_MAIN(TestTrellis)
+QTEST_APPLESS_MAIN(TestViterbi)
 
-#include "tst_trellis.moc"
+#include "tst_viterbi.moc"

@@ -28,14 +28,14 @@ constexpr std::array<int, 2> correctionBits{27, 59};
 using SecondSum = std::array<float, dataHalves>;
 
 /// The frames of a grid added up on the assumption of a numbering.
-struct FrameFold {
+struct CoherentAverage {
     std::vector<SecondSum> seconds;
     float unitsFit = 0.0F; ///< how well the frame numbers' units fit
     float tensFit = 0.0F;  ///< and their tens, up to the polarity after the bits between them
 };
 
 /// Adds up the frames of \a grid. \a correctionBit: one of correctionBits.
-FrameFold foldFrames(const FrameGrid &grid, const Polarities &polarities, const FrameNumbering &numbering,
-                     int correctionBit);
+CoherentAverage averageFrames(const FrameGrid &grid, const Polarities &polarities,
+                              const FrameNumbering &numbering, int correctionBit);
 
 } // namespace ltcreader

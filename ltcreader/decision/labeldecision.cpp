@@ -13,12 +13,12 @@
 // The answer's margin is the difference in log-likelihood to the best timecode that is another one, among the
 // other hypotheses and with each digit that stands still forced to another value.
 
-#include "ltcreader/decision/jointdecision.h"
+#include "ltcreader/decision/labeldecision.h"
 
-#include "ltcreader/decision/framefold.h"
-#include "ltcreader/decision/levels.h"
+#include "ltcreader/decision/coherentaverage.h"
+#include "ltcreader/decision/hypothesisfit.h"
 #include "ltcreader/decision/likelihood.h"
-#include "ltcreader/decision/wholesum.h"
+#include "ltcreader/decision/remodulator.h"
 
 #include <algorithm>
 #include <cmath>
@@ -32,54 +32,54 @@ constexpr std::size_t triedNumberings = 12; // those that fit best, on which eve
 constexpr double smallestAmplitude = 0.01;  // or the speed alone would decide where nothing fits
 
 /// The frames added up under one numbering.
-struct NumberedFold {
+struct NumberedAverage {
     FrameNumbering numbering;
     int correctionBit;
-    FrameFold fold;
+    CoherentAverage average;
     float fit;
 };
 
-using NumberedFolds = std::vector<NumberedFold>;
+using NumberedAverages = std::vector<NumberedAverage>;
 
 /// The numberings that fit \a grid best.
-NumberedFolds bestNumberings(const FrameGrid &grid, const Polarities &polarities)
+NumberedAverages bestNumberings(const FrameGrid &grid, const Polarities &polarities)
 {
-    NumberedFolds folds;
+    NumberedAverages averages;
     for (const FrameNumbering &numbering : possibleNumberings(grid.frames)) {
         for (const int correctionBit : correctionBits) {
-            FrameFold fold = foldFrames(grid, polarities, numbering, correctionBit);
-            const float fit = fitOfNumbering(fold, correctionBit);
-            folds.push_back({numbering, correctionBit, std::move(fold), fit});
+            CoherentAverage average = averageFrames(grid, polarities, numbering, correctionBit);
+            const float fit = fitOfNumbering(average, correctionBit);
+            averages.push_back({numbering, correctionBit, std::move(average), fit});
         }
     }
-    const std::size_t kept = std::min(triedNumberings, folds.size());
-    std::partial_sort(folds.begin(), folds.begin() + static_cast<std::ptrdiff_t>(kept), folds.end(),
-                      [](const NumberedFold &a, const NumberedFold &b) { return a.fit > b.fit; });
-    folds.resize(kept);
-    return folds;
+    const std::size_t kept = std::min(triedNumberings, averages.size());
+    std::partial_sort(averages.begin(), averages.begin() + static_cast<std::ptrdiff_t>(kept), averages.end(),
+                      [](const NumberedAverage &a, const NumberedAverage &b) { return a.fit > b.fit; });
+    averages.resize(kept);
+    return averages;
 }
 
-std::vector<Hypothesis> evaluatedHypotheses(const NumberedFolds &folds, int frames)
+std::vector<Hypothesis> evaluatedHypotheses(const NumberedAverages &averages, int frames)
 {
     std::vector<Hypothesis> hypotheses;
-    for (const NumberedFold &numbered : folds) {
+    for (const NumberedAverage &numbered : averages) {
         for (Hypothesis hypothesis : hypothesesWith(numbered.numbering, frames)) {
             hypothesis.correctionBit = numbered.correctionBit;
-            evaluate(numbered.fold, hypothesis);
+            evaluate(numbered.average, hypothesis);
             hypotheses.push_back(hypothesis);
         }
     }
     return hypotheses;
 }
 
-const FrameFold &foldOf(const Hypothesis &hypothesis, const NumberedFolds &folds)
+const CoherentAverage &averageOf(const Hypothesis &hypothesis, const NumberedAverages &averages)
 {
-    return std::find_if(folds.begin(), folds.end(),
-                        [&hypothesis](const NumberedFold &numbered) {
+    return std::find_if(averages.begin(), averages.end(),
+                        [&hypothesis](const NumberedAverage &numbered) {
                             return numbered.numbering == hypothesis.numbering &&
                                    numbered.correctionBit == hypothesis.correctionBit;
                         })
-        ->fold;
+        ->average;
 }
 
 /// Number of half bits of data that \a grid holds.
@@ -104,10 +104,10 @@ double likelihoodPerFit(const std::vector<Hypothesis> &hypotheses, double halves
 
 } // namespace
 
-std::optional<JointDecision> decisionFor(const Hypothesis &best, int frames,
+std::optional<LabelDecision> decisionFor(const Hypothesis &best, int frames,
                                          const std::optional<timecode::Rate> &wanted)
 {
-    JointDecision decision;
+    LabelDecision decision;
     decision.rate.base = best.numbering.base;
     decision.bits = best.bits | static_cast<FrameBits>(best.numbering.first % 10) << field::frameUnits.first |
                     static_cast<FrameBits>(best.numbering.first / 10) << field::frameTens.first;
@@ -133,14 +133,14 @@ std::optional<JointDecision> decisionFor(const Hypothesis &best, int frames,
     return decision;
 }
 
-std::optional<JointDecision> decideTimecode(const FrameGrid &grid, double measuredRate,
+std::optional<LabelDecision> decideTimecode(const FrameGrid &grid, double measuredRate,
                                             const std::optional<timecode::Rate> &wanted)
 {
     if (grid.frames < 1)
         return std::nullopt;
     const Polarities polarities = findPolarities(grid);
-    const NumberedFolds folds = bestNumberings(grid, polarities);
-    const std::vector<Hypothesis> hypotheses = evaluatedHypotheses(folds, grid.frames);
+    const NumberedAverages averages = bestNumberings(grid, polarities);
+    const std::vector<Hypothesis> hypotheses = evaluatedHypotheses(averages, grid.frames);
     if (hypotheses.empty())
         return std::nullopt;
     const double halves = usedHalves(grid);
@@ -148,12 +148,12 @@ std::optional<JointDecision> decideTimecode(const FrameGrid &grid, double measur
     auto decision = decisionFor(best, grid.frames, wanted);
     if (!decision)
         return std::nullopt;
-    const auto evaluateAgain = [&](Hypothesis &other) { evaluate(foldOf(other, folds), other); };
+    const auto evaluateAgain = [&](Hypothesis &other) { evaluate(averageOf(other, averages), other); };
     decision->amplitude = static_cast<double>(best.fit) / halves;
     decision->significance = static_cast<double>(best.fit) / std::sqrt(halves);
     decision->syncAmplitude = polarities.amplitude;
     decision->steadyBits = true;
-    decision->levels = levelsOf(grid, polarities, best);
+    decision->levels = remodulate(grid, polarities, best);
     const double unexplained = noiseBeside(decision->amplitude);
     const double repeated = repeatedError(grid, decision->levels);
     decision->errorRepeats = repeated > unexplained;
