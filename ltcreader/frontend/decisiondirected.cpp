@@ -10,8 +10,7 @@
 
 #include "ltcreader/frontend/halfbitfilter.h"
 #include "ltcreader/maths/toeplitz.h"
-
-#include <cmath>
+#include "ltcreader/maths/unitpower.h"
 
 namespace ltcreader
 {
@@ -54,9 +53,7 @@ std::vector<float> equaliseByDecision(const std::vector<float> &halfBits, const 
         squares += sum * sum;
         count += 1.0;
     }
-    const auto scale = static_cast<float>(squares > 0.0 ? std::sqrt(count / squares) : 0.0);
-    for (float &half : result)
-        half *= scale;
+    scaleToUnitPower(result, squares, count);
     return result;
 }
 

@@ -10,6 +10,7 @@
 
 #include "ltcreader/frontend/halfbitfilter.h"
 #include "ltcreader/maths/toeplitz.h"
+#include "ltcreader/maths/unitpower.h"
 
 #include <cmath>
 #include <numbers>
@@ -62,9 +63,7 @@ std::vector<float> equaliseByInverse(const std::vector<float> &halfBits, const F
         result[i] = static_cast<float>(sum);
         squares += sum * sum;
     }
-    const double scale = squares > 0.0 ? std::sqrt(static_cast<double>(halfBits.size()) / squares) : 0.0;
-    for (float &value : result)
-        value *= static_cast<float>(scale);
+    scaleToUnitPower(result, squares, static_cast<double>(halfBits.size()));
     return result;
 }
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/sync/integrateanddump.h"
 
+#include "ltcreader/maths/unitpower.h"
+
 #include <algorithm>
-#include <cmath>
 
 namespace ltcreader
 {
@@ -31,9 +32,7 @@ std::vector<float> integrateHalfBits(const FilteredSound &sound, const Clock &cl
         squares += (after - before) * (after - before);
         before = after;
     }
-    const double scale = squares > 0.0 ? std::sqrt(static_cast<double>(count) / squares) : 0.0;
-    for (float &value : result)
-        value *= static_cast<float>(scale);
+    scaleToUnitPower(result, squares, static_cast<double>(count));
     return result;
 }
 
