@@ -17,6 +17,7 @@
 #include "ltcreader/frontend/prewhitener.h"
 
 #include "ltcreader/frontend/minimumphase.h"
+#include "ltcreader/maths/runningsums.h"
 
 #include <algorithm>
 #include <cmath>
@@ -77,17 +78,14 @@ float quantile(std::vector<float> &values, double part)
 /// Weighs each moment by the power around it, so that claps and words count for no more than they show.
 void evenOut(FilteredSound &sound)
 {
-    std::vector<double> sums(sound.samples.size() + 1);
-    for (std::size_t i = 0; i < sound.samples.size(); ++i) {
-        sums[i + 1] = sums[i] + static_cast<double>(sound.samples[i]) * static_cast<double>(sound.samples[i]);
-    }
+    const std::vector<double> sums = runningSums(sound.samples, [](float sample) {
+        return static_cast<double>(sample) * static_cast<double>(sample);
+    });
     const auto count = static_cast<double>(std::max<std::size_t>(1, sound.samples.size()));
     const double quiet = quietShare * sums.back() / count + leastMean;
     const auto reach = static_cast<std::size_t>(evenTime * sound.sampleRate);
     for (std::size_t i = 0; i < sound.samples.size(); ++i) {
-        const std::size_t from = i > reach ? i - reach : 0;
-        const std::size_t to = std::min(sound.samples.size(), i + reach + 1);
-        const double around = (sums[to] - sums[from]) / static_cast<double>(to - from);
+        const double around = meanAround(sums, i, reach);
         sound.samples[i] = static_cast<float>(static_cast<double>(sound.samples[i]) / (around + quiet));
     }
 }
@@ -118,20 +116,15 @@ void Prewhitener::estimateDisturbance()
 {
     const std::size_t bins = spectrum.size();
     std::vector<float> power(bins);
-    std::vector<double> sums(bins + 1); // of logarithms
-    for (std::size_t bin = 0; bin < bins; ++bin) {
+    for (std::size_t bin = 0; bin < bins; ++bin)
         power[bin] = std::norm(spectrum[bin]) + leastPower;
-        sums[bin + 1] = sums[bin] + static_cast<double>(std::log(power[bin]));
-    }
+    const std::vector<double> logSums = runningSums(power, [](float value) { return std::log(value); });
     peaks.resize(bins);
     smooth.resize(bins);
     const auto reach = std::max<std::size_t>(1, static_cast<std::size_t>(smoothing / binWidth));
     std::vector<float> inBand;
     for (std::size_t bin = 0; bin < bins; ++bin) {
-        const std::size_t from = bin > reach ? bin - reach : 0;
-        const std::size_t to = std::min(bins, bin + reach + 1);
-        const double logMean = (sums[to] - sums[from]) / static_cast<double>(to - from);
-        smooth[bin] = static_cast<float>(meanOverLogMean * std::exp(logMean));
+        smooth[bin] = static_cast<float>(meanOverLogMean * std::exp(meanAround(logSums, bin, reach)));
         peaks[bin] =
             std::max({power[bin], bin > 0 ? power[bin - 1] : 0.0F, bin + 1 < bins ? power[bin + 1] : 0.0F});
         if (inTimecodeBand(static_cast<double>(bin) * binWidth))
@@ -189,18 +182,15 @@ std::vector<double> Prewhitener::meanWeights(const std::vector<float> &powers, s
 
 std::vector<double> Prewhitener::meanPowers() const
 {
-    std::vector<double> sums(spectrum.size() + 1);
-    for (std::size_t bin = 0; bin < spectrum.size(); ++bin)
-        sums[bin + 1] = sums[bin] + static_cast<double>(std::norm(spectrum[bin]));
+    const std::vector<double> sums =
+        runningSums(spectrum, [](std::complex<float> value) { return std::norm(value); });
     const auto reach = std::max<std::size_t>(1, static_cast<std::size_t>(gainReach / binWidth));
     std::vector<double> powers;
     for (std::size_t step = 0;; ++step) {
         const auto bin = static_cast<std::size_t>(static_cast<double>(step) * gainStep / binWidth);
         if (bin >= spectrum.size())
             return powers;
-        const std::size_t from = bin > reach ? bin - reach : 0;
-        const std::size_t to = std::min(spectrum.size(), bin + reach + 1);
-        powers.push_back((sums[to] - sums[from]) / static_cast<double>(to - from));
+        powers.push_back(meanAround(sums, bin, reach));
     }
 }
 

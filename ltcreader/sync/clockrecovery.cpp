@@ -9,6 +9,8 @@
 
 #include "ltcreader/sync/clockrecovery.h"
 
+#include "ltcreader/maths/runningsums.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -30,14 +32,6 @@ constexpr double sameLine = 2.0;       // [Hz] nearer peaks belong to one line
 constexpr double knotTime = 0.125;     // [s]
 constexpr int smoothedKnots = 2;       // to each side
 constexpr double leastPower = 1e-30;   // keeps quotients finite in silence
-
-std::vector<double> runningSum(const std::vector<float> &samples)
-{
-    std::vector<double> sums(samples.size() + 1);
-    for (std::size_t i = 0; i < samples.size(); ++i)
-        sums[i + 1] = sums[i] + static_cast<double>(samples[i]);
-    return sums;
-}
 
 /// The product of the means over the half bits before and after each sample's beginning, sign changed.
 std::vector<float> changes(const std::vector<double> &sums, double halfBit)
@@ -65,10 +59,7 @@ void collectLines(const std::vector<float> &power, double binWidth, std::size_t 
 {
     const auto reach = static_cast<std::size_t>(meanReach / binWidth);
     const auto guard = std::max<std::size_t>(2, static_cast<std::size_t>(sameLine / binWidth));
-    std::vector<double> sums(power.size() + 1);
-    for (std::size_t bin = 0; bin < power.size(); ++bin) {
-        sums[bin + 1] = sums[bin] + static_cast<double>(power[bin]);
-    }
+    const std::vector<double> sums = runningSums(power);
     const auto first = static_cast<std::size_t>(slowestBits / binWidth);
     if (power.size() < reach + 2)
         return; // recorded at a rate that holds no timecode
@@ -179,7 +170,7 @@ double Clock::position(double bit) const
 
 std::vector<Clock> recoverClocks(const FilteredSound &sound, std::size_t most)
 {
-    const std::vector<double> sums = runningSum(sound.samples);
+    const std::vector<double> sums = runningSums(sound.samples);
     std::array<std::vector<float>, 2> swings;
     for (std::size_t i = 0; i < halfBits.size(); ++i)
         swings[i] = changes(sums, halfBits[i] * sound.sampleRate);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/sync/integrateanddump.h"
 
+#include "ltcreader/maths/runningsums.h"
 #include "ltcreader/maths/unitpower.h"
 
 #include <algorithm>
@@ -11,10 +12,7 @@ namespace ltcreader
 std::vector<float> integrateHalfBits(const FilteredSound &sound, const Clock &clock, double shift)
 {
     const auto length = static_cast<double>(sound.samples.size());
-    std::vector<double> sums(sound.samples.size() + 1);
-    for (std::size_t i = 0; i < sound.samples.size(); ++i) {
-        sums[i + 1] = sums[i] + static_cast<double>(sound.samples[i]);
-    }
+    const std::vector<double> sums = runningSums(sound.samples);
     // A sample stands for the time from half a sample before it to half a sample after it.
     const auto sumUpTo = [&](double position) {
         const double place = std::clamp(position + 0.5, 0.0, length);

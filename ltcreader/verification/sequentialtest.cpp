@@ -46,7 +46,7 @@ double bestWhole(const Rivals &rivals)
 
 /// The sums of \a gains over the first one, two, three... frames.
 /// What repeats in every frame adds up as fast as evidence does.
-std::vector<Gains> runningSums(const Rivals &rivals, bool backwards, const Unexplained &unexplained)
+std::vector<Gains> sumsOfFrames(const Rivals &rivals, bool backwards, const Unexplained &unexplained)
 {
     const double once = unexplained.whole - unexplained.repeated;
     const double step = once > 0.0 ? unexplained.repeated / once : 0.0;
@@ -79,7 +79,7 @@ double logSum(const std::vector<double> &logarithms)
 std::vector<double> meanRatios(const Rivals &rivals, bool backwards, bool withLine,
                                const Unexplained &unexplained)
 {
-    const std::vector<Gains> sums = runningSums(rivals, backwards, unexplained);
+    const std::vector<Gains> sums = sumsOfFrames(rivals, backwards, unexplained);
     std::vector<double> means;
     for (std::size_t frame = 0; frame < sums.front().size(); ++frame) {
         std::vector<double> ratios;
