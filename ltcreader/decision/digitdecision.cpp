@@ -237,8 +237,7 @@ Correlation correlationOf(const FrameGrid &grid, const std::vector<float> &level
 
 } // namespace
 
-std::optional<LabelDecision> decideByDigits(const FrameGrid &grid, double measuredRate,
-                                            const std::optional<timecode::Rate> &wanted)
+std::optional<LabelDecision> decideByDigits(const FrameGrid &grid, double measuredRate)
 {
     if (grid.frames < 1)
         return std::nullopt;
@@ -256,7 +255,7 @@ std::optional<LabelDecision> decideByDigits(const FrameGrid &grid, double measur
     const Hypothesis &best = bestOf(hypotheses, 1.0, measuredRate); // fits are log-likelihoods here
     if (!isSeenInAllDigits(best, frames))
         return std::nullopt;
-    auto decision = decisionFor(best, grid.frames, wanted);
+    auto decision = decisionFor(best, grid.frames);
     if (!decision)
         return std::nullopt;
     const auto evaluateAgain = [&](Hypothesis &other) {

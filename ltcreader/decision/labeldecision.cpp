@@ -104,8 +104,7 @@ double likelihoodPerFit(const std::vector<Hypothesis> &hypotheses, double halves
 
 } // namespace
 
-std::optional<LabelDecision> decisionFor(const Hypothesis &best, int frames,
-                                         const std::optional<timecode::Rate> &wanted)
+std::optional<LabelDecision> decisionFor(const Hypothesis &best, int frames)
 {
     LabelDecision decision;
     decision.rate.base = best.numbering.base;
@@ -114,7 +113,7 @@ std::optional<LabelDecision> decisionFor(const Hypothesis &best, int frames,
     decision.rate.dropFrame = best.numbering.base == 30 && fieldValue(decision.bits, field::dropFrame) != 0;
     decision.rate.ntsc = decision.rate.dropFrame;
     const auto label = labelOf(decision.bits);
-    if (!label || (wanted && wanted->base != decision.rate.base))
+    if (!label)
         return std::nullopt;
     if (!isLabel(*label, decision.rate)) {
         // Only the flag can be wrong here, or the label is.
@@ -133,8 +132,7 @@ std::optional<LabelDecision> decisionFor(const Hypothesis &best, int frames,
     return decision;
 }
 
-std::optional<LabelDecision> decideTimecode(const FrameGrid &grid, double measuredRate,
-                                            const std::optional<timecode::Rate> &wanted)
+std::optional<LabelDecision> decideTimecode(const FrameGrid &grid, double measuredRate)
 {
     if (grid.frames < 1)
         return std::nullopt;
@@ -145,7 +143,7 @@ std::optional<LabelDecision> decideTimecode(const FrameGrid &grid, double measur
         return std::nullopt;
     const double halves = usedHalves(grid);
     const Hypothesis &best = bestOf(hypotheses, likelihoodPerFit(hypotheses, halves), measuredRate);
-    auto decision = decisionFor(best, grid.frames, wanted);
+    auto decision = decisionFor(best, grid.frames);
     if (!decision)
         return std::nullopt;
     const auto evaluateAgain = [&](Hypothesis &other) { evaluate(averageOf(other, averages), other); };

@@ -25,14 +25,12 @@ struct LabelDecision {
     std::vector<float> levels;  ///< of all half bits of the grid, 1 or -1 (0 where not known), as decided
 };
 
-/// Decides on \a grid, whose frames follow each other at \a measuredRate [frames/s]. \a wanted restricts the
-/// base. User bits are taken to stand still.
-std::optional<LabelDecision> decideTimecode(const FrameGrid &grid, double measuredRate,
-                                            const std::optional<timecode::Rate> &wanted);
+/// Decides on \a grid, whose frames follow each other at \a measuredRate [frames/s].
+/// User bits are taken to stand still.
+std::optional<LabelDecision> decideTimecode(const FrameGrid &grid, double measuredRate);
 
 /// Rate, count and bits of the timecode that the evaluated hypothesis \a best means for \a frames frames;
-/// none when it is not \a wanted.
-std::optional<LabelDecision> decisionFor(const Hypothesis &best, int frames,
-                                         const std::optional<timecode::Rate> &wanted);
+/// none when its digits are no time of day.
+std::optional<LabelDecision> decisionFor(const Hypothesis &best, int frames);
 
 } // namespace ltcreader

@@ -14,6 +14,7 @@
 #include "ltcreader/verification/linecheck.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <utility>
 
@@ -37,8 +38,15 @@ constexpr double leastSignificance = 14.0;
 constexpr double leastShareOfSync = 0.5; // a waveform that is all sync word is none
 constexpr double digitsSyncScore = 7.0;  // deep in noise digits alone prove nothing
 
-using Decide = std::optional<LabelDecision> (*)(const FrameGrid &grid, double measuredRate,
-                                                const std::optional<timecode::Rate> &wanted);
+/// A way of deciding on a grid whose frames follow each other at a measured rate [frames/s].
+struct Way {
+    std::optional<LabelDecision> (*decide)(const FrameGrid &grid, double measuredRate);
+    double leastSyncScore; // of what it is tried on
+    bool isLast;
+};
+
+constexpr std::array<Way, 2> ways{Way{decideTimecode, 0.0, false},
+                                  Way{decideByDigits, digitsSyncScore, true}};
 
 /// \a grid after the filter that brings its half bits nearest to \a levels.
 FrameGrid adaptedGrid(FrameGrid grid, const std::vector<float> &levels)
@@ -48,19 +56,26 @@ FrameGrid adaptedGrid(FrameGrid grid, const std::vector<float> &levels)
     return grid;
 }
 
-/// Decides, and where errors repeat decides again on what a filter makes of the frames that the decision
-/// gives. The filter learns again from the second decision; what is not as sure in both of them is not
-/// believed.
-std::optional<LabelDecision> decideAdaptively(Decide decideOn, const FrameGrid &grid, double measuredRate,
+/// Decides on \a candidate in \a way, and where errors repeat decides again on what a filter makes of the
+/// frames that the decision gives. The filter learns again from the second decision; what is not as sure in
+/// both of them is not believed. None when the base is not \a wanted.
+std::optional<LabelDecision> decideAdaptively(const Way &way, const Candidate &candidate,
                                               const std::optional<timecode::Rate> &wanted)
 {
-    auto first = decideOn(grid, measuredRate, wanted);
+    const auto decideOn = [&](const FrameGrid &grid) {
+        auto decision = way.decide(grid, candidate.frameRate());
+        if (decision && wanted && wanted->base != decision->rate.base)
+            decision.reset();
+        return decision;
+    };
+    const FrameGrid &grid = candidate.grid;
+    auto first = decideOn(grid);
     const bool worthwhile =
         first && first->errorRepeats && first->amplitude >= adaptableAmplitude && first->margin < plainMargin;
     if (!worthwhile)
         return first;
-    const auto second = decideOn(adaptedGrid(grid, first->levels), measuredRate, wanted);
-    auto third = second ? decideOn(adaptedGrid(grid, second->levels), measuredRate, wanted) : std::nullopt;
+    const auto second = decideOn(adaptedGrid(grid, first->levels));
+    auto third = second ? decideOn(adaptedGrid(grid, second->levels)) : std::nullopt;
     if (!third || third->count != second->count) {
         first->margin *= unconfirmedTrust;
         return first;
@@ -186,11 +201,11 @@ JointOutcome readJointly(const std::vector<float> &samples, int sampleRate,
     std::vector<Candidate> candidates = findCandidates(samples, sampleRate);
     candidates.resize(std::min(decidedCandidates, candidates.size()));
     std::vector<Decided> all;
-    for (const Decide decideOn : {decideTimecode, decideByDigits}) {
+    for (const Way &way : ways) {
         for (const Candidate &candidate : candidates) {
-            if (decideOn == decideByDigits && candidate.grid.score < digitsSyncScore)
+            if (candidate.grid.score < way.leastSyncScore)
                 continue;
-            auto decision = decideAdaptively(decideOn, candidate.grid, candidate.frameRate(), wanted);
+            auto decision = decideAdaptively(way, candidate, wanted);
             if (!decision)
                 continue;
             all.push_back({&candidate, std::move(*decision)});
@@ -201,7 +216,7 @@ JointOutcome readJointly(const std::vector<float> &samples, int sampleRate,
         if (!best)
             continue;
         outcome.doubt = doubtAbout(*best, all, samples, sampleRate);
-        if (outcome.doubt == Doubt::TooNoisy && decideOn == decideTimecode)
+        if (outcome.doubt == Doubt::TooNoisy && !way.isLast)
             continue;
         outcome.likeliest = readingOf(*best, samples, sampleRate, wanted);
         if (!outcome.likeliest) {
