@@ -101,4 +101,9 @@ std::size_t SoundFile::read(float *interleaved, std::size_t frames)
     return static_cast<std::size_t>(std::max<sf_count_t>(0, given));
 }
 
+bool SoundFile::rewind()
+{
+    return sf_seek(handle->file, 0, SF_SEEK_SET) == 0;
+}
+
 } // namespace ltcreader

@@ -32,6 +32,9 @@ public:
     int sampleRate() const override;
     std::size_t read(float *interleaved, std::size_t frames) override;
 
+    /// Goes back to the first sample. False when that fails.
+    bool rewind();
+
 private:
     struct Handle;
     explicit SoundFile(std::unique_ptr<Handle> handle);
