@@ -24,7 +24,12 @@ int framesPerMinute(const Rate &rate)
 
 double Rate::framesPerSecond() const
 {
-    return ntsc ? base * 1000.0 / 1001.0 : base;
+    return ntsc ? ntscSpeed(base) : base;
+}
+
+std::string fraction(std::int64_t base, bool ntsc)
+{
+    return ntsc ? std::to_string(base * 1000) + "/1001" : std::to_string(base) + "/1";
 }
 
 std::int64_t framesPerDay(const Rate &rate)

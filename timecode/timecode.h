@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 
@@ -17,6 +18,12 @@ struct Label {
     friend bool operator==(const Label &, const Label &) = default;
 };
 
+/// The speed of NTSC [frames/s], 1000/1001 of \a nominal.
+constexpr double ntscSpeed(double nominal)
+{
+    return nominal * 1000.0 / 1001.0;
+}
+
 /// How frames are counted and how long they last.
 struct Rate {
     int base = 25;          ///< nominal frames per second: 24, 25 or 30
@@ -28,6 +35,13 @@ struct Rate {
 
     friend bool operator==(const Rate &, const Rate &) = default;
 };
+
+/// The rates of LTC, the slowest first; 29.97 stands for both ways of counting.
+constexpr std::array<Rate, 5> rates{
+    Rate{24, true, false}, {24, false, false}, {25, false, false}, {30, true, false}, {30, false, false}};
+
+/// \a base frames a second as a fraction, as media tools write it: "25/1", or "30000/1001" of \a ntsc.
+std::string fraction(std::int64_t base, bool ntsc);
 
 /// Number of labels of one day: 2,589,408 with drop-frame, else 86,400 * base.
 std::int64_t framesPerDay(const Rate &rate);

@@ -10,7 +10,6 @@
 #include "ltcreader/decoder/channelreader.h"
 #include "ltcreader/sound/window.h"
 
-#include <array>
 #include <cmath>
 #include <utility>
 #include <vector>
@@ -79,12 +78,7 @@ std::optional<timecode::Rate> rateClass(double frameRate)
 {
     // Users write the NTSC rates with two or three decimals.
     constexpr double rounding = 0.006;
-    constexpr std::array<timecode::Rate, 5> classes{timecode::Rate{24, true, false},
-                                                    {24, false, false},
-                                                    {25, false, false},
-                                                    {30, true, false},
-                                                    {30, false, false}};
-    for (const timecode::Rate &rate : classes) {
+    for (const timecode::Rate &rate : timecode::rates) {
         if (std::abs(rate.framesPerSecond() - frameRate) < rounding)
             return rate;
     }
