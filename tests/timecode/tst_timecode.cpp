@@ -3,6 +3,8 @@
 
 #include <QTest>
 
+#include <ltc.h>
+
 using namespace timecode;
 
 Q_DECLARE_METATYPE(timecode::Rate)
@@ -27,13 +29,15 @@ class TestTimecode : public QObject
 private slots:
     void labelsAndCountsAgree_data();
     void labelsAndCountsAgree();
-    void everyLabelOfADropFrameDayIsMetOnce();
+    void labelsFollowEachOtherAsInLibltc_data();
+    void labelsFollowEachOtherAsInLibltc();
     void leftOutLabelsDoNotExist_data();
     void leftOutLabelsDoNotExist();
     void aDayHasItsFrames();
     void countsOutsideTheDayWrap();
     void samplesAreExact_data();
     void samplesAreExact();
+    void ratesAreWrittenAsFractions();
     void dropFrameIsWrittenWithASemicolon();
 };
 
@@ -65,12 +69,33 @@ void TestTimecode::labelsAndCountsAgree()
     QVERIFY(isLabel(label, rate));
 }
 
-void TestTimecode::everyLabelOfADropFrameDayIsMetOnce()
+void TestTimecode::labelsFollowEachOtherAsInLibltc_data()
 {
-    for (std::int64_t count = 0; count < framesPerDay(drop); ++count) {
-        const Label label = labelAt(count, drop);
-        QVERIFY2(isLabel(label, drop) && frameCount(label, drop) == count, toText(label, true).c_str());
-    }
+    QTest::addColumn<Rate>("rate");
+    QTest::newRow("24") << film;
+    QTest::newRow("25") << pal;
+    QTest::newRow("30") << whole;
+    QTest::newRow("drop-frame") << drop;
+}
+
+/// A whole day of them.
+void TestTimecode::labelsFollowEachOtherAsInLibltc()
+{
+    QFETCH(Rate, rate);
+    LTCFrame frame{};
+    frame.dfbit = rate.dropFrame ? 1 : 0;
+    std::int64_t count = 0;
+    do {
+        const auto digits = [](unsigned tens, unsigned units) { return static_cast<int>(10 * tens + units); };
+        const Label expected{
+            digits(frame.hours_tens, frame.hours_units), digits(frame.mins_tens, frame.mins_units),
+            digits(frame.secs_tens, frame.secs_units), digits(frame.frame_tens, frame.frame_units)};
+        const Label label = labelAt(count, rate);
+        QVERIFY2(label == expected && isLabel(label, rate) && frameCount(label, rate) == count,
+                 toText(label, rate.dropFrame).c_str());
+        ++count;
+    } while (ltc_frame_increment(&frame, rate.base, LTC_TV_625_50, LTC_NO_PARITY) == 0);
+    QCOMPARE(qint64{count}, qint64{framesPerDay(rate)});
 }
 
 void TestTimecode::leftOutLabelsDoNotExist_data()
@@ -138,6 +163,12 @@ void TestTimecode::samplesAreExact()
     QFETCH(int, sampleRate);
     QFETCH(qint64, samples);
     QCOMPARE(qint64{samplesAt(frames, rate, sampleRate)}, samples);
+}
+
+void TestTimecode::ratesAreWrittenAsFractions()
+{
+    QCOMPARE(fraction(25, false), std::string("25/1"));
+    QCOMPARE(fraction(30, true), std::string("30000/1001"));
 }
 
 void TestTimecode::dropFrameIsWrittenWithASemicolon()
