@@ -75,8 +75,7 @@ Doubt ChannelReader::doubtAbout(const EdgeReading &reading) const
         return Doubt::Jump;
     if (carriesFalseFlag(track, reading.frames))
         return Doubt::FalseFlag;
-    const Doubt speed = doubtAboutSpeed(track.rate, track.wraps + 1, track.frameLength, track.lengthDeviation,
-                                        window.sampleRate(), wanted);
+    const Doubt speed = doubtAboutSpeed(track, track.wraps + 1, window.sampleRate(), wanted);
     if (speed != Doubt::None || (isClear(track) && beginsWithRecording(track)))
         return speed;
     return doubtAboutTrack(track, window.channel(channel), window.sampleRate());

@@ -58,34 +58,15 @@ bool isBelievable(const LabelTrack &track)
 
 Finding toFinding(const LabelTrack &track, Algorithm algorithm, int channel, const Window &window)
 {
-    Finding finding;
-    finding.rate = track.rate;
-    finding.startCount = track.startCount;
-    finding.frameLength = track.frameLength;
-    finding.channel = channel;
-    finding.level = window.level(channel, track.first, track.last);
-    finding.confidence = 1.0 - std::max(leastDoubt, std::pow(wrongFrame, track.frames)) - track.classDoubt;
-    finding.frames = track.frames;
-    finding.bits = track.bits;
-    finding.algorithm = algorithm;
-    finding.inverted = track.inverted;
-    return finding;
+    const double confidence =
+        1.0 - std::max(leastDoubt, std::pow(wrongFrame, track.frames)) - track.classDoubt;
+    return {track, channel, window.level(channel, track.first, track.last), confidence, algorithm};
 }
 
 Finding toFinding(const JointReading &reading, int channel)
 {
-    Finding finding;
-    finding.rate = reading.rate;
-    finding.startCount = reading.startCount;
-    finding.frameLength = reading.frameLength;
-    finding.channel = channel;
-    finding.level = reading.level;
-    finding.confidence = 1.0 / (1.0 + std::exp(-reading.decision.margin)) - reading.classDoubt;
-    finding.frames = reading.frames;
-    finding.bits = reading.decision.bits;
-    finding.algorithm = Algorithm::Automatic;
-    finding.inverted = reading.inverted;
-    return finding;
+    const double confidence = 1.0 / (1.0 + std::exp(-reading.decision.margin)) - reading.classDoubt;
+    return {reading, channel, reading.level, confidence, Algorithm::Automatic};
 }
 
 bool isWhole(const Finding &finding)

@@ -10,17 +10,11 @@ namespace ltcreader
 {
 
 /// A timecode that was found in one channel of a window.
-struct Finding {
-    timecode::Rate rate;
-    double startCount = 0.0;  ///< [frames] since midnight at the first sample of the window, any sign
-    double frameLength = 0.0; ///< [samples] as recorded
-    int channel = 0;          ///< from 0
-    double level = 0.0;       ///< [full scale] RMS of the timecode
-    double confidence = 0.0;  ///< 0 to 1
-    int frames = 0;           ///< that it rests on
-    FrameBits bits = 0;       ///< of one of them
+struct Finding : FoundLine {
+    int channel = 0;         ///< from 0
+    double level = 0.0;      ///< [full scale] RMS of the timecode
+    double confidence = 0.0; ///< 0 to 1
     Algorithm algorithm = Algorithm::Automatic;
-    bool inverted = false;
 };
 
 /// True when less than two whole frames lie before \a track.

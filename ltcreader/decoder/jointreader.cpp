@@ -182,10 +182,10 @@ std::optional<JointReading> readingOf(const Decided &decided, const std::vector<
     reading.rate = rateBySpeed(reading.decision.rate, reading.frameLength, sampleRate, wanted);
     if (wanted && (wanted->base != reading.rate.base || wanted->ntsc != reading.rate.ntsc))
         return std::nullopt;
-    reading.classDoubt =
-        chanceOfOtherClass(reading.rate, reading.frameLength, reading.lengthDeviation, sampleRate, wanted);
+    reading.classDoubt = chanceOfOtherClass(reading, sampleRate, wanted);
     reading.level = levelOf(samples, reading, frameZero);
     reading.frames = candidate.grid.frames;
+    reading.bits = reading.decision.bits;
     reading.inverted = startsLow(reading.decision.levels);
     return reading;
 }
@@ -228,9 +228,7 @@ JointOutcome readJointly(const std::vector<float> &samples, int sampleRate,
             outcome.doubt = Doubt::TooNoisy;
         if (outcome.doubt == Doubt::None) {
             constexpr int secondsRead = 0; // the frame number is what was decided, not what was read
-            outcome.doubt =
-                doubtAboutSpeed(outcome.likeliest->rate, secondsRead, outcome.likeliest->frameLength,
-                                outcome.likeliest->lengthDeviation, sampleRate, wanted);
+            outcome.doubt = doubtAboutSpeed(*outcome.likeliest, secondsRead, sampleRate, wanted);
         }
         break;
     }

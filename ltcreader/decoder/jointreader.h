@@ -3,6 +3,7 @@
 
 #include "ltcreader/decision/labeldecision.h"
 #include "ltcreader/frame/doubt.h"
+#include "ltcreader/frame/foundline.h"
 
 #include <optional>
 #include <vector>
@@ -11,16 +12,9 @@ namespace ltcreader
 {
 
 /// A timecode that was read from all frames of a recording together.
-struct JointReading {
+struct JointReading : FoundLine {
     LabelDecision decision;
-    double startCount = 0.0;      ///< [frames] since midnight at the first sample, any sign
-    double frameLength = 0.0;     ///< [samples] as recorded
-    double lengthDeviation = 0.0; ///< [samples] standard deviation of frameLength
-    timecode::Rate rate;          ///< with ntsc, as the speed shows
-    double classDoubt = 0.0;      ///< probability that 1000/1001 is wrong
-    double level = 0.0;           ///< [full scale] RMS of the timecode
-    int frames = 0;               ///< complete and incomplete ones
-    bool inverted = false;        ///< frames begin with a falling edge
+    double level = 0.0; ///< [full scale] RMS of the timecode
 };
 
 /// The likeliest reading, and what keeps it from being an answer.

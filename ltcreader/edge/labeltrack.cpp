@@ -253,8 +253,7 @@ std::optional<LabelTrack> findTrack(const std::vector<Frame> &frames, int sample
     best->rate = rateBySpeed(best->rate, best->frameLength, sampleRate, wanted);
     if (wanted && (wanted->base != best->rate.base || wanted->ntsc != best->rate.ntsc))
         return std::nullopt;
-    best->classDoubt =
-        chanceOfOtherClass(best->rate, best->frameLength, best->lengthDeviation, sampleRate, wanted);
+    best->classDoubt = chanceOfOtherClass(*best, sampleRate, wanted);
     best->strangers =
         static_cast<int>(std::count_if(
             frames.begin(), frames.end(),

@@ -3,6 +3,7 @@
 
 #include "ltcreader/edge/frame.h"
 #include "ltcreader/frame/doubt.h"
+#include "ltcreader/frame/foundline.h"
 #include "timecode/timecode.h"
 
 #include <optional>
@@ -15,21 +16,13 @@ namespace ltcreader
 constexpr double clearDeviation = 0.06;
 
 /// Frames of one recording that count up with time.
-struct LabelTrack {
-    timecode::Rate rate;
-    double startCount = 0.0;      ///< [frames] since midnight at the first sample of the recording, any sign
-    double frameLength = 0.0;     ///< [samples] as recorded
-    double lengthDeviation = 0.0; ///< [samples] standard deviation of frameLength
-    double deviation = 0.0;       ///< [bits] root mean square deviation of the edges
-    int frames = 0;               ///< that belong to the track
-    int unbroken = 0;             ///< most of them in a row without a gap
-    int strangers = 0;            ///< frames within its span that do not
-    int wraps = 0;           ///< times that the frame number returned to its lowest label within the track
-    double first = 0.0;      ///< [samples] where its first frame starts
-    double last = 0.0;       ///< [samples] where its last frame ends
-    FrameBits bits = 0;      ///< of its first frame
-    double classDoubt = 0.0; ///< probability that 1000/1001 is wrong
-    bool inverted = false;   ///< its frames begin with a falling edge
+struct LabelTrack : FoundLine {
+    double deviation = 0.0; ///< [bits] root mean square deviation of the edges
+    int unbroken = 0;       ///< most of its frames in a row without a gap
+    int strangers = 0;      ///< frames within its span that are not part of it
+    int wraps = 0;          ///< times that the frame number returned to its lowest label within the track
+    double first = 0.0;     ///< [samples] where its first frame starts
+    double last = 0.0;      ///< [samples] where its last frame ends
 };
 
 /// The track that the recording starts with: the earliest of \a frames (in order of time) that is long enough

@@ -26,17 +26,19 @@ bool isRateOfAnotherBase(int base, double frameLength, int sampleRate)
     });
 }
 
-/// How far the speed is from the midpoint between \a rate and its neighbour in the ratio of 1000/1001, on the
-/// side of \a rate [standard deviations]; very far where there is nothing to distinguish.
-double distanceFromMidpoint(const timecode::Rate &rate, double frameLength, double lengthDeviation,
-                            int sampleRate, const std::optional<timecode::Rate> &wanted)
+/// How far the speed is from the midpoint between the rate of \a line and its neighbour in the ratio of
+/// 1000/1001, on the side of that rate [standard deviations]; very far where there is nothing to distinguish.
+double distanceFromMidpoint(const FoundLine &line, int sampleRate,
+                            const std::optional<timecode::Rate> &wanted)
 {
     constexpr double veryFar = 100.0;
-    if (rate.base == 25 || wanted || speedError(frameLength, rate, sampleRate) > speedMatters)
+    if (line.rate.base == 25 || wanted || speedError(line.frameLength, line.rate, sampleRate) > speedMatters)
         return veryFar;
-    const double midpoint = std::sqrt(1000.0 / 1001.0) * rate.base; // [frames/s]
-    const double distance = std::log(sampleRate / frameLength / midpoint) * (rate.ntsc ? -1.0 : 1.0);
-    return std::clamp(distance * frameLength / std::max(leastDeviation, lengthDeviation), -veryFar, veryFar);
+    const double midpoint = std::sqrt(1000.0 / 1001.0) * line.rate.base; // [frames/s]
+    const double distance =
+        std::log(sampleRate / line.frameLength / midpoint) * (line.rate.ntsc ? -1.0 : 1.0);
+    return std::clamp(distance * line.frameLength / std::max(leastDeviation, line.lengthDeviation), -veryFar,
+                      veryFar);
 }
 
 } // namespace
@@ -61,25 +63,24 @@ timecode::Rate rateBySpeed(timecode::Rate rate, double frameLength, int sampleRa
     return rate;
 }
 
-Doubt doubtAboutSpeed(const timecode::Rate &rate, int seconds, double frameLength, double lengthDeviation,
-                      int sampleRate, const std::optional<timecode::Rate> &wanted)
+Doubt doubtAboutSpeed(const FoundLine &line, int seconds, int sampleRate,
+                      const std::optional<timecode::Rate> &wanted)
 {
-    const double error = speedError(frameLength, rate, sampleRate);
+    const double error = speedError(line.frameLength, line.rate, sampleRate);
     if (!(error < toleratedSpeed))
         return Doubt::Speed;
     if (!wanted && seconds < provingSeconds && error > nearSpeed &&
-        isRateOfAnotherBase(rate.base, frameLength, sampleRate))
+        isRateOfAnotherBase(line.rate.base, line.frameLength, sampleRate))
         return Doubt::Speed;
-    const double distance = distanceFromMidpoint(rate, frameLength, lengthDeviation, sampleRate, wanted);
+    const double distance = distanceFromMidpoint(line, sampleRate, wanted);
     if (std::abs(distance) < provenClass)
         return Doubt::RateClass;
     return distance > 0.0 ? Doubt::None : Doubt::FalseFlag;
 }
 
-double chanceOfOtherClass(const timecode::Rate &rate, double frameLength, double lengthDeviation,
-                          int sampleRate, const std::optional<timecode::Rate> &wanted)
+double chanceOfOtherClass(const FoundLine &line, int sampleRate, const std::optional<timecode::Rate> &wanted)
 {
-    const double distance = distanceFromMidpoint(rate, frameLength, lengthDeviation, sampleRate, wanted);
+    const double distance = distanceFromMidpoint(line, sampleRate, wanted);
     return 0.5 * std::erfc(distance / std::numbers::sqrt2); // the tail of a normal distribution
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ltcreader/frame/doubt.h"
+#include "ltcreader/frame/foundline.h"
 #include "timecode/timecode.h"
 
 #include <array>
@@ -26,16 +27,15 @@ double speedError(double frameLength, const timecode::Rate &rate, int sampleRate
 timecode::Rate rateBySpeed(timecode::Rate rate, double frameLength, int sampleRate,
                            const std::optional<timecode::Rate> &wanted);
 
-/// What the speed says against \a rate, as rateBySpeed() gave it. No machine runs more than 13 % too fast or
-/// too slow. Film at 24 runs at 25, but labels that jump once look like it: so where no rate is \a wanted,
-/// the frame number must be read to return twice, \a seconds touched be three. 1000/1001 is proven only where
-/// the midpoint to the whole rate is four standard deviations away, \a lengthDeviation [samples]; far from
-/// both rates, and where one is \a wanted, it need not be.
-Doubt doubtAboutSpeed(const timecode::Rate &rate, int seconds, double frameLength, double lengthDeviation,
-                      int sampleRate, const std::optional<timecode::Rate> &wanted);
+/// What the speed says against the rate of \a line, as rateBySpeed() gave it. No machine runs more than 13 %
+/// too fast or too slow. Film at 24 runs at 25, but labels that jump once look like it: so where no rate is
+/// \a wanted, the frame number must be read to return twice, \a seconds touched be three. 1000/1001 is proven
+/// only where the midpoint to the whole rate is four standard deviations away; far from both rates, and where
+/// one is \a wanted, it need not be.
+Doubt doubtAboutSpeed(const FoundLine &line, int seconds, int sampleRate,
+                      const std::optional<timecode::Rate> &wanted);
 
-/// The probability, by the measured speed alone, that the class of \a rate is the other one.
-double chanceOfOtherClass(const timecode::Rate &rate, double frameLength, double lengthDeviation,
-                          int sampleRate, const std::optional<timecode::Rate> &wanted);
+/// The probability, by the measured speed alone, that the class of the rate of \a line is the other one.
+double chanceOfOtherClass(const FoundLine &line, int sampleRate, const std::optional<timecode::Rate> &wanted);
 
 } // namespace ltcreader
