@@ -179,10 +179,9 @@ std::optional<JointReading> readingOf(const Decided &decided, const std::vector<
     reading.frameLength = line.slope * bitsPerFrame * samplesPerFiltered;
     reading.lengthDeviation = line.slopeDeviation * bitsPerFrame * samplesPerFiltered;
     reading.startCount = static_cast<double>(reading.decision.count) - frameZero / reading.frameLength;
-    reading.rate = rateBySpeed(reading.decision.rate, reading.frameLength, sampleRate, wanted);
-    if (wanted && (wanted->base != reading.rate.base || wanted->ntsc != reading.rate.ntsc))
+    reading.rate = reading.decision.rate;
+    if (!setRateClass(reading, sampleRate, wanted))
         return std::nullopt;
-    reading.classDoubt = chanceOfOtherClass(reading, sampleRate, wanted);
     reading.level = levelOf(samples, reading, frameZero);
     reading.frames = candidate.grid.frames;
     reading.bits = reading.decision.bits;

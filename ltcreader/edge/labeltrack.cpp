@@ -250,10 +250,8 @@ std::optional<LabelTrack> findTrack(const std::vector<Frame> &frames, int sample
         return findTrack(run, sampleRate, wanted);
     if (!best)
         return std::nullopt;
-    best->rate = rateBySpeed(best->rate, best->frameLength, sampleRate, wanted);
-    if (wanted && (wanted->base != best->rate.base || wanted->ntsc != best->rate.ntsc))
+    if (!setRateClass(*best, sampleRate, wanted))
         return std::nullopt;
-    best->classDoubt = chanceOfOtherClass(*best, sampleRate, wanted);
     best->strangers =
         static_cast<int>(std::count_if(
             frames.begin(), frames.end(),

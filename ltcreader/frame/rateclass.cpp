@@ -41,13 +41,8 @@ double distanceFromMidpoint(const FoundLine &line, int sampleRate,
                       veryFar);
 }
 
-} // namespace
-
-double speedError(double frameLength, const timecode::Rate &rate, int sampleRate)
-{
-    return std::abs(std::log(sampleRate / frameLength / rate.framesPerSecond()));
-}
-
+/// \a rate with ntsc as the measured frame length [samples] shows. Where the speed fits neither of both, \a
+/// wanted decides.
 timecode::Rate rateBySpeed(timecode::Rate rate, double frameLength, int sampleRate,
                            const std::optional<timecode::Rate> &wanted)
 {
@@ -63,6 +58,27 @@ timecode::Rate rateBySpeed(timecode::Rate rate, double frameLength, int sampleRa
     return rate;
 }
 
+/// The probability, by the measured speed alone, that the class of the rate of \a line is the other one.
+double chanceOfOtherClass(const FoundLine &line, int sampleRate, const std::optional<timecode::Rate> &wanted)
+{
+    const double distance = distanceFromMidpoint(line, sampleRate, wanted);
+    return 0.5 * std::erfc(distance / std::numbers::sqrt2); // the tail of a normal distribution
+}
+
+} // namespace
+
+double speedError(double frameLength, const timecode::Rate &rate, int sampleRate)
+{
+    return std::abs(std::log(sampleRate / frameLength / rate.framesPerSecond()));
+}
+
+bool setRateClass(FoundLine &line, int sampleRate, const std::optional<timecode::Rate> &wanted)
+{
+    line.rate = rateBySpeed(line.rate, line.frameLength, sampleRate, wanted);
+    line.classDoubt = chanceOfOtherClass(line, sampleRate, wanted);
+    return !wanted || (wanted->base == line.rate.base && wanted->ntsc == line.rate.ntsc);
+}
+
 Doubt doubtAboutSpeed(const FoundLine &line, int seconds, int sampleRate,
                       const std::optional<timecode::Rate> &wanted)
 {
@@ -76,12 +92,6 @@ Doubt doubtAboutSpeed(const FoundLine &line, int seconds, int sampleRate,
     if (std::abs(distance) < provenClass)
         return Doubt::RateClass;
     return distance > 0.0 ? Doubt::None : Doubt::FalseFlag;
-}
-
-double chanceOfOtherClass(const FoundLine &line, int sampleRate, const std::optional<timecode::Rate> &wanted)
-{
-    const double distance = distanceFromMidpoint(line, sampleRate, wanted);
-    return 0.5 * std::erfc(distance / std::numbers::sqrt2); // the tail of a normal distribution
 }
 
 } // namespace ltcreader

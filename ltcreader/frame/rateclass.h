@@ -22,20 +22,16 @@ constexpr double speedMatters = 0.003;
 /// quotient.
 double speedError(double frameLength, const timecode::Rate &rate, int sampleRate);
 
-/// \a rate with ntsc as the measured frame length [samples] shows. Where the speed fits neither of both, \a
-/// wanted decides.
-timecode::Rate rateBySpeed(timecode::Rate rate, double frameLength, int sampleRate,
-                           const std::optional<timecode::Rate> &wanted);
+/// Sets ntsc of the rate of \a line, and its classDoubt, as the measured speed shows; where that fits neither
+/// of both, \a wanted decides. False when the rate is not \a wanted (its dropFrame is not looked at).
+bool setRateClass(FoundLine &line, int sampleRate, const std::optional<timecode::Rate> &wanted);
 
-/// What the speed says against the rate of \a line, as rateBySpeed() gave it. No machine runs more than 13 %
+/// What the speed says against the rate of \a line, as setRateClass() gave it. No machine runs more than 13 %
 /// too fast or too slow. Film at 24 runs at 25, but labels that jump once look like it: so where no rate is
 /// \a wanted, the frame number must be read to return twice, \a seconds touched be three. 1000/1001 is proven
 /// only where the midpoint to the whole rate is four standard deviations away; far from both rates, and where
 /// one is \a wanted, it need not be.
 Doubt doubtAboutSpeed(const FoundLine &line, int seconds, int sampleRate,
                       const std::optional<timecode::Rate> &wanted);
-
-/// The probability, by the measured speed alone, that the class of the rate of \a line is the other one.
-double chanceOfOtherClass(const FoundLine &line, int sampleRate, const std::optional<timecode::Rate> &wanted);
 
 } // namespace ltcreader
