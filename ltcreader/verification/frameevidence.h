@@ -17,14 +17,7 @@ constexpr std::size_t partCount = 2 + digitCount;
 constexpr std::array<BitField, partCount> parts{field::frameUnits,  field::frameTens,  field::dropFrame,
                                                 field::secondUnits, field::secondTens, field::minuteUnits,
                                                 field::minuteTens,  field::hourUnits,  field::hourTens};
-enum Part : std::size_t {
-    FrameUnitsPart,
-    FrameTensPart,
-    FlagPart,
-    SecondUnitsPart,
-    SecondTensPart,
-    MinuteUnitsPart
-};
+enum Part : std::size_t { FrameUnitsPart, FrameTensPart, FlagPart, SecondUnitsPart, SecondTensPart };
 
 /// A value for each of them.
 using PartValues = std::array<int, partCount>;
