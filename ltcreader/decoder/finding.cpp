@@ -60,13 +60,15 @@ Finding toFinding(const LabelTrack &track, Algorithm algorithm, int channel, con
 {
     const double confidence =
         1.0 - std::max(leastDoubt, std::pow(wrongFrame, track.frames)) - track.classDoubt;
-    return {track, channel, window.level(channel, track.first, track.last), confidence, algorithm};
+    const FoundLine &line = track;
+    return {line, channel, window.level(channel, track.first, track.last), confidence, algorithm};
 }
 
 Finding toFinding(const JointReading &reading, int channel)
 {
     const double confidence = 1.0 / (1.0 + std::exp(-reading.decision.margin)) - reading.classDoubt;
-    return {reading, channel, reading.level, confidence, Algorithm::Automatic};
+    const FoundLine &line = reading;
+    return {line, channel, reading.level, confidence, Algorithm::Automatic};
 }
 
 bool isWhole(const Finding &finding)
