@@ -4,6 +4,7 @@
 #include "app/records/jsonnumbers.h"
 #include "ffmpeg/audiomapping.h"
 #include "ffmpeg/videocodec.h"
+#include "timecode/timecode.h"
 
 #include <algorithm>
 
@@ -33,7 +34,7 @@ QStringList waveTimecode(const QJsonObject &reading)
     const double found = std::clamp(reading["FrameRateFound"].toDouble(), 0.0, highestRate);
     // A reader that reports the nominal rate of NTSC material means the true one.
     const bool isNominal = reading["NTSC"].toBool() && found == reading["FrameRateBaseFound"].toDouble();
-    const double rate = isNominal ? found * 1000 / 1001 : found;
+    const double rate = isNominal ? timecode::ntscSpeed(found) : found;
     return {"-metadata", "time_reference=" + QString::number(samples), "-metadata",
             "comment=sSPEED=0" + QString::number(rate, 'f', 3) + '-' + (dropFrame ? "DF" : "ND")};
 }
@@ -53,7 +54,7 @@ QStringList timecode(const FileData &file, int videoType, Container container)
     if (!reading["NTSC"].toBool())
         arguments += {"-r", QString::number(baseRate)}; // a second -r after that of DNxHD, on purpose
     else if (videocodec::leavesFrameRateOpen(videoType))
-        arguments += {"-r", QString::number(qint64{baseRate} * 1000) + "/1001"};
+        arguments += {"-r", QString::fromStdString(timecode::fraction(baseRate, true))};
     return arguments;
 }
 

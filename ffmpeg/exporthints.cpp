@@ -3,6 +3,7 @@
 
 #include "ffmpeg/audiomapping.h"
 #include "ffmpeg/videocodec.h"
+#include "timecode/timecode.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -61,9 +62,7 @@ QString timecodeRate(const FileData &file)
     const int baseRate = file.audioTCResult["FrameRateBaseFound"].toInt();
     if (!file.hasAudioTC || baseRate <= 0)
         return {};
-    if (!file.audioTCResult["NTSC"].toBool())
-        return QString::number(baseRate) + "/1";
-    return QString::number(qint64{baseRate} * 1000) + "/1001";
+    return QString::fromStdString(timecode::fraction(baseRate, file.audioTCResult["NTSC"].toBool()));
 }
 
 QString pictureChoice(const ExportOptions &options)

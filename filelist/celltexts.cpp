@@ -3,6 +3,7 @@
 
 #include "app/records/jsonnumbers.h"
 #include "ltc/readererrors.h"
+#include "timecode/timecode.h"
 
 #include <QCoreApplication>
 #include <QStringList>
@@ -56,7 +57,7 @@ QString duration(double seconds)
 double frameRate(const QJsonObject &result)
 {
     const double found = result.value("FrameRateFound").toDouble();
-    return result.value("NTSC").toBool() ? found * 1000.0 / 1001.0 : found;
+    return result.value("NTSC").toBool() ? timecode::ntscSpeed(found) : found;
 }
 
 QString audioTimecode(const QJsonObject &result)

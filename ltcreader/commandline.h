@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/decoder.h"
+#include "ltcreader/decoder/decoder.h"
 #include "ltcreader/exitcode.h"
 
 #include <functional>

@@ -6,8 +6,8 @@
 
 #include "ltcreader/diagnosis.h"
 
-#include "ltcreader/edgereader.h"
-#include "ltcreader/window.h"
+#include "ltcreader/edge/edgereader.h"
+#include "ltcreader/sound/window.h"
 
 #include <algorithm>
 #include <cmath>

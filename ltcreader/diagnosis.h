@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ltcreader/doubt.h"
-#include "ltcreader/samplesource.h"
+#include "ltcreader/frame/doubt.h"
+#include "ltcreader/sound/samplesource.h"
 
 #include <array>
 #include <string>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/commandline.h"
-#include "ltcreader/decoder.h"
+#include "ltcreader/decoder/decoder.h"
 #include "ltcreader/diagnosis.h"
 #include "ltcreader/report.h"
-#include "ltcreader/soundfile.h"
+#include "ltcreader/sound/soundfile.h"
 
 #include <cstdio>
 #include <exception>
@@ -51,15 +51,13 @@ int answer(Question question)
 }
 
 /// What was read, or why nothing was, with a picture of the channels concerned.
-int describe(const Run &run, const Outcome &outcome)
+int describe(const Run &run, const Outcome &outcome, SoundFile &file)
 {
-    SoundFileError error = SoundFileError::None;
-    const auto file = SoundFile::open(run.path, error);
-    if (!file)
-        return fail(ExitCode::CannotOpen, "cannot open " + run.path);
+    if (!file.rewind())
+        return fail(ExitCode::CannotOpen, "cannot read again " + run.path);
     const bool found = outcome.doubt == Doubt::None;
     std::string text = found ? toText(*outcome.likeliest) : std::string();
-    const std::vector<Diagnosis> channels = diagnose(*file);
+    const std::vector<Diagnosis> channels = diagnose(file);
     const int only = found ? outcome.likeliest->channel : run.settings.channel;
     for (int channel = 0; channel < static_cast<int>(channels.size()); ++channel) {
         if (only < 0 || channel == only)
@@ -84,7 +82,7 @@ int readFile(const Run &run)
     }
     const Outcome outcome = examine(*file, run.settings);
     if (run.format == OutputFormat::Text)
-        return describe(run, outcome);
+        return describe(run, outcome, *file);
     if (outcome.doubt != Doubt::None)
         return fail(ExitCode::NotFound, "no timecode found in " + run.path);
     return print(toJson(*outcome.likeliest));

@@ -81,7 +81,7 @@ std::string toJson(const Reading &reading)
 
 std::string toText(const Reading &reading)
 {
-    const FrameRate rate{reading.baseRate, reading.ntsc, reading.dropFrame};
+    const timecode::Rate rate{reading.baseRate, reading.ntsc, reading.dropFrame};
     std::string text;
     const auto add = [&text](std::string name, const std::string &value) {
         constexpr std::size_t column = 26;

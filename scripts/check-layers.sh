@@ -8,7 +8,14 @@ cd "$(dirname "$(readlink -f "$0")")/.."
 # One layer a line, the lowest first. Folders of one layer do not know each other, so there are no cycles. A folder that
 # is not listed belongs to the listed one that it is in.
 layers='
-app/records process widgets ltcreader tooladapter tests/support
+timecode ltcreader/maths ltcreader/sound
+ltcreader/frame ltcreader/frontend
+ltcreader/edge ltcreader/sync
+ltcreader/decision
+ltcreader/verification
+ltcreader/decoder
+ltcreader
+app/records process widgets tooladapter tests/support
 ffmpeg ltc update demo/mediakit tests/fakes
 control filelist demo/samples
 app batch

@@ -16,7 +16,7 @@ ltcreader::Outcome outcomeOf(const Case &recording, const ltcreader::Settings &s
 
 Answer answerOf(const ltcreader::Reading &reading)
 {
-    const ltcreader::Timecode &start = reading.start;
+    const timecode::Label &start = reading.start;
     return {{start.hours, start.minutes, start.seconds, start.frames},
             {reading.baseRate, reading.ntsc, reading.dropFrame},
             reading.channel,

@@ -3,7 +3,7 @@
 
 #include "bench/ltc/cases.h"
 
-#include "ltcreader/decoder.h"
+#include "ltcreader/decoder/decoder.h"
 
 namespace ltcbench
 {

@@ -5,10 +5,10 @@
 // Input: the algorithm, the channel and the frame rate that are asked for, whether the answer is for people,
 // then the bytes of the file.
 
-#include "ltcreader/decoder.h"
+#include "ltcreader/decoder/decoder.h"
 #include "ltcreader/diagnosis.h"
 #include "ltcreader/report.h"
-#include "ltcreader/soundfile.h"
+#include "ltcreader/sound/soundfile.h"
 #include "tests/fuzz/fuzzinput.h"
 
 #include <QJsonDocument>
@@ -58,7 +58,7 @@ Settings takeSettings(fuzz::Input &input)
 
 void checkReading(const Reading &reading, const SampleSource &file, const Settings &settings)
 {
-    const FrameRate rate{reading.baseRate, reading.ntsc, reading.dropFrame};
+    const timecode::Rate rate{reading.baseRate, reading.ntsc, reading.dropFrame};
     require(rate.base == 24 || rate.base == 25 || rate.base == 30, "the rate is one of LTC");
     require(isLabel(reading.start, rate), "the timecode exists at its rate");
     require(!reading.dropFrame || reading.ntsc, "drop-frame only together with NTSC");

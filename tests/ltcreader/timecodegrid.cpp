@@ -14,7 +14,7 @@ FrameBits fieldBits(BitField part, int value)
     return static_cast<FrameBits>(value) << part.first;
 }
 
-FrameBits bitsOf(const Timecode &label, bool dropFrame)
+FrameBits bitsOf(const timecode::Label &label, bool dropFrame)
 {
     return fieldBits(field::frameUnits, label.frames % 10) | fieldBits(field::frameTens, label.frames / 10) |
            fieldBits(field::dropFrame, dropFrame ? 1 : 0) |
@@ -27,7 +27,8 @@ FrameBits bitsOf(const Timecode &label, bool dropFrame)
 
 } // namespace
 
-FrameGrid gridOfTimecode(const Timecode &start, const FrameRate &rate, int frames, const UserBits &userBits)
+FrameGrid gridOfTimecode(const timecode::Label &start, const timecode::Rate &rate, int frames,
+                         const UserBits &userBits)
 {
     FrameGrid grid;
     grid.frames = frames;
@@ -38,7 +39,7 @@ FrameGrid gridOfTimecode(const Timecode &start, const FrameRate &rate, int frame
         level = one ? level : -level;
     };
     for (int frame = 0; frame < frames; ++frame) {
-        const Timecode label = labelAt(frameCount(start, rate) + frame, rate);
+        const timecode::Label label = labelAt(frameCount(start, rate) + frame, rate);
         const FrameBits bits = bitsOf(label, rate.dropFrame) | userBits(frame);
         for (int bit = 0; bit < dataBits; ++bit)
             addBit((bits >> bit & 1U) != 0);

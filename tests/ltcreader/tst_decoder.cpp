@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/decoder.h"
+#include "ltcreader/decoder/decoder.h"
 #include "tests/support/biphasemark.h"
 #include "tests/support/impairments.h"
 #include "tests/support/ltcsignal.h"

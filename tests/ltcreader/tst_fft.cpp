@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/fft.h"
+#include "ltcreader/maths/fft.h"
 
 #include <QTest>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/adaptation.h"
-#include "ltcreader/equaliser.h"
-#include "ltcreader/restoration.h"
-#include "ltcreader/symmetricequations.h"
+#include "ltcreader/frontend/decisiondirected.h"
+#include "ltcreader/frontend/minimumphase.h"
+#include "ltcreader/frontend/regularisedinverse.h"
+#include "ltcreader/maths/toeplitz.h"
 #include "tests/ltcreader/timecodegrid.h"
 
 #include <QTest>
@@ -16,7 +16,7 @@ using namespace ltcreader;
 namespace
 {
 
-constexpr FrameRate pal{25, false, false};
+constexpr timecode::Rate pal{25, false, false};
 constexpr double halfBit = 1.0 / 4000.0; // [s] at 25 frames a second
 
 FrameBits noUserBits(int)
@@ -103,7 +103,7 @@ private slots:
 void TestFilters::equationsAreSolved()
 {
     const std::array<double, 3> diagonals{4.0, 1.0, 0.5};
-    const std::array<double, 3> solution = solveSymmetric(diagonals, {6.0, 10.0, 6.0});
+    const std::array<double, 3> solution = solveToeplitz(diagonals, {6.0, 10.0, 6.0});
     const std::array<double, 3> expected{0.875, 2.0625, 0.875};
     for (std::size_t row = 0; row < solution.size(); ++row)
         QVERIFY(std::abs(solution[row] - expected[row]) < 1e-3);
@@ -123,21 +123,21 @@ void TestFilters::missingLowFrequenciesAreMadeUpFor()
     QFETCH(double, corner);
     QFETCH(double, order);
     const std::vector<float> levels = someTimecode().halves;
-    Conditioned sound;
+    FilteredSound sound;
     sound.weights = weightsFalling(corner, order);
-    const HalfBits bent{filtered(levels, sound.weights)};
-    const HalfBits straight = equalise(bent, sound, halfBit);
-    QCOMPARE(straight.values.size(), levels.size());
-    const double before = correlation(bent.values, levels);
-    const double after = correlation(straight.values, levels);
+    const std::vector<float> bent = filtered(levels, sound.weights);
+    const std::vector<float> straight = equaliseByInverse(bent, sound, halfBit);
+    QCOMPARE(straight.size(), levels.size());
+    const double before = correlation(bent, levels);
+    const double after = correlation(straight, levels);
     QVERIFY2(1.0 - after < 0.2 * (1.0 - before),
              qPrintable(QString("%1 before, %2 after").arg(before).arg(after)));
 }
 
 void TestFilters::withoutWeightsHalfBitsStayAsTheyAre()
 {
-    const HalfBits halfBits{someTimecode().halves};
-    QCOMPARE(equalise(halfBits, Conditioned(), halfBit).values, halfBits.values);
+    const std::vector<float> halfBits = someTimecode().halves;
+    QCOMPARE(equaliseByInverse(halfBits, FilteredSound(), halfBit), halfBits);
 }
 
 void TestFilters::aFilterIsUndone_data()
@@ -159,10 +159,10 @@ void TestFilters::aFilterIsUndone()
     };
     std::vector<double> powers{0.0};
     for (int step = 1; step < 320; ++step)
-        powers.push_back(density(step * restorationStep) * std::norm(response(step * restorationStep)));
-    const std::vector<std::complex<float>> gains = restoringGains(powers);
+        powers.push_back(density(step * gainStep) * std::norm(response(step * gainStep)));
+    const std::vector<std::complex<float>> gains = minimumPhaseGains(powers);
     const auto whole = [&](double frequency) {
-        const auto step = static_cast<std::size_t>(frequency / restorationStep);
+        const auto step = static_cast<std::size_t>(frequency / gainStep);
         return std::complex<double>(gains[step]) * response(frequency);
     };
     const std::complex<double> middle = whole(1500.0);
@@ -177,28 +177,27 @@ void TestFilters::aFilterIsUndone()
 
 void TestFilters::nothingIsRestoredFromNothing()
 {
-    QVERIFY(restoringGains({}).empty());
+    QVERIFY(minimumPhaseGains({}).empty());
 }
 
 void TestFilters::adaptationUndoesAnEcho()
 {
-    const FrameGrid clean = someTimecode();
-    FrameGrid echoed = clean;
-    for (std::size_t i = 3; i < clean.halves.size(); ++i)
-        echoed.halves[i] += 0.5F * clean.halves[i - 3];
-    const FrameGrid result = adapted(echoed, clean.halves);
-    QVERIFY(correlation(result.halves, clean.halves) > 0.99);
-    QVERIFY(correlation(echoed.halves, clean.halves) < 0.95);
+    const std::vector<float> clean = someTimecode().halves;
+    std::vector<float> echoed = clean;
+    for (std::size_t i = 3; i < clean.size(); ++i)
+        echoed[i] += 0.5F * clean[i - 3];
+    QVERIFY(correlation(equaliseByDecision(echoed, clean), clean) > 0.99);
+    QVERIFY(correlation(echoed, clean) < 0.95);
 }
 
 void TestFilters::adaptationKeepsWhatIsMissing()
 {
-    FrameGrid grid = someTimecode();
-    std::fill_n(grid.halves.begin(), 100, 0.0F);
-    const FrameGrid result = adapted(grid, grid.halves);
+    std::vector<float> halfBits = someTimecode().halves;
+    std::fill_n(halfBits.begin(), 100, 0.0F);
+    const std::vector<float> result = equaliseByDecision(halfBits, halfBits);
     for (std::size_t i = 0; i < 100; ++i)
-        QCOMPARE(result.halves[i], 0.0F);
-    QVERIFY(result.halves[100] != 0.0F);
+        QCOMPARE(result[i], 0.0F);
+    QVERIFY(result[100] != 0.0F);
 }
 
 QTEST_APPLESS_MAIN(TestFilters)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/hypothesis.h"
+#include "ltcreader/decision/hypothesis.h"
 
 #include <QTest>
 

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/linecheck.h"
+#include "ltcreader/frontend/prewhitener.h"
+#include "ltcreader/verification/beginning.h"
+#include "ltcreader/verification/linecheck.h"
 #include "tests/ltcreader/timecodegrid.h"
 
 #include <QTest>
@@ -8,7 +10,7 @@
 
 using namespace ltcreader;
 
-Q_DECLARE_METATYPE(ltcreader::Timecode)
+Q_DECLARE_METATYPE(timecode::Label)
 Q_DECLARE_METATYPE(ltcreader::FrameGrid)
 
 class TestLineCheck : public QObject
@@ -31,8 +33,8 @@ private slots:
 namespace
 {
 
-constexpr FrameRate pal{25, false, false};
-constexpr Timecode start{10, 20, 30, 12};
+constexpr timecode::Rate pal{25, false, false};
+constexpr timecode::Label start{10, 20, 30, 12};
 constexpr int frames = 75;
 
 FrameBits noUserBits(int)
@@ -40,7 +42,7 @@ FrameBits noUserBits(int)
     return 0;
 }
 
-FrameGrid gridFrom(const Timecode &label)
+FrameGrid gridFrom(const timecode::Label &label)
 {
     return gridOfTimecode(label, pal, frames, noUserBits);
 }
@@ -66,7 +68,7 @@ FrameGrid frozen(FrameGrid grid)
 
 constexpr double frameLength = 1920.0; // [samples]
 
-Doubt doubtAbout(FrameGrid grid, double noise, const Timecode &label = start,
+Doubt doubtAbout(FrameGrid grid, double noise, const timecode::Label &label = start,
                  const std::vector<float> &samples = {})
 {
     addNoise(grid, noise);
@@ -118,17 +120,17 @@ void TestLineCheck::otherLabelsAreSeen()
 
 void TestLineCheck::likelyJumpsNeedFewFrames_data()
 {
-    QTest::addColumn<Timecode>("before");
-    QTest::newRow("an hour later") << Timecode{9, 20, 30, 12};
-    QTest::newRow("an hour earlier") << Timecode{11, 20, 30, 12};
-    QTest::newRow("a minute earlier") << Timecode{10, 21, 30, 12};
-    QTest::newRow("a second earlier") << Timecode{10, 20, 31, 12};
-    QTest::newRow("a frame earlier") << Timecode{10, 20, 30, 13};
+    QTest::addColumn<timecode::Label>("before");
+    QTest::newRow("an hour later") << timecode::Label{9, 20, 30, 12};
+    QTest::newRow("an hour earlier") << timecode::Label{11, 20, 30, 12};
+    QTest::newRow("a minute earlier") << timecode::Label{10, 21, 30, 12};
+    QTest::newRow("a second earlier") << timecode::Label{10, 20, 31, 12};
+    QTest::newRow("a frame earlier") << timecode::Label{10, 20, 30, 13};
 }
 
 void TestLineCheck::likelyJumpsNeedFewFrames()
 {
-    QFETCH(Timecode, before);
+    QFETCH(timecode::Label, before);
     constexpr int frameCounts[] = {5, 6, 7};
     for (const int count : frameCounts)
         QVERIFY(doubtAbout(spliced(gridFrom(before), gridFrom(start), count), 1.0) != Doubt::None);
@@ -136,7 +138,7 @@ void TestLineCheck::likelyJumpsNeedFewFrames()
 
 void TestLineCheck::oneNoisyFrameIsNoJump()
 {
-    constexpr FrameRate ntsc{30, true, false};
+    constexpr timecode::Rate ntsc{30, true, false};
     constexpr int cut = 80;              // halves of frame 0 that the recording lacks
     constexpr std::size_t flagHalf = 21; // the one in which a drop-frame flag would show
     FrameGrid grid = gridOfTimecode(start, ntsc, frames, noUserBits);

@@ -3,7 +3,7 @@
 // Recordings whose labels do something else than counting up: the decoder refuses them, however well it reads
 // them.
 
-#include "ltcreader/decoder.h"
+#include "ltcreader/decoder/decoder.h"
 #include "tests/support/biphasemark.h"
 #include "tests/support/impairments.h"
 #include "tests/support/noise.h"
@@ -179,7 +179,8 @@ void TestOddLabels::aJumpInNoiseIsNeverAnsweredWithTheLaterLine()
                     return counting(index < jumpAt ? start : later, index, rate);
                 },
                 pal, 3.0, noise));
-            const bool first = outcome.likeliest && outcome.likeliest->start == Timecode{10, 20, 30, 12};
+            const bool first =
+                outcome.likeliest && outcome.likeliest->start == timecode::Label{10, 20, 30, 12};
             QVERIFY2(outcome.doubt != Doubt::None || first,
                      qPrintable(QStringLiteral("jump at frame %1, noise %2 dB").arg(jumpAt).arg(noise)));
         }
@@ -199,7 +200,7 @@ void TestOddLabels::anEarlyJumpThatSingleFramesShowIsNotOverruled()
         testsignals::Random random(seed);
         testsignals::addAtRatio(samples, testsignals::musicLike(random, samples.size(), 48000), 0.0);
         const Outcome outcome = outcomeOf(samples);
-        const bool first = outcome.likeliest && outcome.likeliest->start == Timecode{10, 20, 30, 12};
+        const bool first = outcome.likeliest && outcome.likeliest->start == timecode::Label{10, 20, 30, 12};
         QVERIFY2(outcome.doubt != Doubt::None || first, qPrintable(QStringLiteral("seed %1").arg(seed)));
     }
 }
@@ -217,7 +218,7 @@ void TestOddLabels::aClockInTheUserBitsDoesNotChangeTheLabel()
         testsignals::Random random(7);
         testsignals::addAtRatio(samples, testsignals::whiteNoise(random, samples.size()), noise);
         const Outcome outcome = outcomeOf(samples);
-        const bool right = outcome.likeliest && outcome.likeliest->start == Timecode{10, 20, 30, 12};
+        const bool right = outcome.likeliest && outcome.likeliest->start == timecode::Label{10, 20, 30, 12};
         QVERIFY2(outcome.doubt != Doubt::None || right, qPrintable(QStringLiteral("noise %1 dB").arg(noise)));
     }
 }
@@ -246,7 +247,7 @@ void TestOddLabels::aLateBeginningIsReadThroughSilence()
         testsignals::addAtRatio(samples, testsignals::whiteNoise(random, samples.size()), 20.0);
         const Outcome outcome = outcomeOf(samples);
         QVERIFY2(outcome.doubt == Doubt::None, qPrintable(QStringLiteral("seed %1").arg(seed)));
-        QVERIFY(outcome.likeliest->start == (Timecode{10, 20, 30, 12}));
+        QVERIFY(outcome.likeliest->start == (timecode::Label{10, 20, 30, 12}));
     }
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ltcreader/soundfile.h"
+#include "ltcreader/sound/soundfile.h"
 #include "tests/support/wavfile.h"
 
 #include <QFile>
@@ -25,6 +25,7 @@ private slots:
     void lengthsInTheHeaderNeedNotBeTrue_data();
     void lengthsInTheHeaderNeedNotBeTrue();
     void chunksBeforeTheSoundAreSkipped();
+    void aFileIsReadAgainFromItsBeginning();
     void whatIsNoSoundIsRefused_data();
     void whatIsNoSoundIsRefused();
 
@@ -161,6 +162,18 @@ void TestSoundFile::chunksBeforeTheSoundAreSkipped()
     const auto file = SoundFile::open(pathOf("list.wav").toStdString(), error);
     QVERIFY(file);
     QCOMPARE(readAll(*file).size(), count);
+}
+
+void TestSoundFile::aFileIsReadAgainFromItsBeginning()
+{
+    QVERIFY(!plainWav(pathOf("again.wav")).isEmpty());
+    SoundFileError error = SoundFileError::None;
+    const auto file = SoundFile::open(pathOf("again.wav").toStdString(), error);
+    QVERIFY(file);
+    const std::vector<float> first = readAll(*file);
+    QCOMPARE(first.size(), count);
+    QVERIFY(file->rewind());
+    QCOMPARE(readAll(*file), first);
 }
 
 void TestSoundFile::whatIsNoSoundIsRefused_data()

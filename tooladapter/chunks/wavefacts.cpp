@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tooladapter/chunks/wavefacts.h"
 
+#include "timecode/timecode.h"
+
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <string_view>
@@ -12,19 +13,20 @@ namespace tooladapter
 namespace
 {
 
-constexpr std::array ltcRates{FrameRate{24000, 1001}, FrameRate{24, 1}, FrameRate{25, 1},
-                              FrameRate{30000, 1001}, FrameRate{30, 1}};
-
 /// The rate of LTC nearest to the number that \a speed begins with; an invalid one if none is near.
 FrameRate rateOf(const std::string &speed)
 {
     constexpr double tolerance = 0.5; // [frames/s]
     const double found = std::strtod(speed.c_str(), nullptr);
-    const auto distance = [found](const FrameRate &rate) { return std::abs(rate.perSecond() - found); };
+    const auto distance = [found](const timecode::Rate &rate) {
+        return std::abs(rate.framesPerSecond() - found);
+    };
     const auto *const nearest = std::min_element(
-        ltcRates.begin(), ltcRates.end(),
-        [distance](const FrameRate &a, const FrameRate &b) { return distance(a) < distance(b); });
-    return distance(*nearest) <= tolerance ? *nearest : FrameRate{};
+        timecode::rates.begin(), timecode::rates.end(),
+        [distance](const timecode::Rate &a, const timecode::Rate &b) { return distance(a) < distance(b); });
+    return distance(*nearest) <= tolerance
+               ? FrameRate::fromText(timecode::fraction(nearest->base, nearest->ntsc))
+               : FrameRate{};
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tooladapter/rules/framerate.h"
 
+#include "timecode/timecode.h"
+
 #include <charconv>
 #include <cmath>
 
@@ -43,7 +45,7 @@ std::string FrameRate::toText() const
 bool FrameRate::isNtsc() const
 {
     const double whole = nominal();
-    return std::abs(perSecond() - whole * 1000 / 1001) < std::abs(perSecond() - whole);
+    return std::abs(perSecond() - timecode::ntscSpeed(whole)) < std::abs(perSecond() - whole);
 }
 
 } // namespace tooladapter

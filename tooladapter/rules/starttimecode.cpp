@@ -4,9 +4,8 @@
 #include "tooladapter/rules/refusal.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
-#include <cstdio>
+#include <string_view>
 
 namespace tooladapter
 {
@@ -22,18 +21,6 @@ bool fits(char letter, char place)
     return place == 's' ? letter == ':' || letter == ';' : letter == place;
 }
 
-/// Drop-frame leaves out the first numbers of every minute but each tenth: two of 30, four of 60.
-int droppedNumbers(int nominalRate)
-{
-    return nominalRate / 15;
-}
-
-bool isDropped(const StartTimecode &timecode, int nominalRate)
-{
-    return timecode.dropFrame && timecode.seconds == 0 && timecode.minutes % 10 != 0 &&
-           timecode.frames < droppedNumbers(nominalRate);
-}
-
 } // namespace
 
 StartTimecode StartTimecode::fromText(const std::string &text)
@@ -45,24 +32,21 @@ StartTimecode StartTimecode::fromText(const std::string &text)
     const auto number = [&text](std::size_t position) {
         return (text[position] - '0') * 10 + (text[position + 1] - '0');
     };
-    const StartTimecode timecode{number(0), number(3), number(6), number(9), text[8] == ';'};
-    if (timecode.hours > 23 || timecode.minutes > 59 || timecode.seconds > 59)
+    const StartTimecode timecode{{number(0), number(3), number(6), number(9)}, text[8] == ';'};
+    if (timecode.label.hours > 23 || timecode.label.minutes > 59 || timecode.label.seconds > 59)
         throw Refusal("\"" + text + "\" is no time of day");
     return timecode;
 }
 
 std::string StartTimecode::toText() const
 {
-    std::array<char, 48> text{};
-    std::snprintf(text.data(), text.size(), "%02d:%02d:%02d%c%02d", hours, minutes, seconds,
-                  dropFrame ? ';' : ':', frames);
-    return text.data();
+    return timecode::toText(label, dropFrame);
 }
 
 int impliedNominalRate(const StartTimecode &timecode, const FrameRate &picture)
 {
     const int counted = picture.nominal() > 30 ? picture.nominal() / 2 : picture.nominal();
-    if (timecode.dropFrame || timecode.frames >= 24)
+    if (timecode.dropFrame || timecode.label.frames >= 24)
         return 30;
     if (counted != 24 && counted != 30)
         throw Refusal("the frame rate that the timecode " + timecode.toText() +
@@ -77,7 +61,7 @@ std::string timecodeAtRate(const StartTimecode &timecode, int nominalRate, const
     if (pictureRate < 1)
         throw Refusal("a picture that changes less than once in two seconds has no frames to count for " +
                       text);
-    if (timecode.frames >= nominalRate)
+    if (timecode.label.frames >= nominalRate)
         throw Refusal("the timecode " + text + " has no such frame at " + std::to_string(nominalRate) +
                       " frames a second");
     if (timecode.dropFrame) {
@@ -85,13 +69,13 @@ std::string timecodeAtRate(const StartTimecode &timecode, int nominalRate, const
         if (nominalRate != 30 || !dropsFrames)
             throw Refusal("the drop-frame timecode " + text +
                           " needs a picture of 29.97 or 59.94 frames a second");
-        if (isDropped(timecode, nominalRate))
+        if (!isLabel(timecode.label, {30, true, true}))
             throw Refusal("the timecode " + text + " does not exist in drop-frame counting");
     }
     StartTimecode counted = timecode;
     // The nearest frame of the picture; never the next second, which is another timecode.
-    counted.frames =
-        std::min((timecode.frames * pictureRate * 2 + nominalRate) / (nominalRate * 2), pictureRate - 1);
+    counted.label.frames = std::min(
+        (timecode.label.frames * pictureRate * 2 + nominalRate) / (nominalRate * 2), pictureRate - 1);
     return counted.toText();
 }
 

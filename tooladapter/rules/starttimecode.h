@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "timecode/timecode.h"
 #include "tooladapter/rules/framerate.h"
 
 #include <string>
@@ -10,10 +11,7 @@ namespace tooladapter
 
 /// A start timecode as the reader writes it: "HH:MM:SS:FF", or "HH:MM:SS;FF" for drop-frame.
 struct StartTimecode {
-    int hours = 0;
-    int minutes = 0;
-    int seconds = 0;
-    int frames = 0;
+    timecode::Label label;
     bool dropFrame = false;
 
     /// Throws Refusal when \a text is no time of day in one of the two forms.

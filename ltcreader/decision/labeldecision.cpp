@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: MIT
+
+// All frames of a recording say one thing: which frame of which day the first one is. So they are asked
+// together.
+//
+// A hypothesis is a way of counting (24, 25, 30), a number of the first frame within its second, the second
+// within its minute, and, where the minute changes within the recording, the minute too (with drop-frame
+// skips, and the hour where that changes). All digits that move are then known for every frame; what stands
+// still, user bits and flags included, is known to stand still. Frames are added up accordingly, and the
+// trellis finds what stands still and how well the whole fits. The first step ranks the numberings with the
+// seconds left open; the second tries every second on the best of them.
+//
+// The answer's margin is the difference in log-likelihood to the best timecode that is another one, among the
+// other hypotheses and with each digit that stands still forced to another value.
+
+#include "ltcreader/decision/labeldecision.h"
+
+#include "ltcreader/decision/coherentaverage.h"
+#include "ltcreader/decision/hypothesisfit.h"
+#include "ltcreader/decision/likelihood.h"
+#include "ltcreader/decision/remodulator.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace ltcreader
+{
+namespace
+{
+
+constexpr std::size_t triedNumberings = 12; // those that fit best, on which every second is tried
+constexpr double smallestAmplitude = 0.01;  // or the speed alone would decide where nothing fits
+
+/// The frames added up under one numbering.
+struct NumberedAverage {
+    FrameNumbering numbering;
+    int correctionBit;
+    CoherentAverage average;
+    float fit;
+};
+
+using NumberedAverages = std::vector<NumberedAverage>;
+
+/// The numberings that fit \a grid best.
+NumberedAverages bestNumberings(const FrameGrid &grid, const Polarities &polarities)
+{
+    NumberedAverages averages;
+    for (const FrameNumbering &numbering : possibleNumberings(grid.frames)) {
+        for (const int correctionBit : correctionBits) {
+            CoherentAverage average = averageFrames(grid, polarities, numbering, correctionBit);
+            const float fit = fitOfNumbering(average, correctionBit);
+            averages.push_back({numbering, correctionBit, std::move(average), fit});
+        }
+    }
+    const std::size_t kept = std::min(triedNumberings, averages.size());
+    std::partial_sort(averages.begin(), averages.begin() + static_cast<std::ptrdiff_t>(kept), averages.end(),
+                      [](const NumberedAverage &a, const NumberedAverage &b) { return a.fit > b.fit; });
+    averages.resize(kept);
+    return averages;
+}
+
+std::vector<Hypothesis> evaluatedHypotheses(const NumberedAverages &averages, int frames)
+{
+    std::vector<Hypothesis> hypotheses;
+    for (const NumberedAverage &numbered : averages) {
+        for (Hypothesis hypothesis : hypothesesWith(numbered.numbering, frames)) {
+            hypothesis.correctionBit = numbered.correctionBit;
+            evaluate(numbered.average, hypothesis);
+            hypotheses.push_back(hypothesis);
+        }
+    }
+    return hypotheses;
+}
+
+const CoherentAverage &averageOf(const Hypothesis &hypothesis, const NumberedAverages &averages)
+{
+    return std::find_if(averages.begin(), averages.end(),
+                        [&hypothesis](const NumberedAverage &numbered) {
+                            return numbered.numbering == hypothesis.numbering &&
+                                   numbered.correctionBit == hypothesis.correctionBit;
+                        })
+        ->average;
+}
+
+/// Number of half bits of data that \a grid holds.
+double usedHalves(const FrameGrid &grid)
+{
+    const auto used =
+        std::count_if(grid.halves.begin(), grid.halves.end(), [](float half) { return half != 0.0F; });
+    // Neither the sync word nor the phase correction bit takes part in the fit.
+    return std::max(1.0, static_cast<double>(used) * (dataHalves - 2.0) / halvesPerFrame);
+}
+
+/// Log-likelihood that the best fit is worth for each unit of it.
+double likelihoodPerFit(const std::vector<Hypothesis> &hypotheses, double halves)
+{
+    const float most =
+        std::max_element(hypotheses.begin(), hypotheses.end(), [](const Hypothesis &a, const Hypothesis &b) {
+            return a.fit < b.fit;
+        })->fit;
+    const double amplitude = std::clamp(static_cast<double>(most) / halves, smallestAmplitude, 1.0);
+    return amplitude / noiseBeside(amplitude);
+}
+
+} // namespace
+
+std::optional<LabelDecision> decisionFor(const Hypothesis &best, int frames)
+{
+    LabelDecision decision;
+    decision.rate.base = best.numbering.base;
+    decision.bits = best.bits | static_cast<FrameBits>(best.numbering.first % 10) << field::frameUnits.first |
+                    static_cast<FrameBits>(best.numbering.first / 10) << field::frameTens.first;
+    decision.rate.dropFrame = best.numbering.base == 30 && fieldValue(decision.bits, field::dropFrame) != 0;
+    decision.rate.ntsc = decision.rate.dropFrame;
+    const auto label = labelOf(decision.bits);
+    if (!label)
+        return std::nullopt;
+    if (!isLabel(*label, decision.rate)) {
+        // Only the flag can be wrong here, or the label is.
+        decision.rate.dropFrame = false;
+        decision.rate.ntsc = false;
+    }
+    // Counted from the middle: at the ends ways of counting may differ where hardly anything of a frame is
+    // there.
+    const int middle = frames / 2;
+    const auto [second, number] = placeOf(best.numbering, middle);
+    const int minutes = best.minute < 0 ? 0 : (best.second + second) / 60;
+    const int hours = best.hour < 0 ? 0 : (label->minutes + minutes) / 60;
+    const timecode::Label inMiddle{(label->hours + hours) % 24, (label->minutes + minutes) % 60,
+                                   (best.second + second) % 60, number};
+    decision.count = frameCount(inMiddle, decision.rate) - middle;
+    return decision;
+}
+
+std::optional<LabelDecision> decideTimecode(const FrameGrid &grid, double measuredRate)
+{
+    if (grid.frames < 1)
+        return std::nullopt;
+    const Polarities polarities = findPolarities(grid);
+    const NumberedAverages averages = bestNumberings(grid, polarities);
+    const std::vector<Hypothesis> hypotheses = evaluatedHypotheses(averages, grid.frames);
+    if (hypotheses.empty())
+        return std::nullopt;
+    const double halves = usedHalves(grid);
+    const Hypothesis &best = bestOf(hypotheses, likelihoodPerFit(hypotheses, halves), measuredRate);
+    auto decision = decisionFor(best, grid.frames);
+    if (!decision)
+        return std::nullopt;
+    const auto evaluateAgain = [&](Hypothesis &other) { evaluate(averageOf(other, averages), other); };
+    decision->amplitude = static_cast<double>(best.fit) / halves;
+    decision->significance = static_cast<double>(best.fit) / std::sqrt(halves);
+    decision->syncAmplitude = polarities.amplitude;
+    decision->steadyBits = true;
+    decision->levels = remodulate(grid, polarities, best);
+    const double unexplained = noiseBeside(decision->amplitude);
+    const double repeated = repeatedError(grid, decision->levels);
+    decision->errorRepeats = repeated > unexplained;
+    // From fit to log-likelihood, with the greater of both kinds of noise.
+    const double perFit = std::min(1.0, decision->amplitude) / std::max(unexplained, repeated);
+    decision->margin = marginOf(best, hypotheses, grid.frames / 2, perFit, evaluateAgain);
+    return decision;
+}
+
+} // namespace ltcreader

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+#include "ltcreader/decoder/channelreader.h"
+
+#include "ltcreader/frame/rateclass.h"
+#include "ltcreader/verification/linecheck.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace ltcreader
+{
+namespace
+{
+
+Algorithm firstTried(Algorithm algorithm)
+{
+    return algorithm == Algorithm::Automatic ? Algorithm::Mid : algorithm;
+}
+
+/// Whether \a doubt says that frames carry something else, not that they are hard to read.
+bool isOfLabels(Doubt doubt)
+{
+    return doubt != Doubt::None && doubt != Doubt::NoTimecode && doubt != Doubt::TooNoisy &&
+           doubt != Doubt::RateClass;
+}
+
+} // namespace
+
+ChannelReader::ChannelReader(const Window &window, int channel, Algorithm algorithm,
+                             const std::optional<timecode::Rate> &wanted)
+    : window(window),
+      channel(channel),
+      algorithm(algorithm),
+      wanted(wanted),
+      edges(firstTried(algorithm), window.sampleRate())
+{
+}
+
+ChannelReader::EdgeReading ChannelReader::readingOf(const EdgeReader &reader, Algorithm way) const
+{
+    return {findTrack(reader.frames(), window.sampleRate(), wanted), reader.frames(), way};
+}
+
+std::optional<Finding> ChannelReader::follow(std::size_t from)
+{
+    const std::vector<float> &samples = window.channel(channel);
+    edges.process(samples.data() + from, samples.size() - from);
+    const EdgeReading reading = readingOf(edges, firstTried(algorithm));
+    if (!reading.track || !isSure(*reading.track) || doubtAbout(reading) != Doubt::None)
+        return std::nullopt;
+    return toFinding(*reading.track, reading.algorithm, channel, window);
+}
+
+/// In all ways that the algorithm allows, up to one that is clear.
+std::vector<ChannelReader::EdgeReading> ChannelReader::readings() const
+{
+    std::vector<EdgeReading> all{readingOf(edges, firstTried(algorithm))};
+    if (algorithm != Algorithm::Automatic)
+        return all;
+    const std::vector<float> &samples = window.channel(channel);
+    for (const Algorithm other : {Algorithm::Slope, Algorithm::High, Algorithm::Low}) {
+        if (all.front().track && isClear(*all.front().track))
+            break;
+        EdgeReader reader(other, window.sampleRate());
+        reader.process(samples.data(), samples.size());
+        all.push_back(readingOf(reader, other));
+    }
+    return all;
+}
+
+Doubt ChannelReader::doubtAbout(const EdgeReading &reading) const
+{
+    const LabelTrack &track = *reading.track;
+    if (isContradictedBefore(track, reading.frames))
+        return Doubt::Jump;
+    if (carriesFalseFlag(track, reading.frames))
+        return Doubt::FalseFlag;
+    const Doubt speed = doubtAboutSpeed(track, track.wraps + 1, window.sampleRate(), wanted);
+    if (speed != Doubt::None || (isClear(track) && beginsWithRecording(track)))
+        return speed;
+    return doubtAboutTrack(track, window.channel(channel), window.sampleRate());
+}
+
+ChannelOutcome ChannelReader::outcomeOf(const EdgeReading &reading) const
+{
+    return {toFinding(*reading.track, reading.algorithm, channel, window), doubtAbout(reading)};
+}
+
+bool ChannelReader::standsAlone(const LabelTrack &track) const
+{
+    constexpr int provingFrames = 10; // in a row; fewer may fit the count of another rate
+    constexpr double latestEnd = 2.0; // [frames] more than that behind a row could show another count
+    constexpr double quiet = 0.5;     // times the row's level: too little to hide timecode
+    const auto end = static_cast<double>(window.size());
+    const bool countsProven =
+        track.wraps > 0 || track.frames >= provingFrames || track.last > end - latestEnd * track.frameLength;
+    return countsProven &&
+           (beginsWithRecording(track) ||
+            window.level(channel, 0.0, track.first) < quiet * window.level(channel, track.first, track.last));
+}
+
+ChannelOutcome ChannelReader::readThoroughly() const
+{
+    const std::vector<EdgeReading> all = readings();
+    const auto longest =
+        std::max_element(all.begin(), all.end(), [](const EdgeReading &a, const EdgeReading &b) {
+            return (a.track ? a.track->frames : 0) < (b.track ? b.track->frames : 0);
+        });
+    if (longest->track && isClear(*longest->track) && standsAlone(*longest->track))
+        return outcomeOf(*longest);
+    // Labels that were read and do not count up are the truth, even if a sum over all frames says otherwise.
+    for (const EdgeReading &reading : all) {
+        const Doubt labels = doubtAboutLabels(reading.frames);
+        if (labels != Doubt::None)
+            return {std::nullopt, labels};
+    }
+    std::optional<ChannelOutcome> byEdges;
+    if (longest->track && isBelievable(*longest->track))
+        byEdges = outcomeOf(*longest);
+    // Spikes are what recordings with a steep high-pass filter consist of; summing reads them where slopes
+    // cannot.
+    if (algorithm != Algorithm::Automatic && algorithm != Algorithm::Slope)
+        return byEdges.value_or(ChannelOutcome());
+    const JointOutcome joint = readJointly(window.channel(channel), window.sampleRate(), wanted);
+    ChannelOutcome jointly{std::nullopt, joint.doubt};
+    if (joint.likeliest)
+        jointly.likeliest = toFinding(*joint.likeliest, channel);
+    if (!byEdges)
+        return jointly;
+    if (isOfLabels(jointly.doubt) && !standsAlone(*longest->track))
+        byEdges->doubt = jointly.doubt;
+    if (jointly.doubt != Doubt::None || isOfLabels(byEdges->doubt))
+        return *byEdges;
+    if (contradict(*byEdges->likeliest, *jointly.likeliest))
+        jointly.doubt = Doubt::TwoTimecodes;
+    return jointly;
+}
+
+} // namespace ltcreader

@@ -1,0 +1,237 @@
+// SPDX-License-Identifier: MIT
+
+// From sound to an answer when single bits cannot be read: front ends, the clock, half bits, frames,
+// the decision, and then back to the sound with the square wave that was decided for.
+
+#include "ltcreader/decoder/jointreader.h"
+
+#include "ltcreader/decision/digitdecision.h"
+#include "ltcreader/frame/rateclass.h"
+#include "ltcreader/frontend/decisiondirected.h"
+#include "ltcreader/sync/candidate.h"
+#include "ltcreader/sync/earlylatetiming.h"
+#include "ltcreader/verification/beginning.h"
+#include "ltcreader/verification/linecheck.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+namespace ltcreader
+{
+namespace
+{
+
+constexpr std::size_t decidedCandidates = 4;
+constexpr double plainMargin = 60.0;        // log-likelihood beyond which no other way of reading is tried
+constexpr double adaptedTrust = 0.67;       // in margins that a learning filter brought about
+constexpr double unconfirmedTrust = 0.5;    // in margins that it does not confirm
+constexpr double adaptableAmplitude = 0.25; // below it too many levels are wrong to learn from
+constexpr double contradictingMargin = 0.3; // of the best reading's
+constexpr double shortest = 0.1;            // [s] two frames
+
+// What a decision must reach. Chosen with the benchmark: wrong ones stay well below, what is lost is the last
+// decibel.
+constexpr double leastMargin = 11.5; // one wrong answer in a hundred thousand
+constexpr double leastSignificance = 14.0;
+constexpr double leastShareOfSync = 0.5; // a waveform that is all sync word is none
+constexpr double digitsSyncScore = 7.0;  // deep in noise digits alone prove nothing
+
+/// A way of deciding on a grid whose frames follow each other at a measured rate [frames/s].
+struct Way {
+    std::optional<LabelDecision> (*decide)(const FrameGrid &grid, double measuredRate);
+    double leastSyncScore; // of what it is tried on
+    bool isLast;
+};
+
+constexpr std::array<Way, 2> ways{Way{decideTimecode, 0.0, false},
+                                  Way{decideByDigits, digitsSyncScore, true}};
+
+/// \a grid after the filter that brings its half bits nearest to \a levels.
+FrameGrid adaptedGrid(FrameGrid grid, const std::vector<float> &levels)
+{
+    grid.halves = equaliseByDecision(grid.halves, levels);
+    measureSyncs(grid);
+    return grid;
+}
+
+/// Decides on \a candidate in \a way, and where errors repeat decides again on what a filter makes of the
+/// frames that the decision gives. The filter learns again from the second decision; what is not as sure in
+/// both of them is not believed. None when the base is not \a wanted.
+std::optional<LabelDecision> decideAdaptively(const Way &way, const Candidate &candidate,
+                                              const std::optional<timecode::Rate> &wanted)
+{
+    const auto decideOn = [&](const FrameGrid &grid) {
+        auto decision = way.decide(grid, candidate.frameRate());
+        if (decision && wanted && wanted->base != decision->rate.base)
+            decision.reset();
+        return decision;
+    };
+    const FrameGrid &grid = candidate.grid;
+    auto first = decideOn(grid);
+    const bool worthwhile =
+        first && first->errorRepeats && first->amplitude >= adaptableAmplitude && first->margin < plainMargin;
+    if (!worthwhile)
+        return first;
+    const auto second = decideOn(adaptedGrid(grid, first->levels));
+    auto third = second ? decideOn(adaptedGrid(grid, second->levels)) : std::nullopt;
+    if (!third || third->count != second->count) {
+        first->margin *= unconfirmedTrust;
+        return first;
+    }
+    third->margin = adaptedTrust * std::min(second->margin, third->margin);
+    return third->margin > first->margin ? third : first;
+}
+
+/// A decision and what it was made on.
+struct Decided {
+    const Candidate *candidate;
+    LabelDecision decision;
+
+    /// [frames] since midnight at the recording's first sample, as far as the clock shows.
+    double startCount() const
+    {
+        const double frameZero = candidate->clock.position(0.5 * candidate->grid.firstHalf);
+        return static_cast<double>(decision.count) - frameZero / (bitsPerFrame * candidate->clock.bitLength);
+    }
+};
+
+bool isBelievable(const LabelDecision &decision)
+{
+    return decision.margin >= leastMargin && decision.significance >= leastSignificance &&
+           decision.amplitude >= leastShareOfSync * decision.syncAmplitude &&
+           decision.syncAmplitude >= leastShareOfSync * decision.amplitude;
+}
+
+/// Whether two decisions on the same recording cannot both be true.
+bool contradict(const Decided &a, const Decided &b)
+{
+    return a.decision.rate.base != b.decision.rate.base || std::abs(a.startCount() - b.startCount()) > 0.5;
+}
+
+/// The decision with the greatest margin; null when there is none.
+const Decided *likeliest(const std::vector<Decided> &all)
+{
+    const auto best = std::max_element(all.begin(), all.end(), [](const Decided &a, const Decided &b) {
+        return a.decision.margin < b.decision.margin;
+    });
+    return best == all.end() ? nullptr : &*best;
+}
+
+/// What keeps \a best of \a all from being an answer: its own margin, that of others which contradict it, or
+/// frames of \a samples that do.
+Doubt doubtAbout(const Decided &best, const std::vector<Decided> &all, const std::vector<float> &samples,
+                 int sampleRate)
+{
+    if (!isBelievable(best.decision))
+        return Doubt::TooNoisy;
+    const bool doubted = std::any_of(all.begin(), all.end(), [&best](const Decided &other) {
+        return other.decision.margin > contradictingMargin * best.decision.margin && contradict(other, best);
+    });
+    if (doubted)
+        return Doubt::TwoTimecodes;
+    const Candidate &candidate = *best.candidate;
+    if (isPrecededByAnother(candidate.grid, *candidate.sound, candidate.clock))
+        return Doubt::Jump;
+    return doubtAboutLine({best.decision.rate, best.decision.count}, candidate.grid,
+                          best.decision.steadyBits ? best.decision.levels : std::vector<float>(), samples,
+                          bitsPerFrame * candidate.clock.bitLength * sampleRate /
+                              candidate.sound->sampleRate);
+}
+
+/// RMS of the square wave in \a samples: the mean of its half bits, each with the sign that was decided for.
+double levelOf(const std::vector<float> &samples, const JointReading &reading, double frameZero)
+{
+    const double halfLength = reading.frameLength / halvesPerFrame;
+    double sum = 0.0;
+    double count = 0.0;
+    for (std::size_t half = 0; half < reading.decision.levels.size(); ++half) {
+        const double begin = frameZero + static_cast<double>(half) * halfLength;
+        const auto from = static_cast<std::size_t>(std::max(0.0, std::ceil(begin)));
+        const auto to = static_cast<std::size_t>(std::max(0.0, std::ceil(begin + halfLength)));
+        for (std::size_t i = from; i < std::min(to, samples.size()); ++i) {
+            sum += static_cast<double>(reading.decision.levels[half]) * static_cast<double>(samples[i]);
+            count += std::abs(static_cast<double>(reading.decision.levels[half]));
+        }
+    }
+    return std::abs(sum) / std::max(1.0, count);
+}
+
+bool startsLow(const std::vector<float> &levels)
+{
+    float sum = 0.0F;
+    for (std::size_t i = 0; i < levels.size(); i += halvesPerFrame)
+        sum += levels[i];
+    return sum < 0.0F;
+}
+
+/// The reading that follows from \a decided; none where its rate is not \a wanted.
+std::optional<JointReading> readingOf(const Decided &decided, const std::vector<float> &samples,
+                                      int sampleRate, const std::optional<timecode::Rate> &wanted)
+{
+    const Candidate &candidate = *decided.candidate;
+    const BitLine line = measureTiming(candidate, decided.decision.levels);
+    const double samplesPerFiltered = sampleRate / candidate.sound->sampleRate;
+    const double frameZero = (line.start + line.slope * 0.5 * candidate.grid.firstHalf) * samplesPerFiltered;
+    JointReading reading;
+    reading.decision = decided.decision;
+    reading.frameLength = line.slope * bitsPerFrame * samplesPerFiltered;
+    reading.lengthDeviation = line.slopeDeviation * bitsPerFrame * samplesPerFiltered;
+    reading.startCount = static_cast<double>(reading.decision.count) - frameZero / reading.frameLength;
+    reading.rate = reading.decision.rate;
+    if (!setRateClass(reading, sampleRate, wanted))
+        return std::nullopt;
+    reading.level = levelOf(samples, reading, frameZero);
+    reading.frames = candidate.grid.frames;
+    reading.bits = reading.decision.bits;
+    reading.inverted = startsLow(reading.decision.levels);
+    return reading;
+}
+
+} // namespace
+
+JointOutcome readJointly(const std::vector<float> &samples, int sampleRate,
+                         const std::optional<timecode::Rate> &wanted)
+{
+    JointOutcome outcome;
+    if (static_cast<double>(samples.size()) < shortest * sampleRate)
+        return outcome;
+    std::vector<Candidate> candidates = findCandidates(samples, sampleRate);
+    candidates.resize(std::min(decidedCandidates, candidates.size()));
+    std::vector<Decided> all;
+    for (const Way &way : ways) {
+        for (const Candidate &candidate : candidates) {
+            if (candidate.grid.score < way.leastSyncScore)
+                continue;
+            auto decision = decideAdaptively(way, candidate, wanted);
+            if (!decision)
+                continue;
+            all.push_back({&candidate, std::move(*decision)});
+            if (all.back().decision.margin > plainMargin)
+                break;
+        }
+        const Decided *best = likeliest(all);
+        if (!best)
+            continue;
+        outcome.doubt = doubtAbout(*best, all, samples, sampleRate);
+        if (outcome.doubt == Doubt::TooNoisy && !way.isLast)
+            continue;
+        outcome.likeliest = readingOf(*best, samples, sampleRate, wanted);
+        if (!outcome.likeliest) {
+            outcome.doubt = Doubt::NoTimecode; // of the rate that is asked for
+            break;
+        }
+        if (outcome.doubt == Doubt::None &&
+            isMaskedBefore(best->candidate->grid, samples, outcome.likeliest->frameLength))
+            outcome.doubt = Doubt::TooNoisy;
+        if (outcome.doubt == Doubt::None) {
+            constexpr int secondsRead = 0; // the frame number is what was decided, not what was read
+            outcome.doubt = doubtAboutSpeed(*outcome.likeliest, secondsRead, sampleRate, wanted);
+        }
+        break;
+    }
+    return outcome;
+}
+
+} // namespace ltcreader

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#include "ltcreader/sync/candidate.h"
+
+#include "ltcreader/frame/codeword.h"
+#include "ltcreader/frontend/regularisedinverse.h"
+#include "ltcreader/sync/integrateanddump.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+namespace ltcreader
+{
+namespace
+{
+
+constexpr std::size_t clocksPerFrontEnd = 3;
+constexpr double leastSyncScore = 5.0; // chance alone reaches 3.5 at the best of 80 places
+
+/// Cuts \a sound by \a clock in the ways that suit the front end, and keeps what shows sync words.
+void addCandidates(const Prewhitener &prewhitener, FrontEnd frontEnd,
+                   std::shared_ptr<const FilteredSound> sound, const Clock &clock,
+                   std::vector<Candidate> &candidates)
+{
+    const auto add = [&](const std::vector<float> &halfBits) {
+        Candidate candidate{frontEnd, sound, clock, findFrames(halfBits)};
+        if (candidate.grid.score >= leastSyncScore)
+            candidates.push_back(std::move(candidate));
+    };
+    if (frontEnd == FrontEnd::Whitened) {
+        const double frameRate = sound->sampleRate / (bitsPerFrame * clock.bitLength);
+        sound = std::make_shared<FilteredSound>(prewhitener.prepare(frontEnd, frameRate));
+        const std::vector<float> halfBits = integrateHalfBits(*sound, clock, 0.0);
+        add(halfBits);
+        add(equaliseByInverse(halfBits, *sound, 0.5 * clock.bitLength / sound->sampleRate));
+    } else {
+        add(integrateHalfBits(*sound, clock, 0.0));
+    }
+}
+
+} // namespace
+
+double Candidate::frameRate() const
+{
+    return sound->sampleRate / (bitsPerFrame * clock.bitLength);
+}
+
+std::vector<Candidate> findCandidates(const std::vector<float> &samples, int sampleRate)
+{
+    const Prewhitener prewhitener(samples, sampleRate);
+    std::vector<Candidate> candidates;
+    for (const FrontEnd frontEnd : {FrontEnd::Whitened, FrontEnd::Flat, FrontEnd::Equalised}) {
+        const auto sound = std::make_shared<FilteredSound>(prewhitener.prepare(frontEnd));
+        for (const Clock &clock : recoverClocks(*sound, clocksPerFrontEnd))
+            addCandidates(prewhitener, frontEnd, sound, clock, candidates);
+    }
+    std::sort(candidates.begin(), candidates.end(),
+              [](const Candidate &a, const Candidate &b) { return a.grid.score > b.grid.score; });
+    return candidates;
+}
+
+} // namespace ltcreader

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ltcreader/frontend/prewhitener.h"
+#include "ltcreader/sync/clockrecovery.h"
+#include "ltcreader/sync/framesync.h"
+
+#include <memory>
+#include <vector>
+
+namespace ltcreader
+{
+
+/// A way of cutting a recording into frames in which sync words show.
+struct Candidate {
+    FrontEnd frontEnd = FrontEnd::Flat;
+    std::shared_ptr<const FilteredSound> sound;
+    Clock clock;
+    FrameGrid grid;
+
+    /// [frames/s] as recorded.
+    double frameRate() const;
+};
+
+/// The candidates in \a samples at \a sampleRate [Hz], the one with the clearest sync words first.
+std::vector<Candidate> findCandidates(const std::vector<float> &samples, int sampleRate);
+
+} // namespace ltcreader

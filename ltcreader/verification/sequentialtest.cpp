@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: MIT
+
+// Log-likelihoods of different frames add up, so those of an alternative against the line, summed from the
+// recording's beginning or to its end, show where labels jump.
+
+#include "ltcreader/verification/sequentialtest.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <utility>
+
+namespace ltcreader
+{
+namespace
+{
+
+// [log-likelihood ratios]
+constexpr double otherBeginning =
+    -1.5;                           // for something else at the beginning, where the answer would be wrong
+constexpr double proven = -1.5;     // below it the line runs from the beginning on
+constexpr double otherEnd = 7.0;    // for something else at the end, which a chimera of two lines would have
+constexpr double impossible = -1e9; // a log-likelihood ratio
+
+// What else it may be, as shares of the cases in which it is something else.
+constexpr double shareOfNearLines = 0.5; // a line one or two frames, a second, a minute or an hour away
+constexpr double shareOfOneDigit = 0.3;  // a line that differs in one digit
+constexpr double shareOfAnyLine = 0.1;   // any other line
+constexpr double shareOfMotions = 0.1;   // labels that do not count up
+
+double sumOf(const Gains &gains)
+{
+    double sum = 0.0;
+    for (const double gain : gains)
+        sum += gain;
+    return sum;
+}
+
+double bestWhole(const Rivals &rivals)
+{
+    double best = -1e9;
+    for (const Gains &gains : rivals.gains)
+        best = std::max(best, sumOf(gains));
+    return best;
+}
+
+/// The sums of \a gains over the first one, two, three... frames.
+/// What repeats in every frame adds up as fast as evidence does.
+std::vector<Gains> sumsOfFrames(const Rivals &rivals, bool backwards, const Unexplained &unexplained)
+{
+    const double once = unexplained.whole - unexplained.repeated;
+    const double step = once > 0.0 ? unexplained.repeated / once : 0.0;
+    std::vector<Gains> sums;
+    for (Gains gains : rivals.gains) {
+        if (backwards)
+            std::reverse(gains.begin(), gains.end());
+        double sum = 0.0;
+        for (double &gain : gains)
+            gain = sum += gain;
+        for (std::size_t frame = 1; frame < gains.size(); ++frame)
+            gains[frame] /= 1.0 + static_cast<double>(frame) * step;
+        sums.push_back(std::move(gains));
+    }
+    return sums;
+}
+
+/// The logarithm of the sum of likelihood ratios of which the logarithms are given.
+double logSum(const std::vector<double> &logarithms)
+{
+    const double most = *std::max_element(logarithms.begin(), logarithms.end());
+    double sum = 0.0;
+    for (const double logarithm : logarithms)
+        sum += std::exp(logarithm - most);
+    return most + std::log(sum);
+}
+
+/// For the first one, two, three... frames the logarithm of the mean likelihood ratio of all \a rivals; \a
+/// withLine: and of the line itself.
+std::vector<double> meanRatios(const Rivals &rivals, bool backwards, bool withLine,
+                               const Unexplained &unexplained)
+{
+    const std::vector<Gains> sums = sumsOfFrames(rivals, backwards, unexplained);
+    std::vector<double> means;
+    for (std::size_t frame = 0; frame < sums.front().size(); ++frame) {
+        std::vector<double> ratios;
+        if (withLine)
+            ratios.push_back(0.0);
+        for (const Gains &gains : sums)
+            ratios.push_back(gains[frame]);
+        means.push_back(logSum(ratios) - std::log(static_cast<double>(ratios.size())));
+    }
+    return means;
+}
+
+/// For the first one, two, three... frames the log-likelihood ratio of a recording that does something
+/// else there, averaged over what else it may do; \a backwards: for the last ones.
+std::vector<double> oddsOf(const AlternativeLines &alternatives, const std::vector<Rivals> &lines,
+                           const Rivals &motions, bool backwards, const Unexplained &unexplained)
+{
+    const std::vector<double> near = meanRatios(alternatives.nearCounts(), backwards, false, unexplained);
+    const std::vector<double> moving = meanRatios(motions, backwards, false, unexplained);
+    std::vector<std::vector<double>> digits;
+    std::vector<double> any(alternatives.frames());
+    for (const Rivals &rivals : lines) {
+        digits.push_back(meanRatios(rivals, backwards, false, unexplained));
+        const std::vector<double> withLine = meanRatios(rivals, backwards, true, unexplained);
+        std::transform(any.begin(), any.end(), withLine.begin(), any.begin(), std::plus<>());
+    }
+    const double digitShare = shareOfOneDigit / static_cast<double>(lines.size());
+    std::vector<double> sums;
+    for (std::size_t frame = 0; frame < alternatives.frames(); ++frame) {
+        std::vector<double> odds{std::log(shareOfNearLines) + near[frame],
+                                 std::log(shareOfAnyLine) + any[frame],
+                                 std::log(shareOfMotions) + moving[frame]};
+        for (const std::vector<double> &digit : digits)
+            odds.push_back(std::log(digitShare) + digit[frame]);
+        sums.push_back(logSum(odds));
+    }
+    return sums;
+}
+
+/// [frames] that pass before the line is proven, by \a odds from frame \a first on.
+int framesUnproven(const std::vector<double> &odds, std::size_t first)
+{
+    std::size_t frame = first;
+    while (frame < odds.size() && odds[frame] >= proven)
+        ++frame;
+    return frame == first ? 0 : static_cast<int>(frame);
+}
+
+/// The odds of something else at the beginning, which may end at any frame from \a first on; \a odds are
+/// those for each end. Only what exceeds chance counts: timecode may begin late, and nothing speaks for
+/// anything before.
+double oddsOfBeginning(const std::vector<double> &odds, std::size_t first)
+{
+    double sum = 0.0;
+    for (std::size_t end = first; end < odds.size(); ++end)
+        sum += std::max(0.0, std::expm1(odds[end]));
+    return sum > 0.0 ? std::log(sum / static_cast<double>(odds.size() - first)) : impossible;
+}
+
+/// The greatest of \a odds, but for those of one frame.
+double mostOf(const std::vector<double> &odds)
+{
+    return odds.size() < leastStretch ? impossible
+                                      : *std::max_element(odds.begin() + leastStretch - 1, odds.end());
+}
+
+} // namespace
+
+Verdict testSequentially(const AlternativeLines &alternatives, const Unexplained &unexplained, int leastEnd,
+                         double motion)
+{
+    const std::vector<Rivals> lines = alternatives.digits();
+    const Rivals motions = alternatives.otherMotions();
+    double best = contradiction;
+    Doubt doubt = Doubt::None;
+    for (const Rivals &rivals : lines) {
+        if (bestWhole(rivals) > best) {
+            best = bestWhole(rivals);
+            doubt = Doubt::TooNoisy;
+        }
+    }
+    if (bestWhole(motions) > best)
+        return {motions.doubt};
+    if (doubt != Doubt::None)
+        return {doubt};
+    if (alternatives.frames() > 1 && bestWhole(motions) > motion)
+        return {motions.doubt};
+    const auto first = static_cast<std::size_t>(leastEnd);
+    const std::vector<double> fromBeginning = oddsOf(alternatives, lines, motions, false, unexplained);
+    const std::vector<double> fromEnd = oddsOf(alternatives, lines, motions, true, unexplained);
+    if (oddsOfBeginning(fromBeginning, first) > otherBeginning || mostOf(fromEnd) > otherEnd)
+        return {Doubt::Jump};
+    return {Doubt::None, framesUnproven(fromBeginning, first)};
+}
+
+} // namespace ltcreader
