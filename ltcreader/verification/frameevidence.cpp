@@ -22,6 +22,7 @@ namespace
 constexpr int neighbours = 2;          // to each side, whose sync words give a frame's amplitude
 constexpr double polarityTrust = 0.9;  // in polarities that were decided: user bits may change
 constexpr double mostAmplitude = 0.95; // beyond, what is left is the recording's doing, not noise
+constexpr double begun = 0.9;          // of the amplitude behind, from which timecode has begun
 constexpr double steadyShare = 0.8; // of the amplitude, from which all sync words are taken for one polarity
 
 /// The strength at frame \a frame: that of both sides together, or of the weaker one where timecode begins or
@@ -119,15 +120,30 @@ int framesBefore(const FrameGrid &grid)
     return before;
 }
 
+namespace
+{
+
+/// The first frame of \a grid that its timecode fills, where it begins late; else 0.
+int firstWholeFrame(const FrameGrid &grid)
+{
+    const int before = framesBefore(grid);
+    const bool steady = isSteady(grid);
+    const double strongest = strengthOf(grid, before, grid.frames, steady).amplitude;
+    int frame = 0;
+    while (frame < before && strengthOf(grid, frame, frame + 1, steady).amplitude < begun * strongest)
+        ++frame;
+    return frame > 0 ? frame + 1 : 0; // one whose sync word shows first may be cut
+}
+
+} // namespace
+
 Evidence evidenceOf(const FrameGrid &grid, const std::vector<float> &levels)
 {
     const double unexplained = unexplainedBy(levels, grid).whole;
     const Polarities polarities = findPolarities(grid);
     const bool steady = isSteady(grid);
     Evidence evidence(static_cast<std::size_t>(grid.frames));
-    const int before = framesBefore(grid);
-    // Where timecode begins late, its first frame is seldom whole.
-    for (int frame = before > 0 ? before + 1 : 0; frame < grid.frames; ++frame) {
+    for (int frame = firstWholeFrame(grid); frame < grid.frames; ++frame) {
         const auto index = static_cast<std::size_t>(frame);
         const Strength strength = strengthAt(grid, frame, steady);
         const double noise = std::max(noiseBeside(strength.amplitude), unexplained);
