@@ -119,9 +119,10 @@ std::vector<double> oddsOf(const AlternativeLines &alternatives, const std::vect
     return sums;
 }
 
-/// [frames] that pass before the line is proven, by \a odds from frame \a first on.
-int framesUnproven(const std::vector<double> &odds, std::size_t first)
+/// [frames] that pass before the line is proven, by \a odds; a frame that the beginning cuts counts, too.
+int framesUnproven(const std::vector<double> &odds)
 {
+    constexpr std::size_t first = leastStretch - 1;
     std::size_t frame = first;
     while (frame < odds.size() && odds[frame] >= proven)
         ++frame;
@@ -172,7 +173,7 @@ Verdict testSequentially(const AlternativeLines &alternatives, const Unexplained
     const std::vector<double> fromEnd = oddsOf(alternatives, lines, motions, true, unexplained);
     if (oddsOfBeginning(fromBeginning, first) > otherBeginning || mostOf(fromEnd) > otherEnd)
         return {Doubt::Jump};
-    return {Doubt::None, framesUnproven(fromBeginning, first)};
+    return {Doubt::None, framesUnproven(fromBeginning)};
 }
 
 } // namespace ltcreader

@@ -92,6 +92,8 @@ private slots:
     void reportsAreWholeOrBroken();
     void recordingsAreFoundByTheirName();
     void sameNameMakesSameRecording();
+    void whatWasReadWrongOnceIsNot_data();
+    void whatWasReadWrongOnceIsNot();
     void everyBehaviourIsDrawnAndMade();
     void recordingsAtTheEdgeAreOrdinary();
     void valuesAtTheEdgeFollowTheLength();
@@ -264,6 +266,24 @@ void TestOddBenchmark::sameNameMakesSameRecording()
 {
     QVERIFY(caseOf(drawNamed("3/5")).recording.channels == caseOf(drawNamed("3/5")).recording.channels);
     QVERIFY(caseOf(drawNamed("3/5")).recording.channels != caseOf(drawNamed("4/5")).recording.channels);
+}
+
+void TestOddBenchmark::whatWasReadWrongOnceIsNot_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("0.2 s in speech, proven late") << "edge/1702/312";
+    QTest::newRow("early jump by an hour in music") << "1501/5737";
+    QTest::newRow("early jump by an hour in speech") << "1501/47979";
+    QTest::newRow("early jump by an hour in wind") << "1301/3403";
+    QTest::newRow("early jump by an hour in quiet speech") << "1301/30489";
+}
+
+void TestOddBenchmark::whatWasReadWrongOnceIsNot()
+{
+    QFETCH(QString, name);
+    const OddResult result = measure(drawNamed(name.toStdString()));
+    QVERIFY2(result.verdict == OddVerdict::Right || result.verdict == OddVerdict::Refused,
+             result.answered.c_str());
 }
 
 void TestOddBenchmark::everyBehaviourIsDrawnAndMade()
