@@ -243,12 +243,11 @@ std::optional<LabelDecision> decideByDigits(const FrameGrid &grid, double measur
         return std::nullopt;
     const double syncAmplitude = findPolarities(grid).amplitude;
     const std::vector<DigitLikelihoods> frames = likelihoodsOfFrames(grid, syncAmplitude);
-    std::vector<NumberedSum> sums;
     std::vector<Hypothesis> hypotheses;
     for (const FrameNumbering &numbering : possibleNumberings(grid.frames)) {
-        sums.push_back(sumUnder(numbering, frames));
+        const NumberedSum sum = sumUnder(numbering, frames);
         for (Hypothesis hypothesis : hypothesesWith(numbering, grid.frames)) {
-            evaluate(sums.back(), hypothesis);
+            evaluate(sum, hypothesis);
             hypotheses.push_back(hypothesis);
         }
     }
@@ -258,12 +257,7 @@ std::optional<LabelDecision> decideByDigits(const FrameGrid &grid, double measur
     auto decision = decisionFor(best, grid.frames);
     if (!decision)
         return std::nullopt;
-    const auto evaluateAgain = [&](Hypothesis &other) {
-        const auto sum = std::find_if(sums.begin(), sums.end(), [&other](const NumberedSum &numbered) {
-            return numbered.numbering == other.numbering;
-        });
-        evaluate(*sum, other);
-    };
+    const auto evaluateAgain = [&](Hypothesis &other) { evaluate(sumUnder(other.numbering, frames), other); };
     decision->levels = remodulateDigits(grid, best);
     const Correlation correlation = correlationOf(grid, decision->levels);
     decision->amplitude = correlation.amplitude;

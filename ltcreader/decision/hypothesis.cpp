@@ -45,6 +45,8 @@ Digits digitsAfter(const Hypothesis &hypothesis, int later)
     digits.fill(-1);
     digits[SecondUnits] = second % secondsPerMinute % 10;
     digits[SecondTens] = second % secondsPerMinute / 10;
+    if (hypothesis.doubted >= 0)
+        digits[static_cast<std::size_t>(hypothesis.doubted)] = -1;
     if (hypothesis.minute < 0)
         return digits;
     const int minute = hypothesis.minute + second / secondsPerMinute;
@@ -128,6 +130,17 @@ double marginOf(const Hypothesis &best, const std::vector<Hypothesis> &others, i
         evaluate(other);
         add(other);
     }
+    for (const Digit digit : {SecondUnits, SecondTens}) {
+        Hypothesis other = best;
+        other.doubted = digit;
+        other.allowed[digit] = ((1U << (1 << digitFields[digit].width)) - 1U) & ~anyTime[digit];
+        evaluate(other);
+        add(other);
+    }
+    Hypothesis unreal = best;
+    unreal.numbering.unreal = true;
+    evaluate(unreal);
+    add(unreal);
     return -std::log(sum + leastDoubt);
 }
 

@@ -19,6 +19,7 @@ struct Hypothesis {
     int second = 0;            ///< of frame 0
     int minute = -1;           ///< of frame 0; -1 = stands still
     int hour = -1;             ///< likewise
+    int doubted = -1;          ///< digit of the second that is left open all the same; -1 = none
     Allowed allowed = anyTime; ///< values of the digits left open
     bool realHours = true;     ///< hours stop at 23
     float fit = 0.0F;          ///< to the recording, once it was evaluated
@@ -45,8 +46,9 @@ bool sameTimecode(const Hypothesis &a, const Hypothesis &b, int frame);
 
 /// The log-likelihood ratio of \a best against all timecodes together that are other ones: \a others and, as
 /// \a evaluate finds them, those with a digit of best that stands still forced to another value, legal or
-/// not. The drop-frame flag counts where there are 30 labels in a second. Frame \a frame is compared. \a
-/// perFit is the log-likelihood that each unit of fit is worth.
+/// not, and those with a value that no clock shows in a digit of the second or of the frame number. The
+/// drop-frame flag counts where there are 30 labels in a second. Frame \a frame is compared. \a perFit is the
+/// log-likelihood that each unit of fit is worth.
 double marginOf(const Hypothesis &best, const std::vector<Hypothesis> &others, int frame, double perFit,
                 const std::function<void(Hypothesis &)> &evaluate);
 

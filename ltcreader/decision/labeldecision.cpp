@@ -72,16 +72,6 @@ std::vector<Hypothesis> evaluatedHypotheses(const NumberedAverages &averages, in
     return hypotheses;
 }
 
-const CoherentAverage &averageOf(const Hypothesis &hypothesis, const NumberedAverages &averages)
-{
-    return std::find_if(averages.begin(), averages.end(),
-                        [&hypothesis](const NumberedAverage &numbered) {
-                            return numbered.numbering == hypothesis.numbering &&
-                                   numbered.correctionBit == hypothesis.correctionBit;
-                        })
-        ->average;
-}
-
 /// Number of half bits of data that \a grid holds.
 double usedHalves(const FrameGrid &grid)
 {
@@ -146,7 +136,9 @@ std::optional<LabelDecision> decideTimecode(const FrameGrid &grid, double measur
     auto decision = decisionFor(best, grid.frames);
     if (!decision)
         return std::nullopt;
-    const auto evaluateAgain = [&](Hypothesis &other) { evaluate(averageOf(other, averages), other); };
+    const auto evaluateAgain = [&](Hypothesis &other) {
+        evaluate(averageFrames(grid, polarities, other.numbering, other.correctionBit), other);
+    };
     decision->amplitude = static_cast<double>(best.fit) / halves;
     decision->significance = static_cast<double>(best.fit) / std::sqrt(halves);
     decision->syncAmplitude = polarities.amplitude;

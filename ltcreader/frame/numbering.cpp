@@ -10,7 +10,8 @@ std::pair<int, int> placeOf(const FrameNumbering &numbering, int frame)
     int number = numbering.first + frame;
     if (numbering.droppedAt >= 0 && number >= numbering.base * numbering.droppedAt)
         number += dropped;
-    return {number / numbering.base, number % numbering.base};
+    const int within = number % numbering.base;
+    return {number / numbering.base, numbering.unreal ? 30 + within % 10 : within};
 }
 
 int secondsTouched(const FrameNumbering &numbering, int frames)

@@ -56,6 +56,8 @@ private slots:
     void noiseAloneDecidesNothing_data();
     void noiseAloneDecidesNothing();
     void digitsThatComeAsTheyLikeAreNoTimecode();
+    void labelsThatNoClockShowsAreNoneOfTheirNeighbours_data();
+    void labelsThatNoClockShowsAreNoneOfTheirNeighbours();
     void aLearningFilterRestoresWhatRunsTogether();
 };
 
@@ -134,6 +136,33 @@ void TestLabelDecision::digitsThatComeAsTheyLikeAreNoTimecode()
     }
     measureSyncs(grid);
     QVERIFY(!decideByDigits(grid, 25.0));
+}
+
+void TestLabelDecision::labelsThatNoClockShowsAreNoneOfTheirNeighbours_data()
+{
+    QTest::addColumn<timecode::Label>("neighbour");
+    QTest::addColumn<FrameBits>("added");
+    QTest::newRow("frame 30 and on") << timecode::Label{9, 45, 18, 20}
+                                     << (FrameBits{1} << field::frameTens.first);
+    QTest::newRow("second 62") << timecode::Label{9, 45, 42, 3} << (FrameBits{2} << field::secondTens.first);
+    QTest::newRow("second 12 in one digit")
+        << timecode::Label{9, 45, 4, 3} << (FrameBits{8} << field::secondUnits.first);
+    QTest::newRow("minute 65") << timecode::Label{9, 45, 18, 3} << (FrameBits{2} << field::minuteTens.first);
+    QTest::newRow("hour 28") << timecode::Label{20, 45, 18, 3} << (FrameBits{8} << field::hourUnits.first);
+}
+
+void TestLabelDecision::labelsThatNoClockShowsAreNoneOfTheirNeighbours()
+{
+    QFETCH(timecode::Label, neighbour);
+    QFETCH(FrameBits, added);
+    constexpr timecode::Rate rate{30, false, false};
+    FrameGrid grid = gridOfTimecode(neighbour, rate, 8, [added](int) { return added; });
+    addNoise(grid, 0.3);
+    for (const auto decideOn : {decideTimecode, decideByDigits}) {
+        const auto decision = decideOn(grid, rate.framesPerSecond());
+        QVERIFY2(!decision || decision->margin < believedMargin,
+                 decision ? qPrintable(text(startOf(*decision))) : "");
+    }
 }
 
 void TestLabelDecision::aLearningFilterRestoresWhatRunsTogether()

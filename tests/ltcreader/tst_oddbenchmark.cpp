@@ -276,6 +276,7 @@ void TestOddBenchmark::whatWasReadWrongOnceIsNot_data()
     QTest::newRow("early jump by an hour in speech") << "1501/47979";
     QTest::newRow("early jump by an hour in wind") << "1301/3403";
     QTest::newRow("early jump by an hour in quiet speech") << "1301/30489";
+    QTest::newRow("frame numbers from 30 to 39 in white noise") << "1301/833";
 }
 
 void TestOddBenchmark::whatWasReadWrongOnceIsNot()
