@@ -266,8 +266,9 @@ std::optional<LabelDecision> decideByDigits(const FrameGrid &grid, double measur
     const double unexplained = noiseBeside(decision->amplitude);
     const double repeated = repeatedError(grid, decision->levels);
     decision->errorRepeats = repeated > unexplained;
-    // Fits are log-likelihoods already; errors that repeat make them worth less.
-    const double worth = unexplained / std::max(unexplained, repeated);
+    // Fits are log-likelihoods already; errors that repeat or are correlated make them worth less.
+    const double correlated = 1.0 + std::max(0.0, boundaryCorrelation(grid, decision->levels));
+    const double worth = unexplained / (correlated * std::max(unexplained, repeated));
     decision->margin = marginOf(best, hypotheses, grid.frames / 2, worth, evaluateAgain);
     return decision;
 }

@@ -147,8 +147,9 @@ std::optional<LabelDecision> decideTimecode(const FrameGrid &grid, double measur
     const double unexplained = noiseBeside(decision->amplitude);
     const double repeated = repeatedError(grid, decision->levels);
     decision->errorRepeats = repeated > unexplained;
-    // From fit to log-likelihood, with the greater of both kinds of noise.
-    const double perFit = std::min(1.0, decision->amplitude) / std::max(unexplained, repeated);
+    // From fit to log-likelihood, with the greater of both kinds of noise where the nearest labels differ.
+    const double correlated = 1.0 + std::max(0.0, boundaryCorrelation(grid, decision->levels));
+    const double perFit = std::min(1.0, decision->amplitude) / (correlated * std::max(unexplained, repeated));
     decision->margin = marginOf(best, hypotheses, grid.frames / 2, perFit, evaluateAgain);
     return decision;
 }

@@ -115,4 +115,25 @@ double repeatedError(const FrameGrid &grid, const std::vector<float> &levels)
     return (squares / std::max(1.0, places) - mean * mean) * frames / std::max(1.0, places);
 }
 
+double boundaryCorrelation(const FrameGrid &grid, const std::vector<float> &levels)
+{
+    double sum = 0.0;
+    double squares = 0.0;
+    double products = 0.0;
+    double pairs = 0.0;
+    for (std::size_t i = 1; i + 1 < levels.size(); i += 2) {
+        const double before = static_cast<double>(levels[i]) * static_cast<double>(grid.halves[i]);
+        const double after = static_cast<double>(levels[i + 1]) * static_cast<double>(grid.halves[i + 1]);
+        if (before == 0.0 || after == 0.0)
+            continue;
+        sum += before + after;
+        squares += before * before + after * after;
+        products += before * after;
+        pairs += 1.0;
+    }
+    const double mean = sum / std::max(1.0, 2.0 * pairs);
+    const double variance = squares / 2.0 - pairs * mean * mean;
+    return variance > 0.0 ? (products - pairs * mean * mean) / variance : 0.0;
+}
+
 } // namespace ltcreader

@@ -21,4 +21,9 @@ std::vector<float> remodulateDigits(const FrameGrid &grid, const Hypothesis &hyp
 /// filters and neighbouring bits do does not grow less by adding up frames.
 double repeatedError(const FrameGrid &grid, const std::vector<float> &levels);
 
+/// The correlation, -1 to 1, of the errors on the two sides of bit boundaries, each error with the sign of
+/// its level. The nearest wrong label differs there, in two half bits, so noise of variance 1 counts 1 plus
+/// this.
+double boundaryCorrelation(const FrameGrid &grid, const std::vector<float> &levels);
+
 } // namespace ltcreader

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/decision/digitdecision.h"
 #include "ltcreader/decision/labeldecision.h"
+#include "ltcreader/decision/remodulator.h"
 #include "ltcreader/frontend/decisiondirected.h"
 #include "tests/ltcreader/timecodegrid.h"
 
@@ -58,6 +59,7 @@ private slots:
     void digitsThatComeAsTheyLikeAreNoTimecode();
     void labelsThatNoClockShowsAreNoneOfTheirNeighbours_data();
     void labelsThatNoClockShowsAreNoneOfTheirNeighbours();
+    void errorsThatBoundariesShareProveLess();
     void aLearningFilterRestoresWhatRunsTogether();
 };
 
@@ -162,6 +164,28 @@ void TestLabelDecision::labelsThatNoClockShowsAreNoneOfTheirNeighbours()
         const auto decision = decideOn(grid, rate.framesPerSecond());
         QVERIFY2(!decision || decision->margin < believedMargin,
                  decision ? qPrintable(text(startOf(*decision))) : "");
+    }
+}
+
+void TestLabelDecision::errorsThatBoundariesShareProveLess()
+{
+    // Noise that is the same on both sides of a bit boundary, but for the sign that the levels have there,
+    // moves the pair that tells a label from its nearest neighbour by twice as much.
+    const FrameGrid clean = gridOfTimecode({7, 8, 9, 10}, pal, 75, standingUserBits);
+    FrameGrid apart = clean;
+    addNoise(apart, 1.0);
+    FrameGrid shared = apart;
+    for (std::size_t i = 1; i + 1 < clean.halves.size(); i += 2)
+        shared.halves[i + 1] = shared.halves[i] * clean.halves[i] * clean.halves[i + 1];
+    measureSyncs(shared);
+    QVERIFY(std::abs(boundaryCorrelation(apart, clean.halves)) < 0.05);
+    QVERIFY(boundaryCorrelation(shared, clean.halves) > 0.95);
+    for (const auto decideOn : {decideTimecode, decideByDigits}) {
+        const auto free = decideOn(apart, 25.0);
+        const auto bound = decideOn(shared, 25.0);
+        QVERIFY(free && bound);
+        const QString margins = QString("%1 and %2").arg(free->margin).arg(bound->margin);
+        QVERIFY2(bound->margin < 0.7 * free->margin, qPrintable(margins));
     }
 }
 

@@ -277,6 +277,8 @@ void TestOddBenchmark::whatWasReadWrongOnceIsNot_data()
     QTest::newRow("early jump by an hour in wind") << "1301/3403";
     QTest::newRow("early jump by an hour in quiet speech") << "1301/30489";
     QTest::newRow("frame numbers from 30 to 39 in white noise") << "1301/833";
+    QTest::newRow("labels of no clock behind a low-pass") << "1701/27";
+    QTest::newRow("frames skipped, in music") << "1301/29609";
 }
 
 void TestOddBenchmark::whatWasReadWrongOnceIsNot()
