@@ -16,6 +16,7 @@ namespace
 
 constexpr std::size_t clocksPerFrontEnd = 3;
 constexpr double leastSyncScore = 5.0; // chance alone reaches 3.5 at the best of 80 places
+constexpr double leastPeak = 2.4;      // times the sidelobes: tones reach 2, timecode that can be read 3
 
 /// Cuts \a sound by \a clock in the ways that suit the front end, and keeps what shows sync words.
 void addCandidates(const Prewhitener &prewhitener, FrontEnd frontEnd,
@@ -24,7 +25,7 @@ void addCandidates(const Prewhitener &prewhitener, FrontEnd frontEnd,
 {
     const auto add = [&](const std::vector<float> &halfBits) {
         Candidate candidate{frontEnd, sound, clock, findFrames(halfBits)};
-        if (candidate.grid.score >= leastSyncScore)
+        if (candidate.grid.score >= std::max(leastSyncScore, leastPeak * candidate.grid.sidelobes))
             candidates.push_back(std::move(candidate));
     };
     if (frontEnd == FrontEnd::Whitened) {

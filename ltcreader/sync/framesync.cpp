@@ -2,7 +2,8 @@
 
 // The sync word is the same in every frame. Its 32 half bits are known up to a common sign, so at each of the
 // 80 places where a frame could end the sums over all frames are compared: with one sign for all (frames of
-// an encoder that keeps the polarity steady, which most do) and with a sign of its own for each.
+// an encoder that keeps the polarity steady, which most do) and with a sign of its own for each. What is
+// periodic scores at many places, so the peak is compared with its sidelobes, too.
 
 #include "ltcreader/sync/framesync.h"
 
@@ -86,8 +87,10 @@ FrameGrid findFrames(const std::vector<float> &halfBits)
     const auto places = std::min<std::size_t>(halvesPerFrame, correlations.size());
     std::size_t best = 0;
     double score = 0.0;
+    double squares = 0.0;
     for (std::size_t place = 0; place < places; place += 2) { // bits begin at every second half
         const double found = scoreAt(place, correlations);
+        squares += found * found;
         if (found > score) {
             score = found;
             best = place;
@@ -95,6 +98,7 @@ FrameGrid findFrames(const std::vector<float> &halfBits)
     }
     FrameGrid grid = cutIntoFrames(halfBits, best);
     grid.score = score;
+    grid.sidelobes = std::sqrt((squares - score * score) / (bitsPerFrame - 1.0));
     return grid;
 }
 

@@ -24,6 +24,7 @@ struct FrameGrid {
     int firstHalf = 0;         ///< index among the half bits of the first half of frame 0, from -159 to 0
     int frames = 0;            ///< complete and incomplete ones
     double score = 0.0;        ///< of the sync words, in standard deviations of what chance brings
+    double sidelobes = 0.0;    ///< RMS of the scores of all other places
     std::vector<float> halves; ///< halvesPerFrame for each frame
     std::vector<float> syncs; ///< of each frame: how much its end resembles a sync word; sign is its polarity
 
