@@ -101,6 +101,14 @@ bool ChannelReader::standsAlone(const LabelTrack &track) const
 
 ChannelOutcome ChannelReader::readThoroughly() const
 {
+    const std::vector<float> &samples = window.channel(channel);
+    std::vector<Candidate> candidates;
+    if (algorithm == Algorithm::Automatic && edges.frames().empty()) {
+        // A clock shows long before edges do: without one, other ways of slicing find no frame either.
+        candidates = findCandidates(samples, window.sampleRate());
+        if (candidates.empty())
+            return {};
+    }
     const std::vector<EdgeReading> all = readings();
     const auto longest =
         std::max_element(all.begin(), all.end(), [](const EdgeReading &a, const EdgeReading &b) {
@@ -121,7 +129,9 @@ ChannelOutcome ChannelReader::readThoroughly() const
     // cannot.
     if (algorithm != Algorithm::Automatic && algorithm != Algorithm::Slope)
         return byEdges.value_or(ChannelOutcome());
-    const JointOutcome joint = readJointly(window.channel(channel), window.sampleRate(), wanted);
+    if (candidates.empty())
+        candidates = findCandidates(samples, window.sampleRate());
+    const JointOutcome joint = readJointly(candidates, samples, window.sampleRate(), wanted);
     ChannelOutcome jointly{std::nullopt, joint.doubt};
     if (joint.likeliest)
         jointly.likeliest = toFinding(*joint.likeliest, channel);

@@ -8,7 +8,6 @@
 #include "ltcreader/decision/digitdecision.h"
 #include "ltcreader/frame/rateclass.h"
 #include "ltcreader/frontend/decisiondirected.h"
-#include "ltcreader/sync/candidate.h"
 #include "ltcreader/sync/earlylatetiming.h"
 #include "ltcreader/verification/beginning.h"
 #include "ltcreader/verification/linecheck.h"
@@ -16,6 +15,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <span>
 #include <utility>
 
 namespace ltcreader
@@ -29,7 +29,6 @@ constexpr double adaptedTrust = 0.67;       // in margins that a learning filter
 constexpr double unconfirmedTrust = 0.5;    // in margins that it does not confirm
 constexpr double adaptableAmplitude = 0.25; // below it too many levels are wrong to learn from
 constexpr double contradictingMargin = 0.3; // of the best reading's
-constexpr double shortest = 0.1;            // [s] two frames
 
 // What a decision must reach. Chosen with the benchmark: wrong ones stay well below, what is lost is the last
 // decibel.
@@ -191,17 +190,14 @@ std::optional<JointReading> readingOf(const Decided &decided, const std::vector<
 
 } // namespace
 
-JointOutcome readJointly(const std::vector<float> &samples, int sampleRate,
-                         const std::optional<timecode::Rate> &wanted)
+JointOutcome readJointly(const std::vector<Candidate> &candidates, const std::vector<float> &samples,
+                         int sampleRate, const std::optional<timecode::Rate> &wanted)
 {
     JointOutcome outcome;
-    if (static_cast<double>(samples.size()) < shortest * sampleRate)
-        return outcome;
-    std::vector<Candidate> candidates = findCandidates(samples, sampleRate);
-    candidates.resize(std::min(decidedCandidates, candidates.size()));
+    const std::span<const Candidate> tried(candidates.data(), std::min(decidedCandidates, candidates.size()));
     std::vector<Decided> all;
     for (const Way &way : ways) {
-        for (const Candidate &candidate : candidates) {
+        for (const Candidate &candidate : tried) {
             if (candidate.grid.score < way.leastSyncScore)
                 continue;
             auto decision = decideAdaptively(way, candidate, wanted);

@@ -4,6 +4,7 @@
 #include "ltcreader/decision/labeldecision.h"
 #include "ltcreader/frame/doubt.h"
 #include "ltcreader/frame/foundline.h"
+#include "ltcreader/sync/candidate.h"
 
 #include <optional>
 #include <vector>
@@ -23,9 +24,9 @@ struct JointOutcome {
     Doubt doubt = Doubt::NoTimecode;
 };
 
-/// Reads one channel whose edges cannot be seen. \a samples at \a sampleRate [Hz]; \a wanted restricts the
-/// rate.
-JointOutcome readJointly(const std::vector<float> &samples, int sampleRate,
-                         const std::optional<timecode::Rate> &wanted);
+/// Reads one channel whose edges cannot be seen: \a samples at \a sampleRate [Hz], of which \a candidates are
+/// those that findCandidates() found. \a wanted restricts the rate.
+JointOutcome readJointly(const std::vector<Candidate> &candidates, const std::vector<float> &samples,
+                         int sampleRate, const std::optional<timecode::Rate> &wanted);
 
 } // namespace ltcreader

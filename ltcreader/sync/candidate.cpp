@@ -15,6 +15,7 @@ namespace
 {
 
 constexpr std::size_t clocksPerFrontEnd = 3;
+constexpr double shortest = 0.1;       // [s] two frames
 constexpr double leastSyncScore = 5.0; // chance alone reaches 3.5 at the best of 80 places
 constexpr double leastPeak = 2.4;      // times the sidelobes: tones reach 2, timecode that can be read 3
 
@@ -48,8 +49,10 @@ double Candidate::frameRate() const
 
 std::vector<Candidate> findCandidates(const std::vector<float> &samples, int sampleRate)
 {
-    const Prewhitener prewhitener(samples, sampleRate);
     std::vector<Candidate> candidates;
+    if (static_cast<double>(samples.size()) < shortest * sampleRate)
+        return candidates;
+    const Prewhitener prewhitener(samples, sampleRate);
     for (const FrontEnd frontEnd : {FrontEnd::Whitened, FrontEnd::Flat, FrontEnd::Equalised}) {
         const auto sound = std::make_shared<FilteredSound>(prewhitener.prepare(frontEnd));
         for (const Clock &clock : recoverClocks(*sound, clocksPerFrontEnd))

@@ -22,7 +22,8 @@ struct Candidate {
     double frameRate() const;
 };
 
-/// The candidates in \a samples at \a sampleRate [Hz], the one with the clearest sync words first.
+/// The candidates in \a samples at \a sampleRate [Hz], the one with the clearest sync words first; none in
+/// less than two frames.
 std::vector<Candidate> findCandidates(const std::vector<float> &samples, int sampleRate);
 
 } // namespace ltcreader
