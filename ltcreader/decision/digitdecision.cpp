@@ -269,7 +269,7 @@ std::optional<LabelDecision> decideByDigits(const FrameGrid &grid, double measur
     // Fits are log-likelihoods already; errors that repeat or are correlated make them worth less.
     const double correlated = 1.0 + std::max(0.0, boundaryCorrelation(grid, decision->levels));
     const double worth = unexplained / (correlated * std::max(unexplained, repeated));
-    decision->margin = marginOf(best, hypotheses, grid.frames / 2, worth, evaluateAgain);
+    decision->margin = marginOf(best, hypotheses, grid.frames, worth, measuredRate, evaluateAgain);
     return decision;
 }
 

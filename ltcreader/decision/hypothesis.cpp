@@ -14,6 +14,7 @@ namespace
 constexpr int secondsPerMinute = 60;
 constexpr int minutesPerHour = 60;
 constexpr int hoursPerDay = 24;
+constexpr int frameThatCounts = 2;    // two whole frames of other labels would be another beginning
 constexpr double leastDoubt = 1e-300; // keeps logarithms finite
 
 /// The hypotheses in which the minute changes \a hypothesis.second seconds before a full one.
@@ -108,15 +109,20 @@ bool sameTimecode(const Hypothesis &a, const Hypothesis &b, int frame)
            std::equal(digitsA.begin() + SecondUnits, digitsA.end(), digitsB.begin() + SecondUnits);
 }
 
-double marginOf(const Hypothesis &best, const std::vector<Hypothesis> &others, int frame, double perFit,
-                const std::function<void(Hypothesis &)> &evaluate)
+double marginOf(const Hypothesis &best, const std::vector<Hypothesis> &others, int frames, double perFit,
+                double measuredRate, const std::function<void(Hypothesis &)> &evaluate)
 {
+    const double penalty = speedPenalty(best.numbering.base, measuredRate);
     double sum = 0.0; // of likelihood ratios of rivals against best
     const auto add = [&](const Hypothesis &rival) {
-        sum += std::exp(std::min(0.0, perFit * static_cast<double>(rival.fit - best.fit)));
+        const double speedLoss = speedPenalty(rival.numbering.base, measuredRate) - penalty;
+        sum += std::exp(std::min(0.0, perFit * static_cast<double>(rival.fit - best.fit) - speedLoss));
     };
+    // Of another base may also be what agrees once the first second is full.
+    const int middle = frames / 2;
+    const int early = std::min(frameThatCounts, middle);
     for (const Hypothesis &other : others) {
-        if (!sameTimecode(other, best, frame))
+        if (!sameTimecode(other, best, early) || !sameTimecode(other, best, middle))
             add(other);
     }
     const Digits assumed = digitsAfter(best, 0);

@@ -47,10 +47,11 @@ bool sameTimecode(const Hypothesis &a, const Hypothesis &b, int frame);
 /// The log-likelihood ratio of \a best against all timecodes together that are other ones: \a others and, as
 /// \a evaluate finds them, those with a digit of best that stands still forced to another value, legal or
 /// not, and those with a value that no clock shows in a digit of the second or of the frame number. The
-/// drop-frame flag counts where there are 30 labels in a second. Frame \a frame is compared. \a perFit is the
-/// log-likelihood that each unit of fit is worth.
-double marginOf(const Hypothesis &best, const std::vector<Hypothesis> &others, int frame, double perFit,
-                const std::function<void(Hypothesis &)> &evaluate);
+/// drop-frame flag counts where there are 30 labels in a second. Compared are an early frame and the one in
+/// the middle of \a frames, since in cut frames at the ends hypotheses may differ by nothing. \a perFit is
+/// the log-likelihood that each unit of fit is worth, \a measuredRate [frames/s] as recorded.
+double marginOf(const Hypothesis &best, const std::vector<Hypothesis> &others, int frames, double perFit,
+                double measuredRate, const std::function<void(Hypothesis &)> &evaluate);
 
 /// Where two ways of counting fit alike the speed decides: the log-likelihood that a recording at \a
 /// measuredRate [frames/s] loses when it counts \a base frames in a second. Most machines run true, some a

@@ -279,6 +279,7 @@ void TestOddBenchmark::whatWasReadWrongOnceIsNot_data()
     QTest::newRow("frame numbers from 30 to 39 in white noise") << "1301/833";
     QTest::newRow("labels of no clock behind a low-pass") << "1701/27";
     QTest::newRow("frames skipped, in music") << "1301/29609";
+    QTest::newRow("five frames of another base before a full second") << "1804/873";
 }
 
 void TestOddBenchmark::whatWasReadWrongOnceIsNot()
