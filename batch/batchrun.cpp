@@ -10,6 +10,7 @@
 #include <QThread>
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -229,7 +230,7 @@ void BatchRun::onFileExported(int rowNumber, QString outputPath, int exitCode)
     } else {
         exported.kind = exitCode == 0 ? ExportState::Kind::Written : ExportState::Kind::Failed;
         if (exitCode != 0)
-            exported.path = unproven(outputPath);
+            setAside(rowNumber);
         emit rowDone(rowNumber);
     }
 }
@@ -265,10 +266,22 @@ void BatchRun::setVerdict(int row, const Verdict &verdict)
     if (verdict.isProven) {
         notes->setVerified(files.record(row), exported.path, verdict.start);
     } else {
-        notes->drop(exported.path);
-        exported.path = unproven(exported.path);
+        setAside(row);
     }
     emit rowDone(row);
+}
+
+/// Frees the name of the new file of \a row, which was not proven to be whole. What is left of it counts as
+/// half done: a run that resumes removes it.
+void BatchRun::setAside(int row)
+{
+    ExportState &exported = exports[row];
+    const QString path = std::exchange(exported.path, unproven(exported.path));
+    notes->drop(path);
+    if (exported.path.isEmpty())
+        return;
+    notes->drop(exported.path); // of an earlier run
+    notes->claim(files.record(row), exported.path);
 }
 
 bool BatchRun::isUnchecked(int row) const

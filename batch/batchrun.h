@@ -91,6 +91,7 @@ private:
     bool takeEarlier(const FileData &file);
     void startChecks();
     void setVerdict(int row, const Verdict &verdict);
+    void setAside(int row);
     bool isUnchecked(int row) const;
     void endWhenChecked();
     void end();

@@ -33,6 +33,7 @@ private slots:
     void reportsOfSeveralRunsJoin();
     void aDayIsExported();
     void anExportThatFailsLeavesNoFileOfItsName();
+    void whatFailedIsReplacedByARunThatResumes();
     void whatCannotBeReadIsNotExported();
     void anInterruptedExportLeavesNoHalfFile();
 
@@ -300,6 +301,21 @@ void TestBatchProgram::anExportThatFailsLeavesNoFileOfItsName()
     QCOMPARE(both.exitCode, 1);
     QVERIFY(both.errors.contains(bad + ": the export tool has failed with code 7\n"));
     QCOMPARE(QDir(out()).entryList(QDir::Files), (QStringList{"bad.mov.unverified", "good.mov"}));
+}
+
+void TestBatchProgram::whatFailedIsReplacedByARunThatResumes()
+{
+    const QJsonArray turns{QJsonObject{{"actions", QJsonArray{QJsonObject{{"work", true}}}}, {"exitCode", 7}},
+                           QJsonObject()};
+    const QString path = makeFile("a.mov");
+    faketools::setPlan(path, {{"export", turns}});
+    const QStringList arguments{"export", "--resume", "--no-verify", "--to", out(), path};
+    QCOMPARE(run(arguments).exitCode, 1);
+    QCOMPARE(QDir(out()).entryList(QDir::Files), QStringList{"a.mov.unverified"});
+    QCOMPARE(run(arguments).exitCode, 0);
+    QCOMPARE(QDir(out()).entryList(QDir::Files), QStringList{"a.mov"});
+    const QDir notes(out() + "/.ostrel-batch");
+    QCOMPARE(notes.entryList(QDir::Files), QStringList());
 }
 
 void TestBatchProgram::whatCannotBeReadIsNotExported()
