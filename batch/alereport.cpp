@@ -71,6 +71,14 @@ QString tracks(const QJsonObject &record)
     return names;
 }
 
+QString comment(const QJsonObject &record)
+{
+    if (!record["linkedFrom"].isNull())
+        return "timecode of " + record["linkedFrom"].toString();
+    const int second = record["foundAtSecond"].toInt();
+    return second > 0 ? QString("timecode found at second %1").arg(second) : QString();
+}
+
 QString dataLine(const QJsonObject &record)
 {
     const Rate rate = loggedRate(record);
@@ -80,12 +88,10 @@ QString dataLine(const QJsonObject &record)
         static_cast<qint64>(std::llround(record["durationSeconds"].toDouble() * rate.framesPerSecond()));
     const QString exported = record["exportPath"].toString();
     const QString path = exported.isEmpty() ? record["path"].toString() : exported;
-    const QString comment =
-        record["linkedFrom"].isNull() ? QString() : "timecode of " + record["linkedFrom"].toString();
     return line({cell(QFileInfo(path).completeBaseName()), tracks(record), start,
                  framecount::toText(first + length, rate), framecount::toText(length, rate),
                  cell(QFileInfo(path).fileName()), cell(path), cell(record["soundCodecs"].toString()),
-                 record["userBits"].toString(), cell(comment)});
+                 record["userBits"].toString(), cell(comment(record))});
 }
 
 QString videoFormat(int height)

@@ -106,6 +106,13 @@ const QCommandLineOption &frameRateOption()
     return option;
 }
 
+const QCommandLineOption &deepOption()
+{
+    static const QCommandLineOption option(
+        "deep", "Searches files without timecode in their first three seconds to their end.");
+    return option;
+}
+
 const QCommandLineOption &jobsOption()
 {
     static const QCommandLineOption option("jobs", "Runs at most this many tools together, 1 to 45.",
@@ -132,7 +139,7 @@ void addOptions(QCommandLineParser &parser)
     parser.addPositionalArgument("command", "read, export or join");
     parser.addPositionalArgument("PATH", "Files and folders with all their sub-folders.", "PATH...");
     parser.addOptions({helpOption(), versionOption(), reportOption(), algorithmOption(), channelOption(),
-                       frameRateOption(), toOption(), videoTypeOption(), audioTypeOption(),
+                       frameRateOption(), deepOption(), toOption(), videoTypeOption(), audioTypeOption(),
                        keepTimecodeOption(), noVerifyOption(), resumeOption(), jobsOption(), quietOption()});
 }
 
@@ -221,6 +228,7 @@ public:
         if (parser.isSet(algorithmOption()) || parser.isSet(channelOption()) ||
             parser.isSet(frameRateOption()))
             options.reading = reading;
+        options.deep = parser.isSet(deepOption());
     }
 
     void readExport(const std::function<PathKind(const QString &)> &kindOf)

@@ -18,10 +18,11 @@ struct BatchOptions {
     QStringList reports; ///< files to be written at the end; their suffix says which kind
     std::optional<AudioTCOptions> reading;  ///< none = as the window's import reads
     std::optional<ExportOptions> exporting; ///< none = nothing is exported
-    bool verifying = true;                  ///< new files are checked
-    bool resuming = false;                  ///< what an earlier run has proven stays
-    int jobs = JobQueues::maximumRunning;   ///< tools that run together at most
-    bool quiet = false;                     ///< neither table nor progress
+    bool deep = false;     ///< files without timecode in their first seconds are searched to their end
+    bool verifying = true; ///< new files are checked
+    bool resuming = false; ///< what an earlier run has proven stays
+    int jobs = JobQueues::maximumRunning; ///< tools that run together at most
+    bool quiet = false;                   ///< neither table nor progress
 };
 
 /// The user asks for this text.

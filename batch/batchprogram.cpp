@@ -21,6 +21,7 @@ constexpr int widestName = 60;    // [characters] in the table; longer names mov
 constexpr int widestFileTC = 17;  // [characters] "file TC not found"
 constexpr int widestStart = 11;   // [characters] a timecode, or a sample of a sound file
 constexpr int widestAudioTC = 32; // [characters] a drop-frame timecode with rate and channel
+constexpr int widestLater = 14;   // [characters] what is put behind it
 
 } // namespace
 
@@ -32,6 +33,8 @@ BatchProgram::BatchProgram(const BatchOptions &options)
     run.setResuming(options.resuming);
     if (options.reading)
         control.setImportOptions(*options.reading);
+    if (options.deep)
+        run.searchLater(options.reading);
     connect(&run, &BatchRun::rowDone, this, &BatchProgram::onRowDone);
     connect(&run, &BatchRun::ended, this, &BatchProgram::onEnded);
     connect(&run, &BatchRun::progressed, this,
@@ -93,8 +96,9 @@ void BatchProgram::onRowDone(int row)
         int width = 0;
         for (int other = 0; other < files.count(); ++other)
             width = std::max(width, files.record(other).fileName.size());
-        QVector<PrintedTable::Column> columns{
-            {"File", std::min(width, widestName)}, {"File TC", widestFileTC}, {"Audio TC", widestAudioTC}};
+        QVector<PrintedTable::Column> columns{{"File", std::min(width, widestName)},
+                                              {"File TC", widestFileTC},
+                                              {"Audio TC", widestAudioTC + (options.deep ? widestLater : 0)}};
         if (options.exporting)
             columns +=
                 {{"Exported file", std::min(width, widestName)}, {"Start", widestStart}, {"Verdict", 0}};
@@ -105,6 +109,8 @@ void BatchProgram::onRowDone(int row)
     const bool isRead = status.audioTC != RowStatus::AudioTC::Unread;
     QStringList cells{file.fileName, celltexts::fileTC(file, status, "-"),
                       isRead ? celltexts::audioTC(file, status, {}) : reasonFor(file, status)};
+    if (status.audioTC == RowStatus::AudioTC::Found && run.laterFinding(row).second > 0)
+        cells.last() += QString(", at %1 s").arg(run.laterFinding(row).second);
     if (options.exporting) {
         const ExportState &exported = run.exportState(row);
         cells += exported.path.isEmpty() ? QString("-") : QFileInfo(exported.path).fileName();

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "batch/batchrun.h"
 
+#include "app/records/resultcodes.h"
+#include "batch/latersearch.h"
+#include "batch/laterwindows.h"
 #include "batch/outcome.h"
 #include "batch/reportrecord.h"
 #include "control/maincontrol.h"
@@ -10,6 +13,7 @@
 #include <QThread>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace
@@ -53,6 +57,12 @@ BatchRun::BatchRun(MainControl *control, const std::optional<ExportOptions> &exp
     connect(control, &MainControl::exportReady, this, &BatchRun::onExportEnd, queued);
 }
 
+void BatchRun::searchLater(const std::optional<AudioTCOptions> &reading)
+{
+    isSearchingLater = true;
+    searchReading = reading;
+}
+
 void BatchRun::start(const QStringList &paths)
 {
     phase = Phase::Reading;
@@ -78,6 +88,8 @@ void BatchRun::stop()
     } else if (phase == Phase::Reading) {
         control->shutDown();
         onImportEnd();
+    } else if (phase == Phase::Searching) {
+        endSearching();
     }
 }
 
@@ -89,7 +101,7 @@ bool BatchRun::hasFailed(int row) const
 QString BatchRun::reasonOf(int row) const
 {
     const QString reason = reasonFor(exports.at(row));
-    return reason.isEmpty() ? reasonFor(files.record(row), files.status(row)) : reason;
+    return reason.isEmpty() ? reasonFor(files.record(row), files.status(row), laterFindings.at(row)) : reason;
 }
 
 QJsonArray BatchRun::records() const
@@ -100,7 +112,7 @@ QJsonArray BatchRun::records() const
         const FileData &file = files.record(row);
         const QFileInfo info(file.absoluteFilePath);
         const qint64 size = info.exists() ? info.size() : -1;
-        records += reportrecord::make(file, files.status(row), size, exports.at(row));
+        records += reportrecord::make(file, files.status(row), size, exports.at(row), laterFindings.at(row));
     }
     return records;
 }
@@ -118,6 +130,7 @@ void BatchRun::addFile(QFileInfo fileInfo)
     const int row = files.add(fileInfo);
     open.add(files.record(row));
     exports += ExportState();
+    laterFindings += LaterFinding();
     emit ffprobeFileReq(files.record(row), row);
 }
 
@@ -155,10 +168,98 @@ void BatchRun::onImportEnd()
     if (phase != Phase::Reading)
         return;
     report(open.takeRest());
+    if (isSearchingLater && !isStopped)
+        startSearching();
+    else
+        goOn();
+}
+
+/// After reading.
+void BatchRun::goOn()
+{
     if (exporting && !isStopped)
         startExport();
     else
         end();
+}
+
+/// Whether \a row has shown no timecode where it was read, and goes on after that.
+bool BatchRun::mayCarryLater(int row) const
+{
+    return isSearchingLater && files.status(row).audioTC == RowStatus::AudioTC::NotFound &&
+           laterwindows::count(files.record(row)) > 0;
+}
+
+void BatchRun::startSearching()
+{
+    phase = Phase::Searching;
+    const QVector<int> rows = rowsByPath();
+    std::copy_if(rows.cbegin(), rows.cend(), std::back_inserter(searchedRows),
+                 [this](int row) { return mayCarryLater(row); });
+    unsearchedRows = searchedRows;
+    startSearches();
+}
+
+void BatchRun::startSearches()
+{
+    const int most = std::max(1, QThread::idealThreadCount()); // each keeps a processor busy
+    while (!unsearchedRows.isEmpty() && searches.size() < most) {
+        FileData file = files.record(unsearchedRows.first());
+        file.rowNumber = unsearchedRows.takeFirst();
+        if (!mayCarryLater(file.rowNumber)) // a sibling's timecode was found meanwhile
+            continue;
+        auto *search = new LaterSearch(file, searchReading, this);
+        connect(search, &LaterSearch::advanced, this, &BatchRun::reportSearching);
+        connect(search, &LaterSearch::done, this, &BatchRun::onSearched);
+        searches += search;
+        search->start();
+    }
+    reportSearching();
+    if (searches.isEmpty())
+        endSearching();
+}
+
+void BatchRun::reportSearching()
+{
+    int total = 0;
+    int left = 0;
+    for (const int row : qAsConst(searchedRows))
+        total += laterwindows::count(files.record(row));
+    for (const int row : qAsConst(unsearchedRows))
+        left += laterwindows::count(files.record(row));
+    for (const LaterSearch *search : qAsConst(searches))
+        left += search->windowsLeft();
+    if (total > 0)
+        emit progressed("searching", total - left, total);
+}
+
+void BatchRun::onSearched(LaterSearch *search, int row, const LaterFinding &finding)
+{
+    searches.removeOne(search);
+    search->deleteLater();
+    laterFindings[row] = finding;
+    if (finding.kind == LaterFinding::Kind::Found)
+        files.takeReading(finding.result, row, finding.stream, 0);
+    else if (finding.kind == LaterFinding::Kind::Failed)
+        files.takeReading({}, row, -1, finding.exitCode);
+    startSearches();
+}
+
+/// What was not searched to its end has failed: the run was stopped.
+void BatchRun::endSearching()
+{
+    qDeleteAll(searches);
+    searches.clear();
+    unsearchedRows.clear();
+    for (const int row : qAsConst(searchedRows)) {
+        if (!mayCarryLater(row) || laterFindings.at(row).kind != LaterFinding::Kind::NotSearched)
+            continue;
+        laterFindings[row].kind = LaterFinding::Kind::Failed;
+        laterFindings[row].reason = "not searched to the end";
+        files.takeReading({}, row, -1, extractionFailed);
+    }
+    report(searchedRows);
+    goOn();
 }
 
 void BatchRun::startExport()
@@ -325,7 +426,9 @@ QVector<int> BatchRun::rowsByPath() const
 void BatchRun::report(const QVector<int> &rows)
 {
     for (const int row : rows) {
-        if (!exporting || isStopped || outcomeOf(files.record(row), files.status(row)) == Outcome::Failed)
+        const bool isRead = phase == Phase::Searching || isStopped || !mayCarryLater(row);
+        const bool hasFailedToRead = outcomeOf(files.record(row), files.status(row)) == Outcome::Failed;
+        if (isRead && (!exporting || isStopped || hasFailedToRead))
             emit rowDone(row);
     }
 }

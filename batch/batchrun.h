@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/records/audiotcoptions.h"
 #include "app/records/exportoptions.h"
 #include "batch/exportnotes.h"
 #include "batch/exportstate.h"
 #include "batch/filecheck.h"
+#include "batch/laterfinding.h"
 #include "batch/openrows.h"
 #include "filelist/importedfiles.h"
 
@@ -15,6 +17,7 @@
 
 #include <optional>
 
+class LaterSearch;
 class MainControl;
 
 /// One run without a window: has the controller import files and export them, as the table of the window
@@ -35,6 +38,10 @@ public:
     /// Whether what an earlier run has exported and proven is left as it is. By default it is exported again.
     void setResuming(bool resuming) { isResuming = resuming; }
 
+    /// Has files that carry no timecode in their first seconds searched to their end, with \a reading as the
+    /// user has chosen it; none = automatic. By default they are not.
+    void searchLater(const std::optional<AudioTCOptions> &reading);
+
     /// Begins with \a paths, files and folders. ended() follows in any case.
     void start(const QStringList &paths);
 
@@ -46,6 +53,9 @@ public:
 
     /// How the export of the existing \a row has come out.
     const ExportState &exportState(int row) const { return exports.at(row); }
+
+    /// What came of searching the rest of the existing \a row.
+    const LaterFinding &laterFinding(int row) const { return laterFindings.at(row); }
 
     /// Whether \a row was not read, or not exported although that was asked for.
     bool hasFailed(int row) const;
@@ -77,16 +87,23 @@ private slots:
     void onAudioTCReadReturn(QJsonObject ltcResultJson, int fileNumber, int audioTCStreamIndex, int exitCode);
     void onImportProgress(int current, int total);
     void onImportEnd();
+    void onSearched(LaterSearch *search, int row, const LaterFinding &finding);
     void onExportProgress(int current, int total);
     void onFileExported(int rowNumber, QString outputPath, int exitCode);
     void onExportEnd();
     void onChecked(FileCheck *check, int row, const Verdict &verdict);
 
 private:
-    enum class Phase { Idle, Reading, Exporting };
+    enum class Phase { Idle, Reading, Searching, Exporting };
 
     QVector<int> rowsByPath() const;
     void report(const QVector<int> &rows);
+    bool mayCarryLater(int row) const;
+    void startSearching();
+    void startSearches();
+    void reportSearching();
+    void endSearching();
+    void goOn();
     void startExport();
     bool takeEarlier(const FileData &file);
     void startChecks();
@@ -100,13 +117,19 @@ private:
     std::optional<ExportOptions> exporting;
     ImportedFiles files; ///< one record per row, in row order
     OpenRows open;
-    QVector<ExportState> exports; ///< in row order
+    QVector<ExportState> exports;        ///< in row order
+    QVector<LaterFinding> laterFindings; ///< in row order
     Phase phase = Phase::Idle;
+    std::optional<AudioTCOptions> searchReading;
+    QVector<int> searchedRows;        ///< all that are searched
+    QVector<int> unsearchedRows;      ///< those of them that wait
+    QVector<LaterSearch *> searches;  ///< that run
     QVector<int> uncheckedRows;       ///< their new files wait to be checked
     QVector<FileCheck *> checks;      ///< that run
     std::optional<ExportNotes> notes; ///< of the exports; none = nothing is exported
     bool isVerifying = true;
     bool isResuming = false;
+    bool isSearchingLater = false;
     bool isExportOver = false; ///< the controller has ended its batch
     bool isStopped = false;    ///< by stop()
 };

@@ -66,7 +66,9 @@ QString placeText(const QJsonObject &record)
         return "of " + escaped(record["linkedFrom"]);
     if (record["channel"].isNull())
         return {};
-    return "channel " + escaped(record["channel"]) + " of stream " + escaped(record["stream"]);
+    const int second = record["foundAtSecond"].toInt();
+    return "channel " + escaped(record["channel"]) + " of stream " + escaped(record["stream"]) +
+           (second > 0 ? QString(", found at second %1").arg(second) : QString());
 }
 
 QString rateText(const QJsonObject &record)

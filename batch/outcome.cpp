@@ -50,11 +50,15 @@ QString wordFor(Outcome outcome)
     return "failed";
 }
 
-QString reasonFor(const FileData &file, const RowStatus &status)
+QString reasonFor(const FileData &file, const RowStatus &status, const LaterFinding &later)
 {
     const Outcome outcome = outcomeOf(file, status);
     if (outcome == Outcome::Found || outcome == Outcome::Linked)
         return {};
+    if (!later.reason.isEmpty())
+        return later.reason;
+    if (later.kind == LaterFinding::Kind::NotFound)
+        return readerErrorText(205) + ", searched to the end";
     if (outcome == Outcome::None && isProbed(status) && file.audioStreamMap.isEmpty())
         return "the file has no sound";
     if (outcome == Outcome::None)

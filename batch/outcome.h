@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/records/filedata.h"
+#include "batch/laterfinding.h"
 #include "filelist/importedfiles.h"
 
 #include <QString>
@@ -19,5 +20,6 @@ Outcome outcomeOf(const FileData &file, const RowStatus &status);
 /// One word for people and reports: "found", "linked", "none" or "failed".
 QString wordFor(Outcome outcome);
 
-/// Why no timecode is known of \a file, for people; empty when one is.
-QString reasonFor(const FileData &file, const RowStatus &status);
+/// Why no timecode is known of \a file, for people; empty when one is. \a later: what came of searching the
+/// rest of it.
+QString reasonFor(const FileData &file, const RowStatus &status, const LaterFinding &later = {});

@@ -72,17 +72,19 @@ void addReading(QJsonObject &record, const FileData &file, bool isOwn)
 const QStringList &keys()
 {
     static const QStringList all{
-        "name",        "path",         "result",        "reason",         "durationSeconds",
-        "sizeBytes",   "pictureRate",  "pictureWidth",  "pictureHeight",  "pictureCodec",
-        "soundCodecs", "soundStreams", "soundChannels", "fileTimecode",   "audioTimecode",
-        "frameRate",   "dropFrame",    "stream",        "channel",        "samplesSinceMidnight",
-        "sampleRate",  "confidence",   "levelDbfs",     "clockOffsetPpm", "userBits",
-        "linkedFrom",  "exportResult", "exportStart",   "verdict",        "exportPath",
+        "name",          "path",         "result",        "reason",         "durationSeconds",
+        "sizeBytes",     "pictureRate",  "pictureWidth",  "pictureHeight",  "pictureCodec",
+        "soundCodecs",   "soundStreams", "soundChannels", "fileTimecode",   "audioTimecode",
+        "frameRate",     "dropFrame",    "stream",        "channel",        "samplesSinceMidnight",
+        "sampleRate",    "confidence",   "levelDbfs",     "clockOffsetPpm", "userBits",
+        "foundAtSecond", "linkedFrom",   "exportResult",  "exportStart",    "verdict",
+        "exportPath",
     };
     return all;
 }
 
-QJsonObject make(const FileData &file, const RowStatus &status, qint64 size, const ExportState &exported)
+QJsonObject make(const FileData &file, const RowStatus &status, qint64 size, const ExportState &exported,
+                 const LaterFinding &later)
 {
     QJsonObject record;
     for (const QString &key : keys())
@@ -92,7 +94,7 @@ QJsonObject make(const FileData &file, const RowStatus &status, qint64 size, con
     record["path"] = file.absoluteFilePath;
     record["result"] = wordFor(outcome);
     const QString exportReason = reasonFor(exported);
-    record["reason"] = textOrNull(exportReason.isEmpty() ? reasonFor(file, status) : exportReason);
+    record["reason"] = textOrNull(exportReason.isEmpty() ? reasonFor(file, status, later) : exportReason);
     if (size >= 0)
         record["sizeBytes"] = size;
     if (!file.streams.isEmpty()) {
@@ -103,6 +105,8 @@ QJsonObject make(const FileData &file, const RowStatus &status, qint64 size, con
     record["fileTimecode"] = textOrNull(file.hasFileTC ? file.fileTC : QString());
     if (outcome == Outcome::Found || outcome == Outcome::Linked)
         addReading(record, file, outcome == Outcome::Found);
+    if (outcome == Outcome::Found)
+        record["foundAtSecond"] = later.kind == LaterFinding::Kind::Found ? later.second : 0;
     if (outcome == Outcome::Linked)
         record["linkedFrom"] = status.sourceName;
     record["exportResult"] = textOrNull(wordFor(exported));

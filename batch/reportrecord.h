@@ -3,6 +3,7 @@
 
 #include "app/records/filedata.h"
 #include "batch/exportstate.h"
+#include "batch/laterfinding.h"
 #include "filelist/importedfiles.h"
 
 #include <QJsonObject>
@@ -15,9 +16,10 @@ namespace reportrecord
 /// The keys of a record, in the order of the columns of a table.
 const QStringList &keys();
 
-/// The record of \a file, of \a size [bytes]; a negative size is not known.
-QJsonObject make(const FileData &file, const RowStatus &status, qint64 size,
-                 const ExportState &exported = {});
+/// The record of \a file, of \a size [bytes]; a negative size is not known. \a later: what came of searching
+/// the rest of it.
+QJsonObject make(const FileData &file, const RowStatus &status, qint64 size, const ExportState &exported = {},
+                 const LaterFinding &later = {});
 
 /// Whether \a record reports something that went wrong.
 bool isWrong(const QJsonObject &record);

@@ -80,6 +80,7 @@ std::vector<float> render(const Channel &channel, const Recording &recording)
     signal.duration = recording.duration;
     std::vector<float> samples = testsignals::ltcAudio(signal);
     damage(samples, channel.damage, recording.sampleRate);
+    std::fill_n(samples.begin(), std::lround(channel.silence * recording.sampleRate), 0.0F);
     return samples;
 }
 

@@ -26,6 +26,7 @@ struct Channel {
     std::optional<testsignals::LtcSignal> timecode; ///< its sample rate and duration are the recording's
     double tone = 0.0;                              ///< [Hz]; 0 = no tone
     Damage damage = Damage::None;
+    double silence = 0.0; ///< [s] before the timecode
 };
 
 /// Channel with the timecode that starts at \a start. \a level in dBFS.

@@ -25,7 +25,7 @@ _ostrel_batch() {
         if [ "$COMP_CWORD" -eq 1 ]; then
             choices="read export join --help --version"
         elif [[ $word == -* ]]; then
-            choices="--report --algorithm --channel --frame-rate --jobs --quiet --help --version"
+            choices="--report --algorithm --channel --frame-rate --deep --jobs --quiet --help --version"
             if [[ " ${COMP_WORDS[*]} " == *" export "* ]]; then
                 choices+=" --to --video-type --audio-type --keep-timecode-channel --no-verify --resume"
             fi

@@ -56,16 +56,18 @@ void TestBatchOptions::aPlainReadTakesTheDefaults()
     QCOMPARE(options.reports, QStringList());
     QVERIFY(!options.reading);
     QCOMPARE(options.jobs, 45);
+    QVERIFY(!options.deep);
     QVERIFY(!options.quiet);
 }
 
 void TestBatchOptions::reportsAndPathsKeepTheirOrder()
 {
-    const BatchOptions options = optionsOf(
-        {"--quiet", "read", "--report", "a.CSV", "b", "--jobs", "3", "--report=b.json", "a", "--", "-c"});
+    const BatchOptions options = optionsOf({"--quiet", "read", "--deep", "--report", "a.CSV", "b", "--jobs",
+                                            "3", "--report=b.json", "a", "--", "-c"});
     QCOMPARE(options.reports, (QStringList{"a.CSV", "b.json"}));
     QCOMPARE(options.paths, (QStringList{"b", "a", "-c"}));
     QCOMPARE(options.jobs, 3);
+    QVERIFY(options.deep);
     QVERIFY(options.quiet);
 }
 

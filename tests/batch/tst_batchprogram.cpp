@@ -21,6 +21,10 @@ private slots:
 
     void aDayIsReadAndReported();
     void theReaderGetsWhatWasChosen();
+    void lateTimecodeIsCountedBack();
+    void onlyFilesWithoutTimecodeAreSearched();
+    void aSearchThatFailsEndsWithOne();
+    void anInterruptedSearchIsNoAnswer();
     void aFileThatFailsIsNamedAndEndsWithOne();
     void filesWithoutTimecodeAreNoFailure();
     void quietShowsProblemsOnly();
@@ -45,6 +49,7 @@ private:
     };
     Run run(const QStringList &arguments, const QProcessEnvironment &environment = {}) const;
     void prepare(QProcess &process, const QStringList &arguments, QProcessEnvironment environment = {}) const;
+    bool startAndWaitFor(const char *text, QProcess &process, const QStringList &arguments) const;
     QString makeFile(const QString &name, const QJsonObject &plan = {}) const;
     QJsonArray reported(const QString &path) const;
 
@@ -102,6 +107,20 @@ TestBatchProgram::Run TestBatchProgram::run(const QStringList &arguments,
             QString::fromUtf8(process.readAllStandardError())};
 }
 
+/// Starts \a process with \a arguments; returns whether it has shown \a text in its table, and runs on.
+bool TestBatchProgram::startAndWaitFor(const char *text, QProcess &process,
+                                       const QStringList &arguments) const
+{
+    prepare(process, arguments);
+    process.start();
+    QByteArray output;
+    const auto isShown = [&] {
+        output += process.readAllStandardOutput();
+        return output.contains(text);
+    };
+    return QTest::qWaitFor(isShown, longWait);
+}
+
 QString TestBatchProgram::makeFile(const QString &name, const QJsonObject &plan) const
 {
     const QString path = media->filePath(name);
@@ -153,6 +172,86 @@ void TestBatchProgram::theReaderGetsWhatWasChosen()
     QCOMPARE(calls.size(), 1);
     QCOMPARE(calls.first().arguments.mid(1), (QStringList{"-c1", "-f29.97", "-aMID"}));
     QCOMPARE(faketools::calls(path, "extract").size(), 1); // it is not read twice
+}
+
+// The fake files last ten seconds: three windows after the first.
+
+void TestBatchProgram::lateTimecodeIsCountedBack()
+{
+    const QString path = makeFile("a.mov");
+    const QJsonObject none{{"exitCode", 205}};
+    const auto at = [](const QString &timecode, qint64 seconds) {
+        return QJsonObject{{"json", QJsonObject{{"Timecode", timecode},
+                                                {"DropFrame", false},
+                                                {"NTSC", false},
+                                                {"FrameRateFound", 25},
+                                                {"FrameRateBaseFound", 25},
+                                                {"ChannelFound", 1},
+                                                {"SamplesSinceMidnight", seconds * 48000}}}};
+    };
+    const QJsonObject sixth = at("10:00:06:00", 36006);
+    const QJsonObject ninth = at("10:00:09:00", 36009);
+    faketools::setPlan(path, {{"read", QJsonArray{none, none, sixth, sixth, ninth}}});
+    const QString report = media->filePath("day.json");
+    const Run deep = run({"read", "--deep", path, "--algorithm", "mid", "--report", report});
+    QCOMPARE(deep.exitCode, 0);
+    QVERIFY2(deep.output.contains("10:00:00:00@25.00 on ch. 2, at 6 s"), qPrintable(deep.output));
+    QVERIFY(deep.errors.contains("searching: 100 %\n"));
+    const QJsonObject record = reported(report).at(0).toObject();
+    QCOMPARE(record["audioTimecode"].toString(), QString("10:00:00:00"));
+    QCOMPARE(record["samplesSinceMidnight"].toDouble(), 36000.0 * 48000);
+    QCOMPARE(record["foundAtSecond"].toInt(), 6);
+
+    const auto extractions = faketools::calls(path, "extract");
+    QCOMPARE(extractions.size(), 4); // the first seconds, two windows, and the last one exactly
+    QVERIFY(!extractions.at(0).arguments.contains("-nostdin"));
+    for (const auto &read : faketools::calls(path, "read"))
+        QCOMPARE(read.arguments.mid(1), QStringList{"-aMID"});
+}
+
+void TestBatchProgram::onlyFilesWithoutTimecodeAreSearched()
+{
+    const QString good = makeFile("good.mov");
+    const QString none = makeFile("none.mov", plan("read", {{"exitCode", 205}}));
+    const QString bad = makeFile("bad.mov", plan("read", {{"exitCode", 201}}));
+    const QString report = media->filePath("day.json");
+    QCOMPARE(run({"read", "--deep", media->path(), "--report", report}).exitCode, 1);
+    QCOMPARE(faketools::calls(good, "extract").size(), 1);
+    QCOMPARE(faketools::calls(bad, "extract").size(), 1);
+    QCOMPARE(faketools::calls(none, "extract").size(), 4);
+    const QJsonObject record = reported(report).at(2).toObject();
+    QCOMPARE(record["result"].toString(), QString("none"));
+    QCOMPARE(record["reason"].toString(), QString("audio TC not found, searched to the end"));
+
+    QCOMPARE(run({"read", none}).exitCode, 0);
+    QCOMPARE(faketools::calls(none, "extract").size(), 5); // not without the option
+}
+
+void TestBatchProgram::aSearchThatFailsEndsWithOne()
+{
+    const QString path =
+        makeFile("a.mov", {{"read", QJsonObject{{"exitCode", 205}}},
+                           {"extract", QJsonArray{QJsonObject(), QJsonObject{{"exitCode", 1}}}}});
+    const Run deep = run({"export", "--no-verify", "--to", out(), "--deep", path});
+    QCOMPARE(deep.exitCode, 1);
+    QVERIFY2(deep.errors.contains("a.mov: not searched to the end: the tools have failed at second 3\n"),
+             qPrintable(deep.errors));
+    QVERIFY(faketools::calls(path, "export").isEmpty()); // its timecode would be missing
+}
+
+void TestBatchProgram::anInterruptedSearchIsNoAnswer()
+{
+    makeFile("done.mov");
+    const QString path =
+        makeFile("hanging.mov", {{"read", QJsonObject{{"exitCode", 205}}},
+                                 {"extract", QJsonArray{QJsonObject(), QJsonObject{{"hang", true}}}}});
+    QProcess process;
+    QVERIFY(startAndWaitFor("done.mov", process, {"read", "--deep", media->path()}));
+    QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(path, "extract").size(), 2, longWait);
+    QCOMPARE(kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+    QVERIFY(process.waitForFinished(longWait));
+    QCOMPARE(process.exitCode(), 1);
+    QVERIFY(process.readAllStandardError().contains("hanging.mov: not searched to the end\n"));
 }
 
 void TestBatchProgram::aFileThatFailsIsNamedAndEndsWithOne()
@@ -222,14 +321,7 @@ void TestBatchProgram::interruptedOnceItReportsWhatIsDone()
     const QString hanging = makeFile("hanging.mov", plan("extract", {{"hang", true}}));
     const QString report = media->filePath("day.json");
     QProcess process;
-    prepare(process, {"read", media->path(), "--report", report});
-    process.start();
-    QByteArray output;
-    const auto isShown = [&](const char *text) {
-        output += process.readAllStandardOutput();
-        return output.contains(text);
-    };
-    QTRY_VERIFY_WITH_TIMEOUT(isShown("done.mov"), longWait);
+    QVERIFY(startAndWaitFor("done.mov", process, {"read", media->path(), "--report", report}));
     QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(hanging, "extract").size(), 1, longWait);
     QCOMPARE(kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
     QVERIFY(process.waitForFinished(longWait));
@@ -335,14 +427,7 @@ void TestBatchProgram::anInterruptedExportLeavesNoHalfFile()
     const QJsonArray halfWay{QJsonObject{{"work", true}}, QJsonObject{{"waitFor", "never"}}};
     const QString hanging = makeFile("hanging.mov", plan("export", {{"actions", halfWay}}));
     QProcess process;
-    prepare(process, {"export", "--no-verify", "--to", out(), media->path()});
-    process.start();
-    QByteArray output;
-    const auto isShown = [&](const char *text) {
-        output += process.readAllStandardOutput();
-        return output.contains(text);
-    };
-    QTRY_VERIFY_WITH_TIMEOUT(isShown("done.mov"), longWait);
+    QVERIFY(startAndWaitFor("done.mov", process, {"export", "--no-verify", "--to", out(), media->path()}));
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(out() + "/hanging.mov"), longWait);
     QCOMPARE(kill(static_cast<pid_t>(process.processId()), SIGTERM), 0);
     QVERIFY(process.waitForFinished(longWait));

@@ -11,6 +11,7 @@ class TestReportRecord : public QObject
 private slots:
     void aRecordHasAllKeys();
     void aFileWithTimecodeIsDescribed();
+    void aRecordSaysWhereALateTimecodeWasFound();
     void aLinkedFileNamesItsSource();
     void whatIsNotKnownIsNull();
     void wrongIsWhatDidNotSucceed_data();
@@ -112,6 +113,7 @@ void TestReportRecord::aFileWithTimecodeIsDescribed()
         {"levelDbfs", -12.4},
         {"clockOffsetPpm", 1.5},
         {"userBits", "0000002a"},
+        {"foundAtSecond", 0},
         {"linkedFrom", QJsonValue()},
         {"exportResult", "unverified"},
         {"exportStart", "10:11:12;12"},
@@ -120,6 +122,26 @@ void TestReportRecord::aFileWithTimecodeIsDescribed()
     };
     for (const QString &key : reportrecord::keys())
         QVERIFY2(record[key] == expected[key], qPrintable(key));
+}
+
+void TestReportRecord::aRecordSaysWhereALateTimecodeWasFound()
+{
+    LaterFinding later;
+    later.kind = LaterFinding::Kind::Found;
+    later.second = 57;
+    const QJsonObject found =
+        reportrecord::make(withTimecode(cameraFile()), statusOf(RowStatus::AudioTC::Found), 1, {}, later);
+    QCOMPARE(found["foundAtSecond"].toInt(), 57);
+
+    later.kind = LaterFinding::Kind::NotFound;
+    const auto reason = [&later] {
+        return reportrecord::make(cameraFile(), statusOf(RowStatus::AudioTC::NotFound), 1, {},
+                                  later)["reason"]
+            .toString();
+    };
+    QCOMPARE(reason(), QString("audio TC not found, searched to the end"));
+    later.reason = "the timecode at second 57 does not go on";
+    QCOMPARE(reason(), later.reason);
 }
 
 void TestReportRecord::aLinkedFileNamesItsSource()
@@ -133,7 +155,7 @@ void TestReportRecord::aLinkedFileNamesItsSource()
     QCOMPARE(record["linkedFrom"].toString(), QString("T003.wav"));
     QCOMPARE(record["audioTimecode"].toString(), QString("10:11:12;13"));
     QCOMPARE(record["sampleRate"].toInt(), 96000);
-    for (const char *key : {"stream", "channel", "levelDbfs"})
+    for (const char *key : {"stream", "channel", "levelDbfs", "foundAtSecond"})
         QVERIFY2(record[QLatin1String(key)].isNull(), key); // they are the source's
 }
 
