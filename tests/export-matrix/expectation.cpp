@@ -128,7 +128,7 @@ void expectPicture(Expectation &expected, const MadeFile &file, const ExportOpti
     const bool hasFamily = QVector<int>{23, 24, 25, 29, 30}.contains(rateClass);
 
     expected.pictureRate = source.hasWaveringRate ? QString() : source.pictureRate;
-    expected.frames = int(std::ceil(sourceDuration * perSecond(source.pictureRate)));
+    expected.frames = int(std::ceil(source.duration * perSecond(source.pictureRate)));
     expected.card.fields = expectedFields(source.shape, options);
     expected.pictureCodec = picture["codec_name"].toString();
     expected.pixelFormat = picture["pix_fmt"].toString();

@@ -78,12 +78,12 @@ void addPicture(ToolWords &words, const SourceFile &source, const QString &folde
         words.addInput({"-f", "lavfi", "-i",
                         QString("testsrc2=size=320x180:rate=%1:duration=%2")
                             .arg(source.pictureRate)
-                            .arg(sourceDuration)});
+                            .arg(source.duration)});
         words.outputs += {"-map", "0:v"};
     } else {
         const QString card = folder + "/card.ppm";
         writeBytes(card, testcard::image(source.shape));
-        words.inputs += testcard::inputs(source.shape, card, source.pictureRate, sourceDuration);
+        words.inputs += testcard::inputs(source.shape, card, source.pictureRate, source.duration);
         words.count += 2;
         QString filter = testcard::filter(source.shape);
         if (source.hasWaveringRate)
@@ -113,7 +113,7 @@ void addSound(ToolWords &words, const SourceFile &source, int track, const std::
 void addChapters(ToolWords &words, const SourceFile &source, const QString &folder)
 {
     QString text = ";FFMETADATA1\n";
-    const int length = int(sourceDuration * 1000) / source.chapters.size(); // [ms]
+    const int length = int(source.duration * 1000) / source.chapters.size(); // [ms]
     for (int i = 0; i < source.chapters.size(); ++i) {
         text +=
             QString("[CHAPTER]\nTIMEBASE=1/1000\nSTART=%1\nEND=%2\ntitle=%3\n")
@@ -231,7 +231,7 @@ mediakit::Recording soundOf(const SourceFile &source)
     recording.path = source.name;
     recording.pictureRate = source.pictureRate;
     recording.tracks = source.tracks;
-    recording.duration = sourceDuration;
+    recording.duration = source.duration;
     recording.sampleRate = source.sampleRate;
     return recording;
 }

@@ -26,6 +26,7 @@ struct SourceFile {
     QVector<QStringList> trackArguments; ///< codec of each stream, "%1" stands for its number
     QStringList fileArguments;           ///< of the file as a whole
     int sampleRate = 48000;              ///< [samples/s]
+    double duration = 0.4;               ///< [s] ten frames at 25: coding the pictures takes most of the time
     PictureShape shape;                  ///< of the test card; without one another picture is made
     QStringList chapters;                ///< titles, evenly spread
     QVector<wavechunks::Chunk> chunks;   ///< of a sound file
@@ -39,8 +40,6 @@ struct SourceFile {
     bool isShape = false;        ///< of a day's files, one of a kind that the others repeat
     bool isCore = false;         ///< one of those that each test run exports
 };
-
-constexpr double sourceDuration = 0.4; // [s] ten frames at 25: coding the pictures takes most of the time
 
 /// The recording that \a source is, as far as its sound goes.
 mediakit::Recording soundOf(const SourceFile &source);
