@@ -12,6 +12,9 @@ namespace
 constexpr double timeLimit = 1.05; // times the floor
 constexpr double cpuLimit = 3.0;   // [% of the CPU time of the child processes]
 
+constexpr double batchTimeLimit = 1.02; // times the window
+constexpr double batchCpuLimit = 2.0;   // [% of the CPU time of the child processes]
+
 double timeRatio(const Usage &program, const Usage &floor)
 {
     return program.time / floor.time;
@@ -62,6 +65,27 @@ Table processTable(const QString &work, const QVector<Rounds> &all)
     return table;
 }
 
+/// Of the rounds in which ostrel-batch did the same.
+Table batchTable(const QString &work, const QVector<Rounds> &all)
+{
+    Table table{work + ": the same by ostrel-batch, medians",
+                {"files", "s", "times the window", "s CPU of its child processes", "s CPU of its own",
+                 "% of the child processes'"},
+                {}};
+    for (const Rounds &rounds : all) {
+        if (!rounds.hasBatch())
+            continue;
+        table.rows +=
+            {static_cast<double>(rounds.fileCount()),
+             rounds.medianOfBatch([](const Usage &batch, const Usage &) { return batch.time; }),
+             rounds.medianOfBatch(timeRatio),
+             rounds.medianOfBatch([](const Usage &batch, const Usage &) { return batch.childCpuTime; }),
+             rounds.medianOfBatch([](const Usage &batch, const Usage &) { return batch.ownCpuTime; }),
+             rounds.medianOfBatch(cpuShare)};
+    }
+    return table;
+}
+
 Series column(const Table &table, int number, const QString &name)
 {
     Series series{name, {}};
@@ -93,6 +117,14 @@ double Rounds::medianOf(double (*figure)(const Usage &program, const Usage &floo
     return median(values);
 }
 
+double Rounds::medianOfBatch(double (*figure)(const Usage &batch, const Usage &program)) const
+{
+    QVector<double> values;
+    for (const Pair &pair : pairs)
+        values += figure(pair.batch, pair.program);
+    return median(values);
+}
+
 Outcome outcomeOf(const QString &work, const QVector<Rounds> &all)
 {
     Outcome outcome;
@@ -104,7 +136,16 @@ Outcome outcomeOf(const QString &work, const QVector<Rounds> &all)
             Check{name + "time to that of the floor", rounds.medianOf(timeRatio), timeLimit};
         outcome.figures.checks +=
             Check{name + "our CPU time [% of the child processes']", rounds.medianOf(cpuShare), cpuLimit};
+        if (!rounds.hasBatch())
+            continue;
+        outcome.figures.checks += Check{name + "time of ostrel-batch to that of the window",
+                                        rounds.medianOfBatch(timeRatio), batchTimeLimit};
+        outcome.figures.checks += Check{name + "CPU time of ostrel-batch [% of its child processes']",
+                                        rounds.medianOfBatch(cpuShare), batchCpuLimit};
     }
+    const Table batch = batchTable(work, all);
+    if (!batch.rows.isEmpty())
+        outcome.figures.tables += batch;
     outcome.charts += Chart{work, "files", "s", {column(times, 1, "program"), column(times, 2, "floor")}};
     outcome.charts +=
         Chart{"CPU time of our process", "files", "% of the child processes'", {column(times, 7, "program")}};

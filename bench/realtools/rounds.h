@@ -23,9 +23,14 @@ public:
     /// Measures \a program and \a floor; which one comes first changes from round to round.
     void measure(const std::function<void()> &program, const std::function<void()> &floor);
 
+    /// What ostrel-batch has taken for the work of the last round.
+    void noteBatch(const Usage &usage) { pairs.last().batch = usage; }
+
     void noteBlock(double milliseconds) { longestBlock = qMax(longestBlock, milliseconds); }
 
     int fileCount() const { return files; }
+    bool hasBatch() const { return pairs.last().batch.time > 0.0; }
+    double medianOfBatch(double (*figure)(const Usage &batch, const Usage &program)) const;
     double medianOf(double (*figure)(const Usage &program, const Usage &floor)) const;
     double longestBlockSeen() const { return longestBlock; } ///< [ms]
     const QVector<QPointF> &processesOverTime() const { return pairs.last().program.processes; }
@@ -34,6 +39,7 @@ private:
     struct Pair {
         Usage program;
         Usage floor;
+        Usage batch; ///< without time where it was not measured
     };
 
     int files = 0;
