@@ -39,6 +39,19 @@ namespace
 
 constexpr int runLimit = 120'000; // [ms] on a busy machine
 
+/// How many new files the notes in \a folder call verified.
+int verifiedIn(const QString &folder)
+{
+    int count = 0;
+    const QStringList names = QDir(folder).entryList({"*.json"}, QDir::Files);
+    for (const QString &name : names) {
+        QFile note(folder + '/' + name);
+        if (note.open(QIODevice::ReadOnly) && note.readAll().contains("\"exportSize\""))
+            ++count;
+    }
+    return count;
+}
+
 QString nameOf(const mediakit::Recording &recording)
 {
     return QFileInfo(recording.path).fileName();
@@ -225,7 +238,7 @@ void TestBatchDay::aKilledRunIsResumed()
 
     const int wanted = qEnvironmentVariableIsSet("OSTREL_ALL_CHECKS") ? 50 : 6;
     QRandomGenerator moments(1); // the same ones in each run of this test
-    QVector<int> states;         // how many names of new files were taken at each kill
+    QVector<int> states;         // how many new files were verified at each kill
     while (states.size() < wanted) {
         // Each of the runs that follow goes on where the one before was killed.
         QVERIFY(QDir(killed.path()).removeRecursively());
@@ -236,8 +249,7 @@ void TestBatchDay::aKilledRunIsResumed()
                 break;
             batch.kill();
             QVERIFY(batch.waitForFinished(runLimit));
-            const QDir notes(killed.filePath(".ostrel-batch"));
-            states += notes.entryList({"*.json"}, QDir::Files).size();
+            states += verifiedIn(killed.filePath(".ostrel-batch"));
         }
         batch.start(BATCH, arguments(killed));
         QVERIFY(batch.waitForFinished(runLimit));
@@ -247,8 +259,8 @@ void TestBatchDay::aKilledRunIsResumed()
             QVERIFY2(contents(killed)[name] == contents(whole)[name], qPrintable(name));
     }
     QString counts;
-    for (int notes = 0; notes <= 5; ++notes)
-        counts += QString(" %1 with %2 names taken,").arg(states.count(notes)).arg(notes);
+    for (int files = 0; files <= 5; ++files)
+        counts += QString(" %1 with %2 of 5 verified,").arg(states.count(files)).arg(files);
     qInfo("%d kills:%s all resumed", int(states.size()), qPrintable(counts));
 
     // Now all is there: nothing is written again.
