@@ -29,6 +29,7 @@ BatchProgram::BatchProgram(const BatchOptions &options)
     : options(options), run(&control, options.exporting), console(options.quiet)
 {
     control.setJobLimit(options.jobs);
+    run.setJobLimit(options.jobs);
     run.setVerifying(options.verifying);
     run.setResuming(options.resuming);
     if (options.reading)

@@ -10,7 +10,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QThread>
 
 #include <algorithm>
 #include <iterator>
@@ -202,8 +201,7 @@ void BatchRun::startSearching()
 
 void BatchRun::startSearches()
 {
-    const int most = std::max(1, QThread::idealThreadCount()); // each keeps a processor busy
-    while (!unsearchedRows.isEmpty() && searches.size() < most) {
+    while (!unsearchedRows.isEmpty() && searches.size() < jobLimit) {
         FileData file = files.record(unsearchedRows.first());
         file.rowNumber = unsearchedRows.takeFirst();
         if (!mayCarryLater(file.rowNumber)) // a sibling's timecode was found meanwhile
@@ -338,8 +336,7 @@ void BatchRun::onFileExported(int rowNumber, QString outputPath, int exitCode)
 
 void BatchRun::startChecks()
 {
-    const int most = std::max(1, QThread::idealThreadCount()); // each keeps a processor busy
-    while (!uncheckedRows.isEmpty() && checks.size() < most) {
+    while (!uncheckedRows.isEmpty() && checks.size() < jobLimit) {
         const int row = uncheckedRows.takeFirst();
         auto *check = new FileCheck(files.record(row), *exporting, exports.at(row).path, this);
         connect(check, &FileCheck::done, this, &BatchRun::onChecked);

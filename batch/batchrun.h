@@ -13,8 +13,10 @@
 #include <QJsonArray>
 #include <QObject>
 #include <QStringList>
+#include <QThread>
 #include <QUrl>
 
+#include <algorithm>
 #include <optional>
 
 class LaterSearch;
@@ -41,6 +43,9 @@ public:
     /// Has files that carry no timecode in their first seconds searched to their end, with \a reading as the
     /// user has chosen it; none = automatic. By default they are not.
     void searchLater(const std::optional<AudioTCOptions> &reading);
+
+    /// Runs at most \a count checks or searches together, above 0; by default one for each processor.
+    void setJobLimit(int count) { jobLimit = std::min(jobLimit, count); }
 
     /// Begins with \a paths, files and folders. ended() follows in any case.
     void start(const QStringList &paths);
@@ -121,12 +126,13 @@ private:
     QVector<LaterFinding> laterFindings; ///< in row order
     Phase phase = Phase::Idle;
     std::optional<AudioTCOptions> searchReading;
-    QVector<int> searchedRows;        ///< all that are searched
-    QVector<int> unsearchedRows;      ///< those of them that wait
-    QVector<LaterSearch *> searches;  ///< that run
-    QVector<int> uncheckedRows;       ///< their new files wait to be checked
-    QVector<FileCheck *> checks;      ///< that run
-    std::optional<ExportNotes> notes; ///< of the exports; none = nothing is exported
+    QVector<int> searchedRows;                               ///< all that are searched
+    QVector<int> unsearchedRows;                             ///< those of them that wait
+    QVector<LaterSearch *> searches;                         ///< that run
+    QVector<int> uncheckedRows;                              ///< their new files wait to be checked
+    QVector<FileCheck *> checks;                             ///< that run
+    std::optional<ExportNotes> notes;                        ///< of the exports; none = nothing is exported
+    int jobLimit = std::max(1, QThread::idealThreadCount()); ///< each keeps a processor busy
     bool isVerifying = true;
     bool isResuming = false;
     bool isSearchingLater = false;

@@ -23,6 +23,7 @@ private slots:
     void theReaderGetsWhatWasChosen();
     void lateTimecodeIsCountedBack();
     void onlyFilesWithoutTimecodeAreSearched();
+    void searchesKeepToTheJobLimit();
     void aSearchThatFailsEndsWithOne();
     void anInterruptedSearchIsNoAnswer();
     void aFileThatFailsIsNamedAndEndsWithOne();
@@ -225,6 +226,24 @@ void TestBatchProgram::onlyFilesWithoutTimecodeAreSearched()
 
     QCOMPARE(run({"read", none}).exitCode, 0);
     QCOMPARE(faketools::calls(none, "extract").size(), 5); // not without the option
+}
+
+void TestBatchProgram::searchesKeepToTheJobLimit()
+{
+    for (const char *name : {"a.mov", "b.mov", "c.mov"})
+        makeFile(name, plan("read", {{"exitCode", 205}}));
+    const QString log = media->filePath("log");
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("OSTREL_FAKE_LOG", log);
+    QCOMPARE(run({"read", "--deep", "--jobs", "1", media->path()}, environment).exitCode, 0);
+    QFile file(log);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QList<QByteArray> lines = file.readAll().trimmed().split('\n');
+    QCOMPARE(lines.size(), 3 * (3 + 3 * 2) * 2); // probed, read and searched; starts and ends
+    for (int i = 0; i < lines.size(); ++i) {
+        const QString event = QJsonDocument::fromJson(lines.at(i)).object()["event"].toString();
+        QCOMPARE(event, QString(i % 2 == 0 ? "start" : "end")); // one after the other
+    }
 }
 
 void TestBatchProgram::aSearchThatFailsEndsWithOne()
