@@ -150,14 +150,15 @@ void TestBatchDeep::newFilesStartRight()
         QVERIFY2(record["exportResult"] == "verified",
                  qPrintable(recording.path + ": " + record["verdict"].toString()));
         const auto signal = mediakit::timecodeOf(recording);
-        if (!signal)
+        if (!signal) {
             QVERIFY(record["exportStart"].isNull());
-        else if (mediakit::isSoundFile(recording))
+        } else if (mediakit::isSoundFile(recording)) {
             QCOMPARE(record["exportStart"].toString().toLongLong(),
                      static_cast<qint64>(testsignals::samplesSinceMidnight(*signal)));
-        else
+        } else {
             QCOMPARE(record["exportStart"].toString(),
                      QString::fromStdString(testsignals::text(signal->start, signal->rate)));
+        }
     }
 }
 

@@ -40,9 +40,10 @@ QVector<mediakit::Recording> recordingsOf(int card)
     boom.siblingTimecode = mediakit::timecodeOf(sound);
     QVector<mediakit::Recording> recordings{camera, sound, boom};
     const QDateTime morning(QDate(2024, 5, 3), QTime(9, 0), Qt::UTC);
-    recordings[0].modified = morning.addSecs(card * 600);
+    const QDateTime begin = morning.addSecs(qint64{600} * card);
+    recordings[0].modified = begin;
     for (int i = 1; i < recordings.size(); ++i) // one take
-        recordings[i].modified = morning.addSecs(card * 600 + 60);
+        recordings[i].modified = begin.addSecs(60);
     return recordings;
 }
 
@@ -59,7 +60,7 @@ QString makeCards(const QString &folder)
     QJsonArray expected;
     for (int card = 1; card <= cards; ++card) {
         const QVector<mediakit::Recording> recordings = recordingsOf(card);
-        const QString problem = mediakit::makeAll(recordings, folder);
+        QString problem = mediakit::makeAll(recordings, folder);
         if (!problem.isEmpty())
             return problem;
         for (const mediakit::Recording &recording : recordings)
