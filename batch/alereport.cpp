@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace alereport
 {
@@ -143,7 +144,7 @@ QVector<Log> make(const QJsonArray &records)
         return byRate.value(first).size() > byRate.value(second).size();
     });
     QVector<Log> logs;
-    for (const QString &rate : qAsConst(rates))
+    for (const QString &rate : std::as_const(rates))
         logs += Log{rate, log(rate, byRate.value(rate))};
     return logs;
 }

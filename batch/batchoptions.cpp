@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace
 {
@@ -204,7 +205,7 @@ public:
     {
         options.quiet = parser.isSet(quietOption());
         options.reports = parser.values(reportOption());
-        for (const QString &report : qAsConst(options.reports)) {
+        for (const QString &report : std::as_const(options.reports)) {
             if (!reports::isReportName(report))
                 refuse("a report ends in .csv, .json, .ale or .html, not \"" + report + '"');
         }

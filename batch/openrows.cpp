@@ -4,6 +4,7 @@
 #include "filelist/linking.h"
 
 #include <algorithm>
+#include <utility>
 
 void OpenRows::add(const FileData &file)
 {
@@ -54,7 +55,7 @@ QVector<int> OpenRows::settle(int row)
     const bool isAnswered = std::all_of(together.cbegin(), together.cend(),
                                         [this](int other) { return rows[other].awaited == 0; });
     QVector<int> settled;
-    for (const int other : qAsConst(together)) {
+    for (const int other : std::as_const(together)) {
         if (!isAnswered || rows[other].isSettled)
             continue;
         rows[other].isSettled = true;

@@ -11,6 +11,8 @@
 #include <QJsonObject>
 #include <QMap>
 
+#include <utility>
+
 namespace reports
 {
 
@@ -83,7 +85,7 @@ QJsonArray join(const QVector<QJsonArray> &reports)
             byPath[record.toObject()["path"].toString()] = record.toObject();
     }
     QJsonArray joined;
-    for (const QJsonObject &record : qAsConst(byPath))
+    for (const QJsonObject &record : std::as_const(byPath))
         joined += record;
     return joined;
 }

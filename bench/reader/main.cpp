@@ -8,6 +8,8 @@
 #include <QDir>
 #include <QTemporaryDir>
 
+#include <utility>
+
 using namespace bench;
 
 namespace
@@ -60,7 +62,7 @@ Outcome measure(const QVector<int> &channelCounts, int rounds)
                 "channels",
                 "ms from start to exit",
                 {{"LTCReader", {}}, {"only opened", {}}}};
-    for (const QVector<double> &row : qAsConst(table.rows)) {
+    for (const QVector<double> &row : std::as_const(table.rows)) {
         chart.series[0].points += QPointF(row.at(0), row.at(1));
         chart.series[1].points += QPointF(row.at(0), row.at(2));
     }

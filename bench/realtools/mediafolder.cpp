@@ -8,6 +8,7 @@
 #include <QFileInfo>
 
 #include <filesystem>
+#include <utility>
 
 namespace bench
 {
@@ -43,7 +44,7 @@ MediaFolder::MediaFolder()
     const QString problem = mediakit::makeAll(recordings, root.path());
     if (!problem.isEmpty())
         throw Failure(problem);
-    for (const mediakit::Recording &recording : qAsConst(recordings))
+    for (const mediakit::Recording &recording : std::as_const(recordings))
         originals += recording.path;
 }
 

@@ -10,6 +10,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <utility>
+
 using namespace exportmatrix;
 
 /// The program passes the export tool the lists that the window passes: for each kind of source that every
@@ -109,7 +111,7 @@ void TestBatchLists::theToolGetsTheWantedList()
     QVERIFY2(batch.exitCode() == 0, batch.readAllStandardError());
 
     int lists = 0;
-    for (const MadeFile &source : qAsConst(sources)) {
+    for (const MadeFile &source : std::as_const(sources)) {
         const QString path = source.record.absoluteFilePath;
         const auto calls = faketools::calls(path, "export");
         QStringList wanted = wantedList(source.record, options);

@@ -12,6 +12,7 @@
 #include <QTest>
 
 #include <functional>
+#include <utility>
 
 using exportmatrix::MadeFile;
 using exportmatrix::SourceFile;

@@ -3,6 +3,8 @@
 
 #include <QTest>
 
+#include <utility>
+
 namespace
 {
 
@@ -57,7 +59,7 @@ QVector<QStringList> allOrders(int files, bool cancelled = false)
     if (cancelled)
         events += "drop queued";
     const QVector<QStringList> ordersOfOthers = allOrders(files - 1, cancelled);
-    for (const QString &event : qAsConst(events)) {
+    for (const QString &event : std::as_const(events)) {
         for (const QStringList &rest : ordersOfOthers)
             orders += QStringList{event} + rest;
     }

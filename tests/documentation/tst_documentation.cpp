@@ -5,6 +5,8 @@
 
 #include <QtTest>
 
+#include <utility>
+
 /// What people read says what the program says.
 class TestDocumentation : public QObject
 {
@@ -96,7 +98,7 @@ void TestDocumentation::linksLeadToFilesAndHeadings_data()
     const QStringList names = QDir(PROJECT_FOLDER "/docs").entryList({"*.md"});
     for (const QString &name : names)
         pages += "docs/" + name;
-    for (const QString &page : qAsConst(pages)) {
+    for (const QString &page : std::as_const(pages)) {
         auto links = link.globalMatch(content(PROJECT_FOLDER "/" + page));
         while (links.hasNext()) {
             const QString target = links.next().captured(1);

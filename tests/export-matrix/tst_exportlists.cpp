@@ -16,6 +16,7 @@
 #include <QTest>
 
 #include <list>
+#include <utility>
 
 using namespace exportmatrix;
 
@@ -89,7 +90,7 @@ void TestExportLists::theToolGetsTheWantedList()
         QCOMPARE(call.tool, QString("ffmpeg.exe"));
         lists[call.arguments.last()] = call.arguments;
     }
-    for (const ExportOptions &options : qAsConst(all)) {
+    for (const ExportOptions &options : std::as_const(all)) {
         const QStringList wanted = wantedList(made.record, options);
         QCOMPARE(lists.value(wanted.last()), wanted);
     }

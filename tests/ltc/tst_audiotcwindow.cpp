@@ -12,6 +12,8 @@
 #include <QTest>
 #include <QTranslator>
 
+#include <utility>
+
 namespace
 {
 
@@ -114,7 +116,7 @@ void TestAudioTCWindow::everyTextOfItsOwnIsTranslated()
         shown += label->text();
     for (const char *combo : {"filesCombo", "algorithmCombo"})
         shown += texts(*childOf<QComboBox>(translated, combo));
-    for (const QString &text : qAsConst(shown))
+    for (const QString &text : std::as_const(shown))
         QVERIFY2(text.startsWith('<'), qPrintable(text));
 }
 

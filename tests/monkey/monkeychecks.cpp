@@ -10,6 +10,8 @@
 #include <QFileInfo>
 #include <QThread>
 
+#include <utility>
+
 void Monkey::checkSources()
 {
     for (auto source = sources.cbegin(); source != sources.cend(); ++source) {
@@ -56,7 +58,7 @@ bool Monkey::mayCarry(const QString &source, const QString &start) const
         if (isPart)
             files += other.key();
     }
-    for (const QString &file : qAsConst(files)) {
+    for (const QString &file : std::as_const(files)) {
         const std::string media = file.toStdString();
         const QString timecode = QString::fromStdString(moods::timecodeOf(media));
         const QString reference = "time_reference=" + QString::number(moods::samplesOf(media));

@@ -4,6 +4,8 @@
 #include <QStringList>
 #include <QTest>
 
+#include <utility>
+
 using namespace tooladapter;
 
 namespace
@@ -83,7 +85,7 @@ void TestTagRules::notesAreKept()
     if (hasTimecode)
         plan.timecode = "10:11:12:13";
     Source source;
-    for (const QString &tag : qAsConst(tags))
+    for (const QString &tag : std::as_const(tags))
         source.notes[tag.toStdString()] = omittedNote;
     Hints hints;
     hints.isUnread = isUnread;

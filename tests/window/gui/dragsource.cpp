@@ -14,6 +14,7 @@
 #include <QUrl>
 
 #include <cstdio>
+#include <utility>
 
 namespace
 {
@@ -67,7 +68,7 @@ int main(int argc, char *argv[])
         return 0;
     }
     QList<QUrl> files;
-    for (const QString &path : qAsConst(arguments))
+    for (const QString &path : std::as_const(arguments))
         files += QUrl::fromLocalFile(path);
     DragSource source(files);
     source.setWindowTitle("dragsource");
