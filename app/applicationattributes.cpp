@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "app/applicationattributes.h"
 
+#include "process/qtversion.h"
+
 #include <QGuiApplication>
 
 void setApplicationAttributes()
 {
-    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
-    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    qtversion::useHighDpi();
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     // Otherwise the first window loads OpenGL, which nothing here draws with. Its memory would be copied at
     // each start of a tool and make that twice as dear.

@@ -3,6 +3,7 @@
 #include "app/mainwindow.h"
 #include "app/records/recordtypes.h"
 #include "process/filenamecoding.h"
+#include "process/qtversion.h"
 #include "process/terminationsignals.h"
 
 #include <QApplication>
@@ -16,7 +17,7 @@ int main(int argc, char *argv[])
     // 5 = selectable by mouse (1) and links clickable by mouse (4)
     qApp->setStyleSheet("QMessageBox { messagebox-text-interaction-flags: 5; }");
     // The window answers the end of the session itself; closing all windows first would ask questions.
-    QGuiApplication::setFallbackSessionManagementEnabled(false);
+    qtversion::leaveWindowsToProgram<QGuiApplication>();
 
     MainWindow window;
     const TerminationSignals termination;

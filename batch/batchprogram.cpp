@@ -60,7 +60,7 @@ ExitCode BatchProgram::join()
     if (!areReportsWritable())
         return ExitCode::WrongUsage;
     QVector<QJsonArray> all;
-    for (const QString &path : qAsConst(options.paths)) {
+    for (const QString &path : std::as_const(options.paths)) {
         QFile file(path);
         const auto records =
             file.open(QIODevice::ReadOnly) ? reports::recordsIn(file.readAll()) : std::nullopt;
@@ -96,7 +96,7 @@ void BatchProgram::onRowDone(int row)
     if (!std::exchange(isTableBegun, true)) {
         int width = 0;
         for (int other = 0; other < files.count(); ++other)
-            width = std::max(width, files.record(other).fileName.size());
+            width = std::max(width, static_cast<int>(files.record(other).fileName.size()));
         QVector<PrintedTable::Column> columns{{"File", std::min(width, widestName)},
                                               {"File TC", widestFileTC},
                                               {"Audio TC", widestAudioTC + (options.deep ? widestLater : 0)}};
@@ -136,7 +136,7 @@ void BatchProgram::onEnded()
 /// Before the work, as it may take hours.
 bool BatchProgram::areReportsWritable()
 {
-    for (const QString &path : qAsConst(options.reports)) {
+    for (const QString &path : std::as_const(options.reports)) {
         const QFileInfo file(path);
         const bool isWritable =
             file.exists() ? file.isFile() && file.isWritable() : QFileInfo(file.absolutePath()).isWritable();
@@ -151,7 +151,7 @@ bool BatchProgram::areReportsWritable()
 bool BatchProgram::writeReports(const QJsonArray &records)
 {
     bool areWritten = true;
-    for (const QString &path : qAsConst(options.reports)) {
+    for (const QString &path : std::as_const(options.reports)) {
         const QVector<reports::ReportFile> files = reports::forPath(path, records);
         for (const reports::ReportFile &report : files) {
             QSaveFile file(report.path);

@@ -142,7 +142,7 @@ void BatchRun::onFFProbeResult(FileData fileData, int fileNumber, int exitCode)
         report(open.takeFailure(fileNumber));
         return;
     }
-    open.takeProbe(fileNumber, files.record(fileNumber).audioStreamMap.size());
+    open.takeProbe(fileNumber, static_cast<int>(files.record(fileNumber).audioStreamMap.size()));
     emit initAudioTCInfoReq(files.record(fileNumber), fileNumber);
 }
 
@@ -270,13 +270,13 @@ void BatchRun::startExport()
     };
     rows.erase(std::remove_if(rows.begin(), rows.end(), isUnread), rows.end());
     QVector<FileData> taken = files.takeForExport(rows, *exporting);
-    for (const int row : qAsConst(rows))
+    for (const int row : std::as_const(rows))
         exports[row].kind = ExportState::Kind::LeftOut;
-    for (const FileData &file : qAsConst(taken))
+    for (const FileData &file : std::as_const(taken))
         exports[file.rowNumber].kind = ExportState::Kind::UnderWay;
     const auto isDone = [this](const FileData &file) { return isResuming && takeEarlier(file); };
     taken.erase(std::remove_if(taken.begin(), taken.end(), isDone), taken.end());
-    for (const int row : qAsConst(rows)) {
+    for (const int row : std::as_const(rows)) {
         if (exports.at(row).kind != ExportState::Kind::UnderWay)
             emit rowDone(row);
     }

@@ -89,7 +89,7 @@ QString atRate(const QString &timecode, const Rate &from, const Rate &to)
     if (from.base == to.base)
         return timecode;
     constexpr int frameDigits = 2;
-    const int frame = timecode.rightRef(frameDigits).toInt();
+    const int frame = timecode.right(frameDigits).toInt();
     // The nearest frame; never the next second, which is another timecode.
     const int nearest = (frame * to.base * 2 + from.base) / (from.base * 2);
     const int counted = std::min(nearest, to.base - 1);

@@ -7,7 +7,7 @@ PrintedTable::PrintedTable(const QVector<Column> &columns)
 {
     for (const Column &column : columns) {
         titles += column.title;
-        widths += std::max(column.width, column.title.size());
+        widths += std::max(column.width, static_cast<int>(column.title.size()));
     }
 }
 

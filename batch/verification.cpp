@@ -316,9 +316,9 @@ void FrameDigest::add(const QByteArray &piece)
 {
     rest += piece;
     int begin = 0;
-    for (int end = rest.indexOf('\n'); end >= 0; end = rest.indexOf('\n', begin)) {
+    for (auto end = rest.indexOf('\n'); end >= 0; end = rest.indexOf('\n', begin)) {
         const QByteArray line = rest.mid(begin, end - begin);
-        begin = end + 1;
+        begin = static_cast<int>(end) + 1;
         if (line.startsWith('#'))
             continue;
         const QByteArray frame = line.mid(line.lastIndexOf(',') + 1).trimmed();
@@ -387,7 +387,7 @@ QString praise(const FileData &file, const Expectation &expected, const QJsonObj
     if (check != PictureCheck::None)
         proven += QString("%1 frames").arg(written.frames) +
                   (check == PictureCheck::Count ? ", coded again" : " as they were");
-    const int sounds = expected.sounds.size();
+    const int sounds = static_cast<int>(expected.sounds.size());
     int kept = 0;
     for (int i = 0; i < sounds; ++i)
         kept += areSamplesKept(file, expected, i, writtenProbe) ? 1 : 0;

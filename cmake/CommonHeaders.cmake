@@ -33,7 +33,7 @@ ostrel_precompile(ostrel_standardheaders HEADERS ${standard_headers})
 # ostrel_precompile_qt() does the same for targets with Qt, once that is found. None of Qt Gui, Widgets and Test is here,
 # or targets without windows would see them, too.
 function(ostrel_precompile_qt)
-    ostrel_precompile(ostrel_qtheaders LIBS Qt5::Core HEADERS ${standard_headers}
+    ostrel_precompile(ostrel_qtheaders LIBS Qt::Core HEADERS ${standard_headers}
         <QDateTime> <QDir> <QFile> <QFileInfo> <QJsonArray> <QJsonDocument> <QJsonObject> <QMap> <QObject> <QProcess>
         <QString> <QStringList> <QTemporaryDir> <QTimer> <QUrl> <QVector>)
 endfunction()

@@ -16,7 +16,7 @@ namespace
 bool endsLikePattern(const QString &path, int skipped)
 {
     return std::any_of(mediaNameFilters.cbegin(), mediaNameFilters.cend(), [&](const QString &pattern) {
-        return path.endsWith(pattern.midRef(skipped), Qt::CaseInsensitive);
+        return path.endsWith(QStringView(pattern).mid(skipped), Qt::CaseInsensitive);
     });
 }
 

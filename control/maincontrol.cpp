@@ -7,6 +7,8 @@
 
 #include <QFile>
 
+#include <utility>
+
 namespace
 {
 
@@ -113,8 +115,8 @@ void MainControl::finishJob(JobQueues::Kind kind, QObject *handler)
 
 void MainControl::onExportReq(QVector<FileData> exportFileVector, ExportOptions exportOptions)
 {
-    send(batch.start(exportFileVector.size(), exportOptions));
-    for (const FileData &file : qAsConst(exportFileVector)) {
+    send(batch.start(static_cast<int>(exportFileVector.size()), exportOptions));
+    for (const FileData &file : std::as_const(exportFileVector)) {
         if (batch.isCancelled())
             send(batch.drop());
         else

@@ -6,6 +6,7 @@
 #include <QtMath>
 
 #include <limits>
+#include <utility>
 
 namespace
 {
@@ -47,7 +48,8 @@ void readWave(FileData &file)
         channels += stream.value("channels").toInt();
     }
 
-    file.audioChannelCount = static_cast<int>(qBound<qint64>(0, channels, std::numeric_limits<int>::max()));
+    constexpr qint64 mostChannels = std::numeric_limits<int>::max();
+    file.audioChannelCount = static_cast<int>(qBound(qint64{0}, channels, mostChannels));
 
     const QJsonObject tags = file.format.value("tags").toObject();
     const qint64 timeReference = tags.value("time_reference").toString().toLongLong();
@@ -62,7 +64,7 @@ void readFileTimecode(FileData &file)
         file.setFileTC(timecode.toString());
         return;
     }
-    for (const QJsonValue &value : qAsConst(file.streams)) {
+    for (const QJsonValue &value : std::as_const(file.streams)) {
         const QJsonObject stream = value.toObject();
         if (isSameText(stream.value("codec_tag_string"), QCoreApplication::translate("MainControl", "tmcd")))
             file.setFileTC(stream.value("tags").toObject().value("timecode").toString());

@@ -13,9 +13,9 @@ constexpr int suffixLength = 4; // ".wav"
 /// Cuts the number behind the last "_" off the end of \a path, with the "_"; 0 when there is no number.
 int cutLastNumber(QString &path)
 {
-    const int separator = path.lastIndexOf('_');
-    const int number = path.midRef(separator + 1).toInt();
-    path.truncate(qMax(separator, 0));
+    const auto separator = path.lastIndexOf('_');
+    const int number = path.mid(separator + 1).toInt();
+    path.truncate(separator < 0 ? 0 : separator);
     return number;
 }
 
@@ -24,7 +24,7 @@ int cutLastNumber(QString &path)
 ReaderFileName ReaderFileName::parse(const QString &filePath)
 {
     ReaderFileName name;
-    QString rest = filePath.chopped(qMin(suffixLength, filePath.size()));
+    QString rest = filePath.size() < suffixLength ? QString() : filePath.chopped(suffixLength);
     name.row = cutLastNumber(rest);
     name.shortenedPath = rest;
     name.audioStream = cutLastNumber(rest);
@@ -35,7 +35,7 @@ bool wasExtractedForAnotherRow(const QString &fileName, int row)
 {
     static const QRegularExpression extracted("_[0-9]+_(-?[0-9]+)\\.wav\\z");
     const QRegularExpressionMatch match = extracted.match(fileName);
-    return match.hasMatch() && match.capturedRef(1).toInt() != row;
+    return match.hasMatch() && match.captured(1).toInt() != row;
 }
 
 QStringList extractedFiles(const QString &folder, int row)

@@ -2,6 +2,7 @@
 #include "demo/reporttable.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -20,14 +21,14 @@ QString layOutTable(const QStringList &header, const QVector<QStringList> &rows)
 {
     QVector<int> widths;
     for (int i = 0; i < header.size(); ++i) {
-        int width = header.at(i).size();
+        auto width = header.at(i).size();
         for (const QStringList &row : rows)
             width = std::max(width, row.value(i).size());
-        widths += width;
+        widths += static_cast<int>(width);
     }
 
     QStringList ruler;
-    for (const int width : qAsConst(widths))
+    for (const int width : std::as_const(widths))
         ruler += QString(width, '-');
 
     QString text = layOutRow(header, widths) + layOutRow(ruler, widths);

@@ -95,7 +95,8 @@ QString sourceDescription(const FileData &file)
     const QJsonObject tags = file.format["tags"].toObject();
     // Of the other notes, only their names matter.
     for (auto tag = tags.begin(); tag != tags.end(); ++tag)
-        text += line("TAG:" + tag.key().simplified().toUtf8(), tag.key() == "timecode" ? tag.value() : "...");
+        text += line("TAG:" + tag.key().simplified().toUtf8(),
+                     tag.key() == "timecode" ? tag.value() : QJsonValue("..."));
     return text.toUtf8().size() <= longestDescription ? text : QString();
 }
 

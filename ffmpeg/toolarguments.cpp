@@ -14,7 +14,7 @@ constexpr int extractedSeconds = 3; // [s] holds several whole timecode frames a
 constexpr int longestName = 255;    // [bytes] on the usual file systems
 
 /// The beginning of \a name that takes at most \a bytes on the disk.
-QString shortened(QString name, int bytes)
+QString shortened(QString name, qsizetype bytes)
 {
     while (QFile::encodeName(name).size() > bytes)
         name.chop(name.at(name.size() - 1).isLowSurrogate() ? 2 : 1);

@@ -90,8 +90,8 @@ int frameRateClass(const QJsonObject &videoStream)
     // Strictly a fraction: where the class has a codec of its own, the text goes to the tool as it is.
     static const QRegularExpression fraction("\\A([0-9]+)/([0-9]+)\\z");
     const auto match = fraction.match(videoStream["r_frame_rate"].toString());
-    const int denominator = match.capturedRef(2).toInt();
-    return denominator > 0 ? match.capturedRef(1).toInt() / denominator : 0;
+    const int denominator = match.captured(2).toInt();
+    return denominator > 0 ? match.captured(1).toInt() / denominator : 0;
 }
 
 VideoCodec forType(int videoType, const QJsonObject &videoStream)

@@ -40,7 +40,7 @@ void ColumnFitter::remove(const QVector<int> &rows, int rowCount)
             else
                 widths.move(row, kept++);
         }
-        widths.remove(kept, rows.size());
+        widths.remove(kept, rowCount - kept);
     }
 }
 

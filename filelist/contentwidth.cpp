@@ -25,7 +25,7 @@ void ContentWidth::move(int from, int to)
 
 void ContentWidth::remove(int row, int count)
 {
-    const int end = qMin(row + count, widths.size());
+    const int end = qMin(row + count, static_cast<int>(widths.size()));
     if (row >= end)
         return;
     for (int i = row; i < end; ++i)

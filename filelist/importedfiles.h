@@ -44,7 +44,7 @@ public:
 
     ImportedFiles();
 
-    int count() const { return fileDataVector.size(); }
+    int count() const { return static_cast<int>(fileDataVector.size()); }
     bool contains(int row) const { return row >= 0 && row < count(); }
 
     /// The record of the existing \a row.

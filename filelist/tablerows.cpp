@@ -47,7 +47,8 @@ void closeUp(QTableWidget &table, const QVector<int> &removed)
     const int column = table.currentColumn();
     QAbstractItemModel *model = table.model();
     table.selectionModel()->clear();
-    model->removeRows(table.rowCount() - removed.size(), removed.size());
+    const auto count = static_cast<int>(removed.size());
+    model->removeRows(table.rowCount() - count, count);
     if (table.rowCount() > 0)
         emit model->dataChanged(model->index(0, 0),
                                 model->index(table.rowCount() - 1, table.columnCount() - 1));

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "process/toolprocess.h"
 
-#include <QCoreApplication>
-
 #include <chrono>
 
 #ifdef Q_OS_LINUX
@@ -52,9 +50,11 @@ void callAttentionToEnd(qint64)
 
 } // namespace
 
-ToolProcess::ToolProcess(QObject *parent)
-    : QProcess(parent), owner(QCoreApplication::applicationPid()), watch(this)
+ToolProcess::ToolProcess(QObject *parent) : qtversion::Process(parent), watch(this)
 {
+#ifdef Q_OS_LINUX
+    setChildProcessModifier([owner = getpid()] { stepBackBehindOwner(owner); });
+#endif
     constexpr std::chrono::seconds interval(1);
     watch.setInterval(interval);
     connect(&watch, &QTimer::timeout, this, [this] { callAttentionToEnd(processId()); });
@@ -73,11 +73,4 @@ ToolProcess::~ToolProcess()
     disconnect();
     callAttentionToEnd(processId());
     QProcess::close();
-}
-
-void ToolProcess::setupChildProcess()
-{
-#ifdef Q_OS_LINUX
-    stepBackBehindOwner(static_cast<pid_t>(owner));
-#endif
 }

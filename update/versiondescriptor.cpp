@@ -19,21 +19,21 @@ std::optional<VersionDescriptor> readVersionDescriptor(const QByteArray &xml)
     QXmlStreamReader reader(xml);
     while (!reader.atEnd()) {
         reader.readNext();
-        if (reader.name() == "MAJORVERSION") {
+        if (reader.name() == QLatin1String("MAJORVERSION")) {
             descriptor.majorVersion = reader.readElementText().toUInt();
             ++hits;
-        } else if (reader.name() == "MINORVERSION") {
+        } else if (reader.name() == QLatin1String("MINORVERSION")) {
             descriptor.minorVersion = reader.readElementText().toUInt();
             ++hits;
-        } else if (reader.name() == "OSTRELAPP") {
+        } else if (reader.name() == QLatin1String("OSTRELAPP")) {
             const QXmlStreamAttributes attributes = reader.attributes();
             for (const QXmlStreamAttribute &attribute : attributes) {
-                if (attribute.name() == "url") {
+                if (attribute.name() == QLatin1String("url")) {
                     descriptor.downloadLink = QUrl(attribute.value().toString());
                     ++hits;
                 }
             }
-        } else if (reader.name() == "DESCRIPTION") {
+        } else if (reader.name() == QLatin1String("DESCRIPTION")) {
             descriptor.description = reader.readElementText();
         }
     }

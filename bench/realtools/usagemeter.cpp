@@ -70,7 +70,7 @@ double Usage::meanProcesses() const
 {
     const double sum = std::accumulate(processes.cbegin(), processes.cend(), 0.0,
                                        [](double soFar, const QPointF &count) { return soFar + count.y(); });
-    return processes.isEmpty() ? 0.0 : sum / processes.size();
+    return processes.isEmpty() ? 0.0 : sum / static_cast<double>(processes.size());
 }
 
 Usage measured(const std::function<void()> &work)

@@ -140,10 +140,10 @@ QString cell(const Chart &chart)
 
 QString toSvg(const QVector<Chart> &charts)
 {
-    int legendLines = 0;
+    qsizetype legendLines = 0;
     for (const Chart &chart : charts)
-        legendLines = qMax(legendLines, chart.series.size());
-    const double height = top + plotHeight + legendTop + legendLines * legendLine;
+        legendLines = qMax<qsizetype>(legendLines, chart.series.size());
+    const double height = top + plotHeight + legendTop + static_cast<double>(legendLines) * legendLine;
     QString body;
     for (int i = 0; i < charts.size(); ++i)
         body += QString("<g transform=\"translate(%1,0)\">\n").arg(number(i * cellWidth)) +
@@ -152,7 +152,7 @@ QString toSvg(const QVector<Chart> &charts)
                "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%1\" height=\"%2\" viewBox=\"0 0 %1 %2\" "
                "font-family=\"sans-serif\" fill=\"#222\">\n"
                "<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n")
-               .arg(number(charts.size() * cellWidth), number(height)) +
+               .arg(number(static_cast<double>(charts.size()) * cellWidth), number(height)) +
            body + "</svg>\n";
 }
 

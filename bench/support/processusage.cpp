@@ -69,7 +69,7 @@ qint64 peakMemory()
     if (!file.open(QIODevice::ReadOnly))
         return 0;
     const QByteArray status = file.readAll();
-    const int entry = status.indexOf("VmHWM:");
+    const auto entry = status.indexOf("VmHWM:");
     return entry < 0 ? 0 : status.mid(entry).simplified().split(' ').value(1).toLongLong() * kibi;
 }
 
@@ -82,14 +82,14 @@ void resetPeakMemory()
 
 int livingChildren()
 {
-    int count = 0;
+    qsizetype count = 0;
     const QStringList threads = QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     for (const QString &thread : threads) {
         QFile file("/proc/self/task/" + thread + "/children");
         if (file.open(QIODevice::ReadOnly))
             count += file.readAll().count(' '); // one behind each process id
     }
-    return count;
+    return static_cast<int>(count);
 }
 
 } // namespace bench

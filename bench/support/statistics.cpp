@@ -11,7 +11,7 @@ double median(QVector<double> values)
     if (values.isEmpty())
         return 0.0;
     std::sort(values.begin(), values.end());
-    const int middle = values.size() / 2;
+    const auto middle = values.size() / 2;
     return values.size() % 2 ? values.at(middle) : (values.at(middle - 1) + values.at(middle)) / 2;
 }
 

@@ -13,6 +13,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <utility>
+
 /// A day's files through the whole program with the real tools, judged by what was put into them.
 class TestBatchDay : public QObject
 {
@@ -87,7 +89,7 @@ void TestBatchDay::initTestCase()
 void TestBatchDay::theTableShowsWhatWasRecorded()
 {
     const QStringList shown = table.split('\n');
-    for (const mediakit::Recording &recording : qAsConst(recordings)) {
+    for (const mediakit::Recording &recording : std::as_const(recordings)) {
         const QStringList line = shown.filter(nameOf(recording));
         QCOMPARE(line.size(), 1);
         QVERIFY2(line.first().endsWith("  " + mediakit::expectedAudioTC(recording)),
@@ -147,10 +149,10 @@ void TestBatchDay::theReportSaysWhatWasRecorded()
     const bool isPcm = line["soundCodecs"].toString().startsWith("pcm");
     QVERIFY2(std::abs(difference) <= (isPcm ? 1 : 400), qPrintable(QString::number(difference)));
     QVERIFY(std::abs(line["durationSeconds"].toString().toDouble() - recording.duration) < 0.1);
-    int channels = 0;
+    qsizetype channels = 0;
     for (const mediakit::Track &track : recording.tracks)
         channels += track.size();
-    QCOMPARE(line["soundChannels"].toString().toInt(), channels);
+    QCOMPARE(qsizetype{line["soundChannels"].toString().toInt()}, channels);
     if (recording.siblingTimecode)
         return;
     QString channel;
@@ -179,7 +181,7 @@ void TestBatchDay::newFilesAreVerifiedAndStartRight()
     for (const QJsonValue &record : all)
         records[record.toObject()["name"].toString()] = record.toObject();
 
-    for (const mediakit::Recording &recording : qAsConst(recordings)) {
+    for (const mediakit::Recording &recording : std::as_const(recordings)) {
         const QJsonObject record = records.value(nameOf(recording));
         const QString result = record["exportResult"].toString();
         if (recording.broken) {

@@ -121,7 +121,7 @@ void TestBenchmarkPrograms::figuresComeInTheirForm()
     const QJsonArray tables = figures.value("tables").toArray();
     QVERIFY(!tables.isEmpty());
     for (const QJsonValue &table : tables) {
-        const int columns = table["columns"].toArray().size();
+        const auto columns = table["columns"].toArray().size();
         const QJsonArray rows = table["rows"].toArray();
         QVERIFY(columns > 1 && !rows.isEmpty());
         for (const QJsonValue &row : rows)

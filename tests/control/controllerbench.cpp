@@ -89,7 +89,7 @@ void ControllerBench::actAsFileTable()
             record.suffix = file.suffix();
             record.absoluteFilePath = file.absoluteFilePath();
             tableRows += record.absoluteFilePath;
-            controller->onFFProbeFile(record, tableRows.size() - 1);
+            controller->onFFProbeFile(record, static_cast<int>(tableRows.size()) - 1);
         },
         Qt::QueuedConnection);
     connect(
@@ -140,8 +140,8 @@ void ControllerBench::openGate(const QString &name) const
 
 int ControllerBench::handlers() const
 {
-    return controller->findChildren<FFMpegHandler *>().size() +
-           controller->findChildren<LTCHandler *>().size();
+    return static_cast<int>(controller->findChildren<FFMpegHandler *>().size() +
+                            controller->findChildren<LTCHandler *>().size());
 }
 
 QStringList ControllerBench::startedTools() const

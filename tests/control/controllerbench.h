@@ -58,7 +58,7 @@ public:
 
     QStringList events; ///< every signal so far
     QStringList eventsOf(const QString &beginning) const;
-    int count(const QString &event) const { return events.count(event); }
+    int count(const QString &event) const { return static_cast<int>(events.count(event)); }
 
     QVector<FileData> probedFiles; ///< records of the ffprobeResult signals, in order
 

@@ -9,6 +9,8 @@
 #include <QMap>
 #include <QTest>
 
+#include <utility>
+
 namespace
 {
 
@@ -64,7 +66,7 @@ private:
     void startExport(const QVector<FileData> &files) { bench->control().onExportReq(files, options()); }
     QString output(const QString &name) const { return bench->mediaPath("out/" + name); }
     QStringList lastEvents(int count) const { return bench->events.mid(bench->events.size() - count); }
-    int exportsEnded() const { return bench->eventsOf("exportReady").size(); }
+    int exportsEnded() const { return static_cast<int>(bench->eventsOf("exportReady").size()); }
 
     std::unique_ptr<ControllerBench> bench;
 };
@@ -97,7 +99,7 @@ void TestExportFlow::anExportOfNothingSaysNothing()
     QCOMPARE(bench->events, QStringList());
     startExport({bench->makeFile("a.mov", failing()), bench->makeFile("b.mov")});
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
-    const int before = bench->events.size();
+    const auto before = bench->events.size();
     startExport({});
     QCOMPARE(bench->events.size(), before);
     startExport({bench->makeFile("b.mov")});
@@ -287,7 +289,7 @@ void TestExportFlow::aCancelledBatchEndsInTheOrderOfItsPath()
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
     QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
     QStringList events;
-    for (const QString &event : qAsConst(bench->events)) {
+    for (const QString &event : std::as_const(bench->events)) {
         if (event.startsWith("export"))
             events += event;
     }

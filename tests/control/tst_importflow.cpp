@@ -389,7 +389,7 @@ void TestImportFlow::theWalkWaitsForTheFileTable()
     for (int i = 0; i < fileCount; ++i)
         bench->makeFile(QString("day/clip%1.mov").arg(i), {{"probe", QJsonObject{{"hang", true}}}});
     bench->control().onIterateThroughDir({bench->mediaUrl("day")});
-    const int foundAtOnce = bench->eventsOf("found ").size();
+    const auto foundAtOnce = bench->eventsOf("found ").size();
     QVERIFY(foundAtOnce > 100 && foundAtOnce < fileCount);
     for (int row = 0; row < foundAtOnce; ++row)
         bench->control().onFFProbeFile(FileData(), row);

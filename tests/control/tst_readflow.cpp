@@ -473,7 +473,7 @@ void TestReadFlow::aReReadWaitsForTheImportUnderWay()
     QTRY_COMPARE_WITH_TIMEOUT(bench->startedTools(), QStringList{"probe a.mov"}, longWait);
     bench->openGate();
     QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
-    const int importEnd = bench->events.indexOf("importReady");
+    const auto importEnd = bench->events.indexOf("importReady");
     QVERIFY(importEnd > 0);
     QVERIFY(bench->events.indexOf("read 0 stream 1: 0 10:00:00:00") < importEnd);
     QVERIFY(bench->events.indexOf("read 8 stream 1: 0 10:00:00:00") > importEnd);

@@ -85,7 +85,7 @@ bool soundsLike(const Samples &found, const mediakit::Channel &channel, const So
 QStringList channelFaults(const QString &path, int index, const ExpectedTrack &track, const MadeFile &made)
 {
     QStringList faults;
-    const QVector<Samples> decoded = decode(path, index, track.channels.size());
+    const QVector<Samples> decoded = decode(path, index, static_cast<int>(track.channels.size()));
     for (int i = 0; i < decoded.size(); ++i) {
         const auto [wantedTrack, wantedChannel] = track.channels.at(i);
         const auto number = static_cast<std::size_t>(wantedChannel);

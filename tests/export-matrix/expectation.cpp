@@ -88,7 +88,7 @@ QVector<ExpectedTrack> expectedTracks(const MadeFile &file, const ExportOptions 
         }
         const bool isCodedAgain = track.channels.size() < source.tracks.at(i).size();
         if (isCodedAgain && !track.codec.startsWith("pcm"))
-            track.leastBitRate = leastBitRate(stream, track.channels.size());
+            track.leastBitRate = leastBitRate(stream, static_cast<int>(track.channels.size()));
         if (!track.channels.isEmpty())
             tracks += track;
     }
@@ -223,7 +223,7 @@ void expectFacts(Expectation &expected, const MadeFile &file)
 {
     QVector<int> keptTracks;
     QVector<int> keptChannels;
-    for (const ExpectedTrack &track : qAsConst(expected.tracks)) {
+    for (const ExpectedTrack &track : std::as_const(expected.tracks)) {
         keptTracks += track.channels.first().first;
         for (const auto &channel : track.channels)
             keptChannels += channel.second;

@@ -118,7 +118,7 @@ void addTags(Facts &facts, const QJsonObject &tags)
         add(facts, group, plainName(note), valueOf(group, tag.value().toString()));
     }
     // In MXF files it is the date of the package.
-    if (tags.contains("modification_date") && tags["modification_date"].toString().leftRef(4).toInt() > 0)
+    if (tags.contains("modification_date") && tags["modification_date"].toString().left(4).toInt() > 0)
         add(facts, FactGroup::CreationTime, "creation_time",
             valueOf(FactGroup::CreationTime, tags["modification_date"].toString()));
 }

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <exception>
+#include <utility>
 
 namespace exportmatrix
 {
@@ -20,8 +21,8 @@ namespace
 class Faults
 {
 public:
-    template <typename Value>
-    void compare(const QString &what, const Value &found, const Value &wanted)
+    template <typename Found, typename Wanted>
+    void compare(const QString &what, const Found &found, const Wanted &wanted)
     {
         if (found != wanted)
             texts += QString("%1 is %2, not %3")
@@ -126,7 +127,7 @@ void judgeTimecode(Faults &faults, const QJsonObject &probe, const Expectation &
         if (tags.contains("timecode"))
             texts += tags["timecode"].toString();
         faults.require("no start timecode", !texts.isEmpty());
-        for (const QString &text : qAsConst(texts))
+        for (const QString &text : std::as_const(texts))
             faults.compare("start timecode", text, *expected.timecode);
     }
     if (expected.timeReference) {
@@ -281,12 +282,12 @@ Judgement judge(const QString &path, const Expectation &expected, const MadeFile
         acceptConvertedColours(findings, ofPicture);
         findings += ofPicture;
     }
-    for (const Finding &finding : qAsConst(findings)) {
+    for (const Finding &finding : std::as_const(findings)) {
         if (finding.verdict == Verdict::Lost)
             faults.texts += finding.thing + ": " + finding.detail;
     }
     constexpr int mostFaults = 6;
-    if (const int more = faults.texts.size() - mostFaults; more > 0)
+    if (const auto more = faults.texts.size() - mostFaults; more > 0)
         faults.texts = faults.texts.mid(0, mostFaults) + QStringList{QString("and %1 more").arg(more)};
     return {faults.texts, findings};
 }

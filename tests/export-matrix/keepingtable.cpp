@@ -2,6 +2,7 @@
 #include "tests/export-matrix/keepingtable.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace exportmatrix
 {
@@ -49,7 +50,7 @@ KeepingTable KeepingTable::fromMarkdown(const QString &text)
 {
     KeepingTable table;
     const QStringList lines = text.split('\n');
-    int line = lines.indexOf(header());
+    auto line = lines.indexOf(header());
     if (line < 0)
         return table;
     for (line += 2; line < lines.size() && lines.at(line).startsWith('|'); ++line) {
@@ -91,7 +92,7 @@ QStringList KeepingTable::differences(const KeepingTable &documented, bool isWho
                      [this](const QString &thing) { return !things.contains(thing); });
     }
     QStringList texts;
-    for (const QString &thing : qAsConst(all)) {
+    for (const QString &thing : std::as_const(all)) {
         for (int i = 0; i < targetCount; ++i) {
             const auto target = static_cast<Target>(i);
             const std::set<Verdict> found = rows[thing][target];

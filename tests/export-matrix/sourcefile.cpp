@@ -113,7 +113,7 @@ void addSound(ToolWords &words, const SourceFile &source, int track, const std::
 void addChapters(ToolWords &words, const SourceFile &source, const QString &folder)
 {
     QString text = ";FFMETADATA1\n";
-    const int length = int(source.duration * 1000) / source.chapters.size(); // [ms]
+    const int length = int(source.duration * 1000) / int(source.chapters.size()); // [ms]
     for (int i = 0; i < source.chapters.size(); ++i) {
         text +=
             QString("[CHAPTER]\nTIMEBASE=1/1000\nSTART=%1\nEND=%2\ntitle=%3\n")
@@ -135,8 +135,8 @@ void addDataTrack(ToolWords &words, const QString &folder)
 /// Notes in the header of the QuickTime file \a bytes that the picture is to be turned.
 void turn(QByteArray &bytes, const PictureShape &shape)
 {
-    const int header = bytes.indexOf("tkhd"); // of the first track, the picture's
-    constexpr int matrix = 44;                // [bytes] from there
+    const auto header = bytes.indexOf("tkhd"); // of the first track, the picture's
+    constexpr int matrix = 44;                 // [bytes] from there
     const auto put = [&](std::ptrdiff_t place, qint32 value) {
         qToBigEndian(value, bytes.data() + header + matrix + 4 * place);
     };

@@ -52,7 +52,7 @@ unsigned char part(const QByteArray &card, const PictureShape &shape, double x, 
 {
     const int column = std::clamp(int(x * shape.width), 0, shape.width - 1);
     const int row = std::clamp(int(y * shape.height), 0, shape.height - 1);
-    const int header = card.size() - shape.width * shape.height * 3;
+    const auto header = card.size() - shape.width * shape.height * 3;
     return static_cast<unsigned char>(card.at(header + (row * shape.width + column) * 3 + colour));
 }
 

@@ -131,7 +131,7 @@ void addBext(Facts &facts, const QByteArray &bext)
     const QByteArray loudness = bext.mid(412, 10);
     if (loudness.count('\0') < loudness.size())
         add(facts, FactGroup::BextLoudness, "loudness", loudness.toHex());
-    add(facts, FactGroup::BextHistory, "coding history", textAt(bext, bextTextEnd, bext.size()));
+    add(facts, FactGroup::BextHistory, "coding history", textAt(bext, bextTextEnd, -1));
 }
 
 FactGroup groupOfIxml(const QString &path)

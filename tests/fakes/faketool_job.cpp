@@ -117,7 +117,7 @@ QJsonObject FakeJob::plan(int earlierCalls) const
     if (!part.isArray())
         return part.toObject();
     const QJsonArray turns = part.toArray();
-    return turns.at(qMin(earlierCalls, turns.size() - 1)).toObject();
+    return turns.at(qMin(earlierCalls, static_cast<int>(turns.size()) - 1)).toObject();
 }
 
 void appendLine(const QString &path, const QJsonObject &line)

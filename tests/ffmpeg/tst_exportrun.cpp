@@ -344,7 +344,7 @@ void TestExportRun::cancellingAnEndedRunReportsNothingMore()
     QSignalSpy result(handler.data(), &FFMpegHandler::ffmpegExportResult);
     handler->buildExportArguments(mediaFile(path, {}), passThrough(15));
     QVERIFY(result.wait(longWait));
-    const int reports = progress.count();
+    const auto reports = progress.count();
 
     handler->onExportCancel();
     QTRY_VERIFY_WITH_TIMEOUT(handler.isNull(), longWait);

@@ -46,22 +46,23 @@ void TestContentWidth::itAgreesWithALookAtEveryRow()
     ContentWidth widths;
     QVector<int> plain;
     for (int step = 0; step < 2000; ++step) {
+        const int rows = static_cast<int>(plain.size());
         if (!plain.isEmpty() && random.bounded(4) == 0) {
-            const int first = random.bounded(plain.size());
-            const int count = 1 + random.bounded(plain.size() - first);
+            const int first = random.bounded(rows);
+            const int count = 1 + random.bounded(rows - first);
             plain.remove(first, count);
             widths.remove(first, count);
         } else if (!plain.isEmpty() && random.bounded(4) == 0) {
-            const int from = random.bounded(plain.size());
-            const int to = random.bounded(plain.size());
+            const int from = random.bounded(rows);
+            const int to = random.bounded(rows);
             plain[to] = plain.at(from);
             if (from != to)
                 plain[from] = 0;
             widths.move(from, to);
         } else {
-            const int row = random.bounded(plain.size() + 1);
+            const int row = random.bounded(rows + 1);
             const int width = random.bounded(20);
-            if (row == plain.size())
+            if (row == rows)
                 plain.append(0);
             plain[row] = width;
             widths.set(row, width);

@@ -213,7 +213,7 @@ QJsonObject TestPlainTable::randomResult()
 
 void TestPlainTable::doSomething()
 {
-    const int row = random->bounded(plain.rows.size());
+    const int row = random->bounded(static_cast<int>(plain.rows.size()));
     const int what = random->bounded(40);
     if (what == 0) {
         deleteSome();

@@ -61,7 +61,7 @@ bool isChannelOfTimecodeStream(const FileData &file, const QString &value)
     static const QRegularExpression form(
         QRegularExpression::anchoredPattern("-?0\\.([0-9]+)\\.-?[0-9]+(:0\\.[0-9]+)?"));
     const auto match = form.match(value);
-    return match.hasMatch() && match.capturedRef(1).toInt() == file.audioStreamIndex &&
+    return match.hasMatch() && match.captured(1).toInt() == file.audioStreamIndex &&
            isAudioStream(file, match.captured(1));
 }
 
@@ -144,8 +144,7 @@ void checkExport(const FileData &file, const ExportOptions &options, int takenNa
     require(words.mid(0, 3) == QStringList{"-y", "-i", file.absoluteFilePath}, "the input comes first");
     require(words.size() >= 4 && words.last() == command.outputPath, "the output comes last");
     const QString folder = options.exportDir + '/';
-    require(command.outputPath.startsWith(folder) &&
-                !command.outputPath.midRef(folder.size()).contains('/') &&
+    require(command.outputPath.startsWith(folder) && !command.outputPath.mid(folder.size()).contains('/') &&
                 command.outputPath.size() > folder.size() + 1,
             "the output is a file in the export folder", command.outputPath);
     require(takenNames >= lastName || !taken.contains(command.outputPath), "no existing file is written to",
@@ -162,7 +161,7 @@ void checkExtraction(const FileData &file)
 {
     const QString folder = "/tmp/OstrelSyncTemp/" + file.baseName;
     const QStringList words = toolarguments::audioExtraction(file, folder);
-    const int streams = toolarguments::audioStreams(file).size();
+    const auto streams = toolarguments::audioStreams(file).size();
     const QStringList outputs = words.mid(words.size() - 3 * streams);
     QSet<QString> paths;
     for (int i = 0; i + 2 < outputs.size(); i += 3) {
@@ -170,7 +169,7 @@ void checkExtraction(const FileData &file)
         require(outputs.at(i) == "-map" && isAudioStream(file, outputs.at(i + 1).mid(2)),
                 "each audio stream is mapped", outputs.join('|'));
         const auto origin = ReaderFileName::parse(path);
-        require(path.startsWith(folder + '/') && !path.midRef(folder.size() + 1).contains('/'),
+        require(path.startsWith(folder + '/') && !path.mid(folder.size() + 1).contains('/'),
                 "extracted audio goes to its folder", path);
         require("0:" + QString::number(origin.audioStream) == outputs.at(i + 1) &&
                     origin.row == file.rowNumber,

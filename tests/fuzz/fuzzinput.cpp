@@ -24,9 +24,9 @@ int Input::choice(int count)
 
 QByteArray Input::line()
 {
-    const int end = bytes.indexOf('\n', position);
+    const auto end = bytes.indexOf('\n', position);
     QByteArray text = bytes.mid(position, end < 0 ? -1 : end - position);
-    position = end < 0 ? bytes.size() : end + 1;
+    position = static_cast<int>(end < 0 ? bytes.size() : end + 1);
     return text;
 }
 

@@ -219,7 +219,7 @@ void TestLTCHandler::manyReadersRunSideBySide()
         handler->readTimecode(makeFile(QString("%1.wav").arg(i)), false);
     }
     const auto running = [this] {
-        int count = 0;
+        qsizetype count = 0;
         for (int i = 0; i < readers; ++i)
             count += faketools::calls(folder->filePath(QString("%1.wav").arg(i))).size();
         return count;

@@ -70,7 +70,7 @@ void Monkey::makeMedia()
             if (random.chance(0.4))
                 continue;
             QFile file(addMedia(folder + '/' + names.at(i)));
-            const int minute =
+            const auto minute =
                 names.at(i).startsWith("take") ? 0 : sources.size(); // both takes at one moment
             if (file.open(QIODevice::ReadWrite))
                 file.setFileTime(recorded.addSecs(60LL * minute), QFileDevice::FileModificationTime);
@@ -86,7 +86,7 @@ void Monkey::answerBoxes()
         return;
     const QList<QAbstractButton *> buttons = box->buttons();
     if (!buttons.isEmpty())
-        buttons.at(answers.integer(0, buttons.size() - 1))->click();
+        buttons.at(answers.integer(0, static_cast<int>(buttons.size()) - 1))->click();
 }
 
 QStringList Monkey::play()

@@ -18,7 +18,7 @@ namespace
 template <typename Choice>
 Choice any(testsignals::Random &random, const QVector<Choice> &choices)
 {
-    return choices.at(random.integer(0, choices.size() - 1));
+    return choices.at(random.integer(0, static_cast<int>(choices.size()) - 1));
 }
 
 void chooseAny(testsignals::Random &random, QComboBox *combo)
@@ -56,7 +56,7 @@ void Monkey::drop()
     paths.sort();
     QStringList dropped;
     for (int i = random.integer(1, 4); i > 0; --i)
-        dropped += paths.at(random.integer(0, paths.size() - 1));
+        dropped += paths.at(random.integer(0, static_cast<int>(paths.size()) - 1));
     log += "drop " + dropped.join(' ');
     bench->drop(dropped);
 }

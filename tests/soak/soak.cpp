@@ -53,7 +53,8 @@ QString Soak::round()
 
 Holdings Soak::holdings()
 {
-    return {ownprocesses::residentMemory(), ownprocesses::openFiles(), ownprocesses::children().size()};
+    return {ownprocesses::residentMemory(), ownprocesses::openFiles(),
+            static_cast<int>(ownprocesses::children().size())};
 }
 
 QString Soak::waitFor(const QString &status)
@@ -96,7 +97,7 @@ QString Soak::exportAll()
         QTest::qWaitFor([this] { return bench.boxes.allGiven(); }, patience + count * patiencePerFile);
     if (!ended || bench.boxes.seen().constLast().text != "Ostrel did the job!")
         return "the export failed";
-    const int exported = bench.exportedFiles().size();
+    const auto exported = bench.exportedFiles().size();
     QDir(bench.exportFolder()).removeRecursively();
     QDir().mkpath(bench.exportFolder());
     return exported == count ? QString()

@@ -44,7 +44,7 @@ QString nameOf(qint64 id)
 
 int openFiles()
 {
-    return entriesOf("/proc/self/fd").size();
+    return static_cast<int>(entriesOf("/proc/self/fd").size());
 }
 
 qint64 residentMemory()

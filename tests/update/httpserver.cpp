@@ -42,7 +42,7 @@ void HttpServer::onReadyRead(QTcpSocket *socket)
 
 void HttpServer::sendAnswer(QTcpSocket *socket)
 {
-    const qint64 length = qMax(stretchedBody, qint64{body.size()});
+    const qint64 length = qMax(stretchedBody, static_cast<qint64>(body.size()));
     socket->write(head + "Content-Length: " + QByteArray::number(length) + "\r\nConnection: close\r\n\r\n");
     socket->write(cutAfter < 0 ? body : body.left(cutAfter));
     sent = body.size();

@@ -171,7 +171,7 @@ void TestUpdateCheck::aCutConnectionIsSilent()
 {
     HttpServer server;
     server.answer("200 OK", goodDescriptor());
-    server.cutBodyAfter(goodDescriptor().size() - 4);
+    server.cutBodyAfter(static_cast<int>(goodDescriptor().size()) - 4);
     Check check(server);
     QTRY_COMPARE_WITH_TIMEOUT(check.finished.count(), 1, patience);
     QCOMPARE(check.announced.count(), 0);

@@ -19,7 +19,7 @@ bool showInFront(QWidget &dialog)
     return QTest::qWaitForWindowActive(&dialog, longWait);
 }
 
-QStringList tabWalk(QWidget &dialog, const char *start, int steps)
+QStringList tabWalk(QWidget &dialog, const char *start, qsizetype steps)
 {
     childOf<QWidget>(dialog, start)->setFocus();
     QStringList names;

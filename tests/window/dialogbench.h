@@ -28,7 +28,7 @@ QStringList texts(const QComboBox &combo);
 bool showInFront(QWidget &dialog);
 
 /// Names of the widgets that Tab leads to in \a dialog, in \a steps from the widget \a start on.
-QStringList tabWalk(QWidget &dialog, const char *start, int steps);
+QStringList tabWalk(QWidget &dialog, const char *start, qsizetype steps);
 
 /// Names of the widgets in \a dialog that reach out of it or have less room than they need.
 QStringList cutOffWidgets(const QWidget &dialog);

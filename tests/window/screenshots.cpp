@@ -3,6 +3,7 @@
 // Takes a picture of every window and message box of the program, over fake tools.
 // Usage: ostrel_screenshots FOLDER light|dark   (run by scripts/screenshots.sh, which varies the scale)
 
+#include "app/applicationattributes.h"
 #include "app/records/recordtypes.h"
 #include "tests/fakes/faketools.h"
 #include "tests/window/windowbench.h"
@@ -186,8 +187,7 @@ void takeMissingTools(WindowBench &bench, const Camera &camera)
 int main(int argc, char *argv[])
 {
     registerRecordTypes();
-    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    setApplicationAttributes();
     const QApplication application(argc, argv);
     if (argc != 3) {
         std::fputs("Usage: ostrel_screenshots FOLDER light|dark\n", stderr);

@@ -170,7 +170,8 @@ void TestMainWindow::theContextMenuOffersExportAndReading()
             menu->close();
         }
     });
-    QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(10, 100), bench.window->mapToGlobal({10, 100}));
+    QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(10, 100),
+                            bench.window->mapToGlobal(QPoint(10, 100)));
     QCoreApplication::sendEvent(bench.window.get(), &event);
     QCOMPARE(offered, (QList<QAction *>{bench.child<QAction>("exportAction"),
                                         bench.child<QAction>("readAudioTCAction")}));
@@ -225,7 +226,7 @@ void TestMainWindow::aFolderIsImportedAndItsStreamsShown()
     for (const QString &cell : audioCells)
         QCOMPARE(cell, QString("10:00:00:00@25.00 on ch. 1"));
     QCOMPARE(bench.progressBar->value(), 0);
-    const int row = bench.column(0).indexOf("a.mov");
+    const int row = static_cast<int>(bench.column(0).indexOf("a.mov"));
     QTest::mouseClick(bench.fileList->viewport(), Qt::LeftButton, {},
                       bench.fileList->visualItemRect(bench.fileList->item(row, 0)).center());
     QCOMPARE(bench.streamLines().value(0), QString(" Streams:"));

@@ -11,7 +11,7 @@ namespace
 
 QByteArray atom(const char *type, const QByteArray &content)
 {
-    const int length = content.size() + 8;
+    const auto length = content.size() + 8;
     QByteArray bytes;
     for (const int shift : {24, 16, 8, 0})
         bytes += static_cast<char>(length >> shift);
