@@ -39,6 +39,8 @@ void UpdateCheck::requestVersionInfo()
     connect(networkManager, &QNetworkAccessManager::finished, this, &UpdateCheck::replyFinished);
     QNetworkRequest request(descriptorUrl);
     request.setRawHeader("User-Agent", userAgent().toLatin1());
+    // Qt 6 would follow a redirection, Qt 5 does not.
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     // A compressed body could unfold to any size behind the limit's back.
     request.setRawHeader("Accept-Encoding", "identity");
     QNetworkReply *reply = networkManager->get(request);
