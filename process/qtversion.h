@@ -10,7 +10,6 @@
 #endif
 
 #include <functional>
-#include <utility>
 
 /// All that differs between the versions of Qt that the program is built with; no other file asks for the
 /// version.
@@ -38,6 +37,13 @@ private:
     std::function<void()> childProcessModifier;
 };
 
+/// Each start of a program copies the memory map of this one.
+constexpr bool copiesItself = true;
+
+inline void startWithoutCopy(QProcess &)
+{
+}
+
 /// Makes the character set with the registered number \a mib that of file names. False where it cannot be
 /// chosen: there file names are always UTF-8.
 inline bool useFileNameCoding(int mib)
@@ -64,6 +70,18 @@ void leaveWindowsToProgram()
 #else // what Qt 5 has to be asked for, Qt 6 does by itself
 
 using Process = QProcess;
+
+constexpr bool copiesItself = false;
+
+/// Has \a process start programs without a copy of this one: what its modifier does, the child does in this
+/// program's own memory while the thread that starts it waits. Qt 6.4 never copies; later versions ask for
+/// consent.
+inline void startWithoutCopy([[maybe_unused]] QProcess &process)
+{
+#if QT_VERSION >= QT_VERSION_CHECK(6, 6, 0) && defined(Q_OS_UNIX)
+    process.setUnixProcessParameters(QProcess::UnixProcessFlag::UseVFork);
+#endif
+}
 
 inline bool useFileNameCoding(int)
 {

@@ -16,7 +16,9 @@ namespace
 {
 
 #ifdef Q_OS_LINUX
-// Runs in the child, between fork and exec of a program with threads: nothing but plain system calls.
+// Runs in the child, between its birth and exec, in the memory of a program with threads: nothing but plain
+// system calls, and no variable is written. Set from outside, each would come too late for a tool that is
+// quick to start threads or whose owner is killed at once.
 void stepBackBehindOwner(pid_t owner)
 {
     constexpr int lowerPriority = 10;
@@ -54,6 +56,7 @@ ToolProcess::ToolProcess(QObject *parent) : qtversion::Process(parent), watch(th
 {
 #ifdef Q_OS_LINUX
     setChildProcessModifier([owner = getpid()] { stepBackBehindOwner(owner); });
+    qtversion::startWithoutCopy(*this);
 #endif
     constexpr std::chrono::seconds interval(1);
     watch.setInterval(interval);

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
+#include "process/qtversion.h"
 #include "process/toolprocess.h"
 #include "tests/fakes/faketools.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -22,6 +24,7 @@ class TestToolProcess : public QObject
 
 private slots:
     void toolsStepBackBehindTheUsersWork();
+    void toolsStartWithoutACopyOfTheProgram();
     void toolsEndWhenTheProgramIsKilled();
     void aDestroyedProcessTakesItsToolWithIt();
     void aToolIsSeenToEndThoughItsSignalWasLost();
@@ -86,6 +89,25 @@ void TestToolProcess::toolsStepBackBehindTheUsersWork()
     QCOMPARE(calls.size(), 1);
     QCOMPARE(calls[0].priority, qMin(getpriority(PRIO_PROCESS, 0) + 10, 19));
     QCOMPARE(calls[0].oomScore, 1000);
+#endif
+}
+
+void TestToolProcess::toolsStartWithoutACopyOfTheProgram()
+{
+#ifndef Q_OS_LINUX
+    QSKIP("a plain process on this platform");
+#else
+    if (qtversion::copiesItself)
+        QSKIP("this version of Qt cannot start programs so");
+    // Whoever waits until the tool is at work never meets a copy of itself.
+    const QString media = folder.filePath("started.mov");
+    for (int start = 0; start < 20; ++start) {
+        ToolProcess process(nullptr);
+        process.start("ffprobe.exe", {media});
+        const QFileInfo program(QString("/proc/%1/exe").arg(process.processId()));
+        QVERIFY(program.symLinkTarget() != QCoreApplication::applicationFilePath());
+        QVERIFY(process.waitForFinished());
+    }
 #endif
 }
 
