@@ -116,8 +116,9 @@ function(ostrel_add_test name)
     set(runtime "${CMAKE_BINARY_DIR}/runtime")
     file(MAKE_DIRECTORY "${runtime}")
     file(CHMOD "${runtime}" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+    # The time that Qt itself gives a test function is for a row with Qt 5, for all rows together with Qt 6.
     set(environment QT_QPA_PLATFORM=${platform} QT_FATAL_WARNINGS=1 LC_ALL=${ARG_LOCALE} "XDG_RUNTIME_DIR=${runtime}"
-        ${OSTREL_SANITIZER_ENVIRONMENT})
+        QTEST_FUNCTION_TIMEOUT=${ARG_TIMEOUT}000 ${OSTREL_SANITIZER_ENVIRONMENT})
     set(path "$ENV{PATH}")
     if(ARG_TOOLS)
         set(path "${CMAKE_BINARY_DIR}/bin:${path}")
