@@ -4,6 +4,7 @@
 #include "control/probedrecord.h"
 
 #include <QJsonDocument>
+#include <QTimeZone>
 
 namespace bench
 {
@@ -127,7 +128,7 @@ QString Shoot::fileName(int row) const
 
 QDateTime Shoot::modified(int row) const
 {
-    const QDateTime noon(QDate(2024, 5, 4), QTime(12, 0), Qt::UTC);
+    const QDateTime noon(QDate(2024, 5, 4), QTime(12, 0), QTimeZone::utc());
     return kind == OneMoment ? noon : noon.addSecs(row);
 }
 

@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QTimeZone>
 
 namespace mediakit
 {
@@ -101,7 +102,7 @@ QVector<Sample> sampleKit()
 {
     QVector<Sample> samples = rates() + damaged() + layouts();
     // One file a minute; the pair was recorded together.
-    const QDateTime firstFile(QDate(2024, 5, 4), QTime(9, 0), Qt::UTC);
+    const QDateTime firstFile(QDate(2024, 5, 4), QTime(9, 0), QTimeZone::utc());
     for (int i = 0; i < samples.size(); ++i) {
         Recording &recording = samples[i].recording;
         recording.modified = firstFile.addSecs((recording.siblingTimecode ? i - 1 : i) * 60LL);

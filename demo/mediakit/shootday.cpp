@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "demo/mediakit/shootday.h"
 
+#include <QTimeZone>
+
 namespace mediakit
 {
 
@@ -73,7 +75,7 @@ QVector<Recording> shootDay()
 {
     QVector<Recording> recordings = cameraFiles() + soundFiles();
     // One file a minute; the pair was recorded together.
-    const QDateTime firstFile(QDate(2024, 5, 3), QTime(9, 0), Qt::UTC);
+    const QDateTime firstFile(QDate(2024, 5, 3), QTime(9, 0), QTimeZone::utc());
     for (int i = 0; i < recordings.size(); ++i) {
         const bool partner = recordings.at(i).siblingTimecode.has_value();
         recordings[i].modified = firstFile.addSecs((partner ? i - 1 : i) * 60LL);

@@ -2,6 +2,7 @@
 #include "batch/openrows.h"
 
 #include <QTest>
+#include <QTimeZone>
 
 class TestOpenRows : public QObject
 {
@@ -23,7 +24,7 @@ FileData file(const QString &suffix, int minute = 0)
 {
     FileData record;
     record.suffix = suffix;
-    record.lastModified = QDateTime(QDate(2024, 5, 3), QTime(9, minute), Qt::UTC);
+    record.lastModified = QDateTime(QDate(2024, 5, 3), QTime(9, minute), QTimeZone::utc());
     return record;
 }
 

@@ -3,6 +3,7 @@
 #include "demo/mediakit/shootday.h"
 
 #include <QSet>
+#include <QTimeZone>
 #include <QtTest>
 
 #include <vector>
@@ -108,7 +109,7 @@ void TestMediaKit::soundFileHasItsModificationTime()
     recording.path = "SOUND/take.wav";
     recording.duration = 0.5;
     recording.tracks = {{toneChannel(440)}};
-    recording.modified = QDateTime(QDate(2024, 5, 3), QTime(9, 0), Qt::UTC);
+    recording.modified = QDateTime(QDate(2024, 5, 3), QTime(9, 0), QTimeZone::utc());
     QCOMPARE(make(recording, folder.path()), QString());
 
     const QFileInfo written(folder.filePath(recording.path));
