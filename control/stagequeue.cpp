@@ -4,17 +4,20 @@
 bool StageQueue::admit(const Request &request, bool idle)
 {
     // A drop adds to the import under way, even if something waits for the end of that import.
-    if (isFree(request, idle) && (stage == Stage::Import || waiting.isEmpty()))
+    if (isFree(request, idle) && (stage == Stage::Import || waiting.empty()))
         return true;
-    waiting.enqueue(request);
+    waiting.push_back(request);
     return false;
 }
 
 std::optional<StageQueue::Request> StageQueue::takeNext(bool idle)
 {
-    if (waiting.isEmpty() || !isFree(waiting.head(), idle))
-        return std::nullopt;
-    return waiting.dequeue();
+    std::optional<Request> next;
+    if (!waiting.empty() && isFree(waiting.front(), idle)) {
+        next = waiting.front();
+        waiting.pop_front();
+    }
+    return next;
 }
 
 bool StageQueue::isFree(const Request &request, bool idle) const

@@ -5,10 +5,10 @@
 #include "app/records/filedata.h"
 
 #include <QList>
-#include <QQueue>
 #include <QUrl>
 #include <QVector>
 
+#include <deque>
 #include <optional>
 #include <variant>
 
@@ -43,5 +43,5 @@ private:
     bool isFree(const Request &request, bool idle) const;
 
     Stage stage = Stage::None;
-    QQueue<Request> waiting;
+    std::deque<Request> waiting;
 };
