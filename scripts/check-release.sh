@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Checks what is released with the program: the package and its descriptions, that it can be made again byte by byte, the
 # reference of the public declarations, the reader on Windows, the installed program at work in a fresh Debian 12 root,
-# and all tests in a fresh Debian 13 root.
+# and in a fresh Debian 13 root all tests with Qt 5 and Qt 6, and a package with Qt 6.
 # Usage: scripts/check-release.sh [FOLDER]
 #   FOLDER  keeps the base systems of the fresh roots for the next time (build/roots)
 # A check that cannot be made on this machine is named in the last line.
@@ -46,8 +46,10 @@ fi
 
 if can_make_root trixie; then
     check "All tests on Debian 13" scripts/fresh-root.sh trixie "$roots" ./test
+    check "All tests on Debian 13 with Qt 6" scripts/fresh-root.sh trixie "$roots" ./test dev-qt6
+    check "Made with Qt 6 and installed on Debian 13" scripts/check-installed.sh --debian13-qt6 "$roots"
 else
-    left_out+=("all tests on Debian 13 (needs root, namespaces and a mirror of Debian)")
+    left_out+=("all tests on Debian 13, and the package with Qt 6 (needs root, namespaces and a mirror of Debian)")
 fi
 
 printf '%s\n' "${durations[@]}"

@@ -1,9 +1,12 @@
 #!/usr/bin/env bash
 # Builds the package twice, from one commit in two folders under different surroundings, and compares byte by byte.
-# Usage: scripts/check-reproducible.sh [PACKAGE]
+# Usage: scripts/check-reproducible.sh [--qt6] [PACKAGE]
+#   --qt6    builds with Qt 6
 #   PACKAGE  a package of this commit that scripts/make-package.sh has made; stands for the first of the two
 set -euo pipefail
-[[ $# -le 1 && ${1-} != -* ]] || { sed -n '3,4s/^# //p' "$0" >&2; exit 2; }
+preset=release
+[ "${1-}" != --qt6 ] || { preset=release-qt6 && shift; }
+[[ $# -le 1 && ${1-} != -* ]] || { sed -n '3,5s/^# //p' "$0" >&2; exit 2; }
 given=${1:+$(realpath -- "$1")}
 project=$(cd "$(dirname "$(readlink -f "$0")")/.." && pwd)
 commit=$(git -C "$project" rev-parse HEAD) # the next one may land while the first is built
@@ -19,7 +22,7 @@ build() {
     git clone --quiet --no-checkout "$project" "$folder"
     git -C "$folder" checkout --quiet --detach "$commit"
     echo "Building in $folder, which takes some minutes" >&2
-    env "$@" "$folder/scripts/make-package.sh" >"$work/log" 2>&1 || { cat "$work/log" >&2; exit 1; }
+    env "$@" "$folder/scripts/make-package.sh" "$preset" >"$work/log" 2>&1 || { cat "$work/log" >&2; exit 1; }
     echo "$folder"/build/package/*.deb
 }
 
