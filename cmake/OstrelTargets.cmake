@@ -19,7 +19,7 @@ add_library(Ostrel::flags ALIAS ostrel_flags)
 target_compile_features(ostrel_flags INTERFACE cxx_std_20)
 target_include_directories(ostrel_flags INTERFACE "${PROJECT_SOURCE_DIR}")
 target_compile_options(ostrel_flags INTERFACE
-    -Wall -Wextra -Wpedantic -Wconversion -Wold-style-cast -Woverloaded-virtual -Wnon-virtual-dtor
+    -Wall -Wextra -Wpedantic $<$<NOT:${OSTREL_NARROWING_MACROS}>:-Wconversion> -Wold-style-cast -Woverloaded-virtual -Wnon-virtual-dtor
     $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>
     $<$<CONFIG:Release>:-fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>
     "$<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>")
