@@ -46,8 +46,8 @@ Digits digitsAfter(const Hypothesis &hypothesis, int later)
     digits.fill(-1);
     digits[SecondUnits] = second % secondsPerMinute % 10;
     digits[SecondTens] = second % secondsPerMinute / 10;
-    if (hypothesis.doubted >= 0)
-        digits[static_cast<std::size_t>(hypothesis.doubted)] = -1;
+    if (hypothesis.doubted)
+        digits[*hypothesis.doubted] = -1;
     if (hypothesis.minute < 0)
         return digits;
     const int minute = hypothesis.minute + second / secondsPerMinute;

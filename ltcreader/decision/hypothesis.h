@@ -6,6 +6,7 @@
 #include "timecode/timecode.h"
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace ltcreader
@@ -15,15 +16,15 @@ namespace ltcreader
 /// move within the recording are assumed; those that stand still are left open, to be found.
 struct Hypothesis {
     FrameNumbering numbering;
-    int correctionBit = 27;    ///< where the phase correction bit is taken to be
-    int second = 0;            ///< of frame 0
-    int minute = -1;           ///< of frame 0; -1 = stands still
-    int hour = -1;             ///< likewise
-    int doubted = -1;          ///< digit of the second that is left open all the same; -1 = none
-    Allowed allowed = anyTime; ///< values of the digits left open
-    bool realHours = true;     ///< hours stop at 23
-    float fit = 0.0F;          ///< to the recording, once it was evaluated
-    FrameBits bits = 0;        ///< of frame 0 without its number, once it was evaluated
+    int correctionBit = 27;       ///< where the phase correction bit is taken to be
+    int second = 0;               ///< of frame 0
+    int minute = -1;              ///< of frame 0; -1 = stands still
+    int hour = -1;                ///< likewise
+    std::optional<Digit> doubted; ///< a digit of the second that is left open all the same
+    Allowed allowed = anyTime;    ///< values of the digits left open
+    bool realHours = true;        ///< hours stop at 23
+    float fit = 0.0F;             ///< to the recording, once it was evaluated
+    FrameBits bits = 0;           ///< of frame 0 without its number, once it was evaluated
 };
 
 /// What the digits are \a later seconds after frame 0; the drop-frame flag and what stands still is open.
