@@ -25,17 +25,30 @@ constexpr double mostAmplitude = 0.95; // beyond, what is left is the recording'
 constexpr double begun = 0.9;          // of the amplitude behind, from which timecode has begun
 constexpr double steadyShare = 0.8; // of the amplitude, from which all sync words are taken for one polarity
 
+/// The strength of frames \a from to \a to. Where all sync words seem to have one polarity, some may still
+/// have the other, as behind a jump: they count as soon as they show each by itself.
+Strength strengthShown(const FrameGrid &grid, int from, int to, bool steady)
+{
+    constexpr double beyondChance = 3.0; // standard deviations
+    const Strength together = strengthOf(grid, from, to, steady);
+    const Strength each = strengthOf(grid, from, to, false);
+    // The square of a sync word of noise has the mean 1 and the variance 2, in units of its half bits' power.
+    const double frames = std::max(1, std::min(grid.frames, to) - std::max(0, from));
+    const double chance = beyondChance * std::sqrt(2.0 / frames) / (2.0 * syncBits);
+    return each.amplitude > together.amplitude && each.amplitude * each.amplitude > chance ? each : together;
+}
+
 /// The strength at frame \a frame: that of both sides together, or of the weaker one where timecode begins or
 /// ends.
 Strength strengthAt(const FrameGrid &grid, int frame, bool steady)
 {
-    const Strength before = strengthOf(grid, frame - neighbours, frame + 1, steady);
-    const Strength behind = strengthOf(grid, frame, frame + neighbours + 1, steady);
+    const Strength before = strengthShown(grid, frame - neighbours, frame + 1, steady);
+    const Strength behind = strengthShown(grid, frame, frame + neighbours + 1, steady);
     if (before.amplitude < absent * behind.amplitude && frame > 0)
         return before;
     if (behind.amplitude < absent * before.amplitude)
         return behind;
-    return strengthOf(grid, frame - neighbours, frame + neighbours + 1, steady);
+    return strengthShown(grid, frame - neighbours, frame + neighbours + 1, steady);
 }
 
 /// The polarity in which \a part of frame \a frame begins, 1 high to -1 low, 0 where it is not known.
@@ -113,8 +126,8 @@ int framesBefore(const FrameGrid &grid)
     const bool steady = isSteady(grid);
     int before = 0;
     for (int frame = leastStretch; frame < grid.frames; ++frame) {
-        const double earlier = strengthOf(grid, 0, frame, steady).amplitude;
-        if (earlier < absent * strengthOf(grid, frame, grid.frames, steady).amplitude)
+        const double earlier = strengthShown(grid, 0, frame, steady).amplitude;
+        if (earlier < absent * strengthShown(grid, frame, grid.frames, steady).amplitude)
             before = frame;
     }
     return before;
@@ -128,9 +141,9 @@ int firstWholeFrame(const FrameGrid &grid)
 {
     const int before = framesBefore(grid);
     const bool steady = isSteady(grid);
-    const double strongest = strengthOf(grid, before, grid.frames, steady).amplitude;
+    const double strongest = strengthShown(grid, before, grid.frames, steady).amplitude;
     int frame = 0;
-    while (frame < before && strengthOf(grid, frame, frame + 1, steady).amplitude < begun * strongest)
+    while (frame < before && strengthShown(grid, frame, frame + 1, steady).amplitude < begun * strongest)
         ++frame;
     return frame > 0 ? frame + 1 : 0; // one whose sync word shows first may be cut
 }

@@ -280,6 +280,8 @@ void TestOddBenchmark::whatWasReadWrongOnceIsNot_data()
     QTest::newRow("labels of no clock behind a low-pass") << "1701/27";
     QTest::newRow("frames skipped, in music") << "1301/29609";
     QTest::newRow("five frames of another base before a full second") << "1804/873";
+    QTest::newRow("a jump between polarities, in hum") << "1807/9054";
+    QTest::newRow("a jump in a wireless link") << "1807/10024";
 }
 
 void TestOddBenchmark::whatWasReadWrongOnceIsNot()
