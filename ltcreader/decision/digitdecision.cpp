@@ -50,10 +50,16 @@ Likelihoods likelihoodsOf(const float *frame, BitField part, double scale)
     return result;
 }
 
-std::vector<DigitLikelihoods> likelihoodsOfFrames(const FrameGrid &grid, double amplitude)
+/// The log-likelihood that each unit of correlation is worth by the sync words alone, whose \a amplitude is
+/// given.
+double scaleOf(double amplitude)
 {
     const double held = believableAmplitude(amplitude);
-    const double scale = held / noiseBeside(held); // from correlation to log-likelihood
+    return held / noiseBeside(held);
+}
+
+std::vector<DigitLikelihoods> likelihoodsOfFrames(const FrameGrid &grid, double scale)
+{
     std::vector<DigitLikelihoods> frames;
     for (int frame = 0; frame < grid.frames; ++frame) {
         DigitLikelihoods &likelihoods = frames.emplace_back();
@@ -242,7 +248,8 @@ std::optional<LabelDecision> decideByDigits(const FrameGrid &grid, double measur
     if (grid.frames < 1)
         return std::nullopt;
     const double syncAmplitude = findPolarities(grid).amplitude;
-    const std::vector<DigitLikelihoods> frames = likelihoodsOfFrames(grid, syncAmplitude);
+    const double scale = scaleOf(syncAmplitude);
+    const std::vector<DigitLikelihoods> frames = likelihoodsOfFrames(grid, scale);
     std::vector<Hypothesis> hypotheses;
     for (const FrameNumbering &numbering : possibleNumberings(grid.frames)) {
         const NumberedSum sum = sumUnder(numbering, frames);
@@ -266,9 +273,11 @@ std::optional<LabelDecision> decideByDigits(const FrameGrid &grid, double measur
     const double unexplained = noiseBeside(decision->amplitude);
     const double repeated = repeatedError(grid, decision->levels);
     decision->errorRepeats = repeated > unexplained;
-    // Fits are log-likelihoods already; errors that repeat or are correlated make them worth less.
+    // Fits are log-likelihoods already, as far as sync words can tell the noise. They are worth less where
+    // digits are noisier, or where errors repeat or are correlated.
     const double correlated = 1.0 + std::max(0.0, boundaryCorrelation(grid, decision->levels));
-    const double worth = unexplained / (correlated * std::max(unexplained, repeated));
+    const double perFit = decision->amplitude / (correlated * std::max(unexplained, repeated));
+    const double worth = std::min(1.0, perFit / scale);
     decision->margin = marginOf(best, hypotheses, grid.frames, worth, measuredRate, evaluateAgain);
     return decision;
 }

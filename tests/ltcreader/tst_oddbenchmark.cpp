@@ -282,6 +282,7 @@ void TestOddBenchmark::whatWasReadWrongOnceIsNot_data()
     QTest::newRow("five frames of another base before a full second") << "1804/873";
     QTest::newRow("a jump between polarities, in hum") << "1807/9054";
     QTest::newRow("a jump in a wireless link") << "1807/10024";
+    QTest::newRow("hum that is louder by 86 dB") << "edge/1811/507";
 }
 
 void TestOddBenchmark::whatWasReadWrongOnceIsNot()
