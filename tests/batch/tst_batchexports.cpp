@@ -45,7 +45,7 @@ namespace
 {
 
 constexpr int runLimit = 3'600'000; // [ms] the whole day on a busy machine
-constexpr double duration = 1.6;    // [s] long enough to tell 23.976 from 24 frames per second
+constexpr double duration = 1.6;    // [s] long enough to distinguish 23.976 from 24 frames per second
 
 // In the order of their codes.
 constexpr std::array videoTypes{"pass",     "mxf-mpeg2",    "mxf-dnxhd-36",  "mxf-dnxhd-115", "mxf-dnxhd-175",

@@ -170,7 +170,7 @@ void TestLabelDecision::labelsThatNoClockShowsAreNoneOfTheirNeighbours()
 void TestLabelDecision::errorsThatBoundariesShareProveLess()
 {
     // Noise that is the same on both sides of a bit boundary, but for the sign that the levels have there,
-    // moves the pair that tells a label from its nearest neighbour by twice as much.
+    // moves the pair that separates a label from its nearest neighbour by twice as much.
     const FrameGrid clean = gridOfTimecode({7, 8, 9, 10}, pal, 75, standingUserBits);
     FrameGrid apart = clean;
     addNoise(apart, 1.0);
