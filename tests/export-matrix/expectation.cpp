@@ -124,7 +124,8 @@ void expectPicture(Expectation &expected, const MadeFile &file, const ExportOpti
 {
     const SourceFile &source = file.source;
     const QJsonObject picture = file.picture();
-    const int rateClass = int(perSecond(file.record.mainStream["r_frame_rate"].toString()));
+    // Not that of the main stream, which may be a cover: the picture itself may have a family all the same.
+    const int rateClass = int(perSecond(picture["r_frame_rate"].toString()));
     const bool hasFamily = QVector<int>{23, 24, 25, 29, 30}.contains(rateClass);
 
     expected.pictureRate = source.hasWaveringRate ? QString() : source.pictureRate;
