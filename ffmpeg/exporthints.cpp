@@ -93,10 +93,11 @@ QString sourceDescription(const FileData &file)
     text += "[FORMAT]\n" + line("start_time", file.format["start_time"]) +
             line("duration", file.format["duration"]);
     const QJsonObject tags = file.format["tags"].toObject();
+    const auto isTold = [](const QString &key) { return key == "timecode" || key == "creation_time"; };
     // Of the other notes, only their names matter.
     for (auto tag = tags.begin(); tag != tags.end(); ++tag)
         text += line("TAG:" + tag.key().simplified().toUtf8(),
-                     tag.key() == "timecode" ? tag.value() : QJsonValue("..."));
+                     isTold(tag.key()) ? tag.value() : QJsonValue("..."));
     return text.toUtf8().size() <= longestDescription ? text : QString();
 }
 

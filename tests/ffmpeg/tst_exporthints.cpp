@@ -152,7 +152,9 @@ void TestExportHints::theSourceIsDescribedInTheProbesWords()
     file.format = {{"start_time", "1.400000"},
                    {"duration", "2.040000"},
                    {"size", "5000"},
-                   {"tags", QJsonObject{{"timecode", "01:02:03:04"}, {"title", "a note\nindex=9"}}}};
+                   {"tags", QJsonObject{{"creation_time", "2024-05-03T09:00:00Z"},
+                                        {"timecode", "01:02:03:04"},
+                                        {"title", "a note\nindex=9"}}}};
     QCOMPARE(
         exporthints::sourceDescription(file),
         QString(
@@ -163,7 +165,8 @@ void TestExportHints::theSourceIsDescribedInTheProbesWords()
             "TAG:timecode=10:11:12:13\nTAG:reel_name=A001\n"
             "index=1\ncodec_type=audio\ncodec_name=pcm_s24le\nchannels=4\nsample_rate=48000\n"
             "channel_layout=4.0 index=7\n"
-            "[FORMAT]\nstart_time=1.400000\nduration=2.040000\nTAG:timecode=01:02:03:04\nTAG:title=...\n"));
+            "[FORMAT]\nstart_time=1.400000\nduration=2.040000\nTAG:creation_time=2024-05-03T09:00:00Z\n"
+            "TAG:timecode=01:02:03:04\nTAG:title=...\n"));
 }
 
 void TestExportHints::nothingIsSaidOfWhatIsNotKnown_data()

@@ -78,6 +78,17 @@ Options comments(const Source &source, bool dropsTimecodes)
     return options;
 }
 
+/// The time of recording where \a source names it twice, for the movie and as a key: newer tools list both,
+/// which no container takes. Empty where it stands alone.
+Options singleTime(const Source &source)
+{
+    const auto found = source.notes.find("creation_time");
+    const std::size_t end = found == source.notes.end() ? std::string::npos : found->second.find(';');
+    if (end == std::string::npos)
+        return {};
+    return {{"-metadata", "creation_time=" + found->second.substr(0, end)}};
+}
+
 std::string reelOf(const Source &source)
 {
     const auto found = std::find_if(source.streams.begin(), source.streams.end(),
@@ -117,6 +128,7 @@ Options tagOptions(const ExportPlan &plan, const Source &source, int picture, co
         if (isOld || isForeign)
             options.push_back(without(key));
     }
+    append(options, singleTime(source));
     if (makesComments(plan.input, plan.output))
         append(options, comments(source, dropsTimecodes));
     const std::string reel = reelOf(source);

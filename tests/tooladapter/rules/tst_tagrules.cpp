@@ -108,6 +108,9 @@ void TestTagRules::mxfHoldsNotesAsComments_data()
     row("what has a place of its own, or is the tool's",
         {{"creation_time", "2024"}, {"encoder", "x"}, {"major_brand", "qt"}, {"timecode", "01:02:03:04"}},
         keeps);
+    row("a time of recording that the source names twice",
+        {{"creation_time", "2024-05-03T09:00:00.000000Z;2024-05-03T09:00:00Z"}},
+        keeps + " -metadata creation_time=2024-05-03T09:00:00.000000Z");
     row("a comment already", {{"comment_title", "Scene 12A"}}, keeps);
     row("a text that is not known", {{"title", "..."}}, keeps);
     row("more than there is room for",
