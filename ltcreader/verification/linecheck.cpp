@@ -10,6 +10,7 @@
 #include "ltcreader/verification/beginning.h"
 #include "ltcreader/verification/frameevidence.h"
 #include "ltcreader/verification/sequentialtest.h"
+#include "ltcreader/verification/strength.h"
 
 #include <algorithm>
 #include <cmath>

@@ -5,6 +5,8 @@
 
 #include "ltcreader/verification/sequentialtest.h"
 
+#include "ltcreader/verification/strength.h"
+
 #include <algorithm>
 #include <cmath>
 #include <functional>
