@@ -16,7 +16,7 @@ constexpr int unbrokenFrames = 3;       // in short recordings and between gaps
 constexpr double sureDeviation = 0.1;   // [bits] edges this close to their places leave no doubt about bits
 constexpr double believableShare = 0.6; // of the frames in its span that a row must hold
 constexpr double toleratedStrangers = 0.1; // frames that say something else, as a share of the row's
-constexpr double latestStart = 2.0;        // [frames] more than that before a row could carry other labels
+constexpr double latestStart = 1.95; // [frames] two, about as they are measured, could carry other labels
 constexpr double wrongFrame =
     0.01; // share of frames beyond the edges' reach in which the same digit is misread
 constexpr double leastDoubt = 1e-9; // no recording leaves less

@@ -22,7 +22,7 @@ namespace
 {
 
 constexpr double otherMotion = -5.0; // [log-likelihood ratio] for labels that do not count up, which are rare
-constexpr double latestProof = 0.2;  // share of the frames that may pass before
+constexpr double latestProof = 0.1;  // share of the frames that may pass before
 constexpr double quiet = 0.5;        // times the level of the rest: too little to hide other labels
 
 /// The verdict on \a line. \a motion: the log-likelihood ratio that labels which do not count up may have.

@@ -20,7 +20,7 @@ namespace
 // [log-likelihood ratios]
 constexpr double otherBeginning =
     -1.5;                           // for something else at the beginning, where the answer would be wrong
-constexpr double proven = -1.5;     // below it the line runs from the beginning on
+constexpr double proven = -1.0;     // below it, and for good, the line runs from the beginning on
 constexpr double otherEnd = 7.0;    // for something else at the end, which a chimera of two lines would have
 constexpr double impossible = -1e9; // a log-likelihood ratio
 
@@ -121,14 +121,14 @@ std::vector<double> oddsOf(const AlternativeLines &alternatives, const std::vect
     return sums;
 }
 
-/// [frames] that pass before the line is proven, by \a odds; a frame that the beginning cuts counts, too.
-int framesUnproven(const std::vector<double> &odds)
+/// [frames] that pass before nothing else at the beginning is likely any more, which may end at any frame
+/// from \a first on; \a odds are those for each end.
+int framesUnproven(const std::vector<double> &odds, std::size_t first)
 {
-    constexpr std::size_t first = leastStretch - 1;
-    std::size_t frame = first;
-    while (frame < odds.size() && odds[frame] >= proven)
-        ++frame;
-    return frame == first ? 0 : static_cast<int>(frame);
+    std::size_t frames = odds.size();
+    while (frames > first && odds[frames - 1] < proven)
+        --frames;
+    return frames > first ? static_cast<int>(frames) : 0;
 }
 
 /// The odds of something else at the beginning, which may end at any frame from \a first on; \a odds are
@@ -175,7 +175,7 @@ Verdict testSequentially(const AlternativeLines &alternatives, const Unexplained
     const std::vector<double> fromEnd = oddsOf(alternatives, lines, motions, true, unexplained);
     if (oddsOfBeginning(fromBeginning, first) > otherBeginning || mostOf(fromEnd) > otherEnd)
         return {Doubt::Jump};
-    return {Doubt::None, framesUnproven(fromBeginning)};
+    return {Doubt::None, framesUnproven(fromBeginning, first)};
 }
 
 } // namespace ltcreader

@@ -283,6 +283,9 @@ void TestOddBenchmark::whatWasReadWrongOnceIsNot_data()
     QTest::newRow("a jump between polarities, in hum") << "1807/9054";
     QTest::newRow("a jump in a wireless link") << "1807/10024";
     QTest::newRow("hum that is louder by 86 dB") << "edge/1811/507";
+    QTest::newRow("early jump below loud music") << "1807/4443";
+    QTest::newRow("early jump in a wireless link") << "1901/16153";
+    QTest::newRow("a whole frame and almost another before a jump, among spikes") << "1816/1043";
 }
 
 void TestOddBenchmark::whatWasReadWrongOnceIsNot()
