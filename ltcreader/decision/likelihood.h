@@ -33,15 +33,10 @@ inline double believableAmplitude(double amplitude)
     return std::clamp(amplitude, 0.05, 0.95);
 }
 
-/// Log-likelihood of something that fits with \a x in one polarity and with -x in the other. \a polarity, -1
-/// to 1, is the probability of the first minus that of the other: 0 where nothing is known of it.
-inline double logCosh(double x, double polarity = 0.0)
+/// Log-likelihood of something that fits with \a x in one polarity and with -x in the other.
+inline double logCosh(double x)
 {
-    if (polarity == 0.0)
-        return std::abs(x) + std::log1p(std::exp(-2.0 * std::abs(x))) - std::numbers::ln2;
-    const double first = x + std::log1p(polarity);
-    const double second = -x + std::log1p(-polarity);
-    return std::max(first, second) + std::log1p(std::exp(-std::abs(first - second))) - std::numbers::ln2;
+    return std::abs(x) + std::log1p(std::exp(-2.0 * std::abs(x))) - std::numbers::ln2;
 }
 
 } // namespace ltcreader

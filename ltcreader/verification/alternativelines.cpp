@@ -22,6 +22,8 @@ PartValues withNumber(PartValues values, int number)
 AlternativeLines::AlternativeLines(const LabelLine &line, Evidence evidence)
     : evidence(std::move(evidence)), line(line), labels(labelsFrom(line.count))
 {
+    for (std::size_t frame = 0; frame < labels.size(); ++frame)
+        likelihoods.push_back(this->evidence[frame].logLikelihood(labels[frame]));
 }
 
 std::size_t AlternativeLines::frames() const
@@ -42,12 +44,7 @@ Gains AlternativeLines::gainsOf(const Change &change) const
     Gains gains;
     for (std::size_t frame = 0; frame < labels.size(); ++frame) {
         const PartValues other = change(labels[frame], static_cast<int>(frame));
-        double gain = 0.0;
-        for (std::size_t part = 0; part < partCount; ++part) {
-            gain += evidence[frame][part][static_cast<std::size_t>(other[part])] -
-                    evidence[frame][part][static_cast<std::size_t>(labels[frame][part])];
-        }
-        gains.push_back(gain);
+        gains.push_back(evidence[frame].logLikelihood(other) - likelihoods[frame]);
     }
     return gains;
 }

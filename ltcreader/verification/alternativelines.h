@@ -52,7 +52,8 @@ private:
 
     Evidence evidence;
     LabelLine line;
-    std::vector<PartValues> labels; ///< of the line
+    std::vector<PartValues> labels;  ///< of the line
+    std::vector<double> likelihoods; ///< [log] of these
 };
 
 } // namespace ltcreader

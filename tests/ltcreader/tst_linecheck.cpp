@@ -24,6 +24,7 @@ private slots:
     void otherLabelsAreSeen();
     void likelyJumpsNeedFewFrames_data();
     void likelyJumpsNeedFewFrames();
+    void aDigitShowsInAllThatFollowsIt();
     void oneNoisyFrameIsNoJump();
     void errorsOfEveryFrameAreNoJump();
     void framesWithoutTimecodeSayNothing();
@@ -134,6 +135,17 @@ void TestLineCheck::likelyJumpsNeedFewFrames()
     constexpr int frameCounts[] = {5, 6, 7};
     for (const int count : frameCounts)
         QVERIFY(doubtAbout(spliced(gridFrom(before), gridFrom(start), count), 1.0) != Doubt::None);
+}
+
+void TestLineCheck::aDigitShowsInAllThatFollowsIt()
+{
+    // Hours 10 and 11 differ in one bit, behind which the polarity is another up to the phase correction bit.
+    const FrameGrid line = gridFrom(start);
+    FrameGrid jumping = spliced(gridFrom({11, 20, 30, 12}), line, 4);
+    addNoise(jumping, 2.0);
+    measureSyncs(jumping);
+    const Doubt doubt = doubtAboutLine({pal, frameCount(start, pal)}, jumping, line.halves, {}, frameLength);
+    QCOMPARE(static_cast<int>(doubt), static_cast<int>(Doubt::Jump));
 }
 
 void TestLineCheck::oneNoisyFrameIsNoJump()

@@ -286,6 +286,12 @@ void TestOddBenchmark::whatWasReadWrongOnceIsNot_data()
     QTest::newRow("early jump below loud music") << "1807/4443";
     QTest::newRow("early jump in a wireless link") << "1901/16153";
     QTest::newRow("a whole frame and almost another before a jump, among spikes") << "1816/1043";
+    QTest::newRow("early jump by an hour in music, 25 frames") << "1807/15921";
+    QTest::newRow("early jump by an hour in quiet music") << "1816/7966";
+    QTest::newRow("early jump by an hour behind a radio channel") << "1901/4135";
+    QTest::newRow("early jump by an hour behind a high-pass") << "1901/31457";
+    QTest::newRow("jump forwards in clipped noise") << "1816/12617";
+    QTest::newRow("frames skipped behind a gain control") << "1816/14200";
 }
 
 void TestOddBenchmark::whatWasReadWrongOnceIsNot()
