@@ -19,7 +19,7 @@ namespace
 
 // [log-likelihood ratios]
 constexpr double otherBeginning =
-    -1.5;                           // for something else at the beginning, where the answer would be wrong
+    -3.0;                           // for something else at the beginning, where the answer would be wrong
 constexpr double proven = -1.0;     // below it, and for good, the line runs from the beginning on
 constexpr double otherEnd = 7.0;    // for something else at the end, which a chimera of two lines would have
 constexpr double impossible = -1e9; // a log-likelihood ratio

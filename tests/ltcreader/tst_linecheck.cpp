@@ -81,16 +81,24 @@ Doubt doubtAbout(FrameGrid grid, double noise, const timecode::Label &label = st
 
 void TestLineCheck::aLineThatRunsThroughIsNotDoubted_data()
 {
-    QTest::addColumn<double>("noise"); // of a half bit, whose timecode is 1
-    QTest::newRow("clean") << 0.0;
-    QTest::newRow("as strong as the timecode") << 1.0;
-    QTest::newRow("twice as strong") << 2.0;
+    QTest::addColumn<double>("noise");   // of a half bit, whose timecode is 1
+    QTest::addColumn<bool>("isDecided"); // all half bits, else digits and sync words only
+    QTest::newRow("clean") << 0.0 << false;
+    QTest::newRow("as strong as the timecode") << 1.0 << false;
+    QTest::newRow("half as strong again") << 1.5 << false;
+    QTest::newRow("twice as strong, user bits known") << 2.0 << true;
 }
 
 void TestLineCheck::aLineThatRunsThroughIsNotDoubted()
 {
     QFETCH(double, noise);
-    QCOMPARE(static_cast<int>(doubtAbout(gridFrom(start), noise)), static_cast<int>(Doubt::None));
+    QFETCH(bool, isDecided);
+    FrameGrid grid = gridFrom(start);
+    const std::vector<float> levels = isDecided ? grid.halves : std::vector<float>();
+    addNoise(grid, noise);
+    measureSyncs(grid);
+    const Doubt doubt = doubtAboutLine({pal, frameCount(start, pal)}, grid, levels, {}, frameLength);
+    QCOMPARE(static_cast<int>(doubt), static_cast<int>(Doubt::None));
 }
 
 void TestLineCheck::otherLabelsAreSeen_data()

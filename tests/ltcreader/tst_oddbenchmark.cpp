@@ -286,6 +286,7 @@ void TestOddBenchmark::whatWasReadWrongOnceIsNot_data()
     QTest::newRow("early jump below loud music") << "1807/4443";
     QTest::newRow("early jump in a wireless link") << "1901/16153";
     QTest::newRow("a whole frame and almost another before a jump, among spikes") << "1816/1043";
+    QTest::newRow("frames repeated in wind, which hides the first ones") << "2001/13679";
     QTest::newRow("early jump by an hour in music, 25 frames") << "1807/15921";
     QTest::newRow("early jump by an hour in quiet music") << "1816/7966";
     QTest::newRow("early jump by an hour behind a radio channel") << "1901/4135";
