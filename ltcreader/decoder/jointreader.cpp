@@ -23,7 +23,7 @@ namespace ltcreader
 namespace
 {
 
-constexpr std::size_t decidedCandidates = 4;
+constexpr std::size_t decidedCandidates = 6;
 constexpr double plainMargin = 60.0;        // log-likelihood beyond which no other way of reading is tried
 constexpr double adaptedTrust = 0.67;       // in margins that a learning filter brought about
 constexpr double unconfirmedTrust = 0.5;    // in margins that it does not confirm

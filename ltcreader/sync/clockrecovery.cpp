@@ -2,13 +2,14 @@
 
 // Each bit of LTC begins with a change of level. The sound's mean over the half bit before a moment times
 // that over the half bit after it is therefore negative at every beginning of a bit, and of either sign in
-// the middle: this product, taken at all moments (delay and multiply), swings with
-// the bit rate. Its spectrum over the whole
-// window shows a line at the bit rate that stands out long before single bits can be read, and the line's
-// phase shows where bits begin. Followed in pieces of the window, the phase shows how the speed wanders.
+// the middle: this product, taken at all moments (delay and multiply), swings with the bit rate. Its spectrum
+// over the whole window shows a line at the bit rate that stands out long before single bits can be read, and
+// the line's phase shows where bits begin. Followed in pieces of the window, the phase shows how the speed
+// wanders.
 
 #include "ltcreader/sync/clockrecovery.h"
 
+#include "ltcreader/frame/codeword.h"
 #include "ltcreader/maths/runningsums.h"
 
 #include <algorithm>
@@ -26,12 +27,16 @@ constexpr double slowestBits = 1690.0; // [bits/s] 23.976 frames/s at -12 %
 constexpr double fastestBits = 2690.0; // [bits/s] 30 frames/s at +12 %
 constexpr std::array<double, 2> halfBits{1.0 / 3850.0,
                                          1.0 / 4700.0}; // [s] each good for its half of the rates
-constexpr double leastStrength = 12.0; // chance alone reaches this in one of a few recordings
-constexpr double meanReach = 60.0;     // [Hz] to each side, for the mean around a line
-constexpr double sameLine = 2.0;       // [Hz] nearer peaks belong to one line
-constexpr double knotTime = 0.125;     // [s]
-constexpr int smoothedKnots = 2;       // to each side
-constexpr double leastPower = 1e-30;   // keeps quotients finite in silence
+constexpr double leastStrength = 12.0;       // chance alone reaches this in one of a few recordings
+constexpr double leastNominalStrength = 7.0; // near the rates of true machines, where chance has few places
+constexpr double nominalReach = 0.0015;      // of the rate, to each side
+constexpr std::array<double, 5> nominalRates{24.0 / 1.001, 24.0, 25.0, 30.0 / 1.001, 30.0}; // [frames/s]
+constexpr double steadyBelow = 100.0;    // strength of a line whose phase in pieces of the window is noise
+constexpr double meanReach = 60.0;       // [Hz] to each side, for the mean around a line
+constexpr double sameLine = 2.0;         // [Hz] nearer peaks belong to one line
+constexpr double knotTime = 0.125;       // [s]
+constexpr std::size_t smoothedKnots = 2; // to each side
+constexpr double leastPower = 1e-30;     // keeps quotients finite in silence
 
 /// The product of the means over the half bits before and after each sample's beginning, sign changed.
 std::vector<float> changes(const std::vector<double> &sums, double halfBit)
@@ -45,6 +50,16 @@ std::vector<float> changes(const std::vector<double> &sums, double halfBit)
         result[i] = static_cast<float>(-before * after);
     }
     return result;
+}
+
+/// The strength that a line at \a frequency [Hz] must have, in a spectrum of bins of \a binWidth [Hz].
+double leastStrengthAt(double frequency, double binWidth)
+{
+    const bool nominal = std::any_of(nominalRates.begin(), nominalRates.end(), [&](double rate) {
+        const double bits = rate * bitsPerFrame;
+        return std::abs(frequency - bits) < nominalReach * bits + 0.5 * binWidth;
+    });
+    return nominal ? leastNominalStrength : leastStrength;
 }
 
 struct Line {
@@ -70,7 +85,7 @@ void collectLines(const std::vector<float> &power, double binWidth, std::size_t 
         const double around = sums[bin + reach] - sums[bin - reach] - (sums[bin + guard] - sums[bin - guard]);
         const double mean = around / static_cast<double>(2 * (reach - guard)) + leastPower;
         const double strength = static_cast<double>(power[bin]) / mean;
-        if (strength < leastStrength)
+        if (strength < leastStrengthAt(static_cast<double>(bin) * binWidth, binWidth))
             continue;
         // The top of the parabola through three magnitudes lies between the bins.
         const double left = std::sqrt(static_cast<double>(power[bin - 1]));
@@ -125,23 +140,29 @@ std::vector<std::complex<double>> phasesOfPieces(const std::vector<float> &swing
     return phases;
 }
 
-/// The clock behind a line: its phase, followed through the window.
-Clock follow(const std::vector<float> &swing, const Line &line, double sampleRate)
+/// How many pieces the phase of a line is followed in through \a samples of \a sampleRate.
+std::size_t piecesOf(std::size_t samples, double sampleRate)
+{
+    const double knots = static_cast<double>(samples) / (knotTime * sampleRate);
+    return std::max<std::size_t>(1, static_cast<std::size_t>(std::lround(knots)));
+}
+
+/// The clock behind a line: its phase, followed through the window and smoothed over \a reach pieces to each
+/// side.
+Clock follow(const std::vector<float> &swing, const Line &line, double sampleRate, std::size_t reach)
 {
     Clock clock;
     clock.bitLength = sampleRate / line.frequency;
     clock.strength = line.strength;
-    const auto pieces = std::max<std::size_t>(
-        1,
-        static_cast<std::size_t>(std::lround(static_cast<double>(swing.size()) / (knotTime * sampleRate))));
+    const std::size_t pieces = piecesOf(swing.size(), sampleRate);
     clock.knotDistance = static_cast<double>(swing.size()) / static_cast<double>(pieces);
     const std::vector<std::complex<double>> phases =
         phasesOfPieces(swing, line.frequency, sampleRate, pieces);
     double before = 0.0;
     for (std::size_t piece = 0; piece < pieces; ++piece) {
         std::complex<double> smooth = 0.0;
-        const std::size_t from = piece > smoothedKnots ? piece - smoothedKnots : 0;
-        for (std::size_t i = from; i < std::min(pieces, piece + smoothedKnots + 1); ++i)
+        const std::size_t from = piece > reach ? piece - reach : 0;
+        for (std::size_t i = from; i < std::min(pieces, piece + reach + 1); ++i)
             smooth += phases[i];
         // Value i of the swing belongs to the moment between samples i - 1 and i.
         double lateness = -std::arg(smooth) / (2.0 * std::numbers::pi) * clock.bitLength - 0.5;
@@ -180,7 +201,7 @@ std::vector<Clock> recoverClocks(const FilteredSound &sound, std::size_t most)
     std::vector<Clock> clocks;
     std::vector<double> taken;
     for (const Line &line : lines) {
-        if (clocks.size() == most)
+        if (taken.size() == most)
             break;
         const bool known = std::any_of(taken.begin(), taken.end(), [&line](double frequency) {
             return std::abs(frequency - line.frequency) < sameLine;
@@ -188,7 +209,11 @@ std::vector<Clock> recoverClocks(const FilteredSound &sound, std::size_t most)
         if (known)
             continue;
         taken.push_back(line.frequency);
-        clocks.push_back(follow(swings[line.halfBit], line, sound.sampleRate));
+        const std::vector<float> &swing = swings[line.halfBit];
+        const std::size_t pieces = piecesOf(swing.size(), sound.sampleRate);
+        clocks.push_back(follow(swing, line, sound.sampleRate, smoothedKnots));
+        if (line.strength < steadyBelow && pieces > 2 * smoothedKnots + 1)
+            clocks.push_back(follow(swing, line, sound.sampleRate, pieces));
     }
     return clocks;
 }

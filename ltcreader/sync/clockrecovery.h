@@ -20,8 +20,8 @@ struct Clock {
     double position(double bit) const;
 };
 
-/// The clocks that \a sound may follow, the strongest first; at most \a most, none when there is no sign of
-/// any.
+/// The clocks that \a sound may follow, those of the strongest line first; of at most \a most lines, none
+/// when there is no sign of any. A weak line makes two: one that wanders with its phase, and a steady one.
 std::vector<Clock> recoverClocks(const FilteredSound &sound, std::size_t most);
 
 } // namespace ltcreader

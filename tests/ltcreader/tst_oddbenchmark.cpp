@@ -94,6 +94,8 @@ private slots:
     void sameNameMakesSameRecording();
     void whatWasReadWrongOnceIsNot_data();
     void whatWasReadWrongOnceIsNot();
+    void aWeakClockIsFound_data();
+    void aWeakClockIsFound();
     void everyBehaviourIsDrawnAndMade();
     void recordingsAtTheEdgeAreOrdinary();
     void valuesAtTheEdgeFollowTheLength();
@@ -301,6 +303,19 @@ void TestOddBenchmark::whatWasReadWrongOnceIsNot()
     const OddResult result = measure(drawNamed(name.toStdString()));
     QVERIFY2(result.verdict == OddVerdict::Right || result.verdict == OddVerdict::Refused,
              result.answered.c_str());
+}
+
+void TestOddBenchmark::aWeakClockIsFound_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("-19.0 dB, 29.97") << "edge/1902/914";
+    QTest::newRow("-19.6 dB, 30") << "edge/1902/1493";
+}
+
+void TestOddBenchmark::aWeakClockIsFound()
+{
+    QFETCH(QString, name);
+    QVERIFY(measure(drawNamed(name.toStdString())).verdict == OddVerdict::Right);
 }
 
 void TestOddBenchmark::everyBehaviourIsDrawnAndMade()
