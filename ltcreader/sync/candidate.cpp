@@ -20,8 +20,7 @@ constexpr double leastSyncScore = 5.0; // chance alone reaches 3.5 at the best o
 constexpr double leastPeak = 2.4;      // times the sidelobes: tones reach 2, timecode that can be read 3
 
 /// Cuts \a sound by \a clock in the ways that suit the front end, and keeps what shows sync words.
-void addCandidates(const Prewhitener &prewhitener, FrontEnd frontEnd,
-                   std::shared_ptr<const FilteredSound> sound, const Clock &clock,
+void addCandidates(FrontEnd frontEnd, const std::shared_ptr<const FilteredSound> &sound, const Clock &clock,
                    std::vector<Candidate> &candidates)
 {
     const auto add = [&](const std::vector<float> &halfBits) {
@@ -29,15 +28,10 @@ void addCandidates(const Prewhitener &prewhitener, FrontEnd frontEnd,
         if (candidate.grid.score >= std::max(leastSyncScore, leastPeak * candidate.grid.sidelobes))
             candidates.push_back(std::move(candidate));
     };
-    if (frontEnd == FrontEnd::Whitened) {
-        const double frameRate = sound->sampleRate / (bitsPerFrame * clock.bitLength);
-        sound = std::make_shared<FilteredSound>(prewhitener.prepare(frontEnd, frameRate));
-        const std::vector<float> halfBits = integrateHalfBits(*sound, clock, 0.0);
-        add(halfBits);
+    const std::vector<float> halfBits = integrateHalfBits(*sound, clock, 0.0);
+    add(halfBits);
+    if (frontEnd == FrontEnd::Whitened)
         add(equaliseByInverse(halfBits, *sound, 0.5 * clock.bitLength / sound->sampleRate));
-    } else {
-        add(integrateHalfBits(*sound, clock, 0.0));
-    }
 }
 
 } // namespace
@@ -54,9 +48,16 @@ std::vector<Candidate> findCandidates(const std::vector<float> &samples, int sam
         return candidates;
     const Prewhitener prewhitener(samples, sampleRate);
     for (const FrontEnd frontEnd : {FrontEnd::Whitened, FrontEnd::Flat, FrontEnd::Equalised}) {
-        const auto sound = std::make_shared<FilteredSound>(prewhitener.prepare(frontEnd));
-        for (const Clock &clock : recoverClocks(*sound, clocksPerFrontEnd))
-            addCandidates(prewhitener, frontEnd, sound, clock, candidates);
+        auto sound = std::make_shared<FilteredSound>(prewhitener.prepare(frontEnd));
+        double bitLength = 0.0; // [samples] that the whitening filter spares
+        for (const Clock &clock : recoverClocks(*sound, clocksPerFrontEnd)) {
+            if (frontEnd == FrontEnd::Whitened && clock.bitLength != bitLength) {
+                bitLength = clock.bitLength;
+                const double frameRate = sound->sampleRate / (bitsPerFrame * bitLength);
+                sound = std::make_shared<FilteredSound>(prewhitener.prepare(frontEnd, frameRate));
+            }
+            addCandidates(frontEnd, sound, clock, candidates);
+        }
     }
     std::sort(candidates.begin(), candidates.end(),
               [](const Candidate &a, const Candidate &b) { return a.grid.score > b.grid.score; });

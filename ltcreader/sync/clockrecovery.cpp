@@ -31,7 +31,7 @@ constexpr double leastStrength = 12.0;       // chance alone reaches this in one
 constexpr double leastNominalStrength = 7.0; // near the rates of true machines, where chance has few places
 constexpr double nominalReach = 0.0015;      // of the rate, to each side
 constexpr std::array<double, 5> nominalRates{24.0 / 1.001, 24.0, 25.0, 30.0 / 1.001, 30.0}; // [frames/s]
-constexpr double steadyBelow = 100.0;    // strength of a line whose phase in pieces of the window is noise
+constexpr double steadyBelow = 40.0;     // strength of a line whose phase in pieces of the window is noise
 constexpr double meanReach = 60.0;       // [Hz] to each side, for the mean around a line
 constexpr double sameLine = 2.0;         // [Hz] nearer peaks belong to one line
 constexpr double knotTime = 0.125;       // [s]
