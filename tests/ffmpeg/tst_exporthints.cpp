@@ -157,16 +157,15 @@ void TestExportHints::theSourceIsDescribedInTheProbesWords()
                                         {"title", "a note\nindex=9"}}}};
     QCOMPARE(
         exporthints::sourceDescription(file),
-        QString(
-            "index=0\ncodec_type=video\ncodec_name=h264\nr_frame_rate=50/1\navg_frame_rate=25/1\n"
-            "start_time=1.400000\nduration=2.000000\nwidth=1920\nheight=1080\nsample_aspect_ratio=1:1\n"
-            "pix_fmt=yuv420p\ncolor_range=tv\ncolor_space=bt709\ncolor_primaries=bt709\n"
-            "field_order=tt\nbit_rate=5000000\nrotation=-90\nDISPOSITION:attached_pic=0\n"
-            "TAG:timecode=10:11:12:13\nTAG:reel_name=A001\n"
-            "index=1\ncodec_type=audio\ncodec_name=pcm_s24le\nchannels=4\nsample_rate=48000\n"
-            "channel_layout=4.0 index=7\n"
-            "[FORMAT]\nstart_time=1.400000\nduration=2.040000\nTAG:creation_time=2024-05-03T09:00:00Z\n"
-            "TAG:timecode=01:02:03:04\nTAG:title=...\n"));
+        QString("index=0\ncodec_type=video\ncodec_name=h264\nr_frame_rate=50/1\navg_frame_rate=25/1\n"
+                "start_time=1.400000\nduration=2.000000\nwidth=1920\nheight=1080\nsample_aspect_ratio=1:1\n"
+                "pix_fmt=yuv420p\ncolor_range=tv\ncolor_space=bt709\ncolor_primaries=bt709\n"
+                "field_order=tt\nbit_rate=5000000\nrotation=-90\nDISPOSITION:attached_pic=0\n"
+                "TAG:timecode=10:11:12:13\nTAG:reel_name=A001\n"
+                "index=1\ncodec_type=audio\ncodec_name=pcm_s24le\nchannels=4\nsample_rate=48000\n"
+                "channel_layout=4.0 index=7\n"
+                "[FORMAT]\nstart_time=1.400000\nduration=2.040000\nTAG:creation_time=2024-05-03T09:00:00Z\n"
+                "TAG:timecode=01:02:03:04\nTAG:title=...\n"));
 }
 
 void TestExportHints::nothingIsSaidOfWhatIsNotKnown_data()
