@@ -83,18 +83,31 @@ std::optional<LabelDecision> decideAdaptively(const Way &way, const Candidate &c
     return third->margin > first->margin ? third : first;
 }
 
-/// A decision and what it was made on.
+/// A decision, the way it was made and what it was made on.
 struct Decided {
-    const Candidate *candidate;
+    const Way *way;
+    Candidate candidate;
     LabelDecision decision;
 
     /// [frames] since midnight at the recording's first sample, as far as the clock shows.
     double startCount() const
     {
-        const double frameZero = candidate->clock.position(0.5 * candidate->grid.firstHalf);
-        return static_cast<double>(decision.count) - frameZero / (bitsPerFrame * candidate->clock.bitLength);
+        const double frameZero = candidate.clock.position(0.5 * candidate.grid.firstHalf);
+        return static_cast<double>(decision.count) - frameZero / (bitsPerFrame * candidate.clock.bitLength);
     }
 };
+
+/// Decides again where its own levels show \a decided that bits lie. The same label is surer then, unless the
+/// speed wanders.
+void decideAgain(Decided &decided, const std::optional<timecode::Rate> &wanted)
+{
+    Candidate candidate = retimed(decided.candidate, decided.decision.levels);
+    auto decision = decideAdaptively(*decided.way, candidate, wanted);
+    const LabelDecision &first = decided.decision;
+    if (decision && decision->rate.base == first.rate.base && decision->count == first.count &&
+        decision->margin > first.margin)
+        decided = {decided.way, std::move(candidate), std::move(*decision)};
+}
 
 bool isBelievable(const LabelDecision &decision)
 {
@@ -110,7 +123,7 @@ bool contradict(const Decided &a, const Decided &b)
 }
 
 /// The decision with the greatest margin; null when there is none.
-const Decided *likeliest(const std::vector<Decided> &all)
+Decided *likeliest(std::vector<Decided> &all)
 {
     const auto best = std::max_element(all.begin(), all.end(), [](const Decided &a, const Decided &b) {
         return a.decision.margin < b.decision.margin;
@@ -130,7 +143,7 @@ Doubt doubtAbout(const Decided &best, const std::vector<Decided> &all, const std
     });
     if (doubted)
         return Doubt::TwoTimecodes;
-    const Candidate &candidate = *best.candidate;
+    const Candidate &candidate = best.candidate;
     if (isPrecededByAnother(candidate.grid, *candidate.sound, candidate.clock))
         return Doubt::Jump;
     return doubtAboutLine({best.decision.rate, best.decision.count}, candidate.grid,
@@ -169,7 +182,7 @@ bool startsLow(const std::vector<float> &levels)
 std::optional<JointReading> readingOf(const Decided &decided, const std::vector<float> &samples,
                                       int sampleRate, const std::optional<timecode::Rate> &wanted)
 {
-    const Candidate &candidate = *decided.candidate;
+    const Candidate &candidate = decided.candidate;
     const BitLine line = measureTiming(candidate, decided.decision.levels);
     const double samplesPerFiltered = sampleRate / candidate.sound->sampleRate;
     const double frameZero = (line.start + line.slope * 0.5 * candidate.grid.firstHalf) * samplesPerFiltered;
@@ -203,13 +216,15 @@ JointOutcome readJointly(const std::vector<Candidate> &candidates, const std::ve
             auto decision = decideAdaptively(way, candidate, wanted);
             if (!decision)
                 continue;
-            all.push_back({&candidate, std::move(*decision)});
+            all.push_back({&way, candidate, std::move(*decision)});
             if (all.back().decision.margin > plainMargin)
                 break;
         }
-        const Decided *best = likeliest(all);
+        Decided *best = likeliest(all);
         if (!best)
             continue;
+        if (best->way == &way && best->decision.margin < plainMargin)
+            decideAgain(*best, wanted);
         outcome.doubt = doubtAbout(*best, all, samples, sampleRate);
         if (outcome.doubt == Doubt::TooNoisy && !way.isLast)
             continue;
@@ -219,7 +234,7 @@ JointOutcome readJointly(const std::vector<Candidate> &candidates, const std::ve
             break;
         }
         if (outcome.doubt == Doubt::None &&
-            isMaskedBefore(best->candidate->grid, samples, outcome.likeliest->frameLength))
+            isMaskedBefore(best->candidate.grid, samples, outcome.likeliest->frameLength))
             outcome.doubt = Doubt::TooNoisy;
         if (outcome.doubt == Doubt::None) {
             constexpr int secondsRead = 0; // the frame number is what was decided, not what was read

@@ -23,15 +23,14 @@ constexpr double leastPeak = 2.4;      // times the sidelobes: tones reach 2, ti
 void addCandidates(FrontEnd frontEnd, const std::shared_ptr<const FilteredSound> &sound, const Clock &clock,
                    std::vector<Candidate> &candidates)
 {
-    const auto add = [&](const std::vector<float> &halfBits) {
-        Candidate candidate{frontEnd, sound, clock, findFrames(halfBits)};
+    for (const bool isEqualised : {false, true}) {
+        if (isEqualised && frontEnd != FrontEnd::Whitened)
+            break;
+        Candidate candidate{frontEnd, sound, isEqualised, clock, {}};
+        candidate.grid = findFrames(halfBitsOf(candidate));
         if (candidate.grid.score >= std::max(leastSyncScore, leastPeak * candidate.grid.sidelobes))
             candidates.push_back(std::move(candidate));
-    };
-    const std::vector<float> halfBits = integrateHalfBits(*sound, clock, 0.0);
-    add(halfBits);
-    if (frontEnd == FrontEnd::Whitened)
-        add(equaliseByInverse(halfBits, *sound, 0.5 * clock.bitLength / sound->sampleRate));
+    }
 }
 
 } // namespace
@@ -39,6 +38,15 @@ void addCandidates(FrontEnd frontEnd, const std::shared_ptr<const FilteredSound>
 double Candidate::frameRate() const
 {
     return sound->sampleRate / (bitsPerFrame * clock.bitLength);
+}
+
+std::vector<float> halfBitsOf(const Candidate &candidate)
+{
+    std::vector<float> halfBits = integrateHalfBits(*candidate.sound, candidate.clock, 0.0);
+    if (!candidate.isEqualised)
+        return halfBits;
+    const double halfBit = 0.5 * candidate.clock.bitLength / candidate.sound->sampleRate; // [s]
+    return equaliseByInverse(halfBits, *candidate.sound, halfBit);
 }
 
 std::vector<Candidate> findCandidates(const std::vector<float> &samples, int sampleRate)

@@ -15,12 +15,16 @@ namespace ltcreader
 struct Candidate {
     FrontEnd frontEnd = FrontEnd::Flat;
     std::shared_ptr<const FilteredSound> sound;
+    bool isEqualised = false; ///< by the inverse of what the front end does to neighbouring half bits
     Clock clock;
     FrameGrid grid;
 
     /// [frames/s] as recorded.
     double frameRate() const;
 };
+
+/// The half bits of \a candidate as its clock cuts them.
+std::vector<float> halfBitsOf(const Candidate &candidate);
 
 /// The candidates in \a samples at \a sampleRate [Hz], the one with the clearest sync words first; none in
 /// less than two frames.

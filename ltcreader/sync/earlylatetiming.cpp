@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <utility>
 
 namespace ltcreader
 {
@@ -121,6 +122,12 @@ BitLine lineThrough(const std::vector<PartTiming> &timings, const Clock &clock)
     return line;
 }
 
+void setClock(Clock &clock, const BitLine &line)
+{
+    clock.bitLength = line.slope;
+    clock.knots.assign(clock.knots.size(), line.start);
+}
+
 } // namespace
 
 BitLine measureTiming(Candidate candidate, const std::vector<float> &levels)
@@ -128,10 +135,19 @@ BitLine measureTiming(Candidate candidate, const std::vector<float> &levels)
     BitLine line;
     for (int round = 0; round < rounds; ++round) {
         line = lineThrough(timingsOfParts(candidate, levels), candidate.clock);
-        candidate.clock.bitLength = line.slope;
-        candidate.clock.knots.assign(candidate.clock.knots.size(), line.start);
+        setClock(candidate.clock, line);
     }
     return line;
+}
+
+Candidate retimed(Candidate candidate, const std::vector<float> &levels)
+{
+    setClock(candidate.clock, measureTiming(candidate, levels));
+    FrameGrid grid = cutIntoFrames(halfBitsOf(candidate), candidate.grid.syncPlace());
+    grid.score = candidate.grid.score;
+    grid.sidelobes = candidate.grid.sidelobes;
+    candidate.grid = std::move(grid);
+    return candidate;
 }
 
 } // namespace ltcreader

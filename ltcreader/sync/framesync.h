@@ -28,6 +28,12 @@ struct FrameGrid {
     std::vector<float> halves; ///< halvesPerFrame for each frame
     std::vector<float> syncs; ///< of each frame: how much its end resembles a sync word; sign is its polarity
 
+    /// Where among the half bits of a frame's length the first sync word begins.
+    std::size_t syncPlace() const
+    {
+        return static_cast<std::size_t>((firstHalf + dataHalves + halvesPerFrame) % halvesPerFrame);
+    }
+
     const float *frame(int number) const { return halves.data() + std::ptrdiff_t{number} * halvesPerFrame; }
 };
 

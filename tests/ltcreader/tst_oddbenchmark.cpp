@@ -94,8 +94,8 @@ private slots:
     void sameNameMakesSameRecording();
     void whatWasReadWrongOnceIsNot_data();
     void whatWasReadWrongOnceIsNot();
-    void aWeakClockIsFound_data();
-    void aWeakClockIsFound();
+    void whatWasRefusedOnceIsRead_data();
+    void whatWasRefusedOnceIsRead();
     void everyBehaviourIsDrawnAndMade();
     void recordingsAtTheEdgeAreOrdinary();
     void valuesAtTheEdgeFollowTheLength();
@@ -305,14 +305,16 @@ void TestOddBenchmark::whatWasReadWrongOnceIsNot()
              result.answered.c_str());
 }
 
-void TestOddBenchmark::aWeakClockIsFound_data()
+void TestOddBenchmark::whatWasRefusedOnceIsRead_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("-19.0 dB, 29.97") << "edge/1902/914";
-    QTest::newRow("-19.6 dB, 30") << "edge/1902/1493";
+    QTest::newRow("a weak clock, -19.0 dB, 29.97") << "edge/1902/914";
+    QTest::newRow("a weak clock, -19.6 dB, 30") << "edge/1902/1493";
+    QTest::newRow("bits that are not where the clock is, radio channel, 0.2 s") << "edge/2151/427";
+    QTest::newRow("bits that are not where the clock is, radio channel, 3 s") << "edge/2151/938";
 }
 
-void TestOddBenchmark::aWeakClockIsFound()
+void TestOddBenchmark::whatWasRefusedOnceIsRead()
 {
     QFETCH(QString, name);
     QVERIFY(measure(drawNamed(name.toStdString())).verdict == OddVerdict::Right);
