@@ -97,16 +97,17 @@ struct Decided {
     }
 };
 
-/// Decides again where its own levels show \a decided that bits lie. The same label is surer then, unless the
-/// speed wanders.
-void decideAgain(Decided &decided, const std::optional<timecode::Rate> &wanted)
+/// \a decided again, where its own levels show that bits lie. The same label is surer then, unless the speed
+/// wanders; otherwise none.
+std::optional<Decided> decideAgain(const Decided &decided, const std::optional<timecode::Rate> &wanted)
 {
     Candidate candidate = retimed(decided.candidate, decided.decision.levels);
     auto decision = decideAdaptively(*decided.way, candidate, wanted);
     const LabelDecision &first = decided.decision;
-    if (decision && decision->rate.base == first.rate.base && decision->count == first.count &&
-        decision->margin > first.margin)
-        decided = {decided.way, std::move(candidate), std::move(*decision)};
+    if (!decision || decision->rate.base != first.rate.base || decision->count != first.count ||
+        decision->margin <= first.margin)
+        return std::nullopt;
+    return Decided{decided.way, std::move(candidate), std::move(*decision)};
 }
 
 bool isBelievable(const LabelDecision &decision)
@@ -131,25 +132,27 @@ Decided *likeliest(std::vector<Decided> &all)
     return best == all.end() ? nullptr : &*best;
 }
 
-/// What keeps \a best of \a all from being an answer: its own margin, that of others which contradict it, or
-/// frames of \a samples that do.
-Doubt doubtAbout(const Decided &best, const std::vector<Decided> &all, const std::vector<float> &samples,
-                 int sampleRate)
+/// What frames of \a samples say against \a decided.
+Doubt doubtAboutFrames(const Decided &decided, const std::vector<float> &samples, int sampleRate)
+{
+    const auto &[way, candidate, decision] = decided;
+    if (isPrecededByAnother(candidate.grid, *candidate.sound, candidate.clock))
+        return Doubt::Jump;
+    return doubtAboutLine({decision.rate, decision.count}, candidate.grid,
+                          decision.steadyBits ? decision.levels : std::vector<float>(), samples,
+                          bitsPerFrame * candidate.clock.bitLength * sampleRate /
+                              candidate.sound->sampleRate);
+}
+
+/// What keeps \a best of \a all from being an answer: its own margin, or that of others which contradict it.
+Doubt doubtAbout(const Decided &best, const std::vector<Decided> &all)
 {
     if (!isBelievable(best.decision))
         return Doubt::TooNoisy;
     const bool doubted = std::any_of(all.begin(), all.end(), [&best](const Decided &other) {
         return other.decision.margin > contradictingMargin * best.decision.margin && contradict(other, best);
     });
-    if (doubted)
-        return Doubt::TwoTimecodes;
-    const Candidate &candidate = best.candidate;
-    if (isPrecededByAnother(candidate.grid, *candidate.sound, candidate.clock))
-        return Doubt::Jump;
-    return doubtAboutLine({best.decision.rate, best.decision.count}, candidate.grid,
-                          best.decision.steadyBits ? best.decision.levels : std::vector<float>(), samples,
-                          bitsPerFrame * candidate.clock.bitLength * sampleRate /
-                              candidate.sound->sampleRate);
+    return doubted ? Doubt::TwoTimecodes : Doubt::None;
 }
 
 /// RMS of the square wave in \a samples: the mean of its half bits, each with the sign that was decided for.
@@ -223,9 +226,17 @@ JointOutcome readJointly(const std::vector<Candidate> &candidates, const std::ve
         Decided *best = likeliest(all);
         if (!best)
             continue;
-        if (best->way == &way && best->decision.margin < plainMargin)
-            decideAgain(*best, wanted);
-        outcome.doubt = doubtAbout(*best, all, samples, sampleRate);
+        std::optional<Decided> first; // where the decision was made again
+        if (best->way == &way && best->decision.margin < plainMargin) {
+            if (auto again = decideAgain(*best, wanted))
+                first = std::exchange(*best, std::move(*again));
+        }
+        outcome.doubt = doubtAbout(*best, all);
+        if (outcome.doubt == Doubt::None)
+            outcome.doubt = doubtAboutFrames(*best, samples, sampleRate);
+        // A straight clock does not follow into other timecode at the beginning: the first one may.
+        if (outcome.doubt == Doubt::None && first)
+            outcome.doubt = doubtAboutFrames(*first, samples, sampleRate);
         if (outcome.doubt == Doubt::TooNoisy && !way.isLast)
             continue;
         outcome.likeliest = readingOf(*best, samples, sampleRate, wanted);

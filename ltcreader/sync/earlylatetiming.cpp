@@ -20,31 +20,35 @@ namespace
 
 constexpr int rounds = 3; // each from the line of the last: lateness is measured best where it is small
 constexpr double timingShift = 0.2; // [bits] to each side, on the flank of the half bits' correlation
-constexpr int mostPerPart = 5;      // [frames] whose timing is measured together
-constexpr int leastParts = 12;      // fewer show less well how they agree
+constexpr int leastPerPart = 64;    // [half bits] whose timing is measured together
+constexpr int mostPerPart = 5 * halvesPerFrame;
+constexpr int leastParts = 12; // fewer show less well how they agree
 constexpr double fewParts =
     40.0; // quantile of Student's distribution over the normal one, times their square
+constexpr double wander =
+    0.02; // [bits] from end to end, in which parts agree: hum and wind move them together
 constexpr double slopeReach = 1e-3; // of the clock, beyond which a measured slope is noise
 constexpr double leastCurve = 0.05; // of the fit: a flatter curve is noise
 constexpr double leastFit = 1e-9;   // keeps quotients finite
 
-int framesPerPart(const Candidate &candidate)
+int halvesPerPart(const Candidate &candidate)
 {
-    return std::clamp(candidate.grid.frames / leastParts, 1, mostPerPart);
+    return std::clamp(candidate.grid.frames * halvesPerFrame / leastParts, leastPerPart, mostPerPart);
 }
 
 /// Fit of the decided levels with the half bits summed \a shift [bits] late, for each part of the recording.
 std::vector<double> fitsOfParts(const Candidate &candidate, const std::vector<float> &levels, double shift)
 {
-    const int perPart = framesPerPart(candidate);
+    const int perPart = halvesPerPart(candidate);
     const std::vector<float> halfBits = integrateHalfBits(*candidate.sound, candidate.clock, shift);
-    std::vector<double> fits(static_cast<std::size_t>((candidate.grid.frames + perPart - 1) / perPart));
+    std::vector<double> fits(
+        static_cast<std::size_t>((candidate.grid.frames * halvesPerFrame + perPart - 1) / perPart));
     const int count = static_cast<int>(halfBits.size());
     for (int half = 0; half < candidate.grid.frames * halvesPerFrame; ++half) {
         const int place = half + candidate.grid.firstHalf;
         if (place < 0 || place >= count)
             continue;
-        fits[static_cast<std::size_t>(half / (perPart * halvesPerFrame))] +=
+        fits[static_cast<std::size_t>(half / perPart)] +=
             static_cast<double>(levels[static_cast<std::size_t>(half)]) *
             static_cast<double>(halfBits[static_cast<std::size_t>(place)]);
     }
@@ -70,7 +74,7 @@ std::vector<PartTiming> timingsOfParts(const Candidate &candidate, const std::ve
     // The curve of the fit has the same shape in all parts; a single part in noise would not show it.
     const double curve =
         std::max(2.0 * exactSum - earlySum - lateSum, leastCurve * std::abs(exactSum) + leastFit);
-    const double partBits = framesPerPart(candidate) * bitsPerFrame;
+    const double partBits = 0.5 * halvesPerPart(candidate);
     std::vector<PartTiming> timings;
     for (std::size_t part = 0; part < exact.size(); ++part) {
         const double weight = exact[part] / (std::abs(exactSum) + leastFit);
@@ -115,8 +119,10 @@ BitLine lineThrough(const std::vector<PartTiming> &timings, const Clock &clock)
             residuals +=
                 timing.weight * std::pow(timing.time - meanTime - line.slope * (timing.bit - meanBit), 2.0);
         const auto freedom = static_cast<double>(timings.size() - 2);
-        line.slopeDeviation =
+        const double chance =
             (1.0 + fewParts / (freedom * freedom)) * std::sqrt(residuals / freedom / squares);
+        line.slopeDeviation =
+            std::hypot(chance, wander * clock.bitLength / (timings.back().bit - timings.front().bit));
     }
     line.start = meanTime - line.slope * meanBit;
     return line;

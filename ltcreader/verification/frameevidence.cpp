@@ -2,8 +2,8 @@
 
 // The likelihood of a label is the sum over all that its frame may hold besides: the polarity at its start
 // and the bits between digits. It is computed by the forward recursion of L. Bahl, J. Cocke, F. Jelinek and
-// J. Raviv on the trellis of the two polarities. Bits that were decided are taken for these, or, with the
-// same probability for the whole frame, for any. The sync word of a frame and its neighbours gives the
+// J. Raviv on the trellis of the two polarities. User bits that were decided are taken for these, or, with
+// the same probability for the whole frame, for any. The sync word of a frame and its neighbours gives the
 // amplitude: where timecode pauses or fades there is no evidence for anything.
 
 #include "ltcreader/verification/frameevidence.h"
@@ -25,6 +25,15 @@ namespace
 {
 
 constexpr double polarityTrust = 0.9; // in those of the sync words before: labels that jump may change them
+
+/// Whether \a bit is one of the user bits; others between digits are flags, which a wrong digit next to them
+/// may have bent.
+bool isUserBit(int bit)
+{
+    constexpr int width = 4;
+    return std::any_of(userBitGroups.begin(), userBitGroups.end(),
+                       [bit](int first) { return bit >= first && bit < first + width; });
+}
 
 /// The weights of what fits with \a fit where it begins high, with -fit where it begins low; that of a fit of
 /// \a most is 1.
@@ -73,7 +82,8 @@ FrameEvidence::BitsBetween FrameEvidence::bitsBetween(const float *halves, const
         for (int bit = parts[part].end(); bit < end; ++bit) {
             const float *pair = halvesOf(halves, bit);
             // The halves of a zero have the same level, those of a one opposite ones; 0 is not known.
-            const float decided = levels == nullptr ? 0.0F : levels[2 * bit] * levels[2 * bit + 1];
+            const float decided =
+                levels == nullptr || !isUserBit(bit) ? 0.0F : levels[2 * bit] * levels[2 * bit + 1];
             const double one = scale * static_cast<double>(pair[0] - pair[1]);
             const double zero = scale * static_cast<double>(pair[0] + pair[1]);
             const double most = decided < 0.0F   ? std::abs(one)

@@ -289,6 +289,10 @@ void TestOddBenchmark::whatWasReadWrongOnceIsNot_data()
     QTest::newRow("early jump in a wireless link") << "1901/16153";
     QTest::newRow("a whole frame and almost another before a jump, among spikes") << "1816/1043";
     QTest::newRow("frames repeated in wind, which hides the first ones") << "2001/13679";
+    QTest::newRow("a date that changes with the hours, in a wireless link") << "2401/10393";
+    QTest::newRow("the same, 3 s") << "2101/13169";
+    QTest::newRow("a jump between two clocks, in speech") << "2401/15819";
+    QTest::newRow("polarity flip, 0.2 s, 24") << "2401/16091";
     QTest::newRow("early jump by an hour in music, 25 frames") << "1807/15921";
     QTest::newRow("early jump by an hour in quiet music") << "1816/7966";
     QTest::newRow("early jump by an hour behind a radio channel") << "1901/4135";
@@ -309,9 +313,10 @@ void TestOddBenchmark::whatWasRefusedOnceIsRead_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("a weak clock, -19.0 dB, 29.97") << "edge/1902/914";
-    QTest::newRow("a weak clock, -19.6 dB, 30") << "edge/1902/1493";
-    QTest::newRow("bits that are not where the clock is, radio channel, 0.2 s") << "edge/2151/427";
-    QTest::newRow("bits that are not where the clock is, radio channel, 3 s") << "edge/2151/938";
+    QTest::newRow("30, not 29.97, in 0.2 s of white noise") << "edge/2151/666";
+    QTest::newRow("bits that are not where the clock is, radio channel, 0.2 s") << "edge/2151/743";
+    QTest::newRow("bits that are not where the clock is, radio channel, 1 s") << "edge/2151/221";
+    QTest::newRow("bits that are not where the clock is, white noise") << "edge/2151/504";
 }
 
 void TestOddBenchmark::whatWasRefusedOnceIsRead()

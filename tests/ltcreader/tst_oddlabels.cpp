@@ -280,7 +280,7 @@ void TestOddLabels::theRateClassIsOnlyAnsweredWhenItIsProven()
              static_cast<int>(Doubt::None));
     int unproven = 0;
     for (std::uint64_t seed = 1; seed <= 20; ++seed) {
-        const std::vector<float> shortOne = recording(ordinary, ntsc, 0.2, -3.0, seed);
+        const std::vector<float> shortOne = recording(ordinary, ntsc, 0.15, -3.0, seed);
         const Outcome outcome = outcomeOf(shortOne);
         QVERIFY(outcome.doubt != Doubt::None || outcome.likeliest->ntsc);
         if (outcome.doubt != Doubt::RateClass)
