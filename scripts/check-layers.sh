@@ -15,7 +15,7 @@ ltcreader/decision
 ltcreader/verification
 ltcreader/decoder
 ltcreader
-app/records process widgets tooladapter tests/support
+app/records process widgets tooladapter testkit/signals
 ffmpeg ltc update demo/mediakit tests/fakes
 control filelist demo/samples
 app batch

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "demo/mediakit/mediamaker.h"
 
-#include "tests/support/wavfile.h"
+#include "testkit/signals/wavfile.h"
 
 #include <QDir>
 #include <QFile>

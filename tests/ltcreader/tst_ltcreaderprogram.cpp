@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/ltcsignal.h"
-#include "tests/support/wavfile.h"
+#include "testkit/signals/ltcsignal.h"
+#include "testkit/signals/wavfile.h"
 
 #include <QFile>
 #include <QJsonDocument>

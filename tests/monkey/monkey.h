@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tests/support/random.h"
+#include "testkit/signals/random.h"
 #include "tests/window/windowbench.h"
 
 #include <QDateTime>

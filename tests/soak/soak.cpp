@@ -2,9 +2,9 @@
 #include "tests/soak/soak.h"
 
 #include "filelist/filelist.h"
-#include "tests/support/ltcsignal.h"
+#include "testkit/signals/ltcsignal.h"
+#include "testkit/signals/wavfile.h"
 #include "tests/support/ownprocesses.h"
-#include "tests/support/wavfile.h"
 
 #include <QAction>
 #include <QComboBox>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tests/support/ltctime.h"
+#include "testkit/signals/ltctime.h"
 
 #include <cstdint>
 #include <vector>

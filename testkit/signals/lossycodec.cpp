@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/lossycodec.h"
+#include "testkit/signals/lossycodec.h"
 
-#include "tests/support/wavfile.h"
+#include "testkit/signals/wavfile.h"
 
 #include <cstdlib>
 #include <filesystem>

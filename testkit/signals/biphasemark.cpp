@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/biphasemark.h"
+#include "testkit/signals/biphasemark.h"
 
-#include "tests/support/steps.h"
+#include "testkit/signals/steps.h"
 
 #include <cmath>
 #include <numbers>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/biphasemark.h"
-#include "tests/support/ltcsignal.h"
-#include "tests/support/wavfile.h"
+#include "testkit/signals/biphasemark.h"
+#include "testkit/signals/ltcsignal.h"
+#include "testkit/signals/wavfile.h"
 
 #include <QTemporaryDir>
 #include <QTest>

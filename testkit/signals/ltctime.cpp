@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/ltctime.h"
+#include "testkit/signals/ltctime.h"
 
 #include <array>
 #include <cstdio>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/random.h"
+#include "testkit/signals/random.h"
 
 #include <cmath>
 #include <numbers>

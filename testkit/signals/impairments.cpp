@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/impairments.h"
+#include "testkit/signals/impairments.h"
 
 #include <algorithm>
 #include <cmath>

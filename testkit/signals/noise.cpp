@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/noise.h"
+#include "testkit/signals/noise.h"
 
-#include "tests/support/impairments.h"
+#include "testkit/signals/impairments.h"
 
 #include <algorithm>
 #include <array>

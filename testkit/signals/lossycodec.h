@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tests/support/filters.h"
+#include "testkit/signals/filters.h"
 
 #include <optional>
 #include <string>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tests/support/filters.h"
-#include "tests/support/random.h"
+#include "testkit/signals/filters.h"
+#include "testkit/signals/random.h"
 
 namespace testsignals
 {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/filters.h"
+#include "testkit/signals/filters.h"
 
 #include <cmath>
 #include <numbers>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/impairments.h"
-#include "tests/support/ltcsignal.h"
-#include "tests/support/noise.h"
-#include "tests/support/othersounds.h"
+#include "testkit/signals/impairments.h"
+#include "testkit/signals/ltcsignal.h"
+#include "testkit/signals/noise.h"
+#include "testkit/signals/othersounds.h"
 
 #include <QTest>
 

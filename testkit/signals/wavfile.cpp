@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/wavfile.h"
+#include "testkit/signals/wavfile.h"
 
 #include <sndfile.h>
 

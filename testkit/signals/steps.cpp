@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/steps.h"
+#include "testkit/signals/steps.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/ltcsignal.h"
+#include "testkit/signals/ltcsignal.h"
 
-#include "tests/support/steps.h"
+#include "testkit/signals/steps.h"
 
 #include <ltc.h>
 

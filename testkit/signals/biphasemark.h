@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tests/support/ltcsignal.h"
+#include "testkit/signals/ltcsignal.h"
 
 #include <bitset>
 #include <cstdint>

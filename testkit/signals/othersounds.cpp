@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/othersounds.h"
+#include "testkit/signals/othersounds.h"
 
-#include "tests/support/biphasemark.h"
-#include "tests/support/impairments.h"
-#include "tests/support/noise.h"
-#include "tests/support/steps.h"
+#include "testkit/signals/biphasemark.h"
+#include "testkit/signals/impairments.h"
+#include "testkit/signals/noise.h"
+#include "testkit/signals/steps.h"
 
 #include <array>
 #include <cmath>
