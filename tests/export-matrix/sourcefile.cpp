@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/export-matrix/sourcefile.h"
 
-#include "demo/mediakit/mediamaker.h"
+#include "testkit/media/mediamaker.h"
 #include "testkit/signals/wavfile.h"
 #include "tests/export-matrix/testcard.h"
 #include "tests/export-matrix/toolrun.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "demo/mediakit/samplekit.h"
+#include "testkit/media/samplekit.h"
 
-#include "demo/mediakit/expectedcell.h"
-#include "demo/mediakit/mediamaker.h"
+#include "testkit/media/expectedcell.h"
+#include "testkit/media/mediamaker.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "demo/exportedfile.h"
+#include "testkit/media/exportedfile.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "demo/mediakit/recording.h"
+#include "testkit/media/recording.h"
 
 namespace mediakit
 {

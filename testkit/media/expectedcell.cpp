@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "demo/mediakit/expectedcell.h"
+#include "testkit/media/expectedcell.h"
 
 namespace mediakit
 {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "demo/verdict.h"
+#include "testkit/media/verdict.h"
 
 #include <QtTest>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "demo/mediakit/mediamaker.h"
-#include "demo/mediakit/shootday.h"
+#include "testkit/media/mediamaker.h"
+#include "testkit/media/shootday.h"
 
 #include <QSet>
 #include <QTimeZone>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "demo/mediakit/shootday.h"
+#include "testkit/media/shootday.h"
 
 #include <QTimeZone>
 

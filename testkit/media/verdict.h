@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "demo/exportedfile.h"
-#include "demo/mediakit/recording.h"
+#include "testkit/media/exportedfile.h"
+#include "testkit/media/recording.h"
 
 /// Whether the export of one recording is as it has to be.
 struct Verdict {

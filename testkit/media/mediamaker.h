@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "demo/mediakit/recording.h"
+#include "testkit/media/recording.h"
 
 #include <vector>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "demo/mediakit/expectedcell.h"
-#include "demo/mediakit/samplekit.h"
+#include "testkit/media/expectedcell.h"
+#include "testkit/media/samplekit.h"
 
 #include <QSet>
 #include <QtTest>
