@@ -16,7 +16,7 @@ ltcreader/verification
 ltcreader/decoder
 ltcreader
 app/records process widgets tooladapter testkit/signals
-ffmpeg ltc update testkit/media tests/fakes
+ffmpeg ltc update testkit/media testkit/faketools
 control filelist demo/samples
 app batch
 demo bench/ltc

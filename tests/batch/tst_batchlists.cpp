@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/records/recordtypes.h"
+#include "testkit/faketools/faketools.h"
 #include "tests/export-matrix/exportcase.h"
 #include "tests/export-matrix/sourcelist.h"
 #include "tests/export-matrix/wantedlist.h"
-#include "tests/fakes/faketools.h"
 
 #include <QDir>
 #include <QProcess>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/fakes/faketools.h"
+#include "testkit/faketools/faketools.h"
 #include "tests/support/longwait.h"
 
 #include <QJsonArray>

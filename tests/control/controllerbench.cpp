@@ -4,7 +4,7 @@
 #include "app/records/recordtypes.h"
 #include "ffmpeg/ffmpeghandler.h"
 #include "ltc/ltchandler.h"
-#include "tests/fakes/faketools.h"
+#include "testkit/faketools/faketools.h"
 
 #include <QDir>
 #include <QFile>

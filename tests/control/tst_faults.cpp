@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "testkit/faketools/faketools.h"
+#include "testkit/faketools/onlytools.h"
 #include "tests/control/controllerbench.h"
-#include "tests/control/onlytools.h"
-#include "tests/fakes/faketools.h"
 #include "tests/support/ownprocesses.h"
 
 #include <QDir>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/control/controllerbench.h"
 
-#include "tests/fakes/faketools.h"
+#include "testkit/faketools/faketools.h"
 
 #include <QDir>
 #include <QFile>

@@ -2,11 +2,11 @@
 #include "app/records/recordtypes.h"
 #include "ffmpeg/exporthints.h"
 #include "ffmpeg/ffmpeghandler.h"
+#include "testkit/faketools/faketools.h"
 #include "tests/export-matrix/exportcase.h"
 #include "tests/export-matrix/sourcelist.h"
 #include "tests/export-matrix/toolrun.h"
 #include "tests/export-matrix/wantedlist.h"
-#include "tests/fakes/faketools.h"
 #include "tooladapter/rules/source.h"
 
 #include <QDir>

@@ -2,7 +2,7 @@
 #include "app/records/recordtypes.h"
 #include "ffmpeg/ffmpeghandler.h"
 #include "ltc/ltchandler.h"
-#include "tests/fakes/faketools.h"
+#include "testkit/faketools/faketools.h"
 #include "tests/ffmpeg/samplerecords.h"
 #include "tests/support/longwait.h"
 #include "tests/support/ownprocesses.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ltc/ltchandler.h"
-#include "tests/fakes/faketools.h"
+#include "testkit/faketools/faketools.h"
 #include "tests/support/longwait.h"
 
 #include <QFile>

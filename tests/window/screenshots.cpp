@@ -5,7 +5,7 @@
 
 #include "app/applicationattributes.h"
 #include "app/records/recordtypes.h"
-#include "tests/fakes/faketools.h"
+#include "testkit/faketools/faketools.h"
 #include "tests/window/windowbench.h"
 
 #include <QAction>

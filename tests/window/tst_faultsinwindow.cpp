@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/records/recordtypes.h"
-#include "tests/fakes/faketools.h"
+#include "testkit/faketools/faketools.h"
 #include "tests/window/windowbench.h"
 
 #include <QAction>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/records/recordtypes.h"
 #include "filelist/filelist.h"
-#include "tests/fakes/faketools.h"
+#include "testkit/faketools/faketools.h"
 #include "tests/window/windowbench.h"
 
 #include <QAction>

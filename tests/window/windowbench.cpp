@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/window/windowbench.h"
 
-#include "tests/fakes/faketools.h"
+#include "testkit/faketools/faketools.h"
 
 #include <QAction>
 #include <QApplication>

@@ -3,7 +3,7 @@
 // Plays ffprobe.exe, ffmpeg.exe and LTCReader.exe in tests, by the name it is started under. README.md says
 // how a test gives it its part.
 
-#include "tests/fakes/faketool_job.h"
+#include "testkit/faketools/faketool_job.h"
 
 #include <QCoreApplication>
 #include <QDir>

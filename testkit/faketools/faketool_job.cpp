@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/fakes/faketool_job.h"
+#include "testkit/faketools/faketool_job.h"
 
 #include <QCoreApplication>
 #include <QFile>

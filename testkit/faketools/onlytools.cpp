@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/control/onlytools.h"
+#include "testkit/faketools/onlytools.h"
 
 #include <QFile>
 #include <QProcess>
