@@ -19,6 +19,7 @@ app/records process widgets tooladapter testkit/signals
 ffmpeg ltc update testkit/media testkit/faketools
 control filelist demo/samples
 app batch
+testkit/fixtures
 demo bench/ltc
 bench/support
 bench/realtools bench/reader bench/window

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "batch/verification.h"
 
-#include "tests/ffmpeg/samplerecords.h"
+#include "testkit/fixtures/samplerecords.h"
 
 #include <QJsonArray>
 #include <QTest>

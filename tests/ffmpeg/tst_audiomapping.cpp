@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ffmpeg/audiomapping.h"
 #include "ffmpeg/toolarguments.h"
-#include "tests/ffmpeg/samplerecords.h"
+#include "testkit/fixtures/samplerecords.h"
 
 #include <QTest>
 

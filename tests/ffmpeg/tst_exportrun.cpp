@@ -3,8 +3,8 @@
 #include "ffmpeg/exporthints.h"
 #include "ffmpeg/ffmpeghandler.h"
 #include "testkit/faketools/faketools.h"
-#include "tests/ffmpeg/samplerecords.h"
-#include "tests/support/longwait.h"
+#include "testkit/fixtures/longwait.h"
+#include "testkit/fixtures/samplerecords.h"
 
 #include <QDir>
 #include <QFile>

@@ -3,9 +3,9 @@
 #include "ffmpeg/ffmpeghandler.h"
 #include "ltc/ltchandler.h"
 #include "testkit/faketools/faketools.h"
-#include "tests/ffmpeg/samplerecords.h"
-#include "tests/support/longwait.h"
-#include "tests/support/ownprocesses.h"
+#include "testkit/fixtures/longwait.h"
+#include "testkit/fixtures/ownprocesses.h"
+#include "testkit/fixtures/samplerecords.h"
 
 #include <QDir>
 #include <QFile>

@@ -3,8 +3,8 @@
 // Plays random sequences in the real window and stops at the first one after which something is wrong.
 
 #include "app/records/recordtypes.h"
+#include "testkit/fixtures/ownprocesses.h"
 #include "tests/monkey/monkey.h"
-#include "tests/support/ownprocesses.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "testkit/fixtures/windowfixture.h"
 #include "testkit/signals/random.h"
-#include "tests/window/windowbench.h"
 
 #include <QDateTime>
 #include <QHash>
@@ -71,7 +71,7 @@ private:
     QStringList log;
     QStringList failures;
     QTemporaryDir system; ///< the system's temporary folder of this sequence
-    std::unique_ptr<WindowBench> bench;
+    std::unique_ptr<WindowFixture> fixture;
     FileList *fileList = nullptr;
     std::unique_ptr<QObject> inWorker; ///< lives in the worker's thread
     QTimer answering;

@@ -2,9 +2,9 @@
 #include "tests/soak/soak.h"
 
 #include "filelist/filelist.h"
+#include "testkit/fixtures/ownprocesses.h"
 #include "testkit/signals/ltcsignal.h"
 #include "testkit/signals/wavfile.h"
-#include "tests/support/ownprocesses.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -27,13 +27,13 @@ void makeSound(const QString &path)
 
 } // namespace
 
-Soak::Soak(int files, const QString &name) : count(files), fileList(bench.child<FileList>("fileList"))
+Soak::Soak(int files, const QString &name) : count(files), fileList(fixture.child<FileList>("fileList"))
 {
-    const QString first = bench.mediaFolder() + QString("/%1_0.wav").arg(name);
+    const QString first = fixture.mediaFolder() + QString("/%1_0.wav").arg(name);
     makeSound(first);
     for (int i = 1; i < count; ++i) {
         // Another moment for each, or they would count as parts of one recording.
-        QFile copy(bench.mediaFolder() + QString("/%1_%2.wav").arg(name).arg(i));
+        QFile copy(fixture.mediaFolder() + QString("/%1_%2.wav").arg(name).arg(i));
         if (!QFile::copy(first, copy.fileName()) || !copy.open(QIODevice::ReadWrite) ||
             !copy.setFileTime(QDateTime::fromSecsSinceEpoch(1'700'000'000 + i),
                               QFileDevice::FileModificationTime))
@@ -60,14 +60,14 @@ Holdings Soak::holdings()
 QString Soak::waitFor(const QString &status)
 {
     const bool came =
-        QTest::qWaitFor([&] { return bench.status() == status; }, patience + count * patiencePerFile);
+        QTest::qWaitFor([&] { return fixture.status() == status; }, patience + count * patiencePerFile);
     return came ? QString()
-                : QString("waited for \"%1\" in vain, it says \"%2\"").arg(status, bench.status());
+                : QString("waited for \"%1\" in vain, it says \"%2\"").arg(status, fixture.status());
 }
 
 QString Soak::importAll()
 {
-    bench.dropFolder();
+    fixture.dropFolder();
     const QString failure = waitFor("Status: import ready");
     return failure.isEmpty() && fileList->rowCount() != count
                ? QString("%1 rows instead of %2").arg(fileList->rowCount()).arg(count)
@@ -76,12 +76,12 @@ QString Soak::importAll()
 
 QString Soak::readAll()
 {
-    bench.child<QAction>("readAudioTCAction")->trigger();
+    fixture.child<QAction>("readAudioTCAction")->trigger();
     const QWidget *dialog = topLevel("audioTCWindow");
     dialog->findChild<QComboBox *>("filesCombo")->setCurrentText("all files");
     dialog->findChild<QPushButton *>("readAudioTCButton")->click();
     QString failure = waitFor("Status: read finished");
-    const QStringList cells = bench.column(3);
+    const QStringList cells = fixture.column(3);
     for (const QString &cell : cells) {
         if (!cell.contains("@25.00 on ch. 1"))
             return "a file without its timecode: " + cell;
@@ -91,15 +91,15 @@ QString Soak::readAll()
 
 QString Soak::exportAll()
 {
-    bench.boxes.answerNext(QMessageBox::Ok);
-    bench.startExport();
+    fixture.boxes.answerNext(QMessageBox::Ok);
+    fixture.startExport();
     const bool ended =
-        QTest::qWaitFor([this] { return bench.boxes.allGiven(); }, patience + count * patiencePerFile);
-    if (!ended || bench.boxes.seen().constLast().text != "Ostrel did the job!")
+        QTest::qWaitFor([this] { return fixture.boxes.allGiven(); }, patience + count * patiencePerFile);
+    if (!ended || fixture.boxes.seen().constLast().text != "Ostrel did the job!")
         return "the export failed";
-    const auto exported = bench.exportedFiles().size();
-    QDir(bench.exportFolder()).removeRecursively();
-    QDir().mkpath(bench.exportFolder());
+    const auto exported = fixture.exportedFiles().size();
+    QDir(fixture.exportFolder()).removeRecursively();
+    QDir().mkpath(fixture.exportFolder());
     return exported == count ? QString()
                              : QString("%1 files exported instead of %2").arg(exported).arg(count);
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tests/window/windowbench.h"
+#include "testkit/fixtures/windowfixture.h"
 
 #include <QString>
 
@@ -36,6 +36,6 @@ private:
     QString deleteAll();
 
     int count;
-    WindowBench bench;
+    WindowFixture fixture;
     FileList *fileList;
 };
