@@ -3,11 +3,11 @@
 #include "app/records/recordtypes.h"
 #include "demo/demofolder.h"
 #include "demo/reporttable.h"
-#include "demo/windowdriver.h"
 #include "testkit/media/exportedfile.h"
 #include "testkit/media/mediamaker.h"
 #include "testkit/media/shootday.h"
 #include "testkit/media/verdict.h"
+#include "testkit/windowdriver/windowdriver.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

@@ -15,7 +15,7 @@ ltcreader/decision
 ltcreader/verification
 ltcreader/decoder
 ltcreader
-app/records process widgets tooladapter testkit/signals
+app/records process widgets tooladapter testkit/signals testkit/windowdriver
 ffmpeg ltc update testkit/media testkit/faketools
 control filelist demo/samples
 app batch

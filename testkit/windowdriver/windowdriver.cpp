@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "demo/windowdriver.h"
+#include "testkit/windowdriver/windowdriver.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "demo/messageboxclicker.h"
+#include "testkit/windowdriver/messageboxclicker.h"
 
 #include <QAbstractButton>
 #include <QApplication>

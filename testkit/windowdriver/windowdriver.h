@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "demo/messageboxclicker.h"
+#include "testkit/windowdriver/messageboxclicker.h"
 
 #include <QString>
 #include <QStringList>
