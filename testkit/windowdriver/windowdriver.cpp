@@ -1,23 +1,21 @@
 // SPDX-License-Identifier: MIT
 #include "testkit/windowdriver/windowdriver.h"
 
+#include "testkit/windowdriver/dropon.h"
+
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
-#include <QDragEnterEvent>
-#include <QDropEvent>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
-#include <QMimeData>
 #include <QMouseEvent>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTableWidget>
-#include <QUrl>
 
 #include <algorithm>
 
@@ -63,20 +61,15 @@ WindowDriver::WindowDriver(QMainWindow &mainWindow, const QString &folder)
       progressBar(window.findChild<QProgressBar *>("progressBar"))
 {
     Q_ASSERT(fileList && statusLabel && progressBar);
+    messageBoxes.answerOthers([this](QMessageBox &box) -> QAbstractButton * {
+        box.grab().save(QDir(screenshotFolder).filePath("6-export-result.png"));
+        return box.defaultButton() ? box.defaultButton() : box.buttons().value(0);
+    });
 }
 
 void WindowDriver::dropFolder(const QString &folder)
 {
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(folder)});
-    QWidget *target = fileList->viewport();
-    const QPoint middle = target->rect().center();
-    QDragEnterEvent enter(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(target, &enter);
-    QDragMoveEvent move(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(target, &move);
-    QDropEvent drop(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(target, &drop);
+    dropOn(*fileList, {folder});
 }
 
 bool WindowDriver::waitForStatus(const QString &status, const QString &halfWay)
@@ -138,10 +131,9 @@ QString WindowDriver::exportAll(const QString &folder, const QString &videoType,
             taken = true;
             takeScreenshot("5-exporting");
         }
-        return !messageBoxes.lastText().isEmpty();
+        return !messageBoxes.seen().isEmpty();
     });
-    messageBoxes.lastPicture().save(QDir(screenshotFolder).filePath("6-export-result.png"));
-    return messageBoxes.lastText();
+    return messageBoxes.seen().isEmpty() ? QString() : messageBoxes.seen().constLast().text;
 }
 
 QStringList WindowDriver::row(const QString &fileName) const

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "testkit/windowdriver/messageboxclicker.h"
+#include "testkit/windowdriver/messageboxanswers.h"
 
 #include <QString>
 #include <QStringList>
@@ -55,5 +55,5 @@ private:
     QTableWidget *fileList;
     QLabel *statusLabel;
     QProgressBar *progressBar;
-    MessageBoxClicker messageBoxes;
+    MessageBoxAnswers messageBoxes; ///< the default button of each
 };

@@ -6,10 +6,9 @@
 #include "filelist/filelist.h"
 #include "filelist/linking.h"
 #include "ltc/readererrors.h"
+#include "testkit/windowdriver/dropon.h"
 
-#include <QDropEvent>
 #include <QFile>
-#include <QMimeData>
 #include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -104,14 +103,6 @@ private:
     }
 };
 
-/// Its drop handler is called by its name, as the desktop's drag has no part in these tests.
-class OpenFileList : public FileList
-{
-public:
-    using FileList::dropEvent;
-    using FileList::FileList;
-};
-
 /// Everything in a record that the table can change, as text.
 QString textOf(const FileData &record)
 {
@@ -148,7 +139,7 @@ private:
 
     std::unique_ptr<QRandomGenerator> random;
     std::unique_ptr<QTemporaryDir> folder;
-    std::unique_ptr<OpenFileList> table;
+    std::unique_ptr<FileList> table;
     PlainTable plain;
 };
 
@@ -164,13 +155,10 @@ void TestPlainTable::whateverHappensBothTablesTellTheSame()
     QFETCH(uint, seed);
     random = std::make_unique<QRandomGenerator>(seed);
     folder = std::make_unique<QTemporaryDir>();
-    table = std::make_unique<OpenFileList>(nullptr);
+    table = std::make_unique<FileList>(nullptr);
     plain = {};
     table->show();
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(folder->path())});
-    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    table->dropEvent(&drop);
+    dropOn(*table, {folder->path()});
     table->importReady();
 
     constexpr int steps = 250;

@@ -36,8 +36,7 @@ Monkey::Monkey(std::uint64_t seed)
     inWorker->moveToThread(fixture->child<QThread>("workerThread"));
     exportFolder = fixture->exportFolder();
     makeMedia();
-    QObject::connect(&answering, &QTimer::timeout, &answering, [this] { answerBoxes(); });
-    answering.start(1);
+    fixture->boxes.answerOthers([this](const QMessageBox &box) { return answerBox(box); });
 }
 
 Monkey::~Monkey()
@@ -79,14 +78,12 @@ void Monkey::makeMedia()
 }
 
 /// Any button of the box in front, at some time.
-void Monkey::answerBoxes()
+QAbstractButton *Monkey::answerBox(const QMessageBox &box)
 {
-    auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-    if (!box || answers.chance(0.7))
-        return;
-    const QList<QAbstractButton *> buttons = box->buttons();
-    if (!buttons.isEmpty())
-        buttons.at(answers.integer(0, static_cast<int>(buttons.size()) - 1))->click();
+    const QList<QAbstractButton *> buttons = box.buttons();
+    return answers.chance(0.7) || buttons.isEmpty()
+               ? nullptr
+               : buttons.at(answers.integer(0, static_cast<int>(buttons.size()) - 1));
 }
 
 QStringList Monkey::play()
@@ -187,7 +184,7 @@ void Monkey::closeWindow()
 {
     if (!fixture->window)
         return;
-    answering.stop();
+    fixture->boxes.answerOthers({});
     inWorker.release()->deleteLater(); // with its thread
     fixture->window.reset();
 }

@@ -8,7 +8,6 @@
 #include <QHash>
 #include <QStringList>
 #include <QTemporaryDir>
-#include <QTimer>
 
 #include <memory>
 
@@ -37,7 +36,7 @@ private:
     // in monkey.cpp
     void makeMedia();
     QString addMedia(const QString &path);
-    void answerBoxes();
+    QAbstractButton *answerBox(const QMessageBox &box);
     bool isBusy() const;
     void settle();
     void flushWorker();
@@ -74,7 +73,6 @@ private:
     std::unique_ptr<WindowFixture> fixture;
     FileList *fileList = nullptr;
     std::unique_ptr<QObject> inWorker; ///< lives in the worker's thread
-    QTimer answering;
     QStringList sourceFolders;
     QHash<QString, QByteArray> sources; ///< path and content of all media files
     QString exportFolder;
