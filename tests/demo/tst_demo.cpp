@@ -11,6 +11,7 @@ private slots:
     void timecodeThatIsOneFrameOffIsNoticed();
     void helpIsPrinted();
     void callWithoutFolderFails();
+    void foreignFolderIsRefusedAndKept();
 };
 
 namespace
@@ -39,6 +40,11 @@ Run runDemo(const QStringList &arguments, const QString &firstToolFolder = {})
             QString::fromUtf8(demo.readAllStandardError())};
 }
 
+bool write(const QString &path)
+{
+    return QFile(path).open(QIODevice::WriteOnly);
+}
+
 // The lines of the table that are judged wrong.
 QStringList wrongLines(const QString &output)
 {
@@ -47,15 +53,24 @@ QStringList wrongLines(const QString &output)
 
 } // namespace
 
+// An earlier run left a file in the folder, which is replaced.
 void TestDemo::mainJobComesOutRight()
 {
     const QTemporaryDir folder;
+    const QString earlier = folder.filePath("exported/old.MOV");
+    QVERIFY(QDir(folder.path()).mkdir("exported"));
+    QVERIFY(write(earlier) && write(folder.filePath(".made-by-ostrel-demo")));
     const Run run = runDemo({folder.path()});
     QVERIFY2(run.exitCode == 0, qPrintable(run.output + run.errors));
     QCOMPARE(wrongLines(run.output), QStringList());
+    const QStringList lines = run.output.split('\n');
+    const QStringList right = lines.filter("right to the "); // in one column
+    for (const QString &line : right)
+        QCOMPARE(line.indexOf("right to the "), lines.filter("Verdict").first().indexOf("Verdict"));
     QCOMPARE(run.output.count("right to the frame"), 10);
     QCOMPARE(run.output.count("right to the sample"), 3);
     const QStringList screenshots = QDir(folder.filePath("screenshots")).entryList({"*.png"});
+    QVERIFY(!QFile::exists(earlier));
     for (const char *name : {"1-before", "3-imported", "4-export-dialog", "6-export-result", "7-after"})
         QVERIFY2(screenshots.contains(QString(name) + ".png"), name);
 }
@@ -83,6 +98,16 @@ void TestDemo::callWithoutFolderFails()
     const Run run = runDemo({});
     QCOMPARE(run.exitCode, 1);
     QCOMPARE(run.errors, QString("ostrel-demo: give one folder; see --help\n"));
+}
+
+void TestDemo::foreignFolderIsRefusedAndKept()
+{
+    const QTemporaryDir folder;
+    QVERIFY(write(folder.filePath("original.mov")));
+    const Run run = runDemo({folder.path()});
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY(run.errors.contains("holds files that no demo made"));
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList{"original.mov"});
 }
 
 QTEST_APPLESS_MAIN(TestDemo)
