@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "testkit/signals/biphasemark.h"
+#include "testkit/signals/impairments.h"
 #include "testkit/signals/ltcsignal.h"
+#include "testkit/signals/noise.h"
 #include "testkit/signals/wavfile.h"
 
 #include <QTemporaryDir>
@@ -123,6 +125,7 @@ private slots:
     void libltcReadsEveryFrame_data();
     void libltcReadsEveryFrame();
     void fastMachinePlaysMoreFrames();
+    void noiseIsAddedAtTheStatedRatio();
     void wavFilesKeepTheirSamples_data();
     void wavFilesKeepTheirSamples();
     void broadcastWavCarriesItsTimeReference();
@@ -277,6 +280,18 @@ void TestLtcSignal::fastMachinePlaysMoreFrames()
     const QStringList labels = labelsReadByLibltc(biphaseMarkAudio(signal, transport), signal);
     QVERIFY(labels.contains("01:00:03:05"));
     QVERIFY(!labels.contains("01:00:03:08"));
+}
+
+void TestLtcSignal::noiseIsAddedAtTheStatedRatio()
+{
+    const Samples clean = ltcAudio({});
+    Samples noisy = clean;
+    Random random(1);
+    addAtRatio(noisy, whiteNoise(random, noisy.size()), -10.0); // [dB]
+    Samples noise = noisy;
+    for (std::size_t i = 0; i < noise.size(); ++i)
+        noise[i] -= clean[i];
+    QVERIFY(std::abs(10.0 * std::log10(power(clean) / power(noise)) + 10.0) < 0.01);
 }
 
 void TestLtcSignal::wavFilesKeepTheirSamples_data()
