@@ -3,6 +3,7 @@
 #include "testkit/faketools/onlytools.h"
 #include "testkit/fixtures/controllerfixture.h"
 #include "testkit/fixtures/ownprocesses.h"
+#include "testkit/fixtures/row.h"
 
 #include <QDir>
 #include <QFile>
@@ -121,12 +122,9 @@ void TestFaults::aMissingToolFailsItsJob_data()
 {
     QTest::addColumn<QString>("missing");
     QTest::addColumn<QString>("event");
-    QTest::newRow("no probe tool") << "ffprobe.exe"
-                                   << "probed 0: 1000";
-    QTest::newRow("no transcoding tool") << "ffmpeg.exe"
-                                         << "read 0 stream -1: 2001 nothing";
-    QTest::newRow("no reader") << "LTCReader.exe"
-                               << "read 0 stream 1: 204 nothing";
+    row("no probe tool", "ffprobe.exe", "probed 0: 1000");
+    row("no transcoding tool", "ffmpeg.exe", "read 0 stream -1: 2001 nothing");
+    row("no reader", "LTCReader.exe", "read 0 stream 1: 204 nothing");
 }
 
 void TestFaults::aMissingToolFailsItsJob()
@@ -185,12 +183,9 @@ void TestFaults::aToolThatDiesFailsItsJob_data()
 {
     QTest::addColumn<QString>("job");
     QTest::addColumn<QString>("event");
-    QTest::newRow("probe") << "probe"
-                           << "probed 0: 1000";
-    QTest::newRow("extraction") << "extract"
-                                << "read 0 stream -1: 2001 nothing";
-    QTest::newRow("reader") << "read"
-                            << "read 0 stream 1: 9 nothing"; // the number of the signal
+    row("probe", "probe", "probed 0: 1000");
+    row("extraction", "extract", "read 0 stream -1: 2001 nothing");
+    row("reader", "read", "read 0 stream 1: 9 nothing"); // the number of the signal
 }
 
 void TestFaults::aToolThatDiesFailsItsJob()
@@ -258,12 +253,9 @@ void TestFaults::aVanishedSourceFailsItsNextJob_data()
 {
     QTest::addColumn<QString>("held");
     QTest::addColumn<QString>("event");
-    QTest::newRow("before its probe") << "probe"
-                                      << "probed 0: 1000";
-    QTest::newRow("before its extraction") << "extract"
-                                           << "read 0 stream -1: 2001 nothing";
-    QTest::newRow("before it is read") << "read"
-                                       << "read 0 stream 1: 0 10:00:00:00"; // from what was extracted
+    row("before its probe", "probe", "probed 0: 1000");
+    row("before its extraction", "extract", "read 0 stream -1: 2001 nothing");
+    row("before it is read", "read", "read 0 stream 1: 0 10:00:00:00"); // from what was extracted
 }
 
 void TestFaults::aVanishedSourceFailsItsNextJob()
@@ -337,21 +329,20 @@ void TestFaults::twoInstancesDoNotDisturbEachOther()
 void TestFaults::oddNamesGoAllTheWay_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("blanks") << "take  1 .mov";
-    QTest::newRow("quotes") << "\"it's\" `x`.mov";
-    QTest::newRow("percent signs") << "100%1 %2 %s %.mov";
-    QTest::newRow("line break") << "two\nlines.mov";
-    QTest::newRow("leading dash") << "-i.mov";
-    QTest::newRow("numbers like those of extracted audio") << "clip_1_99.mov";
-    QTest::newRow("shell characters") << "$(rm -rf x);&|<>*?[a]{b}!.mov";
-    QTest::newRow("backslash") << "a\\b.mov";
-    QTest::newRow("beyond the basic plane") << QString::fromUtf8("\xF0\x9F\x8E\xAC \xC3\xA4\xCC\x88.mov");
-    QTest::newRow("nothing before the dot") << ".mov";
-    QTest::newRow("many dots") << "a..b.mov";
-    QTest::newRow("240 characters") << QString(240, 'x') + ".mov";
-    QTest::newRow("255 bytes, the most there can be") << QString(251, 'x') + ".mov";
-    QTest::newRow("254 bytes beyond the basic plane")
-        << QString::fromUtf8("\xF0\x9F\x8E\xAC").repeated(62) + "xx.mov";
+    row("blanks", "take  1 .mov");
+    row("quotes", "\"it's\" `x`.mov");
+    row("percent signs", "100%1 %2 %s %.mov");
+    row("line break", "two\nlines.mov");
+    row("leading dash", "-i.mov");
+    row("numbers like those of extracted audio", "clip_1_99.mov");
+    row("shell characters", "$(rm -rf x);&|<>*?[a]{b}!.mov");
+    row("backslash", "a\\b.mov");
+    row("beyond the basic plane", QString::fromUtf8("\xF0\x9F\x8E\xAC \xC3\xA4\xCC\x88.mov"));
+    row("nothing before the dot", ".mov");
+    row("many dots", "a..b.mov");
+    row("240 characters", QString(240, 'x') + ".mov");
+    row("255 bytes, the most there can be", QString(251, 'x') + ".mov");
+    row("254 bytes beyond the basic plane", QString::fromUtf8("\xF0\x9F\x8E\xAC").repeated(62) + "xx.mov");
 }
 
 void TestFaults::oddNamesGoAllTheWay()
@@ -494,12 +485,12 @@ void TestFaults::theSourcesStayAsTheyWere()
 void TestFaults::noExportGoesOntoASource_data()
 {
     QTest::addColumn<QString>("folder");
-    QTest::newRow("its folder") << "card";
-    QTest::newRow("with a separator at the end") << "card/";
-    QTest::newRow("through its parent") << "card/../card/./";
-    QTest::newRow("through a link to the folder") << "link";
-    QTest::newRow("through a link to a link") << "link2";
-    QTest::newRow("through a folder next to it") << "card/sub/..";
+    row("its folder", "card");
+    row("with a separator at the end", "card/");
+    row("through its parent", "card/../card/./");
+    row("through a link to the folder", "link");
+    row("through a link to a link", "link2");
+    row("through a folder next to it", "card/sub/..");
 }
 
 /// Sources whose names differ in case only, or that are links themselves, exported as every type.
