@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "testkit/fixtures/toolrun.h"
+
 #include <QtTest>
 
 /// The demo as people start it, on the offscreen platform.
@@ -17,27 +19,12 @@ private slots:
 namespace
 {
 
-constexpr int demoLimit = 10 * 60 * 1000; // [ms] with sanitizers, on a busy machine
-
-struct Run {
-    int exitCode = -1;
-    QString output;
-    QString errors;
-};
-
-Run runDemo(const QStringList &arguments, const QString &firstToolFolder = {})
+ToolRun runDemo(const QStringList &arguments, const QString &firstToolFolder = {})
 {
-    QProcess demo;
-    if (!firstToolFolder.isEmpty()) {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    if (!firstToolFolder.isEmpty())
         environment.insert("PATH", firstToolFolder + QDir::listSeparator() + environment.value("PATH"));
-        demo.setProcessEnvironment(environment);
-    }
-    demo.start(DEMO, arguments);
-    if (!demo.waitForFinished(demoLimit))
-        return {};
-    return {demo.exitCode(), QString::fromUtf8(demo.readAllStandardOutput()),
-            QString::fromUtf8(demo.readAllStandardError())};
+    return runTool(DEMO, arguments, environment);
 }
 
 bool write(const QString &path)
@@ -60,10 +47,10 @@ void TestDemo::mainJobComesOutRight()
     const QString earlier = folder.filePath("exported/old.MOV");
     QVERIFY(QDir(folder.path()).mkdir("exported"));
     QVERIFY(write(earlier) && write(folder.filePath(".made-by-ostrel-demo")));
-    const Run run = runDemo({folder.path()});
-    QVERIFY2(run.exitCode == 0, qPrintable(run.output + run.errors));
+    const ToolRun run = runDemo({folder.path()});
+    QVERIFY2(run.exitCode == 0, (run.output + run.errors).constData());
     QCOMPARE(wrongLines(run.output), QStringList());
-    const QStringList lines = run.output.split('\n');
+    const QStringList lines = QString(run.output).split('\n');
     const QStringList right = lines.filter("right to the "); // in one column
     for (const QString &line : right)
         QCOMPARE(line.indexOf("right to the "), lines.filter("Verdict").first().indexOf("Verdict"));
@@ -78,7 +65,7 @@ void TestDemo::mainJobComesOutRight()
 void TestDemo::timecodeThatIsOneFrameOffIsNoticed()
 {
     const QTemporaryDir folder;
-    const Run run = runDemo({folder.path()}, WRONG_READER_FOLDER);
+    const ToolRun run = runDemo({folder.path()}, WRONG_READER_FOLDER);
     QCOMPARE(run.exitCode, 1);
     const QStringList wrong = wrongLines(run.output);
     QCOMPARE(wrong.size(), 1);
@@ -88,23 +75,23 @@ void TestDemo::timecodeThatIsOneFrameOffIsNoticed()
 
 void TestDemo::helpIsPrinted()
 {
-    const Run run = runDemo({"--help"});
+    const ToolRun run = runDemo({"--help"});
     QCOMPARE(run.exitCode, 0);
     QVERIFY(run.output.contains("folder"));
 }
 
 void TestDemo::callWithoutFolderFails()
 {
-    const Run run = runDemo({});
+    const ToolRun run = runDemo({});
     QCOMPARE(run.exitCode, 1);
-    QCOMPARE(run.errors, QString("ostrel-demo: give one folder; see --help\n"));
+    QCOMPARE(run.errors, QByteArray("ostrel-demo: give one folder; see --help\n"));
 }
 
 void TestDemo::foreignFolderIsRefusedAndKept()
 {
     const QTemporaryDir folder;
     QVERIFY(write(folder.filePath("original.mov")));
-    const Run run = runDemo({folder.path()});
+    const ToolRun run = runDemo({folder.path()});
     QCOMPARE(run.exitCode, 1);
     QVERIFY(run.errors.contains("holds files that no demo made"));
     QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList{"original.mov"});

@@ -3,10 +3,10 @@
 #include "ffmpeg/exporthints.h"
 #include "ffmpeg/ffmpeghandler.h"
 #include "testkit/faketools/faketools.h"
+#include "testkit/fixtures/toolrun.h"
 #include "tests/export-matrix/argumentlists.h"
 #include "tests/export-matrix/exportcase.h"
 #include "tests/export-matrix/sourcelist.h"
-#include "tests/export-matrix/toolrun.h"
 #include "tooladapter/rules/source.h"
 
 #include <QDir>
