@@ -7,13 +7,6 @@
 
 class FileList;
 
-/// What the process holds at one moment.
-struct Holdings {
-    qint64 memory = 0; ///< [KiB] resident
-    int openFiles = 0;
-    int children = 0;
-};
-
 /// The real window, used for many rounds of the same work.
 class Soak
 {
@@ -24,9 +17,6 @@ public:
     /// Imports all files, reads them again, exports them and deletes the rows. Returns what went wrong,
     /// nothing when all is well.
     QString round();
-
-    /// What the process holds now, between two rounds.
-    static Holdings holdings();
 
 private:
     QString waitFor(const QString &status);

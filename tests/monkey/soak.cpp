@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tests/soak/soak.h"
+#include "tests/monkey/soak.h"
 
 #include "filelist/filelist.h"
-#include "testkit/fixtures/ownprocesses.h"
 #include "testkit/signals/ltcsignal.h"
 #include "testkit/signals/wavfile.h"
 
@@ -49,12 +48,6 @@ QString Soak::round()
             return failure;
     }
     return {};
-}
-
-Holdings Soak::holdings()
-{
-    return {ownprocesses::residentMemory(), ownprocesses::openFiles(),
-            static_cast<int>(ownprocesses::children().size())};
 }
 
 QString Soak::waitFor(const QString &status)
