@@ -4,6 +4,7 @@
 // how a test gives it its part.
 
 #include "testkit/faketools/faketool_job.h"
+#include "testkit/faketools/moodyplan.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -19,7 +20,13 @@
 #include <cstdlib>
 
 #ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/resource.h>
+#include <unistd.h>
+#endif
+#ifdef Q_OS_LINUX
+#include <sys/prctl.h>
 #endif
 
 namespace
@@ -29,6 +36,7 @@ constexpr int gaveUpWaiting = 99;       // exit code: what the plan waits for ne
 constexpr qint64 longestWait = 100'000; // [ms] shorter than the tests' own limit
 constexpr unsigned long pollEvery = 20; // [ms]
 constexpr qint64 defaultExport = 1'000; // [bytes]
+constexpr int noSuchStream = 99;
 
 void print(FILE *stream, const QByteArray &text)
 {
@@ -76,6 +84,19 @@ bool write(const QString &path, const QByteArray &content)
 {
     QFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+/// Adds \a text to the output of \a job, of which this process remains the only writer until it ends.
+void append([[maybe_unused]] const FakeJob &job, [[maybe_unused]] const QByteArray &text)
+{
+#ifdef Q_OS_UNIX
+    static const int file = open(QFile::encodeName(job.outputs.constFirst().path).constData(),
+                                 O_WRONLY | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    static const bool isAlone = flock(file, LOCK_EX | LOCK_NB) == 0 && ftruncate(file, 0) == 0;
+    const QByteArray content = isAlone ? text : QByteArray("two exports at once\n");
+    if (file < 0 || ::write(file, content.constData(), static_cast<std::size_t>(content.size())) < 0)
+        std::exit(EXIT_FAILURE);
+#endif
 }
 
 /// Makes all outputs of \a job that hold \a stream (-1: every one) as a working tool would.
@@ -152,6 +173,10 @@ void act(const FakeJob &job, const QDir &folder, const QString &what, const QJso
         print(stdout, how.toString().toUtf8());
     else if (what == "stderr")
         print(stderr, how.toString().toUtf8());
+    else if (what == "stdoutGarbage")
+        print(stdout, QByteArray(how.toInt(), '\xFF'));
+    else if (what == "stderrGarbage")
+        print(stderr, QByteArray(how.toInt(), '\xFE'));
     else if (what == "stdoutMiB")
         printMany(stdout, how.toInt());
     else if (what == "stderrMiB")
@@ -166,6 +191,10 @@ void act(const FakeJob &job, const QDir &folder, const QString &what, const QJso
         resizeOutputs(job, how.toVariant().toLongLong());
     else if (what == "extract")
         writeOutputs(job, how.toInt());
+    else if (what == "extractTo")
+        write(how.toString(), extractContent(job, noSuchStream));
+    else if (what == "append")
+        append(job, how.toString().toUtf8());
     else if (what == "work")
         work(job);
     else
@@ -192,8 +221,12 @@ int play(const FakeJob &job, const QJsonObject &part)
         exitCode = work(job);
     }
 
-    if (part["hang"].toBool())
+    if (part["hang"].toBool()) {
+#ifdef Q_OS_LINUX
+        prctl(PR_SET_NAME, "never");
+#endif
         waitFor(folder.filePath("never"));
+    }
     return part["crash"].toBool() ? crash() : exitCode;
 }
 
@@ -213,6 +246,13 @@ int main(int argc, char *argv[])
     const QString tool = QFileInfo(arguments.takeFirst()).fileName();
 
     const FakeJob job = FakeJob::fromArguments(tool, arguments);
+    if (const QByteArray seed = qgetenv("OSTREL_FAKE_MOODS"); !seed.isEmpty()) {
+        // Ends at once: a search for leaks stops the process for a moment, and lasts for ever where the
+        // signal to go on crosses that, which the monkey sends to tools it has stopped.
+        const int exitCode = play(job, moodyPlan(job, seed.toULongLong()));
+        std::fflush(nullptr);
+        std::_Exit(exitCode);
+    }
     log("start", job);
     const int exitCode = play(job, job.plan(job.noteCall()));
     log("end", job);

@@ -2,8 +2,8 @@
 #include "tests/monkey/monkey.h"
 
 #include "filelist/filelist.h"
+#include "testkit/faketools/moods.h"
 #include "testkit/fixtures/ownprocesses.h"
-#include "tests/monkey/moods.h"
 
 #include <QAction>
 #include <QApplication>
@@ -29,7 +29,7 @@ Monkey::Monkey(std::uint64_t seed)
       answers(testsignals::Random::forCase(seed, "answers", 0))
 {
     qputenv("TMPDIR", QFile::encodeName(system.path()));
-    qputenv("OSTREL_MONKEY_SEED", QByteArray::number(static_cast<qulonglong>(seed)));
+    qputenv("OSTREL_FAKE_MOODS", QByteArray::number(static_cast<qulonglong>(seed)));
     fixture = std::make_unique<WindowFixture>();
     fileList = fixture->child<FileList>("fileList");
     inWorker = std::make_unique<QObject>();

@@ -28,6 +28,7 @@ void makeSound(const QString &path)
 
 Soak::Soak(int files, const QString &name) : count(files), fileList(fixture.child<FileList>("fileList"))
 {
+    qputenv("OSTREL_FAKE_MOODS", "0"); // where the tools are fake
     const QString first = fixture.mediaFolder() + QString("/%1_0.wav").arg(name);
     makeSound(first);
     for (int i = 1; i < count; ++i) {

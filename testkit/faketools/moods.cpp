@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/monkey/moods.h"
+#include "testkit/faketools/moods.h"
 
 #include <array>
 #include <cstdio>
