@@ -92,7 +92,7 @@ private slots:
     void manyFilesLeaveNothingBehind();
 
 private:
-    ExportOptions options() const;
+    ExportOptions options() const { return fixture->exportOptions(); }
 
     std::unique_ptr<ControllerFixture> fixture;
 };
@@ -107,15 +107,6 @@ void TestFaults::cleanup()
 {
     fixture.reset();
     QCOMPARE(ownprocesses::children(), QVector<qint64>());
-}
-
-ExportOptions TestFaults::options() const
-{
-    ExportOptions options;
-    options.exportDir = fixture->mediaPath("out");
-    options.videoType = 5;
-    options.audioType = 1;
-    return options;
 }
 
 void TestFaults::aMissingToolFailsItsJob_data()

@@ -88,7 +88,7 @@ private slots:
     void manyExportsWithoutMemoryFailOneByOne();
 
 private:
-    ExportOptions options() const;
+    ExportOptions options() const { return fixture->exportOptions(); }
 
     bool mayUseDisks = false;
     std::unique_ptr<ControllerFixture> fixture;
@@ -108,15 +108,6 @@ void TestFaultsOfMachine::cleanup()
 {
     fixture.reset();
     QCOMPARE(ownprocesses::children(), QVector<qint64>());
-}
-
-ExportOptions TestFaultsOfMachine::options() const
-{
-    ExportOptions options;
-    options.exportDir = fixture->mediaPath("out");
-    options.videoType = 5;
-    options.audioType = 1;
-    return options;
 }
 
 void TestFaultsOfMachine::aFullTemporaryDiskFailsTheExtraction()

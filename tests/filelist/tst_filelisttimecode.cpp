@@ -2,6 +2,7 @@
 #include "app/records/recordtypes.h"
 #include "filelist/filelist.h"
 #include "testkit/windowdriver/dropon.h"
+#include "tests/filelist/linkedfile.h"
 
 #include <QDir>
 #include <QFile>
@@ -98,13 +99,8 @@ void TestFileListTimecode::cleanup()
 
 int TestFileListTimecode::add(const QString &name, double duration, int secondsLater)
 {
-    QFile file(folder->filePath(name));
-    if (!file.open(QIODevice::WriteOnly))
-        qFatal("cannot write %s", qPrintable(name));
-    const QDateTime noon(QDate(2024, 5, 4), QTime(12, 0));
-    file.setFileTime(noon.addSecs(secondsLater), QFileDevice::FileModificationTime);
-    file.close();
-    list->addItemToTable(QFileInfo(file));
+    const QFileInfo file = linkedfile::empty(folder->filePath(name), secondsLater);
+    list->addItemToTable(file);
     const int row = list->rowCount() - 1;
     list->onFFProbeResult(probed(duration), row, 0);
     return row;

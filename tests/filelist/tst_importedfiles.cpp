@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "filelist/importedfiles.h"
 #include "testkit/fixtures/row.h"
+#include "tests/filelist/linkedfile.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -92,13 +93,8 @@ void TestImportedFiles::init()
 
 int TestImportedFiles::add(const QString &name, double duration, int secondsLater)
 {
-    QFile file(folder->filePath(name));
-    if (!file.open(QIODevice::WriteOnly))
-        qFatal("cannot write %s", qPrintable(name));
-    const QDateTime noon(QDate(2024, 5, 4), QTime(12, 0));
-    file.setFileTime(noon.addSecs(secondsLater), QFileDevice::FileModificationTime);
-    file.close();
-    const int row = files->add(QFileInfo(file));
+    const QFileInfo file = linkedfile::empty(folder->filePath(name), secondsLater);
+    const int row = files->add(file);
     files->takeProbe(probed(duration), row, 0);
     return row;
 }

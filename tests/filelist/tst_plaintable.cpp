@@ -7,6 +7,7 @@
 #include "filelist/linking.h"
 #include "ltc/readererrors.h"
 #include "testkit/windowdriver/dropon.h"
+#include "tests/filelist/linkedfile.h"
 
 #include <QFile>
 #include <QRandomGenerator>
@@ -177,16 +178,12 @@ void TestPlainTable::whateverHappensBothTablesTellTheSame()
 void TestPlainTable::addFile()
 {
     static const QStringList suffixes{"wav", "wav", "WAV", "mov"};
-    QFile file(
-        folder->filePath(QString("take%1.%2").arg(random->generate()).arg(suffixes.at(random->bounded(4)))));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    const QDateTime noon(QDate(2024, 5, 4), QTime(12, 0));
-    QVERIFY(file.setFileTime(noon.addSecs(random->bounded(2)), QFileDevice::FileModificationTime));
-    file.close();
-    table->addItemToTable(QFileInfo(file));
+    const QString name = QString("take%1.%2").arg(random->generate()).arg(suffixes.at(random->bounded(4)));
+    const QFileInfo file = linkedfile::empty(folder->filePath(name), random->bounded(2));
+    table->addItemToTable(file);
     PlainRow row;
-    row.record.suffix = QFileInfo(file).suffix();
-    row.record.lastModified = QFileInfo(file).lastModified();
+    row.record.suffix = file.suffix();
+    row.record.lastModified = file.lastModified();
     row.record.streams = {QJsonObject()};
     plain.rows += row;
 }
