@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "app/windowtexts.h"
-#include "testkit/fixtures/row.h"
 
 #include <QTest>
 
@@ -40,13 +39,14 @@ void TestWindowTexts::failedFilesStandFourALine_data()
 {
     QTest::addColumn<QStringList>("names");
     QTest::addColumn<QString>("text");
-    row("no name: the heading loses its last two characters", QStringList{}, heading().chopped(2));
-    row("one", QStringList{"a.mov"}, heading() + "\na.mov");
-    row("four", QStringList{"a", "b", "c", "d"}, heading() + "\na, b, c, d");
-    row("five", QStringList{"a", "b", "c", "d", "e"}, heading() + "\na, b, c, d, \ne");
-    row("nine", QStringList{"1", "2", "3", "4", "5", "6", "7", "8", "9"},
-        heading() + "\n1, 2, 3, 4, \n5, 6, 7, 8, \n9");
-    row("percent signs", QStringList{"100% %1.mov", "%2"}, heading() + "\n100% %1.mov, %2");
+    QTest::newRow("no name: the heading loses its last two characters")
+        << QStringList{} << heading().chopped(2);
+    QTest::newRow("one") << QStringList{"a.mov"} << heading() + "\na.mov";
+    QTest::newRow("four") << QStringList{"a", "b", "c", "d"} << heading() + "\na, b, c, d";
+    QTest::newRow("five") << QStringList{"a", "b", "c", "d", "e"} << heading() + "\na, b, c, d, \ne";
+    QTest::newRow("nine") << QStringList{"1", "2", "3", "4", "5", "6", "7", "8", "9"}
+                          << heading() + "\n1, 2, 3, 4, \n5, 6, 7, 8, \n9";
+    QTest::newRow("percent signs") << QStringList{"100% %1.mov", "%2"} << heading() + "\n100% %1.mov, %2";
 }
 
 void TestWindowTexts::failedFilesStandFourALine()
@@ -60,29 +60,37 @@ void TestWindowTexts::streamsAreListed_data()
     QTest::addColumn<FileData>("file");
     QTest::addColumn<QStringList>("lines");
     FileData file;
-    row("nothing known", file, QStringList{" Streams:"});
+    QTest::newRow("nothing known") << file << QStringList{" Streams:"};
 
     file.suffix = "mov";
     file.mainStream = {{"index", 0}, {"codec_name", "h264"}, {"width", 1920}, {"height", 1080}};
     file.audioStreams = {audio(1, "stereo", 2), audio(2, "", 4)};
-    row("picture and two sound streams", file,
-        QStringList{" Streams:", "   0: video (h264)", "     size: 1920x1080", "   1: audio (pcm_s24le)",
-                    "     layout: stereo", "     channels: 2", "   2: audio (pcm_s24le)",
-                    "     channels: 4"});
+    QTest::newRow("picture and two sound streams") << file << QStringList{" Streams:",
+                                                                          "   0: video (h264)",
+                                                                          "     size: 1920x1080",
+                                                                          "   1: audio (pcm_s24le)",
+                                                                          "     layout: stereo",
+                                                                          "     channels: 2",
+                                                                          "   2: audio (pcm_s24le)",
+                                                                          "     channels: 4"};
     file.suffix = "MXF";
-    row("MXF records no channels", file,
-        QStringList{" Streams:", "   0: video (h264)", "     size: 1920x1080", "   1: audio (pcm_s24le)",
-                    "     layout: stereo", "   2: audio (pcm_s24le)"});
+    QTest::newRow("MXF records no channels") << file << QStringList{" Streams:",
+                                                                    "   0: video (h264)",
+                                                                    "     size: 1920x1080",
+                                                                    "   1: audio (pcm_s24le)",
+                                                                    "     layout: stereo",
+                                                                    "   2: audio (pcm_s24le)"};
     FileData sound;
     sound.suffix = "wav";
     sound.audioStreams = {audio(0, "", 1)};
-    row("sound only", sound, QStringList{" Streams:", "   0: audio (pcm_s24le)", "     channels: 1"});
+    QTest::newRow("sound only") << sound
+                                << QStringList{" Streams:", "   0: audio (pcm_s24le)", "     channels: 1"};
     FileData odd;
     odd.suffix = "mov";
     odd.mainStream = {{"codec_name", "h264"}};
     odd.audioStreams = {QJsonObject{}};
-    row("a picture without index is left out, missing keys are empty", odd,
-        QStringList{" Streams:", "   0: audio ()", "     channels: 0"});
+    QTest::newRow("a picture without index is left out, missing keys are empty")
+        << odd << QStringList{" Streams:", "   0: audio ()", "     channels: 0"};
 }
 
 void TestWindowTexts::streamsAreListed()
@@ -106,9 +114,9 @@ void TestWindowTexts::missingToolsAreNamedWithTheirRemedy_data()
     QTest::addColumn<QStringList>("remedies");
     const QString package("Install the package \"ffmpeg\" of your system.");
     const QString again("Install this application again, or put the missing files beside it.");
-    row("tools of the system", QStringList{"ffprobe", "ffmpeg"}, QStringList{package});
-    row("our own", QStringList{"LTCReader.exe"}, QStringList{again});
-    row("both", QStringList{"ffmpeg", "LTCReader.exe"}, QStringList{package, again});
+    QTest::newRow("tools of the system") << QStringList{"ffprobe", "ffmpeg"} << QStringList{package};
+    QTest::newRow("our own") << QStringList{"LTCReader.exe"} << QStringList{again};
+    QTest::newRow("both") << QStringList{"ffmpeg", "LTCReader.exe"} << QStringList{package, again};
 }
 
 void TestWindowTexts::missingToolsAreNamedWithTheirRemedy()
