@@ -38,7 +38,7 @@ if(OSTREL_SANITIZE)
         -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(ostrel_flags INTERFACE -fsanitize=address,undefined)
     set(OSTREL_SANITIZER_ENVIRONMENT
-        "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/known-leaks.txt:print_suppressions=0")
+        "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/testkit/known-leaks.txt:print_suppressions=0")
 else()
     # Everyday builds are linked as releases are, so that everyday tests meet what users run.
     target_link_options(ostrel_flags INTERFACE $<$<NOT:$<PLATFORM_ID:Windows>>:-Wl,-z,relro,-z,now>)
@@ -109,7 +109,7 @@ function(ostrel_add_test name)
         # The window manager may take a window's frame away while the platform asks for it; nothing is wrong then.
         # Nothing is drawn with OpenGL, whose libraries leak when the platform lets them go.
         set(platform xcb QT_XCB_GL_INTEGRATION=none QT_LOGGING_RULES=qt.qpa.xcb.warning=false)
-        set(wrapper "${PROJECT_SOURCE_DIR}/tests/support/with-display.sh")
+        set(wrapper "${PROJECT_SOURCE_DIR}/testkit/windowdriver/with-display.sh")
     endif()
     add_test(NAME ${name} COMMAND ${wrapper} $<TARGET_FILE:${name}>)
     # Qt warns without a private runtime folder, as in containers.

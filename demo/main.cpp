@@ -2,12 +2,12 @@
 #include "app/mainwindow.h"
 #include "app/records/recordtypes.h"
 #include "demo/demofolder.h"
-#include "demo/exportedfile.h"
-#include "demo/mediakit/mediamaker.h"
-#include "demo/mediakit/shootday.h"
 #include "demo/reporttable.h"
-#include "demo/verdict.h"
-#include "demo/windowdriver.h"
+#include "testkit/media/exportedfile.h"
+#include "testkit/media/mediamaker.h"
+#include "testkit/media/shootday.h"
+#include "testkit/media/verdict.h"
+#include "testkit/windowdriver/windowdriver.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

@@ -13,28 +13,31 @@ namespace
 
 enum Family { Small, Medium, Large }; // 36/45, 115/120/145, 175x/185x/220
 
-/// One DNxHD family at one frame rate.
-struct DnxhdRow {
-    Family family;
-    int frameRateClass; ///< whole frames per second
-    int megabits;       ///< [Mbit/s]
+/// What one DNxHD family writes.
+struct Coding {
+    int megabits; ///< [Mbit/s]
     const char *pixelFormat;
-    const char *frameRate; ///< null: the stream's own
+};
+
+/// The DNxHD families at one frame rate.
+struct DnxhdRate {
+    int frameRateClass;             ///< whole frames per second
+    const char *frameRate;          ///< null: the stream's own
+    std::array<Coding, 3> families; ///< in the order of Family
 };
 
 constexpr auto film = "24000/1001";
 constexpr auto ntsc = "30000/1001";
+constexpr auto bits8 = "yuv422p";
+constexpr auto bits10 = "yuv422p10";
 
 // The large family is 8 bit at 29 and 30 on purpose.
-constexpr std::array dnxhdRows{
-    DnxhdRow{Small, 23, 36, "yuv422p", film},       DnxhdRow{Small, 24, 36, "yuv422p", nullptr},
-    DnxhdRow{Small, 25, 36, "yuv422p", nullptr},    DnxhdRow{Small, 29, 45, "yuv422p", ntsc},
-    DnxhdRow{Small, 30, 45, "yuv422p", nullptr},    DnxhdRow{Medium, 23, 115, "yuv422p", film},
-    DnxhdRow{Medium, 24, 115, "yuv422p", nullptr},  DnxhdRow{Medium, 25, 120, "yuv422p", nullptr},
-    DnxhdRow{Medium, 29, 145, "yuv422p", ntsc},     DnxhdRow{Medium, 30, 145, "yuv422p", nullptr},
-    DnxhdRow{Large, 23, 175, "yuv422p10", film},    DnxhdRow{Large, 24, 175, "yuv422p10", nullptr},
-    DnxhdRow{Large, 25, 185, "yuv422p10", nullptr}, DnxhdRow{Large, 29, 220, "yuv422p", ntsc},
-    DnxhdRow{Large, 30, 220, "yuv422p", nullptr},
+constexpr std::array dnxhdRates{
+    DnxhdRate{23, film, {{{36, bits8}, {115, bits8}, {175, bits10}}}},
+    DnxhdRate{24, nullptr, {{{36, bits8}, {115, bits8}, {175, bits10}}}},
+    DnxhdRate{25, nullptr, {{{36, bits8}, {120, bits8}, {185, bits10}}}},
+    DnxhdRate{29, ntsc, {{{45, bits8}, {145, bits8}, {220, bits8}}}},
+    DnxhdRate{30, nullptr, {{{45, bits8}, {145, bits8}, {220, bits8}}}},
 };
 
 constexpr float bitsPerMegabit = 1'000'000.0F;
@@ -71,14 +74,15 @@ QStringList codedArguments(const QString &codec, int megabits, const QString &pi
 
 VideoCodec dnxhd(const VideoType &type, const QJsonObject &videoStream)
 {
-    const int rate = frameRateClass(videoStream);
-    for (const DnxhdRow &row : dnxhdRows) {
-        if (row.family != type.family || row.frameRateClass != rate)
+    const int rateClass = frameRateClass(videoStream);
+    for (const DnxhdRate &rate : dnxhdRates) {
+        if (rate.frameRateClass != rateClass)
             continue;
+        const Coding &coding = rate.families.at(type.family);
         const QString frameRate =
-            row.frameRate ? QString(row.frameRate) : videoStream["r_frame_rate"].toString();
-        return {codedArguments("dnxhd", row.megabits, row.pixelFormat) + QStringList{"-r", frameRate},
-                static_cast<float>(row.megabits) * bitsPerMegabit};
+            rate.frameRate ? QString(rate.frameRate) : videoStream["r_frame_rate"].toString();
+        return {codedArguments("dnxhd", coding.megabits, coding.pixelFormat) + QStringList{"-r", frameRate},
+                static_cast<float>(coding.megabits) * bitsPerMegabit};
     }
     return {{}, static_cast<float>(type.usualMegabits) * bitsPerMegabit};
 }

@@ -15,10 +15,11 @@ ltcreader/decision
 ltcreader/verification
 ltcreader/decoder
 ltcreader
-app/records process widgets tooladapter tests/support
-ffmpeg ltc update demo/mediakit tests/fakes
+app/records process widgets tooladapter testkit/signals testkit/windowdriver
+ffmpeg ltc update testkit/media testkit/faketools
 control filelist demo/samples
 app batch
+testkit/fixtures
 demo bench/ltc
 bench/support
 bench/realtools bench/reader bench/window

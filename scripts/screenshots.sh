@@ -16,7 +16,7 @@ for theme in light dark; do
     for scale in 1 1.5 2; do
         pictures="$folder/$theme-${scale}x"
         mkdir -p "$pictures"
-        QT_SCALE_FACTOR=$scale tests/support/with-display.sh \
+        QT_SCALE_FACTOR=$scale testkit/windowdriver/with-display.sh \
             build/dev/tests/window/ostrel_screenshots "$pictures" "$theme"
     done
 done

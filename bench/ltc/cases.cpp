@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "bench/ltc/cases.h"
 
-#include "tests/support/biphasemark.h"
-#include "tests/support/impairments.h"
+#include "testkit/signals/biphasemark.h"
+#include "testkit/signals/impairments.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tests/support/filters.h"
-#include "tests/support/ltcsignal.h"
-#include "tests/support/random.h"
+#include "testkit/signals/filters.h"
+#include "testkit/signals/ltcsignal.h"
+#include "testkit/signals/random.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "bench/ltc/curves.h"
 
-#include "tests/support/biphasemark.h"
-#include "tests/support/impairments.h"
-#include "tests/support/noise.h"
-#include "tests/support/othersounds.h"
+#include "testkit/signals/biphasemark.h"
+#include "testkit/signals/impairments.h"
+#include "testkit/signals/noise.h"
+#include "testkit/signals/othersounds.h"
 
 #include <cmath>
 #include <utility>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "bench/ltc/curves.h"
 
-#include "tests/support/impairments.h"
-#include "tests/support/noise.h"
+#include "testkit/signals/impairments.h"
+#include "testkit/signals/noise.h"
 
 #include <utility>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "bench/ltc/libltcreader.h"
 
-#include "tests/support/impairments.h"
+#include "testkit/signals/impairments.h"
 
 #include <ltc.h>
 

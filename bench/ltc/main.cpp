@@ -4,9 +4,9 @@
 #include "bench/ltc/measurement.h"
 #include "bench/ltc/plot.h"
 #include "bench/ltc/report.h"
-#include "tests/support/lossycodec.h"
-#include "tests/support/othersounds.h"
-#include "tests/support/wavfile.h"
+#include "testkit/signals/lossycodec.h"
+#include "testkit/signals/othersounds.h"
+#include "testkit/signals/wavfile.h"
 
 #include <algorithm>
 #include <cctype>

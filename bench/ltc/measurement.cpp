@@ -4,8 +4,8 @@
 #include "bench/ltc/figures.h"
 #include "bench/ltc/libltcreader.h"
 #include "bench/ltc/readers.h"
-#include "tests/support/impairments.h"
-#include "tests/support/noise.h"
+#include "testkit/signals/impairments.h"
+#include "testkit/signals/noise.h"
 
 #include <algorithm>
 #include <cmath>

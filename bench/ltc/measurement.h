@@ -3,7 +3,7 @@
 
 #include "bench/ltc/cases.h"
 #include "bench/ltc/curves.h"
-#include "tests/support/othersounds.h"
+#include "testkit/signals/othersounds.h"
 
 #include <array>
 #include <functional>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "bench/ltc/oddcases.h"
 
-#include "tests/support/impairments.h"
-#include "tests/support/othersounds.h"
+#include "testkit/signals/impairments.h"
+#include "testkit/signals/othersounds.h"
 
 #include <cmath>
 #include <utility>

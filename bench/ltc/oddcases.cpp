@@ -2,7 +2,7 @@
 #include "bench/ltc/oddcases.h"
 
 #include "bench/ltc/figures.h"
-#include "tests/support/impairments.h"
+#include "testkit/signals/impairments.h"
 
 #include <array>
 #include <cmath>

@@ -2,9 +2,9 @@
 #include "bench/ltc/oddcases.h"
 
 #include "bench/ltc/curves.h"
-#include "tests/support/impairments.h"
-#include "tests/support/lossycodec.h"
-#include "tests/support/noise.h"
+#include "testkit/signals/impairments.h"
+#include "testkit/signals/lossycodec.h"
+#include "testkit/signals/noise.h"
 
 #include <optional>
 #include <stdexcept>

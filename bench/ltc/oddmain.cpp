@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "bench/ltc/figures.h"
 #include "bench/ltc/oddreport.h"
-#include "tests/support/wavfile.h"
+#include "testkit/signals/wavfile.h"
 
 #include <algorithm>
 #include <atomic>

@@ -3,7 +3,7 @@
 
 #include "bench/ltc/cases.h"
 
-#include "tests/support/biphasemark.h"
+#include "testkit/signals/biphasemark.h"
 
 #include <cstdint>
 #include <functional>

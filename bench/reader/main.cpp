@@ -2,7 +2,7 @@
 #include "bench/reader/processtimer.h"
 #include "bench/support/benchmarkprogram.h"
 #include "bench/support/statistics.h"
-#include "demo/mediakit/mediamaker.h"
+#include "testkit/media/mediamaker.h"
 
 #include <QCoreApplication>
 #include <QDir>

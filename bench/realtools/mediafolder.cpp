@@ -2,7 +2,7 @@
 #include "bench/realtools/mediafolder.h"
 
 #include "bench/support/benchmarkprogram.h"
-#include "demo/mediakit/mediamaker.h"
+#include "testkit/media/mediamaker.h"
 
 #include <QDir>
 #include <QFileInfo>

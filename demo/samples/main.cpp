@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "demo/mediakit/samplekit.h"
+#include "testkit/media/samplekit.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

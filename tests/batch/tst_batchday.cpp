@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "demo/mediakit/expectedcell.h"
-#include "demo/mediakit/mediamaker.h"
-#include "demo/mediakit/shootday.h"
+#include "testkit/media/expectedcell.h"
+#include "testkit/media/mediamaker.h"
+#include "testkit/media/shootday.h"
 
 #include <QCryptographicHash>
 #include <QElapsedTimer>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "demo/mediakit/mediamaker.h"
+#include "testkit/media/mediamaker.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/records/recordtypes.h"
-#include "tests/export-matrix/exportcase.h"
+#include "testkit/faketools/faketools.h"
+#include "tests/export-matrix/argumentlists.h"
 #include "tests/export-matrix/sourcelist.h"
-#include "tests/export-matrix/wantedlist.h"
-#include "tests/fakes/faketools.h"
 
 #include <QDir>
 #include <QProcess>
@@ -114,13 +113,15 @@ void TestBatchLists::theToolGetsTheWantedList()
     for (const MadeFile &source : std::as_const(sources)) {
         const QString path = source.record.absoluteFilePath;
         const auto calls = faketools::calls(path, "export");
-        QStringList wanted = wantedList(source.record, options);
+        const QString wanted =
+            argumentlists::wantedLines(source.source.name).value(argumentlists::choiceOf(options));
         for (const faketools::Call &call : calls) {
             if (!call.arguments.last().startsWith(out.path()))
                 continue; // of another run
+            QStringList passed = call.arguments;
             // The name is that of another source with another suffix when it is taken.
-            wanted.last() = call.arguments.last();
-            QCOMPARE(call.arguments, wanted);
+            passed.last() = "TARGET." + QFileInfo(passed.last()).suffix();
+            QCOMPARE(argumentlists::lineOf(passed, source.record, out.path()), wanted);
             ++lists;
         }
     }

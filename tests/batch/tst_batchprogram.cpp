@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "tests/fakes/faketools.h"
-#include "tests/support/longwait.h"
+#include "testkit/faketools/faketools.h"
+#include "testkit/fixtures/longwait.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

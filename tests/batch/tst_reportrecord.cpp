@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "batch/reportrecord.h"
+#include "testkit/fixtures/row.h"
 
 #include <QJsonArray>
 #include <QTest>
@@ -179,24 +180,15 @@ void TestReportRecord::wrongIsWhatDidNotSucceed_data()
     QTest::addColumn<QString>("result");
     QTest::addColumn<QString>("exported");
     QTest::addColumn<bool>("isWrong");
-    QTest::newRow("found") << "found"
-                           << "" << false;
-    QTest::newRow("written") << "found"
-                             << "written" << false;
-    QTest::newRow("left out") << "found"
-                              << "left out" << false;
-    QTest::newRow("without timecode") << "none"
-                                      << "" << false;
-    QTest::newRow("not read") << "failed"
-                              << "" << true;
-    QTest::newRow("not written") << "linked"
-                                 << "failed" << true;
-    QTest::newRow("verified") << "found"
-                              << "verified" << false;
-    QTest::newRow("found wanting") << "found"
-                                   << "unverified" << true;
-    QTest::newRow("interrupted") << "found"
-                                 << "not done" << true;
+    row("found", "found", "", false);
+    row("written", "found", "written", false);
+    row("left out", "found", "left out", false);
+    row("without timecode", "none", "", false);
+    row("not read", "failed", "", true);
+    row("not written", "linked", "failed", true);
+    row("verified", "found", "verified", false);
+    row("found wanting", "found", "unverified", true);
+    row("interrupted", "found", "not done", true);
 }
 
 void TestReportRecord::wrongIsWhatDidNotSucceed()

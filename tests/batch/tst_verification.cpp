@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "batch/verification.h"
+#include "testkit/fixtures/row.h"
 
-#include "tests/ffmpeg/samplerecords.h"
+#include "testkit/fixtures/samplerecords.h"
 
 #include <QJsonArray>
 #include <QTest>
@@ -90,17 +91,16 @@ void TestVerification::theTimecodeChannelIsExpectedToGo_data()
     QTest::addColumn<ExportOptions>("options");
     QTest::addColumn<QStringList>("kept");
     const QJsonObject mono = sound("pcm_s24le", 1, 24);
-    QTest::newRow("muted") << camera() << options(5, true) << QStringList{"1:0,1,2"};
-    QTest::newRow("audible") << camera() << options(5, false) << QStringList{"1:0,1,2,3"};
-    QTest::newRow("a stream that is nothing else goes")
-        << withTimecode(mediaFile("/in/a.mov", {mono, mono, mono}), 2, 0) << options(5, true)
-        << QStringList{"1:0", "3:0"};
-    QTest::newRow("MXF coded as MXF keeps all") << withTimecode(mediaFile("/in/a.MXF", {mono, mono}), 2, 0)
-                                                << options(2, true) << QStringList{"1:0", "2:0"};
-    QTest::newRow("MXF as QuickTime loses it")
-        << withTimecode(mediaFile("/in/a.mxf", {mono, mono}), 2, 0) << options(6, true) << QStringList{"1:0"};
-    QTest::newRow("no timecode, nothing goes")
-        << mediaFile("/in/a.mov", {mono, mono}) << options(5, true) << QStringList{"1:0", "2:0"};
+    row("muted", camera(), options(5, true), QStringList{"1:0,1,2"});
+    row("audible", camera(), options(5, false), QStringList{"1:0,1,2,3"});
+    row("a stream that is nothing else goes", withTimecode(mediaFile("/in/a.mov", {mono, mono, mono}), 2, 0),
+        options(5, true), QStringList{"1:0", "3:0"});
+    row("MXF coded as MXF keeps all", withTimecode(mediaFile("/in/a.MXF", {mono, mono}), 2, 0),
+        options(2, true), QStringList{"1:0", "2:0"});
+    row("MXF as QuickTime loses it", withTimecode(mediaFile("/in/a.mxf", {mono, mono}), 2, 0),
+        options(6, true), QStringList{"1:0"});
+    row("no timecode, nothing goes", mediaFile("/in/a.mov", {mono, mono}), options(5, true),
+        QStringList{"1:0", "2:0"});
 }
 
 void TestVerification::theTimecodeChannelIsExpectedToGo()
@@ -142,12 +142,9 @@ void TestVerification::theStartIsCountedAtTheNewPicturesRate_data()
 {
     QTest::addColumn<QString>("rate");
     QTest::addColumn<QString>("start");
-    QTest::newRow("the same") << "25/1"
-                              << "10:00:00:12";
-    QTest::newRow("twice as fast") << "50/1"
-                                   << "10:00:00:24";
-    QTest::newRow("no picture's rate") << "0/0"
-                                       << "10:00:00:12";
+    row("the same", "25/1", "10:00:00:12");
+    row("twice as fast", "50/1", "10:00:00:24");
+    row("no picture's rate", "0/0", "10:00:00:12");
 }
 
 void TestVerification::theStartIsCountedAtTheNewPicturesRate()
@@ -177,18 +174,16 @@ void TestVerification::samplesAreComparedWherePcmStaysDeepEnough_data()
     QTest::addColumn<QJsonObject>("source");
     QTest::addColumn<QJsonObject>("result");
     QTest::addColumn<bool>("areKept");
-    QTest::newRow("the same") << sound("pcm_s24le", 1, 24) << sound("pcm_s24le", 1, 24) << true;
-    QTest::newRow("deeper") << sound("pcm_s16be", 1, 16) << sound("pcm_s24le", 1, 24) << true;
-    QTest::newRow("cut") << sound("pcm_s24le", 1, 24) << sound("pcm_s16le", 1, 16) << false;
-    QTest::newRow("floating point as it is")
-        << sound("pcm_f32le", 1, 32) << sound("pcm_f32le", 1, 32) << true;
-    QTest::newRow("floating point cut") << sound("pcm_f32le", 1, 32) << sound("pcm_s24le", 1, 24) << false;
-    QTest::newRow("coded sound") << sound("aac", 1, 0) << sound("pcm_s24le", 1, 24) << false;
-    QTest::newRow("sound that begins late")
-        << sound("pcm_s24le", 1, 24, "0.5") << sound("pcm_s24le", 1, 24) << false;
+    row("the same", sound("pcm_s24le", 1, 24), sound("pcm_s24le", 1, 24), true);
+    row("deeper", sound("pcm_s16be", 1, 16), sound("pcm_s24le", 1, 24), true);
+    row("cut", sound("pcm_s24le", 1, 24), sound("pcm_s16le", 1, 16), false);
+    row("floating point as it is", sound("pcm_f32le", 1, 32), sound("pcm_f32le", 1, 32), true);
+    row("floating point cut", sound("pcm_f32le", 1, 32), sound("pcm_s24le", 1, 24), false);
+    row("coded sound", sound("aac", 1, 0), sound("pcm_s24le", 1, 24), false);
+    row("sound that begins late", sound("pcm_s24le", 1, 24, "0.5"), sound("pcm_s24le", 1, 24), false);
     QJsonObject resampled = sound("pcm_s24le", 1, 24);
     resampled["sample_rate"] = "44100";
-    QTest::newRow("resampled") << resampled << sound("pcm_s24le", 1, 24) << false;
+    row("resampled", resampled, sound("pcm_s24le", 1, 24), false);
 }
 
 void TestVerification::samplesAreComparedWherePcmStaysDeepEnough()
@@ -211,34 +206,28 @@ void TestVerification::eachFaultIsSaid_data()
     const QByteArray other = R"({"media":{"track":[{"@type":"Video","TimeCode_FirstFrame":"00:00:00:00"},)"
                              R"({"@type":"Other","TimeCode_FirstFrame":"10:00:00:01"}]}})";
     const Contents same{250, "picture", "sound"};
-    QTest::newRow("none") << good << QByteArray() << same << QStringList{};
-    QTest::newRow("nothing can be read")
-        << QJsonObject() << QByteArray() << same << QStringList{"it cannot be read"};
-    QTest::newRow("another start") << written("25/1", {three}, "09:59:59:24") << QByteArray() << same
-                                   << QStringList{
-                                          "ffprobe reads the start \"09:59:59:24\" instead of 10:00:00:00"};
-    QTest::newRow("another start in the timecode track")
-        << good << other << same
-        << QStringList{"mediainfo reads the start \"10:00:00:01\" instead of 10:00:00:00"};
-    QTest::newRow("a frame lost") << good << QByteArray() << Contents{249, "picture", "sound"}
-                                  << QStringList{"249 frames instead of 250"};
-    QTest::newRow("a frame changed") << good << QByteArray() << Contents{250, "other", "sound"}
-                                     << QStringList{"frames are not the source's"};
-    QTest::newRow("a sample changed") << good << QByteArray() << Contents{250, "picture", "other"}
-                                      << QStringList{"samples are not the source's"};
-    QTest::newRow("the timecode still there")
-        << written("25/1", {sound("pcm_s24le", 4, 24)}) << QByteArray() << same
-        << QStringList{"4 channels instead of 3 in audio stream 1"};
-    QTest::newRow("no sound") << written("25/1", {}) << QByteArray() << same
-                              << QStringList{"0 audio streams instead of 1"};
+    row("none", good, QByteArray(), same, QStringList{});
+    row("nothing can be read", QJsonObject(), QByteArray(), same, QStringList{"it cannot be read"});
+    row("another start", written("25/1", {three}, "09:59:59:24"), QByteArray(), same,
+        QStringList{"ffprobe reads the start \"09:59:59:24\" instead of 10:00:00:00"});
+    row("another start in the timecode track", good, other, same,
+        QStringList{"mediainfo reads the start \"10:00:00:01\" instead of 10:00:00:00"});
+    row("a frame lost", good, QByteArray(), Contents{249, "picture", "sound"},
+        QStringList{"249 frames instead of 250"});
+    row("a frame changed", good, QByteArray(), Contents{250, "other", "sound"},
+        QStringList{"frames are not the source's"});
+    row("a sample changed", good, QByteArray(), Contents{250, "picture", "other"},
+        QStringList{"samples are not the source's"});
+    row("the timecode still there", written("25/1", {sound("pcm_s24le", 4, 24)}), QByteArray(), same,
+        QStringList{"4 channels instead of 3 in audio stream 1"});
+    row("no sound", written("25/1", {}), QByteArray(), same, QStringList{"0 audio streams instead of 1"});
     QJsonObject cut = three;
     cut["duration"] = "9.8";
-    QTest::newRow("sound cut off") << written("25/1", {cut}) << QByteArray() << same
-                                   << QStringList{"audio stream 1 is too short"};
-    QTest::newRow("several faults") << written("25/1", {}, "") << QByteArray() << Contents{0, {}, {}}
-                                    << QStringList{"ffprobe reads the start \"\" instead of 10:00:00:00",
-                                                   "the picture cannot be read",
-                                                   "0 audio streams instead of 1"};
+    row("sound cut off", written("25/1", {cut}), QByteArray(), same,
+        QStringList{"audio stream 1 is too short"});
+    row("several faults", written("25/1", {}, ""), QByteArray(), Contents{0, {}, {}},
+        QStringList{"ffprobe reads the start \"\" instead of 10:00:00:00", "the picture cannot be read",
+                    "0 audio streams instead of 1"});
 }
 
 void TestVerification::eachFaultIsSaid()

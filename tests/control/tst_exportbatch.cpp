@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "control/exportbatch.h"
+#include "testkit/fixtures/row.h"
 
 #include <QTest>
 
@@ -88,50 +89,43 @@ void TestExportBatch::everyEventIsAnswered_data()
 {
     QTest::addColumn<QStringList>("events");
     QTest::addColumn<QStringList>("answers"); // to the last event
-    QTest::newRow("nothing to export") << QStringList{"start 0"} << QStringList{};
-    QTest::newRow("start") << QStringList{"start 2"} << QStringList{"0/1 exporting files...", "started"};
-    QTest::newRow("progress") << QStringList{"start 2", "units 4", "units 3"}
-                              << QStringList{"7/30 exporting files..."};
-    QTest::newRow("the first file") << QStringList{"start 2", "units 15", "done a"}
-                                    << QStringList{"15/30 exporting files..."};
-    QTest::newRow("the last file") << QStringList{"start 2", "units 15", "done a", "units 15", "done b"}
-                                   << QStringList{"30/30 exporting files...", "2/2 ready", "ready 0 []"};
-    QTest::newRow("the last after a failure")
-        << QStringList{"start 2", "fail a", "units 15", "done b"}
-        << QStringList{"15/30 exporting files...", "2/2 ready", "ready 2 [a]"};
-    QTest::newRow("the last fails") << QStringList{"start 2", "done a", "fail b"}
-                                    << QStringList{"0/30 exporting files...", "2/2 ready", "ready 2 [b]"};
-    QTest::newRow("all fail") << QStringList{"start 2", "fail a", "fail b"}
-                              << QStringList{"0/30 exporting files...", "2/2 ready", "ready 2 [a b]"};
-    QTest::newRow("cancel") << QStringList{"start 2", "units 4", "cancel"}
-                            << QStringList{"4/30 cancelling export..."};
-    QTest::newRow("a running one ends after a cancel")
-        << QStringList{"start 2", "cancel", "fail a"} << QStringList{"0/30 cancelling export..."};
-    QTest::newRow("the last running one ends after a cancel")
-        << QStringList{"start 2", "cancel", "fail a", "done b"}
-        << QStringList{"0/30 cancelling export...", "2/2 cancelling export...", "0/1 export cancelled",
-                       "ready 1 [a]"};
-    QTest::newRow("a failure before the cancel is named")
-        << QStringList{"start 2", "fail a", "cancel", "done b"}
-        << QStringList{"0/30 cancelling export...", "2/2 cancelling export...", "0/1 export cancelled",
-                       "ready 1 [a]"};
-    QTest::newRow("dropped while it is handed out")
-        << QStringList{"start 2", "cancel", "drop"} << QStringList{"0/30 cancelling export..."};
-    QTest::newRow("the last dropped while it is handed out")
-        << QStringList{"start 2", "cancel", "drop", "drop"}
-        << QStringList{"0/30 cancelling export...", "2/2 cancelling export...", "ready 1 []",
-                       "0/1 export cancelled"};
-    QTest::newRow("dropped out of the queue")
-        << QStringList{"start 2", "cancel", "drop queued"} << QStringList{"0/30 cancelling export..."};
-    QTest::newRow("the last dropped out of the queue")
-        << QStringList{"start 2", "cancel", "done a", "drop queued"}
-        << QStringList{"0/30 cancelling export...", "ready 1 []", "0/1 export cancelled"};
-    QTest::newRow("the next batch is not cancelled and has no failures")
-        << QStringList{"start 1", "cancel", "fail a", "start 1", "done b"}
-        << QStringList{"0/15 exporting files...", "1/1 ready", "ready 0 []"};
-    QTest::newRow("a second batch takes over the counters")
-        << QStringList{"start 3", "fail a", "units 9", "start 1", "done b"}
-        << QStringList{"0/15 exporting files...", "1/1 ready", "ready 0 []"};
+    row("nothing to export", QStringList{"start 0"}, QStringList{});
+    row("start", QStringList{"start 2"}, QStringList{"0/1 exporting files...", "started"});
+    row("progress", QStringList{"start 2", "units 4", "units 3"}, QStringList{"7/30 exporting files..."});
+    row("the first file", QStringList{"start 2", "units 15", "done a"},
+        QStringList{"15/30 exporting files..."});
+    row("the last file", QStringList{"start 2", "units 15", "done a", "units 15", "done b"},
+        QStringList{"30/30 exporting files...", "2/2 ready", "ready 0 []"});
+    row("the last after a failure", QStringList{"start 2", "fail a", "units 15", "done b"},
+        QStringList{"15/30 exporting files...", "2/2 ready", "ready 2 [a]"});
+    row("the last fails", QStringList{"start 2", "done a", "fail b"},
+        QStringList{"0/30 exporting files...", "2/2 ready", "ready 2 [b]"});
+    row("all fail", QStringList{"start 2", "fail a", "fail b"},
+        QStringList{"0/30 exporting files...", "2/2 ready", "ready 2 [a b]"});
+    row("cancel", QStringList{"start 2", "units 4", "cancel"}, QStringList{"4/30 cancelling export..."});
+    row("a running one ends after a cancel", QStringList{"start 2", "cancel", "fail a"},
+        QStringList{"0/30 cancelling export..."});
+    row("the last running one ends after a cancel", QStringList{"start 2", "cancel", "fail a", "done b"},
+        QStringList{"0/30 cancelling export...", "2/2 cancelling export...", "0/1 export cancelled",
+                    "ready 1 [a]"});
+    row("a failure before the cancel is named", QStringList{"start 2", "fail a", "cancel", "done b"},
+        QStringList{"0/30 cancelling export...", "2/2 cancelling export...", "0/1 export cancelled",
+                    "ready 1 [a]"});
+    row("dropped while it is handed out", QStringList{"start 2", "cancel", "drop"},
+        QStringList{"0/30 cancelling export..."});
+    row("the last dropped while it is handed out", QStringList{"start 2", "cancel", "drop", "drop"},
+        QStringList{"0/30 cancelling export...", "2/2 cancelling export...", "ready 1 []",
+                    "0/1 export cancelled"});
+    row("dropped out of the queue", QStringList{"start 2", "cancel", "drop queued"},
+        QStringList{"0/30 cancelling export..."});
+    row("the last dropped out of the queue", QStringList{"start 2", "cancel", "done a", "drop queued"},
+        QStringList{"0/30 cancelling export...", "ready 1 []", "0/1 export cancelled"});
+    row("the next batch is not cancelled and has no failures",
+        QStringList{"start 1", "cancel", "fail a", "start 1", "done b"},
+        QStringList{"0/15 exporting files...", "1/1 ready", "ready 0 []"});
+    row("a second batch takes over the counters",
+        QStringList{"start 3", "fail a", "units 9", "start 1", "done b"},
+        QStringList{"0/15 exporting files...", "1/1 ready", "ready 0 []"});
 }
 
 void TestExportBatch::everyEventIsAnswered()

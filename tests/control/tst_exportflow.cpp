@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tests/control/controllerbench.h"
+#include "testkit/fixtures/controllerfixture.h"
 
-#include "tests/fakes/faketools.h"
+#include "testkit/faketools/faketools.h"
 
 #include <QDir>
 #include <QFile>
@@ -63,30 +63,30 @@ private slots:
 
 private:
     ExportOptions options() const;
-    void startExport(const QVector<FileData> &files) { bench->control().onExportReq(files, options()); }
-    QString output(const QString &name) const { return bench->mediaPath("out/" + name); }
-    QStringList lastEvents(int count) const { return bench->events.mid(bench->events.size() - count); }
-    int exportsEnded() const { return static_cast<int>(bench->eventsOf("exportReady").size()); }
+    void startExport(const QVector<FileData> &files) { fixture->control().onExportReq(files, options()); }
+    QString output(const QString &name) const { return fixture->mediaPath("out/" + name); }
+    QStringList lastEvents(int count) const { return fixture->events.mid(fixture->events.size() - count); }
+    int exportsEnded() const { return static_cast<int>(fixture->eventsOf("exportReady").size()); }
 
-    std::unique_ptr<ControllerBench> bench;
+    std::unique_ptr<ControllerFixture> fixture;
 };
 
 void TestExportFlow::init()
 {
-    bench = std::make_unique<ControllerBench>();
-    QVERIFY(QDir().mkpath(bench->mediaPath("out")));
+    fixture = std::make_unique<ControllerFixture>();
+    QVERIFY(QDir().mkpath(fixture->mediaPath("out")));
 }
 
 void TestExportFlow::cleanup()
 {
-    bench.reset();
+    fixture.reset();
 }
 
 /// Pass-through into QuickTime.
 ExportOptions TestExportFlow::options() const
 {
     ExportOptions options;
-    options.exportDir = bench->mediaPath("out");
+    options.exportDir = fixture->mediaPath("out");
     options.videoType = 5;
     options.progressSteps = 3; // the controller puts its own in place
     return options;
@@ -96,42 +96,42 @@ void TestExportFlow::anExportOfNothingSaysNothing()
 {
     startExport({});
     QCoreApplication::processEvents();
-    QCOMPARE(bench->events, QStringList());
-    startExport({bench->makeFile("a.mov", failing()), bench->makeFile("b.mov")});
+    QCOMPARE(fixture->events, QStringList());
+    startExport({fixture->makeFile("a.mov", failing()), fixture->makeFile("b.mov")});
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
-    const auto before = bench->events.size();
+    const auto before = fixture->events.size();
     startExport({});
-    QCOMPARE(bench->events.size(), before);
-    startExport({bench->makeFile("b.mov")});
+    QCOMPARE(fixture->events.size(), before);
+    startExport({fixture->makeFile("b.mov")});
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 2, longWait);
-    QCOMPARE(bench->events.last(), QString("exportReady 0 []")); // the failure is forgotten
+    QCOMPARE(fixture->events.last(), QString("exportReady 0 []")); // the failure is forgotten
 }
 
 void TestExportFlow::aBatchThatSucceedsEndsReady()
 {
-    startExport({bench->makeFile("a.mov"), bench->makeFile("b.mov")});
-    QCOMPARE(bench->events, (QStringList{"export 0/1 exporting files...", "exportStarted"}));
+    startExport({fixture->makeFile("a.mov"), fixture->makeFile("b.mov")});
+    QCOMPARE(fixture->events, (QStringList{"export 0/1 exporting files...", "exportStarted"}));
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
     QCOMPARE(lastEvents(3),
              (QStringList{"export 30/30 exporting files...", "export 2/2 ready", "exportReady 0 []"}));
     QVERIFY(QFileInfo::exists(output("a.MOV")) && QFileInfo::exists(output("b.MOV")));
-    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->handlers(), 0, longWait);
 }
 
 void TestExportFlow::everyHandlerGetsFifteenSteps()
 {
-    startExport({bench->makeFile("a.mov", failing())});
+    startExport({fixture->makeFile("a.mov", failing())});
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
-    QCOMPARE(bench->events, (QStringList{"export 0/1 exporting files...", "exportStarted",
-                                         "export 15/15 exporting files...", // the handler's
-                                         "export 15/15 exporting files...", // the file has ended
-                                         "export 1/1 ready", "exportReady 2 [a.mov]"}));
+    QCOMPARE(fixture->events, (QStringList{"export 0/1 exporting files...", "exportStarted",
+                                           "export 15/15 exporting files...", // the handler's
+                                           "export 15/15 exporting files...", // the file has ended
+                                           "export 1/1 ready", "exportReady 2 [a.mov]"}));
 }
 
 void TestExportFlow::aBatchWithAFailureNamesTheFile()
 {
     startExport(
-        {bench->makeFile("a.mov"), bench->makeFile("take.2.mov", failing()), bench->makeFile("c.mov")});
+        {fixture->makeFile("a.mov"), fixture->makeFile("take.2.mov", failing()), fixture->makeFile("c.mov")});
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
     QCOMPARE(lastEvents(3), (QStringList{"export 45/45 exporting files...", "export 3/3 ready",
                                          "exportReady 2 [take.2.mov]"}));
@@ -140,104 +140,104 @@ void TestExportFlow::aBatchWithAFailureNamesTheFile()
 void TestExportFlow::everyEndNamesItsRowAndFile()
 {
     QMap<int, QString> ends;
-    connect(&bench->control(), &MainControl::fileExported, &bench->control(),
+    connect(&fixture->control(), &MainControl::fileExported, &fixture->control(),
             [&ends](int row, const QString &path, int exitCode) {
                 ends[row] = path + ' ' + QString::number(exitCode);
             });
-    startExport({bench->makeFile("card1/a.mov", exporting({{"exitCode", 7}}), 3),
-                 bench->makeFile("card2/a.mov", {}, 5)});
+    startExport({fixture->makeFile("card1/a.mov", exporting({{"exitCode", 7}}), 3),
+                 fixture->makeFile("card2/a.mov", {}, 5)});
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
     QCOMPARE(ends, (QMap<int, QString>{{3, output("a.MOV 7")}, {5, output("a_1.MOV 0")}}));
 }
 
 void TestExportFlow::noMoreToolsRunThanTheLimit()
 {
-    bench->control().setJobLimit(3);
-    startExport(bench->makeFiles(8, waiting()));
-    QCOMPARE(bench->handlers(), 3);
-    bench->openGate();
+    fixture->control().setJobLimit(3);
+    startExport(fixture->makeFiles(8, waiting()));
+    QCOMPARE(fixture->handlers(), 3);
+    fixture->openGate();
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
-    QCOMPARE(bench->startedTools().size(), 8);
-    QVERIFY(bench->mostToolsAtOnce() <= 3);
+    QCOMPARE(fixture->startedTools().size(), 8);
+    QVERIFY(fixture->mostToolsAtOnce() <= 3);
 }
 
 void TestExportFlow::aCrashIsAFailure()
 {
-    startExport({bench->makeFile("a.mov", exporting({{"crash", true}}))});
+    startExport({fixture->makeFile("a.mov", exporting({{"crash", true}}))});
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
-    QCOMPARE(bench->events.last(), QString("exportReady 2 [a.mov]"));
+    QCOMPARE(fixture->events.last(), QString("exportReady 2 [a.mov]"));
 }
 
 void TestExportFlow::aFailedFileDoesNotStopTheBatch()
 {
-    startExport({bench->makeFile("a.mov", failing()), bench->makeFile("b.mov", waiting())});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("export 15/30 exporting files..."), longWait);
+    startExport({fixture->makeFile("a.mov", failing()), fixture->makeFile("b.mov", waiting())});
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("export 15/30 exporting files..."), longWait);
     QCOMPARE(exportsEnded(), 0);
-    bench->openGate();
+    fixture->openGate();
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
     QVERIFY(QFileInfo::exists(output("b.MOV")));
 }
 
 void TestExportFlow::progressIsCountedInFifteenUnitsAFile()
 {
-    bench->control().onExportProgress(4); // of no batch
-    QCOMPARE(bench->events, QStringList{"export 4/0 "});
-    startExport({bench->makeFile("a.mov", waiting()), bench->makeFile("b.mov", waiting())});
-    bench->control().onExportProgress(7);
-    bench->control().onExportProgress(0);
-    bench->control().onExportProgress(3);
+    fixture->control().onExportProgress(4); // of no batch
+    QCOMPARE(fixture->events, QStringList{"export 4/0 "});
+    startExport({fixture->makeFile("a.mov", waiting()), fixture->makeFile("b.mov", waiting())});
+    fixture->control().onExportProgress(7);
+    fixture->control().onExportProgress(0);
+    fixture->control().onExportProgress(3);
     QCOMPARE(lastEvents(3), (QStringList{"export 7/30 exporting files...", "export 7/30 exporting files...",
                                          "export 10/30 exporting files..."}));
-    bench->openGate();
+    fixture->openGate();
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
 }
 
 void TestExportFlow::ninetyFiveExportsRunAtMostFortyFiveAtOnce()
 {
-    startExport(bench->makeFiles(95, waiting()));
-    QCOMPARE(bench->handlers(), 45);
-    QTRY_COMPARE_WITH_TIMEOUT(bench->startedTools().size(), 45, longWait);
-    bench->openGate();
+    startExport(fixture->makeFiles(95, waiting()));
+    QCOMPARE(fixture->handlers(), 45);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->startedTools().size(), 45, longWait);
+    fixture->openGate();
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
     QCOMPARE(lastEvents(3),
              (QStringList{"export 1425/1425 exporting files...", "export 95/95 ready", "exportReady 0 []"}));
-    QCOMPARE(bench->startedTools().size(), 95);
-    QCOMPARE(bench->mostToolsAtOnce(), 45);
+    QCOMPARE(fixture->startedTools().size(), 95);
+    QCOMPARE(fixture->mostToolsAtOnce(), 45);
     QCOMPARE(QDir(output("")).entryList({"*.MOV"}).size(), 95);
 }
 
 void TestExportFlow::cancellingReportsBeforeItReachesTheHandlers()
 {
-    bench->control().onExportCancel(); // nothing runs: the same two signals
-    QCOMPARE(bench->events, (QStringList{"export 0/0 cancelling export...", "cancelExportReq"}));
-    bench->events.clear();
+    fixture->control().onExportCancel(); // nothing runs: the same two signals
+    QCOMPARE(fixture->events, (QStringList{"export 0/0 cancelling export...", "cancelExportReq"}));
+    fixture->events.clear();
 
-    startExport({bench->makeFile("a.mov", waiting())});
-    bench->control().onExportProgress(6);
-    bench->events.clear();
-    bench->control().onExportCancel();
-    QCOMPARE(bench->events, (QStringList{"export 6/15 cancelling export...", "cancelExportReq"}));
+    startExport({fixture->makeFile("a.mov", waiting())});
+    fixture->control().onExportProgress(6);
+    fixture->events.clear();
+    fixture->control().onExportCancel();
+    QCOMPARE(fixture->events, (QStringList{"export 6/15 cancelling export...", "cancelExportReq"}));
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
 }
 
 void TestExportFlow::cancellingNinetyFiveExportsEndsOnce()
 {
-    startExport(bench->makeFiles(95, waiting()));
-    QTRY_COMPARE_WITH_TIMEOUT(bench->startedTools().size(), 45, longWait);
-    bench->events.clear();
-    bench->control().onExportCancel();
-    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
+    startExport(fixture->makeFiles(95, waiting()));
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->startedTools().size(), 45, longWait);
+    fixture->events.clear();
+    fixture->control().onExportCancel();
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->handlers(), 0, longWait);
     QCoreApplication::processEvents();
 
     QCOMPARE(exportsEnded(), 1);
-    QCOMPARE(bench->startedTools().size(), 45); // none of those that waited
-    const QStringList ended = bench->eventsOf("exportReady 1 [");
+    QCOMPARE(fixture->startedTools().size(), 45); // none of those that waited
+    const QStringList ended = fixture->eventsOf("exportReady 1 [");
     QCOMPARE(ended.size(), 1);
     QCOMPARE(ended.constFirst().count(".mov"), 45); // killed, so they failed
-    QCOMPARE(bench->count("export 95/95 cancelling export..."), 1);
+    QCOMPARE(fixture->count("export 95/95 cancelling export..."), 1);
     // One signal for the cancelling, then for each handler that ends one of its progress and one of its end,
     // and one for each file dropped from the queue; the first end drops all fifty.
-    const QStringList counted = bench->eventsOf("export ").filter("/1425 cancelling export...");
+    const QStringList counted = fixture->eventsOf("export ").filter("/1425 cancelling export...");
     QCOMPARE(counted.size(), 1 + 45 * 2 + 50);
     for (int i = 3; i < 53; ++i)
         QCOMPARE(counted.at(i), QString("export 15/1425 cancelling export..."));
@@ -249,15 +249,15 @@ void TestExportFlow::cancellingNinetyFiveExportsEndsOnce()
 void TestExportFlow::cancellingWhileTheBatchStartsDropsIt()
 {
     QObject canceller;
-    connect(&bench->control(), &MainControl::exportStarted, &canceller,
-            [this] { bench->control().onExportCancel(); });
-    startExport({bench->makeFile("a.mov"), bench->makeFile("b.mov")});
-    QCOMPARE(bench->events,
+    connect(&fixture->control(), &MainControl::exportStarted, &canceller,
+            [this] { fixture->control().onExportCancel(); });
+    startExport({fixture->makeFile("a.mov"), fixture->makeFile("b.mov")});
+    QCOMPARE(fixture->events,
              (QStringList{
                  "export 0/1 exporting files...", "exportStarted", "export 0/30 cancelling export...",
                  "cancelExportReq", "export 0/30 cancelling export...", "export 0/30 cancelling export...",
                  "export 2/2 cancelling export...", "exportReady 1 []", "export 0/1 export cancelled"}));
-    QCOMPARE(bench->handlers(), 0);
+    QCOMPARE(fixture->handlers(), 0);
 }
 
 void TestExportFlow::aCancelledBatchEndsInTheOrderOfItsPath_data()
@@ -278,18 +278,19 @@ void TestExportFlow::aCancelledBatchEndsInTheOrderOfItsPath()
     QFETCH(bool, runs);
     QFETCH(QStringList, end);
     if (!runs) {
-        const QVector<FileData> probes = bench->makeFiles(45, {{"probe", QJsonObject{{"waitFor", "gate"}}}});
+        const QVector<FileData> probes =
+            fixture->makeFiles(45, {{"probe", QJsonObject{{"waitFor", "gate"}}}});
         for (const FileData &file : probes)
-            bench->control().onFFProbeFile(file, file.rowNumber);
+            fixture->control().onFFProbeFile(file, file.rowNumber);
     }
-    startExport({bench->makeFile("a.mov", waiting())});
-    bench->control().onExportCancel();
+    startExport({fixture->makeFile("a.mov", waiting())});
+    fixture->control().onExportCancel();
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), runs ? 1 : 0, longWait);
-    bench->openGate(); // the first probe that ends lets the export queue be served
+    fixture->openGate(); // the first probe that ends lets the export queue be served
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
-    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->handlers(), 0, longWait);
     QStringList events;
-    for (const QString &event : std::as_const(bench->events)) {
+    for (const QString &event : std::as_const(fixture->events)) {
         if (event.startsWith("export"))
             events += event;
     }
@@ -308,76 +309,76 @@ void TestExportFlow::theOutputOfACancelledExportIsDeleted()
 {
     QFETCH(bool, isKilled);
     const QJsonArray actions{QJsonObject{{"work", true}}, QJsonObject{{"waitFor", "gate"}}};
-    startExport({bench->makeFile("a.mov", exporting({{"actions", actions}}))});
+    startExport({fixture->makeFile("a.mov", exporting({{"actions", actions}}))});
     QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(output("a.MOV")), longWait);
     if (!isKilled)
-        disconnect(&bench->control(), &MainControl::cancelExportReq, nullptr, nullptr);
-    bench->control().onExportCancel();
+        disconnect(&fixture->control(), &MainControl::cancelExportReq, nullptr, nullptr);
+    fixture->control().onExportCancel();
     if (!isKilled)
-        bench->openGate();
+        fixture->openGate();
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
-    QTEST(bench->events.last(), "end");
+    QTEST(fixture->events.last(), "end");
     QVERIFY(!QFileInfo::exists(output("a.MOV")));
-    QVERIFY(QFileInfo::exists(bench->mediaPath("a.mov")));
+    QVERIFY(QFileInfo::exists(fixture->mediaPath("a.mov")));
 }
 
 void TestExportFlow::theNextBatchIsNotCancelled()
 {
-    startExport({bench->makeFile("a.mov", waiting())});
-    bench->control().onExportCancel();
+    startExport({fixture->makeFile("a.mov", waiting())});
+    fixture->control().onExportCancel();
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
-    bench->events.clear();
-    startExport({bench->makeFile("b.mov")});
+    fixture->events.clear();
+    startExport({fixture->makeFile("b.mov")});
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
-    QCOMPARE(bench->events.last(), QString("exportReady 0 []"));
-    QVERIFY(bench->events.filter("cancel").isEmpty());
+    QCOMPARE(fixture->events.last(), QString("exportReady 0 []"));
+    QVERIFY(fixture->events.filter("cancel").isEmpty());
     QVERIFY(QFileInfo::exists(output("b.MOV")));
 }
 
 void TestExportFlow::exportsRunBesideAnImport()
 {
-    bench->actAsFileTable();
-    startExport({bench->makeFile("a.mov", waiting())});
-    bench->makeFile("b.mov");
-    bench->control().onIterateThroughDir({bench->mediaUrl("b.mov")});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
+    fixture->actAsFileTable();
+    startExport({fixture->makeFile("a.mov", waiting())});
+    fixture->makeFile("b.mov");
+    fixture->control().onIterateThroughDir({fixture->mediaUrl("b.mov")});
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importReady"), longWait);
     QCOMPARE(exportsEnded(), 0);
-    bench->control().onUpdateAudioTCInfo({bench->makeFile("b.mov", {}, 0)}, automaticReading());
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
+    fixture->control().onUpdateAudioTCInfo({fixture->makeFile("b.mov", {}, 0)}, automaticReading());
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("readingFinished"), longWait);
     QCOMPARE(exportsEnded(), 0);
-    bench->openGate();
+    fixture->openGate();
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
-    QCOMPARE(bench->events.last(), QString("exportReady 0 []"));
+    QCOMPARE(fixture->events.last(), QString("exportReady 0 []"));
 }
 
 void TestExportFlow::filesOfOneNameGetOutputsOfTheirOwn()
 {
     QVector<FileData> files;
     for (const char *card : {"card1", "card2", "card3"})
-        files += bench->makeFile(QString(card) + "/clip.mov");
+        files += fixture->makeFile(QString(card) + "/clip.mov");
     startExport(files);
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 1, longWait);
-    QCOMPARE(bench->events.last(), QString("exportReady 0 []"));
+    QCOMPARE(fixture->events.last(), QString("exportReady 0 []"));
     QCOMPARE(QDir(output("")).entryList({"*.MOV"}, QDir::Files, QDir::Name),
              (QStringList{"clip.MOV", "clip_1.MOV", "clip_2.MOV"}));
 
     // A name whose export has ended without a file is free again.
-    startExport({bench->makeFile("x/other.mov", failing())});
+    startExport({fixture->makeFile("x/other.mov", failing())});
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 2, longWait);
-    startExport({bench->makeFile("y/other.mov")});
+    startExport({fixture->makeFile("y/other.mov")});
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 3, longWait);
     QVERIFY(QFileInfo::exists(output("other.MOV")));
 }
 
 void TestExportFlow::aSecondBatchTakesOverTheCounters()
 {
-    startExport({bench->makeFile("a.mov", waiting()), bench->makeFile("b.mov", waiting())});
-    startExport({bench->makeFile("c.mov", waiting())});
-    bench->events.clear();
-    bench->openGate();
+    startExport({fixture->makeFile("a.mov", waiting()), fixture->makeFile("b.mov", waiting())});
+    startExport({fixture->makeFile("c.mov", waiting())});
+    fixture->events.clear();
+    fixture->openGate();
     QTRY_COMPARE_WITH_TIMEOUT(exportsEnded(), 3, longWait); // one file is all that the second batch counts
-    QCOMPARE(bench->count("export 1/1 ready"), 1);
-    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
+    QCOMPARE(fixture->count("export 1/1 ready"), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->handlers(), 0, longWait);
 }
 
 QTEST_GUILESS_MAIN(TestExportFlow)

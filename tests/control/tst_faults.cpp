@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "tests/control/controllerbench.h"
-#include "tests/control/onlytools.h"
-#include "tests/fakes/faketools.h"
-#include "tests/support/ownprocesses.h"
+#include "testkit/faketools/faketools.h"
+#include "testkit/faketools/onlytools.h"
+#include "testkit/fixtures/controllerfixture.h"
+#include "testkit/fixtures/ownprocesses.h"
+#include "testkit/fixtures/row.h"
 
 #include <QDir>
 #include <QFile>
@@ -91,42 +92,30 @@ private slots:
     void manyFilesLeaveNothingBehind();
 
 private:
-    ExportOptions options() const;
+    ExportOptions options() const { return fixture->exportOptions(); }
 
-    std::unique_ptr<ControllerBench> bench;
+    std::unique_ptr<ControllerFixture> fixture;
 };
 
 void TestFaults::init()
 {
-    bench = std::make_unique<ControllerBench>();
-    QVERIFY(QDir().mkpath(bench->mediaPath("out")));
+    fixture = std::make_unique<ControllerFixture>();
+    QVERIFY(QDir().mkpath(fixture->mediaPath("out")));
 }
 
 void TestFaults::cleanup()
 {
-    bench.reset();
+    fixture.reset();
     QCOMPARE(ownprocesses::children(), QVector<qint64>());
-}
-
-ExportOptions TestFaults::options() const
-{
-    ExportOptions options;
-    options.exportDir = bench->mediaPath("out");
-    options.videoType = 5;
-    options.audioType = 1;
-    return options;
 }
 
 void TestFaults::aMissingToolFailsItsJob_data()
 {
     QTest::addColumn<QString>("missing");
     QTest::addColumn<QString>("event");
-    QTest::newRow("no probe tool") << "ffprobe.exe"
-                                   << "probed 0: 1000";
-    QTest::newRow("no transcoding tool") << "ffmpeg.exe"
-                                         << "read 0 stream -1: 2001 nothing";
-    QTest::newRow("no reader") << "LTCReader.exe"
-                               << "read 0 stream 1: 204 nothing";
+    row("no probe tool", "ffprobe.exe", "probed 0: 1000");
+    row("no transcoding tool", "ffmpeg.exe", "read 0 stream -1: 2001 nothing");
+    row("no reader", "LTCReader.exe", "read 0 stream 1: 204 nothing");
 }
 
 void TestFaults::aMissingToolFailsItsJob()
@@ -139,234 +128,227 @@ void TestFaults::aMissingToolFailsItsJob()
             tools[tool] = tool;
     }
     const OnlyTools others(tools);
-    bench->actAsFileTable();
-    bench->makeFile("a.mov");
-    bench->control().onIterateThroughDir({bench->mediaUrl()});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
-    QCOMPARE(bench->events.last(), QString("importReady"));
-    QCOMPARE(bench->count(event), 1);
-    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
+    fixture->actAsFileTable();
+    fixture->makeFile("a.mov");
+    fixture->control().onIterateThroughDir({fixture->mediaUrl()});
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importReady"), longWait);
+    QCOMPARE(fixture->events.last(), QString("importReady"));
+    QCOMPARE(fixture->count(event), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->handlers(), 0, longWait);
 }
 
 void TestFaults::anImportWithoutAnyToolIsReady()
 {
     const OnlyTools none({});
-    bench->actAsFileTable();
-    bench->makeFiles(100);
-    bench->control().onIterateThroughDir({bench->mediaUrl()});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
-    QCOMPARE(bench->eventsOf("probed ").filter(": 1000").size(), 100);
-    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
+    fixture->actAsFileTable();
+    fixture->makeFiles(100);
+    fixture->control().onIterateThroughDir({fixture->mediaUrl()});
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importReady"), longWait);
+    QCOMPARE(fixture->eventsOf("probed ").filter(": 1000").size(), 100);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->handlers(), 0, longWait);
 }
 
 void TestFaults::anExportWithoutItsToolFailsEveryFile()
 {
     const OnlyTools none({});
-    bench->control().onExportReq(bench->makeFiles(95), options());
-    QVERIFY(bench->eventsOf("exportReady").isEmpty());
-    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("exportReady").size(), 1, longWait);
-    QVERIFY(bench->events.last().startsWith("exportReady 2 ["));
-    QCOMPARE(bench->events.last().count(".mov"), 95);
-    QCOMPARE(bench->count("export 1425/1425 exporting files..."), 2); // the units add up all the same
-    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
+    fixture->control().onExportReq(fixture->makeFiles(95), options());
+    QVERIFY(fixture->eventsOf("exportReady").isEmpty());
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->eventsOf("exportReady").size(), 1, longWait);
+    QVERIFY(fixture->events.last().startsWith("exportReady 2 ["));
+    QCOMPARE(fixture->events.last().count(".mov"), 95);
+    QCOMPARE(fixture->count("export 1425/1425 exporting files..."), 2); // the units add up all the same
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->handlers(), 0, longWait);
 }
 
 void TestFaults::anExportWithoutItsToolCanBeCancelled()
 {
     const OnlyTools none({});
-    bench->control().onExportReq(bench->makeFiles(95), options());
-    bench->control().onExportCancel();
-    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
-    QCOMPARE(bench->eventsOf("exportReady").size(), 1);
-    QVERIFY(bench->eventsOf("exportReady").constFirst().startsWith("exportReady 1 ["));
+    fixture->control().onExportReq(fixture->makeFiles(95), options());
+    fixture->control().onExportCancel();
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->handlers(), 0, longWait);
+    QCOMPARE(fixture->eventsOf("exportReady").size(), 1);
+    QVERIFY(fixture->eventsOf("exportReady").constFirst().startsWith("exportReady 1 ["));
 }
 
 void TestFaults::aToolThatDiesFailsItsJob_data()
 {
     QTest::addColumn<QString>("job");
     QTest::addColumn<QString>("event");
-    QTest::newRow("probe") << "probe"
-                           << "probed 0: 1000";
-    QTest::newRow("extraction") << "extract"
-                                << "read 0 stream -1: 2001 nothing";
-    QTest::newRow("reader") << "read"
-                            << "read 0 stream 1: 9 nothing"; // the number of the signal
+    row("probe", "probe", "probed 0: 1000");
+    row("extraction", "extract", "read 0 stream -1: 2001 nothing");
+    row("reader", "read", "read 0 stream 1: 9 nothing"); // the number of the signal
 }
 
 void TestFaults::aToolThatDiesFailsItsJob()
 {
     QFETCH(QString, job);
     QFETCH(QString, event);
-    bench->actAsFileTable();
-    bench->makeFile("a.mov", plan(job, {{"hang", true}}));
-    bench->makeFile("b.mov");
-    bench->control().onIterateThroughDir({bench->mediaUrl("a.mov"), bench->mediaUrl("b.mov")});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->startedTools().contains(job + " a.mov"), longWait);
-    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 1, longWait);
-    const auto processes = bench->control().findChildren<QProcess *>();
+    fixture->actAsFileTable();
+    fixture->makeFile("a.mov", plan(job, {{"hang", true}}));
+    fixture->makeFile("b.mov");
+    fixture->control().onIterateThroughDir({fixture->mediaUrl("a.mov"), fixture->mediaUrl("b.mov")});
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->startedTools().contains(job + " a.mov"), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->handlers(), 1, longWait);
+    const auto processes = fixture->control().findChildren<QProcess *>();
     for (const QProcess *process : processes) {
         if (process->processId() > 0)
             QCOMPARE(kill(static_cast<pid_t>(process->processId()), SIGKILL), 0);
     }
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
-    QCOMPARE(bench->count(event), 1);
-    QVERIFY(bench->events.contains("read 1 stream 1: 0 10:00:00:00"));
-    QVERIFY(!bench->hasTemporaryFolder() || job == "extract");
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importReady"), longWait);
+    QCOMPARE(fixture->count(event), 1);
+    QVERIFY(fixture->events.contains("read 1 stream 1: 0 10:00:00:00"));
+    QVERIFY(!fixture->hasTemporaryFolder() || job == "extract");
 }
 
 void TestFaults::aStoppedToolHoldsUpNothingElse()
 {
-    bench->actAsFileTable();
-    bench->makeFiles(20);
-    bench->makeFile("slow.mov", plan("probe", {{"waitFor", "gate"}}));
-    bench->control().onIterateThroughDir({bench->mediaUrl()});
-    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("read ").size(), 20, longWait);
-    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 1, longWait);
-    const auto processes = bench->control().findChildren<QProcess *>();
+    fixture->actAsFileTable();
+    fixture->makeFiles(20);
+    fixture->makeFile("slow.mov", plan("probe", {{"waitFor", "gate"}}));
+    fixture->control().onIterateThroughDir({fixture->mediaUrl()});
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->eventsOf("read ").size(), 20, longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->handlers(), 1, longWait);
+    const auto processes = fixture->control().findChildren<QProcess *>();
     for (const QProcess *process : processes) {
         if (process->processId() > 0)
             QCOMPARE(kill(static_cast<pid_t>(process->processId()), SIGSTOP), 0);
     }
-    bench->openGate();
-    bench->control().onExportReq({bench->makeFile("clip0.mov")}, options());
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("exportReady 0 []"), longWait);
-    QVERIFY(!bench->events.contains("importReady"));
-    QCOMPARE(bench->handlers(), 1);
+    fixture->openGate();
+    fixture->control().onExportReq({fixture->makeFile("clip0.mov")}, options());
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("exportReady 0 []"), longWait);
+    QVERIFY(!fixture->events.contains("importReady"));
+    QCOMPARE(fixture->handlers(), 1);
     for (const QProcess *process : processes) {
         if (process->processId() > 0)
             QCOMPARE(kill(static_cast<pid_t>(process->processId()), SIGCONT), 0);
     }
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
-    QCOMPARE(bench->eventsOf("read ").size(), 21);
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importReady"), longWait);
+    QCOMPARE(fixture->eventsOf("read ").size(), 21);
 }
 
 void TestFaults::aProbeThatNeverStopsPrintingHoldsUpNothingElse()
 {
-    bench->actAsFileTable();
+    fixture->actAsFileTable();
     const QJsonArray actions{QJsonObject{{"stdoutMiB", 1'000'000}}};
-    bench->makeFile("a.mov", plan("probe", {{"actions", actions}}));
-    bench->makeFile("b.mov");
-    bench->control().onIterateThroughDir({bench->mediaUrl("a.mov"), bench->mediaUrl("b.mov")});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importIdle"), longWait);
-    QCOMPARE(bench->count("probed 0: 1001"), 1);
-    QVERIFY(bench->events.contains("read 1 stream 1: 0 10:00:00:00"));
-    QCOMPARE(bench->handlers(), 0);
-    QVERIFY(!bench->hasTemporaryFolder());
+    fixture->makeFile("a.mov", plan("probe", {{"actions", actions}}));
+    fixture->makeFile("b.mov");
+    fixture->control().onIterateThroughDir({fixture->mediaUrl("a.mov"), fixture->mediaUrl("b.mov")});
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importIdle"), longWait);
+    QCOMPARE(fixture->count("probed 0: 1001"), 1);
+    QVERIFY(fixture->events.contains("read 1 stream 1: 0 10:00:00:00"));
+    QCOMPARE(fixture->handlers(), 0);
+    QVERIFY(!fixture->hasTemporaryFolder());
 }
 
 void TestFaults::aVanishedSourceFailsItsNextJob_data()
 {
     QTest::addColumn<QString>("held");
     QTest::addColumn<QString>("event");
-    QTest::newRow("before its probe") << "probe"
-                                      << "probed 0: 1000";
-    QTest::newRow("before its extraction") << "extract"
-                                           << "read 0 stream -1: 2001 nothing";
-    QTest::newRow("before it is read") << "read"
-                                       << "read 0 stream 1: 0 10:00:00:00"; // from what was extracted
+    row("before its probe", "probe", "probed 0: 1000");
+    row("before its extraction", "extract", "read 0 stream -1: 2001 nothing");
+    row("before it is read", "read", "read 0 stream 1: 0 10:00:00:00"); // from what was extracted
 }
 
 void TestFaults::aVanishedSourceFailsItsNextJob()
 {
     QFETCH(QString, held);
     QFETCH(QString, event);
-    bench->actAsFileTable();
-    bench->makeFile("a.mov", plan(held, {{"waitFor", "gate"}}));
-    bench->control().onIterateThroughDir({bench->mediaUrl()});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->startedTools().contains(held + " a.mov"), longWait);
-    QVERIFY(QFile::remove(bench->mediaPath("a.mov")));
-    bench->openGate();
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
-    QCOMPARE(bench->count(event), 1);
+    fixture->actAsFileTable();
+    fixture->makeFile("a.mov", plan(held, {{"waitFor", "gate"}}));
+    fixture->control().onIterateThroughDir({fixture->mediaUrl()});
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->startedTools().contains(held + " a.mov"), longWait);
+    QVERIFY(QFile::remove(fixture->mediaPath("a.mov")));
+    fixture->openGate();
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importReady"), longWait);
+    QCOMPARE(fixture->count(event), 1);
 
     FileData gone;
     gone.fileName = "a.mov";
-    gone.absoluteFilePath = bench->mediaPath("a.mov");
-    bench->control().onExportReq({gone, bench->makeFile("b.mov")}, options());
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("exportReady 2 [a.mov]"), longWait);
+    gone.absoluteFilePath = fixture->mediaPath("a.mov");
+    fixture->control().onExportReq({gone, fixture->makeFile("b.mov")}, options());
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("exportReady 2 [a.mov]"), longWait);
 }
 
 void TestFaults::anExportFolderRemovedInMidBatchFailsTheRest()
 {
-    const QVector<FileData> files = bench->makeFiles(60, plan("export", {{"waitFor", "gate"}}));
-    const FileData good = bench->makeFile("good.mov", plan("export", QJsonObject()));
-    bench->control().onExportReq(QVector<FileData>{good} + files, options());
-    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(bench->mediaPath("out/good.MOV")), longWait);
-    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 45, longWait);
-    QVERIFY(QDir(bench->mediaPath("out")).removeRecursively());
-    bench->openGate();
-    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("exportReady").size(), 1, longWait);
-    QVERIFY(bench->events.last().startsWith("exportReady 2 ["));
-    QCOMPARE(bench->events.last().count("clip"), 60);
-    QVERIFY(!bench->events.last().contains("good.mov"));
+    const QVector<FileData> files = fixture->makeFiles(60, plan("export", {{"waitFor", "gate"}}));
+    const FileData good = fixture->makeFile("good.mov", plan("export", QJsonObject()));
+    fixture->control().onExportReq(QVector<FileData>{good} + files, options());
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(fixture->mediaPath("out/good.MOV")), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->handlers(), 45, longWait);
+    QVERIFY(QDir(fixture->mediaPath("out")).removeRecursively());
+    fixture->openGate();
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->eventsOf("exportReady").size(), 1, longWait);
+    QVERIFY(fixture->events.last().startsWith("exportReady 2 ["));
+    QCOMPARE(fixture->events.last().count("clip"), 60);
+    QVERIFY(!fixture->events.last().contains("good.mov"));
 }
 
 void TestFaults::withoutATemporaryFolderEveryExtractionFails()
 {
-    const QString place = bench->mediaPath("temporary");
+    const QString place = fixture->mediaPath("temporary");
     QVERIFY(QDir().mkdir(place));
     qputenv("TMPDIR", QFile::encodeName(place));
-    bench->restart();
+    fixture->restart();
     QVERIFY(QDir().rename(place, place + " elsewhere"));
-    bench->actAsFileTable();
-    bench->makeFiles(3);
-    bench->control().onIterateThroughDir({bench->mediaUrl()});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
-    QCOMPARE(bench->eventsOf("read ").filter("stream -1: 2001").size(), 3);
+    fixture->actAsFileTable();
+    fixture->makeFiles(3);
+    fixture->control().onIterateThroughDir({fixture->mediaUrl()});
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importReady"), longWait);
+    QCOMPARE(fixture->eventsOf("read ").filter("stream -1: 2001").size(), 3);
     QVERIFY(!QFileInfo::exists(place));
     QVERIFY(QDir().rename(place + " elsewhere", place));
 }
 
 void TestFaults::twoInstancesDoNotDisturbEachOther()
 {
-    const FileData file = bench->makeFile("a.mov", plan("read", {{"waitFor", "gate"}}), 0);
-    bench->control().onUpdateAudioTCInfo({file}, automaticReading());
-    QTRY_VERIFY_WITH_TIMEOUT(bench->startedTools().contains("read a.mov"), longWait);
+    const FileData file = fixture->makeFile("a.mov", plan("read", {{"waitFor", "gate"}}), 0);
+    fixture->control().onUpdateAudioTCInfo({file}, automaticReading());
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->startedTools().contains("read a.mov"), longWait);
     {
         MainControl other;
         QSignalSpy finished(&other, &MainControl::readingFinished);
-        other.onUpdateAudioTCInfo({bench->makeFile("b.mov", {}, 0)}, automaticReading());
+        other.onUpdateAudioTCInfo({fixture->makeFile("b.mov", {}, 0)}, automaticReading());
         QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, longWait);
     }
-    QVERIFY(QFileInfo::exists(bench->temporaryPath() + "/a/a_1_0.wav"));
-    bench->openGate();
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
-    QCOMPARE(bench->eventsOf("read "), QStringList{"read 0 stream 1: 0 10:00:00:00"});
+    QVERIFY(QFileInfo::exists(fixture->temporaryPath() + "/a/a_1_0.wav"));
+    fixture->openGate();
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("readingFinished"), longWait);
+    QCOMPARE(fixture->eventsOf("read "), QStringList{"read 0 stream 1: 0 10:00:00:00"});
 }
 
 void TestFaults::oddNamesGoAllTheWay_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("blanks") << "take  1 .mov";
-    QTest::newRow("quotes") << "\"it's\" `x`.mov";
-    QTest::newRow("percent signs") << "100%1 %2 %s %.mov";
-    QTest::newRow("line break") << "two\nlines.mov";
-    QTest::newRow("leading dash") << "-i.mov";
-    QTest::newRow("numbers like those of extracted audio") << "clip_1_99.mov";
-    QTest::newRow("shell characters") << "$(rm -rf x);&|<>*?[a]{b}!.mov";
-    QTest::newRow("backslash") << "a\\b.mov";
-    QTest::newRow("beyond the basic plane") << QString::fromUtf8("\xF0\x9F\x8E\xAC \xC3\xA4\xCC\x88.mov");
-    QTest::newRow("nothing before the dot") << ".mov";
-    QTest::newRow("many dots") << "a..b.mov";
-    QTest::newRow("240 characters") << QString(240, 'x') + ".mov";
-    QTest::newRow("255 bytes, the most there can be") << QString(251, 'x') + ".mov";
-    QTest::newRow("254 bytes beyond the basic plane")
-        << QString::fromUtf8("\xF0\x9F\x8E\xAC").repeated(62) + "xx.mov";
+    row("blanks", "take  1 .mov");
+    row("quotes", "\"it's\" `x`.mov");
+    row("percent signs", "100%1 %2 %s %.mov");
+    row("line break", "two\nlines.mov");
+    row("leading dash", "-i.mov");
+    row("numbers like those of extracted audio", "clip_1_99.mov");
+    row("shell characters", "$(rm -rf x);&|<>*?[a]{b}!.mov");
+    row("backslash", "a\\b.mov");
+    row("beyond the basic plane", QString::fromUtf8("\xF0\x9F\x8E\xAC \xC3\xA4\xCC\x88.mov"));
+    row("nothing before the dot", ".mov");
+    row("many dots", "a..b.mov");
+    row("240 characters", QString(240, 'x') + ".mov");
+    row("255 bytes, the most there can be", QString(251, 'x') + ".mov");
+    row("254 bytes beyond the basic plane", QString::fromUtf8("\xF0\x9F\x8E\xAC").repeated(62) + "xx.mov");
 }
 
 void TestFaults::oddNamesGoAllTheWay()
 {
     QFETCH(QString, name);
-    bench->actAsFileTable();
-    const FileData file = bench->makeFile("card/" + name);
-    bench->control().onIterateThroughDir({QUrl::fromLocalFile(file.absoluteFilePath)});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
-    QCOMPARE(bench->eventsOf("read "), QStringList{"read 0 stream 1: 0 10:00:00:00"});
-    QVERIFY(!bench->hasTemporaryFolder());
+    fixture->actAsFileTable();
+    const FileData file = fixture->makeFile("card/" + name);
+    fixture->control().onIterateThroughDir({QUrl::fromLocalFile(file.absoluteFilePath)});
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importReady"), longWait);
+    QCOMPARE(fixture->eventsOf("read "), QStringList{"read 0 stream 1: 0 10:00:00:00"});
+    QVERIFY(!fixture->hasTemporaryFolder());
 
-    bench->control().onExportReq({file}, options());
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("exportReady 0 []"), longWait);
-    QCOMPARE(QDir(bench->mediaPath("out")).entryList(QDir::Files | QDir::Hidden).size(), 1);
+    fixture->control().onExportReq({file}, options());
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("exportReady 0 []"), longWait);
+    QCOMPARE(QDir(fixture->mediaPath("out")).entryList(QDir::Files | QDir::Hidden).size(), 1);
     const auto calls = faketools::calls(file.absoluteFilePath);
     for (const auto &call : calls)
         QVERIFY(call.job == "read" || call.arguments.contains(file.absoluteFilePath));
@@ -374,36 +356,36 @@ void TestFaults::oddNamesGoAllTheWay()
 
 void TestFaults::aNameThatIsNoTextIsAFailedProbe()
 {
-    const QByteArray name = QFile::encodeName(bench->mediaPath("card")) + "/take\xFF.mov";
-    QVERIFY(QDir().mkpath(bench->mediaPath("card")));
+    const QByteArray name = QFile::encodeName(fixture->mediaPath("card")) + "/take\xFF.mov";
+    QVERIFY(QDir().mkpath(fixture->mediaPath("card")));
     FILE *file = std::fopen(name.constData(), "w");
     QVERIFY(file);
     std::fclose(file);
-    bench->actAsFileTable();
-    bench->makeFile("card/good.mov");
-    bench->control().onIterateThroughDir({bench->mediaUrl("card")});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
-    QCOMPARE(bench->eventsOf("found ").size(), 2);
-    QCOMPARE(bench->eventsOf("probed ").filter(": 0").size(), 1);
-    QCOMPARE(bench->eventsOf("probed ").filter(": 1000").size(), 1);
+    fixture->actAsFileTable();
+    fixture->makeFile("card/good.mov");
+    fixture->control().onIterateThroughDir({fixture->mediaUrl("card")});
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importReady"), longWait);
+    QCOMPARE(fixture->eventsOf("found ").size(), 2);
+    QCOMPARE(fixture->eventsOf("probed ").filter(": 0").size(), 1);
+    QCOMPARE(fixture->eventsOf("probed ").filter(": 1000").size(), 1);
 
-    bench->events.clear(); // and when it is dropped by itself
-    bench->control().onIterateThroughDir({QUrl::fromEncoded("file://" + name.toPercentEncoding("/"))});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
-    QCOMPARE(bench->eventsOf("found ").size(), 1);
-    QCOMPARE(bench->eventsOf("probed ").filter(": 1000").size(), 1);
+    fixture->events.clear(); // and when it is dropped by itself
+    fixture->control().onIterateThroughDir({QUrl::fromEncoded("file://" + name.toPercentEncoding("/"))});
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importReady"), longWait);
+    QCOMPARE(fixture->eventsOf("found ").size(), 1);
+    QCOMPARE(fixture->eventsOf("probed ").filter(": 1000").size(), 1);
     QCOMPARE(std::remove(name.constData()), 0); // the toolkit could not
 }
 
 void TestFaults::brokenFilesHoldUpNothingElse()
 {
-    makeTone(bench->mediaPath("sound.wav"));
-    makeTone(bench->mediaPath("good.mov"));
+    makeTone(fixture->mediaPath("sound.wav"));
+    makeTone(fixture->mediaPath("good.mov"));
     const OnlyTools real(realMediaTools());
-    QFile good(bench->mediaPath("sound.wav"));
+    QFile good(fixture->mediaPath("sound.wav"));
     QVERIFY(good.open(QIODevice::ReadOnly));
     const QByteArray wave = good.readAll();
-    QFile movie(bench->mediaPath("good.mov"));
+    QFile movie(fixture->mediaPath("good.mov"));
     QVERIFY(movie.open(QIODevice::ReadOnly));
     const QMap<QString, QByteArray> contents{
         {"empty.mov", ""},
@@ -418,72 +400,72 @@ void TestFaults::brokenFilesHoldUpNothingElse()
         {"json.mov", R"({"streams": [{"codec_type": "audio"}], "format": {}})"},
     };
     for (auto content = contents.cbegin(); content != contents.cend(); ++content) {
-        QFile file(bench->mediaPath(content.key()));
+        QFile file(fixture->mediaPath(content.key()));
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(content.value());
     }
-    bench->actAsFileTable();
-    bench->control().onIterateThroughDir({bench->mediaUrl()});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady") || bench->events.contains("importIdle"),
-                             longWait);
-    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
-    QCOMPARE(bench->eventsOf("probed ").size(), contents.size() + 2);
-    QCOMPARE(bench->eventsOf("probed ").filter(": 0").size() +
-                 bench->eventsOf("probed ").filter(": 1000").size(),
+    fixture->actAsFileTable();
+    fixture->control().onIterateThroughDir({fixture->mediaUrl()});
+    QTRY_VERIFY_WITH_TIMEOUT(
+        fixture->events.contains("importReady") || fixture->events.contains("importIdle"), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->handlers(), 0, longWait);
+    QCOMPARE(fixture->eventsOf("probed ").size(), contents.size() + 2);
+    QCOMPARE(fixture->eventsOf("probed ").filter(": 0").size() +
+                 fixture->eventsOf("probed ").filter(": 1000").size(),
              contents.size() + 2);
     // Each file that was described is also answered by a reader or for its extraction.
-    QCOMPARE(bench->eventsOf("read ").size(), bench->eventsOf("probed ").filter(": 0").size());
-    QVERIFY(bench->eventsOf("read ").filter("10:00:00:00").size() >= 2);
+    QCOMPARE(fixture->eventsOf("read ").size(), fixture->eventsOf("probed ").filter(": 0").size());
+    QVERIFY(fixture->eventsOf("read ").filter("10:00:00:00").size() >= 2);
 }
 
 void TestFaults::aFullDiskFailsExtractionsAndExports()
 {
-    makeTone(bench->mediaPath("a.mov"));
-    makeTone(bench->mediaPath("b.mov"));
+    makeTone(fixture->mediaPath("a.mov"));
+    makeTone(fixture->mediaPath("b.mov"));
     const OnlyTools real(realMediaTools());
-    bench->actAsFileTable();
+    fixture->actAsFileTable();
     QVector<FileData> files(2);
     files[0].fileName = "a.mov";
     files[1].fileName = "b.mov";
     for (FileData &file : files)
-        file.absoluteFilePath = bench->mediaPath(file.fileName);
+        file.absoluteFilePath = fixture->mediaPath(file.fileName);
     {
         const FullDisk disk(100'000);
-        bench->control().onIterateThroughDir({bench->mediaUrl()});
-        QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
-        QCOMPARE(bench->eventsOf("read ").filter("stream -1: 2001").size(), 2);
-        bench->control().onExportReq(files, options());
-        QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("exportReady").size(), 1, longWait);
-        QCOMPARE(bench->events.last().section(' ', 0, 1), QString("exportReady 2"));
-        QCOMPARE(bench->events.last().count(".mov"), 2);
+        fixture->control().onIterateThroughDir({fixture->mediaUrl()});
+        QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importReady"), longWait);
+        QCOMPARE(fixture->eventsOf("read ").filter("stream -1: 2001").size(), 2);
+        fixture->control().onExportReq(files, options());
+        QTRY_COMPARE_WITH_TIMEOUT(fixture->eventsOf("exportReady").size(), 1, longWait);
+        QCOMPARE(fixture->events.last().section(' ', 0, 1), QString("exportReady 2"));
+        QCOMPARE(fixture->events.last().count(".mov"), 2);
     }
-    bench->control().onExportReq(files, options()); // there is room again
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("exportReady 0 []"), longWait);
+    fixture->control().onExportReq(files, options()); // there is room again
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("exportReady 0 []"), longWait);
 }
 
 void TestFaults::theSourcesStayAsTheyWere()
 {
-    bench->actAsFileTable();
+    fixture->actAsFileTable();
     QVector<FileData> files;
     QHash<QString, QByteArray> before;
     for (int row = 0; row < 12; ++row) {
         const QString job = QStringList{"probe", "extract", "read", "export"}.at(row % 4);
-        files += bench->makeFile(QString("clip%1.mov").arg(row), plan(job, {{"exitCode", 1 + row}}), row);
+        files += fixture->makeFile(QString("clip%1.mov").arg(row), plan(job, {{"exitCode", 1 + row}}), row);
         QFile source(files.last().absoluteFilePath);
         QVERIFY(source.open(QIODevice::WriteOnly));
         before[source.fileName()] = QByteArray(1000 + row, static_cast<char>('a' + row));
         source.write(before[source.fileName()]);
     }
-    bench->control().onIterateThroughDir({bench->mediaUrl()});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
+    fixture->control().onIterateThroughDir({fixture->mediaUrl()});
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importReady"), longWait);
     ExportOptions besideTheSources = options();
-    besideTheSources.exportDir = bench->mediaPath(".");
+    besideTheSources.exportDir = fixture->mediaPath(".");
     besideTheSources.videoType = 0; // the sources' own suffix
-    bench->control().onExportReq(files, besideTheSources);
-    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("exportReady 2").size(), 1, longWait);
-    bench->control().onExportReq(files, besideTheSources);
-    bench->control().onExportCancel();
-    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("exportReady 1").size(), 1, longWait);
+    fixture->control().onExportReq(files, besideTheSources);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->eventsOf("exportReady 2").size(), 1, longWait);
+    fixture->control().onExportReq(files, besideTheSources);
+    fixture->control().onExportCancel();
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->eventsOf("exportReady 1").size(), 1, longWait);
     for (auto source = before.cbegin(); source != before.cend(); ++source) {
         QFile file(source.key());
         QVERIFY(file.open(QIODevice::ReadOnly));
@@ -494,12 +476,12 @@ void TestFaults::theSourcesStayAsTheyWere()
 void TestFaults::noExportGoesOntoASource_data()
 {
     QTest::addColumn<QString>("folder");
-    QTest::newRow("its folder") << "card";
-    QTest::newRow("with a separator at the end") << "card/";
-    QTest::newRow("through its parent") << "card/../card/./";
-    QTest::newRow("through a link to the folder") << "link";
-    QTest::newRow("through a link to a link") << "link2";
-    QTest::newRow("through a folder next to it") << "card/sub/..";
+    row("its folder", "card");
+    row("with a separator at the end", "card/");
+    row("through its parent", "card/../card/./");
+    row("through a link to the folder", "link");
+    row("through a link to a link", "link2");
+    row("through a folder next to it", "card/sub/..");
 }
 
 /// Sources whose names differ in case only, or that are links themselves, exported as every type.
@@ -510,44 +492,44 @@ void TestFaults::noExportGoesOntoASource()
                             "clip.wav", "clip.WAV", "clip.mp4", "clip.mts"};
     QVector<FileData> files;
     for (const QString &name : names) {
-        files += bench->makeFile("card/" + name);
+        files += fixture->makeFile("card/" + name);
         QFile source(files.last().absoluteFilePath);
         QVERIFY(source.open(QIODevice::WriteOnly));
         source.write("original " + name.toUtf8());
     }
-    const FileData linked = bench->makeFile("elsewhere/linked.mov");
-    QVERIFY(QFile::link(linked.absoluteFilePath, bench->mediaPath("card/linked.mov")));
-    files += bench->makeFile("card/linked.mov");
-    QVERIFY(QDir().mkpath(bench->mediaPath("card/sub")));
-    QVERIFY(QFile::link("card", bench->mediaPath("link")));
-    QVERIFY(QFile::link("link", bench->mediaPath("link2")));
+    const FileData linked = fixture->makeFile("elsewhere/linked.mov");
+    QVERIFY(QFile::link(linked.absoluteFilePath, fixture->mediaPath("card/linked.mov")));
+    files += fixture->makeFile("card/linked.mov");
+    QVERIFY(QDir().mkpath(fixture->mediaPath("card/sub")));
+    QVERIFY(QFile::link("card", fixture->mediaPath("link")));
+    QVERIFY(QFile::link("link", fixture->mediaPath("link2")));
 
     ExportOptions onto = options();
-    onto.exportDir = bench->mediaPath(folder);
+    onto.exportDir = fixture->mediaPath(folder);
     constexpr int videoTypes = 9;
     for (onto.videoType = 0; onto.videoType < videoTypes; ++onto.videoType) {
-        bench->events.clear();
-        bench->control().onExportReq(files, onto);
-        QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("exportReady 0 []"), longWait);
+        fixture->events.clear();
+        fixture->control().onExportReq(files, onto);
+        QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("exportReady 0 []"), longWait);
     }
     for (const QString &name : names) {
-        QFile source(bench->mediaPath("card/" + name));
+        QFile source(fixture->mediaPath("card/" + name));
         QVERIFY(source.open(QIODevice::ReadOnly));
         QCOMPARE(source.readAll(), "original " + name.toUtf8());
     }
     QCOMPARE(QFileInfo(linked.absoluteFilePath).size(), 0);
     const QStringList media{"*.mov", "*.mxf", "*.wav", "*.mp4", "*.mts"};
-    QCOMPARE(QDir(bench->mediaPath("card")).entryList(media, QDir::Files).size(),
+    QCOMPARE(QDir(fixture->mediaPath("card")).entryList(media, QDir::Files).size(),
              files.size() * (videoTypes + 1));
 }
 
 void TestFaults::endingTheThreadEndsTheTools()
 {
-    const QVector<FileData> probes = bench->makeFiles(60, plan("probe", {{"hang", true}}));
-    const QVector<FileData> exports{bench->makeFile("e.mov", plan("export", {{"hang", true}}))};
-    const QVector<FileData> reads{bench->makeFile("r.mov", plan("extract", {{"hang", true}}), 0)};
+    const QVector<FileData> probes = fixture->makeFiles(60, plan("probe", {{"hang", true}}));
+    const QVector<FileData> exports{fixture->makeFile("e.mov", plan("export", {{"hang", true}}))};
+    const QVector<FileData> reads{fixture->makeFile("r.mov", plan("extract", {{"hang", true}}), 0)};
     QThread thread;
-    auto *control = new MainControl; // next to that of the bench
+    auto *control = new MainControl; // next to that of the fixture
     control->moveToThread(&thread);
     connect(&thread, &QThread::finished, control, &MainControl::shutDown);
     connect(&thread, &QThread::finished, control, &QObject::deleteLater);
@@ -558,8 +540,9 @@ void TestFaults::endingTheThreadEndsTheTools()
         for (const FileData &file : probes)
             control->onFFProbeFile(file, file.rowNumber);
     });
-    QTRY_COMPARE_WITH_TIMEOUT(bench->startedTools().size(), 45, longWait);
-    const QString folder = bench->temporaryPath() + '-' + QString::number(QCoreApplication::applicationPid());
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->startedTools().size(), 45, longWait);
+    const QString folder =
+        fixture->temporaryPath() + '-' + QString::number(QCoreApplication::applicationPid());
     QVERIFY(QFileInfo::exists(folder));
     thread.quit();
     QVERIFY(thread.wait(5'000)); // what the program allows
@@ -570,10 +553,10 @@ void TestFaults::endingTheThreadEndsTheTools()
 void TestFaults::endingTheThreadEndsTheWalk()
 {
     for (int i = 0; i < 1'000; ++i)
-        bench->makeFile(QString("huge/foreign%1.txt").arg(i));
+        fixture->makeFile(QString("huge/foreign%1.txt").arg(i));
     QList<QUrl> urls;
     for (int i = 0; i < 5'000; ++i) // five million entries
-        urls += bench->mediaUrl("huge");
+        urls += fixture->mediaUrl("huge");
 
     QThread thread;
     auto *control = new MainControl;
@@ -591,28 +574,28 @@ void TestFaults::endingTheThreadEndsTheWalk()
 
 void TestFaults::manyFilesLeaveNothingBehind()
 {
-    bench->actAsFileTable();
-    const QVector<FileData> files = bench->makeFiles(60);
+    fixture->actAsFileTable();
+    const QVector<FileData> files = fixture->makeFiles(60);
     int filesAfterFirstRound = 0;
     for (int round = 0; round < 2; ++round) {
-        bench->events.clear();
-        bench->control().onIterateThroughDir({bench->mediaUrl()});
-        QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
-        bench->control().onUpdateAudioTCInfo(files, automaticReading());
-        QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
-        bench->control().onExportReq(files, options());
-        QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("exportReady 0 []").size(), 1, longWait);
-        QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
+        fixture->events.clear();
+        fixture->control().onIterateThroughDir({fixture->mediaUrl()});
+        QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importReady"), longWait);
+        fixture->control().onUpdateAudioTCInfo(files, automaticReading());
+        QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("readingFinished"), longWait);
+        fixture->control().onExportReq(files, options());
+        QTRY_COMPARE_WITH_TIMEOUT(fixture->eventsOf("exportReady 0 []").size(), 1, longWait);
+        QTRY_COMPARE_WITH_TIMEOUT(fixture->handlers(), 0, longWait);
         QCOMPARE(ownprocesses::children(), QVector<qint64>());
-        QVERIFY(!bench->hasTemporaryFolder());
+        QVERIFY(!fixture->hasTemporaryFolder());
         if (round == 0)
             filesAfterFirstRound = ownprocesses::openFiles();
         else
             QCOMPARE(ownprocesses::openFiles(), filesAfterFirstRound);
-        QVERIFY(QDir(bench->mediaPath("out")).removeRecursively());
-        QVERIFY(QDir().mkpath(bench->mediaPath("out")));
+        QVERIFY(QDir(fixture->mediaPath("out")).removeRecursively());
+        QVERIFY(QDir().mkpath(fixture->mediaPath("out")));
     }
-    QVERIFY(bench->mostToolsAtOnce() <= 45);
+    QVERIFY(fixture->mostToolsAtOnce() <= 45);
 }
 
 QTEST_GUILESS_MAIN(TestFaults)

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "tests/control/controllerbench.h"
-#include "tests/control/onlytools.h"
-#include "tests/fakes/faketools.h"
-#include "tests/support/ownprocesses.h"
+#include "testkit/faketools/faketools.h"
+#include "testkit/faketools/onlytools.h"
+#include "testkit/fixtures/controllerfixture.h"
+#include "testkit/fixtures/ownprocesses.h"
 
 #include <QDir>
 #include <QFile>
@@ -88,10 +88,10 @@ private slots:
     void manyExportsWithoutMemoryFailOneByOne();
 
 private:
-    ExportOptions options() const;
+    ExportOptions options() const { return fixture->exportOptions(); }
 
     bool mayUseDisks = false;
-    std::unique_ptr<ControllerBench> bench;
+    std::unique_ptr<ControllerFixture> fixture;
 };
 
 #define NEEDS_DISKS()                                                                                        \
@@ -100,59 +100,50 @@ private:
 
 void TestFaultsOfMachine::init()
 {
-    bench = std::make_unique<ControllerBench>();
-    QVERIFY(QDir().mkpath(bench->mediaPath("out")));
+    fixture = std::make_unique<ControllerFixture>();
+    QVERIFY(QDir().mkpath(fixture->mediaPath("out")));
 }
 
 void TestFaultsOfMachine::cleanup()
 {
-    bench.reset();
+    fixture.reset();
     QCOMPARE(ownprocesses::children(), QVector<qint64>());
-}
-
-ExportOptions TestFaultsOfMachine::options() const
-{
-    ExportOptions options;
-    options.exportDir = bench->mediaPath("out");
-    options.videoType = 5;
-    options.audioType = 1;
-    return options;
 }
 
 void TestFaultsOfMachine::aFullTemporaryDiskFailsTheExtraction()
 {
     NEEDS_DISKS();
-    makeTone(bench->mediaPath("a.mov"));
+    makeTone(fixture->mediaPath("a.mov"));
     const OnlyTools real(realMediaTools());
-    const QString place = bench->mediaPath("temporary");
+    const QString place = fixture->mediaPath("temporary");
     const SmallDisk disk(place, "100k");
     QVERIFY2(disk.isThere(), std::strerror(errno));
     const QByteArray earlierPlace = qgetenv("TMPDIR");
     qputenv("TMPDIR", QFile::encodeName(place));
-    bench->restart();
-    bench->actAsFileTable();
-    bench->control().onIterateThroughDir({bench->mediaUrl("a.mov")});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
-    QCOMPARE(bench->eventsOf("read "), QStringList{"read 0 stream -1: 2001 nothing"});
+    fixture->restart();
+    fixture->actAsFileTable();
+    fixture->control().onIterateThroughDir({fixture->mediaUrl("a.mov")});
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importReady"), longWait);
+    QCOMPARE(fixture->eventsOf("read "), QStringList{"read 0 stream -1: 2001 nothing"});
     qputenv("TMPDIR", earlierPlace);
-    bench->restart(); // gives its folder back before the disk goes
+    fixture->restart(); // gives its folder back before the disk goes
     QCOMPARE(QDir(place).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList());
 }
 
 void TestFaultsOfMachine::aFullExportDiskFailsTheExport()
 {
     NEEDS_DISKS();
-    makeTone(bench->mediaPath("a.mov"));
-    makeTone(bench->mediaPath("b.mov"));
+    makeTone(fixture->mediaPath("a.mov"));
+    makeTone(fixture->mediaPath("b.mov"));
     const OnlyTools real(realMediaTools());
     const SmallDisk disk(options().exportDir, "100k");
     QVERIFY2(disk.isThere(), std::strerror(errno));
-    bench->control().onExportReq({record(bench->mediaPath("a.mov")), record(bench->mediaPath("b.mov"))},
-                                 options());
-    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("exportReady").size(), 1, longWait);
-    QVERIFY(bench->events.last().startsWith("exportReady 2 ["));
-    QVERIFY(bench->events.last().contains("a.mov") && bench->events.last().contains("b.mov"));
-    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
+    fixture->control().onExportReq({record(fixture->mediaPath("a.mov")), record(fixture->mediaPath("b.mov"))},
+                                   options());
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->eventsOf("exportReady").size(), 1, longWait);
+    QVERIFY(fixture->events.last().startsWith("exportReady 2 ["));
+    QVERIFY(fixture->events.last().contains("a.mov") && fixture->events.last().contains("b.mov"));
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->handlers(), 0, longWait);
 }
 
 void TestFaultsOfMachine::anExportDiskThatTurnsReadOnlyFailsTheRest()
@@ -160,16 +151,16 @@ void TestFaultsOfMachine::anExportDiskThatTurnsReadOnlyFailsTheRest()
     NEEDS_DISKS();
     const SmallDisk disk(options().exportDir, "10m");
     QVERIFY2(disk.isThere(), std::strerror(errno));
-    const QVector<FileData> files = bench->makeFiles(60, {{"export", QJsonObject{{"waitFor", "gate"}}}});
-    const FileData good = bench->makeFile("good.mov", {{"export", QJsonObject()}});
-    bench->control().onExportReq(QVector<FileData>{good} + files, options());
-    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(bench->mediaPath("out/good.MOV")), longWait);
+    const QVector<FileData> files = fixture->makeFiles(60, {{"export", QJsonObject{{"waitFor", "gate"}}}});
+    const FileData good = fixture->makeFile("good.mov", {{"export", QJsonObject()}});
+    fixture->control().onExportReq(QVector<FileData>{good} + files, options());
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(fixture->mediaPath("out/good.MOV")), longWait);
     QTRY_VERIFY_WITH_TIMEOUT(disk.makeReadOnly(), longWait); // once nothing writes there any more
-    bench->openGate();
-    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("exportReady").size(), 1, longWait);
-    QVERIFY(bench->events.last().startsWith("exportReady 2 ["));
-    QCOMPARE(bench->events.last().count("clip"), 60);
-    QVERIFY(!bench->events.last().contains("good.mov"));
+    fixture->openGate();
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->eventsOf("exportReady").size(), 1, longWait);
+    QVERIFY(fixture->events.last().startsWith("exportReady 2 ["));
+    QCOMPARE(fixture->events.last().count("clip"), 60);
+    QVERIFY(!fixture->events.last().contains("good.mov"));
     QCOMPARE(QDir(options().exportDir).entryList(QDir::Files), QStringList{"good.MOV"});
 }
 
@@ -178,15 +169,15 @@ void TestFaultsOfMachine::anExportDiskThatIsTakenAwayFailsTheRest()
     NEEDS_DISKS();
     SmallDisk disk(options().exportDir, "10m");
     QVERIFY2(disk.isThere(), std::strerror(errno));
-    const QVector<FileData> files = bench->makeFiles(60, {{"export", QJsonObject{{"waitFor", "gate"}}}});
-    bench->control().onExportReq(files, options());
-    QTRY_COMPARE_WITH_TIMEOUT(bench->startedTools().size(), 45, longWait);
+    const QVector<FileData> files = fixture->makeFiles(60, {{"export", QJsonObject{{"waitFor", "gate"}}}});
+    fixture->control().onExportReq(files, options());
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->startedTools().size(), 45, longWait);
     disk.unmount();
     QVERIFY(QDir().rmdir(options().exportDir)); // as desktops do with the place of a disk
-    bench->openGate();
-    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("exportReady").size(), 1, longWait);
-    QVERIFY(bench->events.last().startsWith("exportReady 2 ["));
-    QCOMPARE(bench->events.last().count("clip"), 60);
+    fixture->openGate();
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->eventsOf("exportReady").size(), 1, longWait);
+    QVERIFY(fixture->events.last().startsWith("exportReady 2 ["));
+    QCOMPARE(fixture->events.last().count("clip"), 60);
     QVERIFY(!QFileInfo::exists(options().exportDir));
 }
 
@@ -194,9 +185,9 @@ void TestFaultsOfMachine::anExportDiskThatIsTakenAwayFailsTheRest()
 void TestFaultsOfMachine::manyExportsWithoutMemoryFailOneByOne()
 {
     constexpr int encodes = 45;
-    const QString source = bench->mediaPath("a.mov");
+    const QString source = fixture->mediaPath("a.mov");
     makeMedia(source, {"testsrc=duration=0.2:size=320x180:rate=25", "-pix_fmt", "yuv420p"});
-    QFile poor(bench->mediaPath("ffmpeg"));
+    QFile poor(fixture->mediaPath("ffmpeg"));
     QVERIFY(poor.open(QIODevice::WriteOnly));
     poor.write("#!/bin/sh\nulimit -v 100000\nexec ffmpeg \"$@\"\n");
     poor.close();
@@ -209,15 +200,15 @@ void TestFaultsOfMachine::manyExportsWithoutMemoryFailOneByOne()
     coded.videoType = 8;
     {
         const OnlyTools tools({{"ffmpeg.exe", poor.fileName()}, {"ffmpeg", "ffmpeg"}, {"sh", "sh"}});
-        bench->control().onExportReq(QVector<FileData>(encodes, file), coded);
-        QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("exportReady").size(), 1, longWait);
+        fixture->control().onExportReq(QVector<FileData>(encodes, file), coded);
+        QTRY_COMPARE_WITH_TIMEOUT(fixture->eventsOf("exportReady").size(), 1, longWait);
     }
-    QVERIFY(bench->events.last().startsWith("exportReady 2 ["));
-    QCOMPARE(bench->events.last().count("a.mov"), encodes);
+    QVERIFY(fixture->events.last().startsWith("exportReady 2 ["));
+    QCOMPARE(fixture->events.last().count("a.mov"), encodes);
 
     const OnlyTools tools({{"ffmpeg.exe", "ffmpeg"}});
-    bench->control().onExportReq({file}, coded); // the memory is there again
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("exportReady 0 []"), longWait);
+    fixture->control().onExportReq({file}, coded); // the memory is there again
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("exportReady 0 []"), longWait);
 }
 
 QTEST_GUILESS_MAIN(TestFaultsOfMachine)

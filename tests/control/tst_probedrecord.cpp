@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "control/probedrecord.h"
+#include "testkit/fixtures/row.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -86,29 +87,22 @@ void TestProbedRecord::theTimeReferenceOfAWaveFileIsItsTimecode_data()
     QTest::addColumn<QString>("streams");
     QTest::addColumn<QString>("timecode");
     const QString at48k = R"([{"codec_type": "audio", "sample_rate": "48000"}])";
-    QTest::newRow("ten hours") << "1728000000" << at48k << "10:00:00.000";
-    QTest::newRow("half a second later") << "1728024000" << at48k << "10:00:00.500";
-    QTest::newRow("just below a millisecond is cut") << "47" << at48k << "00:00:00.000";
-    QTest::newRow("a single sample") << "1" << at48k << "00:00:00.000";
-    QTest::newRow("more than a day") << "4320000000" << at48k << "25:00:00.000";
-    QTest::newRow("more than 32 bit") << "17280000000" << at48k << "100:00:00.000";
-    QTest::newRow("zero") << "0" << at48k << "";
-    QTest::newRow("negative") << "-48000" << at48k << "";
-    QTest::newRow("no number") << "noon" << at48k << "";
-    QTest::newRow("no sample rate") << "1728000000"
-                                    << R"([{"codec_type": "audio"}])"
-                                    << "";
-    QTest::newRow("sample rate zero") << "1728000000"
-                                      << R"([{"codec_type": "audio", "sample_rate": "0"}])"
-                                      << "";
-    QTest::newRow("no audio stream") << "1728000000"
-                                     << R"([{"codec_type": "data", "sample_rate": "48000"}])"
-                                     << "";
-    QTest::newRow("the last audio stream with a rate counts")
-        << "1728000000"
-        << R"([{"codec_type": "audio", "sample_rate": "44100"}, {"codec_type": "audio", "sample_rate": "96000"},
-               {"codec_type": "audio"}, {"codec_type": "audio", "sample_rate": null}])"
-        << "05:00:00.000";
+    row("ten hours", "1728000000", at48k, "10:00:00.000");
+    row("half a second later", "1728024000", at48k, "10:00:00.500");
+    row("just below a millisecond is cut", "47", at48k, "00:00:00.000");
+    row("a single sample", "1", at48k, "00:00:00.000");
+    row("more than a day", "4320000000", at48k, "25:00:00.000");
+    row("more than 32 bit", "17280000000", at48k, "100:00:00.000");
+    row("zero", "0", at48k, "");
+    row("negative", "-48000", at48k, "");
+    row("no number", "noon", at48k, "");
+    row("no sample rate", "1728000000", R"([{"codec_type": "audio"}])", "");
+    row("sample rate zero", "1728000000", R"([{"codec_type": "audio", "sample_rate": "0"}])", "");
+    row("no audio stream", "1728000000", R"([{"codec_type": "data", "sample_rate": "48000"}])", "");
+    row("the last audio stream with a rate counts", "1728000000",
+        R"([{"codec_type": "audio", "sample_rate": "44100"}, {"codec_type": "audio", "sample_rate": "96000"},
+               {"codec_type": "audio"}, {"codec_type": "audio", "sample_rate": null}])",
+        "05:00:00.000");
 }
 
 void TestProbedRecord::theTimeReferenceOfAWaveFileIsItsTimecode()
@@ -129,28 +123,26 @@ void TestProbedRecord::theTimecodeOfAMovieIsATagOrATimecodeStream_data()
     QTest::addColumn<QString>("json");
     QTest::addColumn<QString>("timecode");
     QTest::addColumn<bool>("found");
-    QTest::newRow("tag of the format") << R"({"format": {"tags": {"timecode": "01:00:00:00"}},
-               "streams": [{"codec_tag_string": "tmcd", "tags": {"timecode": "02:00:00:00"}}]})"
-                                       << "01:00:00:00" << true;
-    QTest::newRow("one timecode stream")
-        << R"({"format": {}, "streams": [{"codec_tag_string": "TMCD", "tags": {"timecode": "02:00:00:00"}}]})"
-        << "02:00:00:00" << true;
-    QTest::newRow("the second of two timecode streams")
-        << R"({"streams": [{"codec_tag_string": "tmcd", "tags": {"timecode": "02:00:00:00"}},
-                           {"codec_tag_string": "tmcd", "tags": {"timecode": "03:00:00:00"}}]})"
-        << "03:00:00:00" << true;
-    QTest::newRow("the last stream wins, also without a timecode")
-        << R"({"streams": [{"codec_tag_string": "tmcd", "tags": {"timecode": "02:00:00:00"}},
-                           {"codec_tag_string": "tmcd"}]})"
-        << "" << true;
-    QTest::newRow("a null tag is absent") << R"({"format": {"tags": {"timecode": null}},
-               "streams": [{"codec_tag_string": "tmcd", "tags": {"timecode": "02:00:00:00"}}]})"
-                                          << "02:00:00:00" << true;
-    QTest::newRow("a timecode tag of another stream")
-        << R"({"streams": [{"codec_type": "video", "tags": {"timecode": "02:00:00:00"}}]})"
-        << "" << false;
-    QTest::newRow("none") << R"({"format": {"tags": {}}, "streams": []})"
-                          << "" << false;
+    row("tag of the format", R"({"format": {"tags": {"timecode": "01:00:00:00"}},
+               "streams": [{"codec_tag_string": "tmcd", "tags": {"timecode": "02:00:00:00"}}]})",
+        "01:00:00:00", true);
+    row("one timecode stream",
+        R"({"format": {}, "streams": [{"codec_tag_string": "TMCD", "tags": {"timecode": "02:00:00:00"}}]})",
+        "02:00:00:00", true);
+    row("the second of two timecode streams",
+        R"({"streams": [{"codec_tag_string": "tmcd", "tags": {"timecode": "02:00:00:00"}},
+                           {"codec_tag_string": "tmcd", "tags": {"timecode": "03:00:00:00"}}]})",
+        "03:00:00:00", true);
+    row("the last stream wins, also without a timecode",
+        R"({"streams": [{"codec_tag_string": "tmcd", "tags": {"timecode": "02:00:00:00"}},
+                           {"codec_tag_string": "tmcd"}]})",
+        "", true);
+    row("a null tag is absent", R"({"format": {"tags": {"timecode": null}},
+               "streams": [{"codec_tag_string": "tmcd", "tags": {"timecode": "02:00:00:00"}}]})",
+        "02:00:00:00", true);
+    row("a timecode tag of another stream",
+        R"({"streams": [{"codec_type": "video", "tags": {"timecode": "02:00:00:00"}}]})", "", false);
+    row("none", R"({"format": {"tags": {}}, "streams": []})", "", false);
 }
 
 void TestProbedRecord::theTimecodeOfAMovieIsATagOrATimecodeStream()
@@ -165,11 +157,11 @@ void TestProbedRecord::aGoProIsToldByAnyEncoderTag_data()
 {
     QTest::addColumn<QString>("stream");
     QTest::addColumn<bool>("isGoPro");
-    QTest::newRow("video") << R"({"codec_type": "video", "tags": {"encoder": "GoPro AVC encoder"}})" << true;
-    QTest::newRow("audio") << R"({"codec_type": "audio", "tags": {"encoder": "gopro hero"}})" << true;
-    QTest::newRow("data") << R"({"codec_type": "data", "tags": {"encoder": "the GOPRO SOS"}})" << true;
-    QTest::newRow("another maker") << R"({"codec_type": "video", "tags": {"encoder": "Lavc59"}})" << false;
-    QTest::newRow("another tag") << R"({"codec_type": "video", "tags": {"handler_name": "GoPro"}})" << false;
+    row("video", R"({"codec_type": "video", "tags": {"encoder": "GoPro AVC encoder"}})", true);
+    row("audio", R"({"codec_type": "audio", "tags": {"encoder": "gopro hero"}})", true);
+    row("data", R"({"codec_type": "data", "tags": {"encoder": "the GOPRO SOS"}})", true);
+    row("another maker", R"({"codec_type": "video", "tags": {"encoder": "Lavc59"}})", false);
+    row("another tag", R"({"codec_type": "video", "tags": {"handler_name": "GoPro"}})", false);
 }
 
 void TestProbedRecord::aGoProIsToldByAnyEncoderTag()
@@ -183,14 +175,14 @@ void TestProbedRecord::theDurationIsANumberOfSeconds_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<double>("seconds");
-    QTest::newRow("fraction") << R"("59.500000")" << 59.5;
-    QTest::newRow("not a number") << R"("N/A")" << 0.0;
-    QTest::newRow("decimal comma") << R"("59,5")" << 0.0;
-    QTest::newRow("nan") << R"("nan")" << 0.0;
-    QTest::newRow("infinite") << R"("inf")" << 0.0;
-    QTest::newRow("finite, but beyond all bounds") << R"("1e300")" << 1e300;
-    QTest::newRow("null") << "null" << 0.0;
-    QTest::newRow("a JSON number") << "12.5" << 0.0;
+    row("fraction", R"("59.500000")", 59.5);
+    row("not a number", R"("N/A")", 0.0);
+    row("decimal comma", R"("59,5")", 0.0);
+    row("nan", R"("nan")", 0.0);
+    row("infinite", R"("inf")", 0.0);
+    row("finite, but beyond all bounds", R"("1e300")", 1e300);
+    row("null", "null", 0.0);
+    row("a JSON number", "12.5", 0.0);
 }
 
 void TestProbedRecord::theDurationIsANumberOfSeconds()
@@ -217,13 +209,13 @@ void TestProbedRecord::noStreamIsMappedUnderAnothersNumber()
 void TestProbedRecord::missingAndForeignValuesLeaveTheDefaults_data()
 {
     QTest::addColumn<QString>("json");
-    QTest::newRow("foreign key only") << R"({"error": {"code": -1}})";
-    QTest::newRow("numbers for objects") << R"({"format": 5, "streams": 5})";
-    QTest::newRow("streams of other types") << R"({"streams": [1, null, "audio", ["audio"]]})";
-    QTest::newRow("tags of other types")
-        << R"({"format": {"format_name": "wav", "tags": "x"}, "streams": [{"tags": 7}]})";
-    QTest::newRow("texts of other types")
-        << R"({"format": {"format_name": 1}, "streams": [{"codec_type": 2, "codec_tag_string": []}]})";
+    row("foreign key only", R"({"error": {"code": -1}})");
+    row("numbers for objects", R"({"format": 5, "streams": 5})");
+    row("streams of other types", R"({"streams": [1, null, "audio", ["audio"]]})");
+    row("tags of other types",
+        R"({"format": {"format_name": "wav", "tags": "x"}, "streams": [{"tags": 7}]})");
+    row("texts of other types",
+        R"({"format": {"format_name": 1}, "streams": [{"codec_type": 2, "codec_tag_string": []}]})");
 }
 
 void TestProbedRecord::missingAndForeignValuesLeaveTheDefaults()

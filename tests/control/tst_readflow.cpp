@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tests/control/controllerbench.h"
+#include "testkit/fixtures/controllerfixture.h"
 
-#include "tests/fakes/faketools.h"
+#include "testkit/faketools/faketools.h"
 
 #include <QDir>
 #include <QFile>
@@ -70,29 +70,29 @@ private slots:
 private:
     void reRead(const QVector<FileData> &files)
     {
-        bench->control().onUpdateAudioTCInfo(files, automaticReading());
+        fixture->control().onUpdateAudioTCInfo(files, automaticReading());
     }
     FileData makeSound(const QString &name, int row, const QByteArray &streams,
                        const QJsonObject &plan = {}) const;
     void startWaitingProbes(int count);
 
-    std::unique_ptr<ControllerBench> bench;
+    std::unique_ptr<ControllerFixture> fixture;
 };
 
 void TestReadFlow::init()
 {
-    bench = std::make_unique<ControllerBench>();
+    fixture = std::make_unique<ControllerFixture>();
 }
 
 void TestReadFlow::cleanup()
 {
-    bench.reset();
+    fixture.reset();
 }
 
 FileData TestReadFlow::makeSound(const QString &name, int row, const QByteArray &streams,
                                  const QJsonObject &plan) const
 {
-    FileData file = bench->makeFile(name, plan, row);
+    FileData file = fixture->makeFile(name, plan, row);
     file.audioStreamMap = streams;
     return file;
 }
@@ -102,57 +102,57 @@ void TestReadFlow::startWaitingProbes(int count)
 {
     for (int i = 0; i < count; ++i) {
         const QString name = QString("probed%1.mov").arg(i);
-        bench->control().onFFProbeFile(
-            bench->makeFile(name, plan("probe", {{"waitFor", "probes"}, {"exitCode", 1}})), 1000 + i);
+        fixture->control().onFFProbeFile(
+            fixture->makeFile(name, plan("probe", {{"waitFor", "probes"}, {"exitCode", 1}})), 1000 + i);
     }
-    QTRY_COMPARE_WITH_TIMEOUT(bench->startedTools().size(), count, longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->startedTools().size(), count, longWait);
 }
 
 void TestReadFlow::aReReadOfNothingSaysNothing()
 {
     reRead({});
     QCoreApplication::processEvents();
-    QCOMPARE(bench->events, QStringList());
+    QCOMPARE(fixture->events, QStringList());
 
     // No file counts, and the mode is that of a re-read: two units for the one file that follows.
-    bench->control().onIterateThroughDir({bench->mediaUrl("c.mov")});
-    bench->control().onAudioExtractReady(nullptr, makeSound("c.mov", 0, "\x01"), 1);
-    QCOMPARE(bench->eventsOf("import "), (QStringList{"import 1/2 prepare files for reading...",
-                                                      "import 2/2 prepare files for reading..."}));
+    fixture->control().onIterateThroughDir({fixture->mediaUrl("c.mov")});
+    fixture->control().onAudioExtractReady(nullptr, makeSound("c.mov", 0, "\x01"), 1);
+    QCOMPARE(fixture->eventsOf("import "), (QStringList{"import 1/2 prepare files for reading...",
+                                                        "import 2/2 prepare files for reading..."}));
 }
 
 void TestReadFlow::aReReadEndsWithItsLastReader()
 {
     reRead({makeSound("a.mov", 7, "\x01")});
-    QVERIFY(bench->hasTemporaryFolder());
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
-    QCOMPARE(bench->events,
+    QVERIFY(fixture->hasTemporaryFolder());
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("readingFinished"), longWait);
+    QCOMPARE(fixture->events,
              (QStringList{"import 1/2 prepare files for reading...", "read 7 stream 1: 0 10:00:00:00",
                           "import 2/2 reading audio TC...", "readingFinished"}));
-    QVERIFY(!bench->hasTemporaryFolder());
+    QVERIFY(!fixture->hasTemporaryFolder());
     QCoreApplication::processEvents();
-    QCOMPARE(bench->count("importIdle"), 0);
+    QCOMPARE(fixture->count("importIdle"), 0);
 }
 
 void TestReadFlow::threeStreamsAreReadByThreeReaders()
 {
     reRead({makeSound("a.mov", 7, "\x01\x02\x05")});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
-    QStringList reads = bench->eventsOf("read ");
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("readingFinished"), longWait);
+    QStringList reads = fixture->eventsOf("read ");
     reads.sort();
     QCOMPARE(reads, (QStringList{"read 7 stream 1: 0 10:00:00:00", "read 7 stream 2: 0 10:00:00:00",
                                  "read 7 stream 5: 0 10:00:00:00"}));
     // 1 of 2 came before the readers were counted; 2 of 4 is the same half, so it is not reported.
-    QCOMPARE(bench->eventsOf("import "),
+    QCOMPARE(fixture->eventsOf("import "),
              (QStringList{"import 1/2 prepare files for reading...", "import 3/4 reading audio TC...",
                           "import 4/4 reading audio TC..."}));
 }
 
 void TestReadFlow::resultsAreToldApartByTheirFileName()
 {
-    bench->control().onLTCReaderReady(nullptr, {}, R"(C:\T\OstrelSyncTemp\clip\clip_1_7.wav)", 205);
-    bench->control().onLTCReaderReady(nullptr, {{"Timecode", "01:02:03:04"}}, "/tmp/a_b/x_0_12.wav", 0);
-    QCOMPARE(bench->eventsOf("read "),
+    fixture->control().onLTCReaderReady(nullptr, {}, R"(C:\T\OstrelSyncTemp\clip\clip_1_7.wav)", 205);
+    fixture->control().onLTCReaderReady(nullptr, {{"Timecode", "01:02:03:04"}}, "/tmp/a_b/x_0_12.wav", 0);
+    QCOMPARE(fixture->eventsOf("read "),
              (QStringList{"read 7 stream 1: 205 nothing", "read 12 stream 0: 0 01:02:03:04"}));
 }
 
@@ -175,8 +175,8 @@ void TestReadFlow::theReadersAnswerIsPassedOnUnchanged()
     QFETCH(QJsonObject, part);
     QFETCH(QString, event);
     reRead({makeSound("a.mov", 7, "\x01", plan("read", part))});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
-    QCOMPARE(bench->eventsOf("read "), QStringList{event});
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("readingFinished"), longWait);
+    QCOMPARE(fixture->eventsOf("read "), QStringList{event});
 }
 
 void TestReadFlow::anImportReadsWithAutomaticSettings()
@@ -185,13 +185,13 @@ void TestReadFlow::anImportReadsWithAutomaticSettings()
     camera.isGoPro = true;
     const FileData other = makeSound("other.mov", 1, "\x01");
     reRead({}); // leaves the mode of a re-read behind
-    bench->control().onInitAudioTCInfo(camera, 0);
-    bench->control().onInitAudioTCInfo(other, 1);
-    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("read ").size(), 2, longWait);
+    fixture->control().onInitAudioTCInfo(camera, 0);
+    fixture->control().onInitAudioTCInfo(other, 1);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->eventsOf("read ").size(), 2, longWait);
     QCOMPARE(faketools::calls(camera.absoluteFilePath, "read").constFirst().arguments.mid(1),
              QStringList{"-aSLOPE"});
     QCOMPARE(faketools::calls(other.absoluteFilePath, "read").constFirst().arguments,
-             QStringList{QDir(bench->temporaryPath()).filePath("other/other_1_1.wav")});
+             QStringList{QDir(fixture->temporaryPath()).filePath("other/other_1_1.wav")});
 }
 
 void TestReadFlow::anImportReadsAsItsOptionsSay()
@@ -200,10 +200,10 @@ void TestReadFlow::anImportReadsAsItsOptionsSay()
     options.algorithm = 1;
     options.channel = 2;
     options.frameRate = 25.0;
-    bench->control().setImportOptions(options);
+    fixture->control().setImportOptions(options);
     const FileData file = makeSound("a.mov", 4, "\x01");
-    bench->control().onInitAudioTCInfo(file, 4);
-    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("read ").size(), 1, longWait);
+    fixture->control().onInitAudioTCInfo(file, 4);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->eventsOf("read ").size(), 1, longWait);
     QCOMPARE(faketools::calls(file.absoluteFilePath, "read").constFirst().arguments.mid(1),
              (QStringList{"-c2", "-f25", "-aLOW"}));
 }
@@ -215,8 +215,8 @@ void TestReadFlow::aReReadPassesItsOptions()
     options.channel = 3;
     options.frameRate = 29.97;
     const FileData file = makeSound("a.mov", 4, "\x01");
-    bench->control().onUpdateAudioTCInfo({file}, options);
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
+    fixture->control().onUpdateAudioTCInfo({file}, options);
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("readingFinished"), longWait);
     QCOMPARE(faketools::calls(file.absoluteFilePath, "read").constFirst().arguments.mid(1),
              (QStringList{"-c3", "-f29.97", "-aMID"}));
     QCOMPARE(faketools::calls(file.absoluteFilePath, "extract").size(), 1);
@@ -232,63 +232,63 @@ void TestReadFlow::aFailedExtractionIsReported_data()
 void TestReadFlow::aFailedExtractionIsReported()
 {
     QFETCH(QJsonObject, part);
-    bench->control().onIterateThroughDir({bench->mediaUrl("a.mov"), bench->mediaUrl("b.mov")});
-    bench->control().onInitAudioTCInfo(makeSound("a.mov", -1, "\x01", plan("extract", part)), 5);
+    fixture->control().onIterateThroughDir({fixture->mediaUrl("a.mov"), fixture->mediaUrl("b.mov")});
+    fixture->control().onInitAudioTCInfo(makeSound("a.mov", -1, "\x01", plan("extract", part)), 5);
     QTRY_COMPARE_WITH_TIMEOUT(
-        bench->events.mid(2),
+        fixture->events.mid(2),
         (QStringList{"import 1/6 prepare files for reading...", "import 2/6 prepare files for reading...",
                      "read 5 stream -1: 2001 nothing"}),
         longWait);
-    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->handlers(), 0, longWait);
 }
 
 void TestReadFlow::aReReadThatEndsWithAFailedExtractionIsAnImportReady()
 {
     reRead({makeSound("good.mov", 0, "\x01"),
             makeSound("bad.mov", 1, "\x01", plan("extract", {{"waitFor", "gate"}, {"exitCode", 1}}))});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("read 0 stream 1: 0 10:00:00:00"), longWait);
-    bench->openGate();
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
-    QCOMPARE(bench->events.last(), QString("importReady"));
-    QCOMPARE(bench->count("readingFinished"), 0);
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("read 0 stream 1: 0 10:00:00:00"), longWait);
+    fixture->openGate();
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importReady"), longWait);
+    QCOMPARE(fixture->events.last(), QString("importReady"));
+    QCOMPARE(fixture->count("readingFinished"), 0);
 }
 
 void TestReadFlow::aFailedExtractionAtTheEndLeavesTheFractionAndTheFolder()
 {
     reRead({makeSound("bad.mov", 0, "\x01", plan("extract", failing()))});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
-    QVERIFY(bench->hasTemporaryFolder());
-    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
-    QVERIFY(bench->hasTemporaryFolder());
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importReady"), longWait);
+    QVERIFY(fixture->hasTemporaryFolder());
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->handlers(), 0, longWait);
+    QVERIFY(fixture->hasTemporaryFolder());
 
-    bench->events.clear();
+    fixture->events.clear();
     reRead({makeSound("good.mov", 0, "\x01")});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
-    QCOMPARE(bench->eventsOf("import "), QStringList()); // still at 2 of 2
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("readingFinished"), longWait);
+    QCOMPARE(fixture->eventsOf("import "), QStringList()); // still at 2 of 2
 
-    bench->events.clear();
+    fixture->events.clear();
     reRead({makeSound("good.mov", 0, "\x01")});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
-    QCOMPARE(bench->eventsOf("import ").size(), 2);
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("readingFinished"), longWait);
+    QCOMPARE(fixture->eventsOf("import ").size(), 2);
 }
 
 void TestReadFlow::theNextStageRemovesTheFolderFirst()
 {
     reRead({makeSound("bad.mov", 0, "\x01", plan("extract", failing()))});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
-    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 0, longWait);
-    const QString leftOver = bench->temporaryPath() + "/good";
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importReady"), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->handlers(), 0, longWait);
+    const QString leftOver = fixture->temporaryPath() + "/good";
     QVERIFY(QDir().mkpath(leftOver));
     QVERIFY(QFile(leftOver + "/old_1_0.wav").open(QIODevice::WriteOnly));
     reRead({makeSound("good.mov", 0, "\x01")});
     QVERIFY(!QFileInfo::exists(leftOver + "/old_1_0.wav"));
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
-    QCOMPARE(bench->eventsOf("read 0 stream 1").size(), 1); // once, not the left-over too
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("readingFinished"), longWait);
+    QCOMPARE(fixture->eventsOf("read 0 stream 1").size(), 1); // once, not the left-over too
 
     QVERIFY(QDir().mkpath(leftOver));
-    bench->makeFile("drop.mov");
-    bench->control().onIterateThroughDir({bench->mediaUrl("drop.mov")});
-    QVERIFY(!bench->hasTemporaryFolder());
+    fixture->makeFile("drop.mov");
+    fixture->control().onIterateThroughDir({fixture->mediaUrl("drop.mov")});
+    QVERIFY(!fixture->hasTemporaryFolder());
 }
 
 void TestReadFlow::progressNeverRepeatsAFraction()
@@ -301,9 +301,9 @@ void TestReadFlow::progressNeverRepeatsAFraction()
     }
     reRead(files);
     QTRY_VERIFY_WITH_TIMEOUT(
-        bench->events.contains("readingFinished") || bench->events.contains("importReady"), longWait);
+        fixture->events.contains("readingFinished") || fixture->events.contains("importReady"), longWait);
     double last = 0.0;
-    const QStringList progress = bench->eventsOf("import ");
+    const QStringList progress = fixture->eventsOf("import ");
     QVERIFY(progress.size() > 10);
     for (const QString &event : progress) {
         const QStringList numbers = event.section(' ', 1, 1).split('/');
@@ -316,32 +316,32 @@ void TestReadFlow::progressNeverRepeatsAFraction()
 
 void TestReadFlow::extractedAudioStaysUntilTheEndOfTheStage()
 {
-    const QDir temporary(bench->temporaryPath());
+    const QDir temporary(fixture->temporaryPath());
     reRead({makeSound("a.mov", 0, "\x01"), makeSound("b.mov", 1, "\x01", plan("read", waiting()))});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("read 0 stream 1: 0 10:00:00:00"), longWait);
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("read 0 stream 1: 0 10:00:00:00"), longWait);
     QVERIFY(temporary.exists("a/a_1_0.wav"));
-    bench->openGate();
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
-    QVERIFY(!bench->hasTemporaryFolder());
+    fixture->openGate();
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("readingFinished"), longWait);
+    QVERIFY(!fixture->hasTemporaryFolder());
 }
 
 void TestReadFlow::theShortenedPathIsRemoved()
 {
-    bench->makeFile("clip_1_7.wav");
-    bench->makeFile("clip_1");
-    bench->control().onLTCReaderReady(nullptr, {}, bench->mediaPath("clip_1_7.wav"), 0);
-    QVERIFY(QFileInfo::exists(bench->mediaPath("clip_1_7.wav")));
-    QVERIFY(!QFileInfo::exists(bench->mediaPath("clip_1")));
-    bench->control().onLTCReaderReady(nullptr, {}, "nothing.wav", 0); // no "_" to shorten at
-    QCOMPARE(bench->eventsOf("read ").size(), 2);
+    fixture->makeFile("clip_1_7.wav");
+    fixture->makeFile("clip_1");
+    fixture->control().onLTCReaderReady(nullptr, {}, fixture->mediaPath("clip_1_7.wav"), 0);
+    QVERIFY(QFileInfo::exists(fixture->mediaPath("clip_1_7.wav")));
+    QVERIFY(!QFileInfo::exists(fixture->mediaPath("clip_1")));
+    fixture->control().onLTCReaderReady(nullptr, {}, "nothing.wav", 0); // no "_" to shorten at
+    QCOMPARE(fixture->eventsOf("read ").size(), 2);
 }
 
 void TestReadFlow::filesOfOneBaseNameAreReadOnceEach()
 {
     reRead({makeSound("card1/clip.mov", 0, "\x01\x02"), makeSound("card2/clip.mov", 1, "\x01"),
             makeSound("card2/clip.take2.wav", 2, QByteArray(1, 0))});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
-    QStringList reads = bench->eventsOf("read ");
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("readingFinished"), longWait);
+    QStringList reads = fixture->eventsOf("read ");
     reads.sort();
     QCOMPARE(reads, (QStringList{"read 0 stream 1: 0 10:00:00:00", "read 0 stream 2: 0 10:00:00:00",
                                  "read 1 stream 1: 0 10:00:00:00", "read 2 stream 0: 0 10:00:00:00"}));
@@ -349,16 +349,16 @@ void TestReadFlow::filesOfOneBaseNameAreReadOnceEach()
 
 void TestReadFlow::everyFileInTheSubFolderIsRead()
 {
-    const QDir folder(bench->temporaryPath() + "/a");
+    const QDir folder(fixture->temporaryPath() + "/a");
     reRead({makeSound("a.mov", 7, "\x01",
                       plan("extract", {{"actions", QJsonArray{QJsonObject{{"waitFor", "gate"}},
                                                               QJsonObject{{"work", true}}}}}))});
     QVERIFY(folder.mkpath("folder_1_7.wav"));
     for (const char *name : {".hidden_3_7.wav", "strange.txt", "other_1_8.wav"})
         QVERIFY(QFile(folder.filePath(name)).open(QIODevice::WriteOnly));
-    bench->openGate();
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
-    QStringList reads = bench->eventsOf("read ");
+    fixture->openGate();
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("readingFinished"), longWait);
+    QStringList reads = fixture->eventsOf("read ");
     reads.sort();
     // "strange" has no numbers; "other_1_8" is left to row 8.
     QCOMPARE(reads, (QStringList{"read 0 stream 0: 0 10:00:00:00", "read 7 stream 1: 0 10:00:00:00",
@@ -368,42 +368,42 @@ void TestReadFlow::everyFileInTheSubFolderIsRead()
 void TestReadFlow::extractionsBeyondTheLimitKeepTheirRow()
 {
     startWaitingProbes(45);
-    bench->control().onInitAudioTCInfo(makeSound("late.mov", -1, "\x01"), 33);
-    bench->control().onInitAudioTCInfo(makeSound("later.mov", -1, "\x01"), 34);
-    QCOMPARE(bench->handlers(), 45);
-    QVERIFY(!bench->hasTemporaryFolder());
-    bench->openGate("probes");
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("read 33 stream 1: 0 10:00:00:00"), longWait);
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("read 34 stream 1: 0 10:00:00:00"), longWait);
+    fixture->control().onInitAudioTCInfo(makeSound("late.mov", -1, "\x01"), 33);
+    fixture->control().onInitAudioTCInfo(makeSound("later.mov", -1, "\x01"), 34);
+    QCOMPARE(fixture->handlers(), 45);
+    QVERIFY(!fixture->hasTemporaryFolder());
+    fixture->openGate("probes");
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("read 33 stream 1: 0 10:00:00:00"), longWait);
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("read 34 stream 1: 0 10:00:00:00"), longWait);
 }
 
 void TestReadFlow::readersOfOneFileStartTogetherBeyondTheLimit()
 {
     startWaitingProbes(43);
-    bench->control().onInitAudioTCInfo(
+    fixture->control().onInitAudioTCInfo(
         makeSound("a.mov", -1, "\x01\x02\x03\x04\x05", plan("read", waiting())), 1);
-    QCOMPARE(bench->handlers(), 44);
-    QTRY_COMPARE_WITH_TIMEOUT(bench->handlers(), 43 + 5, longWait);
-    bench->control().onFFProbeFile(bench->makeFile("b.mov"), 2);
-    QCOMPARE(bench->handlers(), 43 + 5); // it waits
-    bench->openGate();
-    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("read ").size(), 5, longWait);
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("probed 2: 0"), longWait);
-    bench->openGate("probes");
-    QTRY_COMPARE_WITH_TIMEOUT(bench->eventsOf("probed ").size(), 44, longWait);
+    QCOMPARE(fixture->handlers(), 44);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->handlers(), 43 + 5, longWait);
+    fixture->control().onFFProbeFile(fixture->makeFile("b.mov"), 2);
+    QCOMPARE(fixture->handlers(), 43 + 5); // it waits
+    fixture->openGate();
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->eventsOf("read ").size(), 5, longWait);
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("probed 2: 0"), longWait);
+    fixture->openGate("probes");
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->eventsOf("probed ").size(), 44, longWait);
 }
 
 void TestReadFlow::readersWaitWhileFortyFiveRun()
 {
     const FileData file = makeSound("a.mov", 1, "\x01");
     startWaitingProbes(45);
-    bench->control().onAudioExtractReady(nullptr, file, 0); // as if one more had ended
-    const QDir folder(bench->temporaryPath() + "/a");
+    fixture->control().onAudioExtractReady(nullptr, file, 0); // as if one more had ended
+    const QDir folder(fixture->temporaryPath() + "/a");
     QVERIFY(folder.mkpath("."));
     QVERIFY(QFile(folder.filePath("a_1_1.wav")).open(QIODevice::WriteOnly));
-    QCOMPARE(bench->handlers(), 45);
-    bench->openGate("probes");
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("read 1 stream 1: 0 10:00:00:00"), longWait);
+    QCOMPARE(fixture->handlers(), 45);
+    fixture->openGate("probes");
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("read 1 stream 1: 0 10:00:00:00"), longWait);
 }
 
 void TestReadFlow::aFolderGoneWhileItsReadersWaitStopsNothing()
@@ -413,12 +413,12 @@ void TestReadFlow::aFolderGoneWhileItsReadersWaitStopsNothing()
         FileData file;
         file.baseName = QString("gone%1").arg(row);
         file.rowNumber = row;
-        bench->control().onAudioExtractReady(nullptr, file, 0);
+        fixture->control().onAudioExtractReady(nullptr, file, 0);
     }
     reRead({makeSound("a.mov", 7, "\x01")}); // waits until nothing of the others runs or waits
-    QCOMPARE(bench->handlers(), 45);
-    bench->openGate("probes");
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("read 7 stream 1: 0 10:00:00:00"), longWait);
+    QCOMPARE(fixture->handlers(), 45);
+    fixture->openGate("probes");
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("read 7 stream 1: 0 10:00:00:00"), longWait);
 }
 
 void TestReadFlow::stagesThatCannotCompleteEndInSilence_data()
@@ -440,59 +440,61 @@ void TestReadFlow::stagesThatCannotCompleteEndInSilence()
     const FileData good = makeSound("good.mov", 0, "\x01");
     const FileData empty = makeSound("empty.mov", 1, "\x01", plan("extract", extraction));
     if (isImport) {
-        bench->actAsFileTable();
-        bench->control().onIterateThroughDir({bench->mediaUrl("good.mov"), bench->mediaUrl("empty.mov")});
+        fixture->actAsFileTable();
+        fixture->control().onIterateThroughDir(
+            {fixture->mediaUrl("good.mov"), fixture->mediaUrl("empty.mov")});
     } else {
         reRead({good, empty});
     }
-    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(bench->mediaPath("extracting")), longWait);
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("read 0 stream 1: 0 10:00:00:00"), longWait);
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(fixture->mediaPath("extracting")), longWait);
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("read 0 stream 1: 0 10:00:00:00"), longWait);
     if (folderVanishes)
-        QVERIFY(QDir(bench->temporaryPath()).removeRecursively());
-    bench->openGate();
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importIdle"), longWait);
-    QCOMPARE(bench->eventsOf("read ").size(), 1);
-    QVERIFY(!bench->events.contains("importReady") && !bench->events.contains("readingFinished"));
-    QVERIFY(!bench->hasTemporaryFolder());
+        QVERIFY(QDir(fixture->temporaryPath()).removeRecursively());
+    fixture->openGate();
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importIdle"), longWait);
+    QCOMPARE(fixture->eventsOf("read ").size(), 1);
+    QVERIFY(!fixture->events.contains("importReady") && !fixture->events.contains("readingFinished"));
+    QVERIFY(!fixture->hasTemporaryFolder());
 
     // Nothing of it is left in the counters.
-    bench->events.clear();
+    fixture->events.clear();
     reRead({good});
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
-    QCOMPARE(bench->eventsOf("import "),
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("readingFinished"), longWait);
+    QCOMPARE(fixture->eventsOf("import "),
              (QStringList{"import 1/2 prepare files for reading...", "import 2/2 reading audio TC..."}));
 }
 
 void TestReadFlow::aReReadWaitsForTheImportUnderWay()
 {
-    bench->actAsFileTable();
-    bench->makeFile("a.mov", plan("probe", waiting()));
-    bench->control().onIterateThroughDir({bench->mediaUrl("a.mov")});
+    fixture->actAsFileTable();
+    fixture->makeFile("a.mov", plan("probe", waiting()));
+    fixture->control().onIterateThroughDir({fixture->mediaUrl("a.mov")});
     const FileData other = makeSound("b.mov", 8, "\x01");
     reRead({other});
-    QTRY_COMPARE_WITH_TIMEOUT(bench->startedTools(), QStringList{"probe a.mov"}, longWait);
-    bench->openGate();
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
-    const auto importEnd = bench->events.indexOf("importReady");
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->startedTools(), QStringList{"probe a.mov"}, longWait);
+    fixture->openGate();
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("readingFinished"), longWait);
+    const auto importEnd = fixture->events.indexOf("importReady");
     QVERIFY(importEnd > 0);
-    QVERIFY(bench->events.indexOf("read 0 stream 1: 0 10:00:00:00") < importEnd);
-    QVERIFY(bench->events.indexOf("read 8 stream 1: 0 10:00:00:00") > importEnd);
-    QCOMPARE(faketools::calls(bench->mediaPath("a.mov"), "read").size(), 1);
+    QVERIFY(fixture->events.indexOf("read 0 stream 1: 0 10:00:00:00") < importEnd);
+    QVERIFY(fixture->events.indexOf("read 8 stream 1: 0 10:00:00:00") > importEnd);
+    QCOMPARE(faketools::calls(fixture->mediaPath("a.mov"), "read").size(), 1);
 }
 
 void TestReadFlow::aDropWaitsForTheReReadUnderWay()
 {
-    bench->actAsFileTable();
+    fixture->actAsFileTable();
     reRead({makeSound("a.mov", 8, "\x01", plan("read", waiting()))});
-    bench->makeFile("b.mov");
-    bench->control().onIterateThroughDir({bench->mediaUrl("b.mov")});
-    QTRY_COMPARE_WITH_TIMEOUT(bench->startedTools(), (QStringList{"extract a.mov", "read a.mov"}), longWait);
-    QCOMPARE(bench->eventsOf("found ").size(), 0);
-    bench->openGate();
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("importReady"), longWait);
-    QVERIFY(bench->events.indexOf("readingFinished") < bench->events.indexOf("found b.mov"));
-    QVERIFY(bench->events.contains("readingFinished"));
-    QVERIFY(bench->events.contains("read 0 stream 1: 0 10:00:00:00"));
+    fixture->makeFile("b.mov");
+    fixture->control().onIterateThroughDir({fixture->mediaUrl("b.mov")});
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->startedTools(), (QStringList{"extract a.mov", "read a.mov"}),
+                              longWait);
+    QCOMPARE(fixture->eventsOf("found ").size(), 0);
+    fixture->openGate();
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("importReady"), longWait);
+    QVERIFY(fixture->events.indexOf("readingFinished") < fixture->events.indexOf("found b.mov"));
+    QVERIFY(fixture->events.contains("readingFinished"));
+    QVERIFY(fixture->events.contains("read 0 stream 1: 0 10:00:00:00"));
 }
 
 void TestReadFlow::aReReadWaitsForTheReReadUnderWay()
@@ -505,9 +507,9 @@ void TestReadFlow::aReReadWaitsForTheReReadUnderWay()
                                                                              QJsonObject{{"work", true}}}}}));
     const FileData second = makeSound("b.mov", 1, "\x01");
     reRead({first});
-    bench->control().onUpdateAudioTCInfo({second}, options);
-    bench->openGate();
-    QTRY_COMPARE_WITH_TIMEOUT(bench->count("readingFinished"), 2, longWait);
+    fixture->control().onUpdateAudioTCInfo({second}, options);
+    fixture->openGate();
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->count("readingFinished"), 2, longWait);
     QCOMPARE(faketools::calls(first.absoluteFilePath, "read").constFirst().arguments.size(),
              1); // its own options
     QCOMPARE(faketools::calls(second.absoluteFilePath, "read").constFirst().arguments.mid(1),
@@ -516,42 +518,42 @@ void TestReadFlow::aReReadWaitsForTheReReadUnderWay()
 
 void TestReadFlow::aDropDuringAnImportRunsAtOnce()
 {
-    bench->actAsFileTable();
-    bench->makeFile("a.mov", plan("probe", waiting()));
-    bench->makeFile("b.mov", plan("read", waiting()));
-    bench->control().onIterateThroughDir({bench->mediaUrl("a.mov")});
+    fixture->actAsFileTable();
+    fixture->makeFile("a.mov", plan("probe", waiting()));
+    fixture->makeFile("b.mov", plan("read", waiting()));
+    fixture->control().onIterateThroughDir({fixture->mediaUrl("a.mov")});
     reRead({makeSound("c.mov", 9, "\x01")}); // waits, and does not hold the drop up
-    bench->control().onIterateThroughDir({bench->mediaUrl("b.mov")});
-    QCOMPARE(bench->events, (QStringList{"found a.mov", "found b.mov"}));
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("probed 1: 0"), longWait);
-    bench->openGate();
-    QTRY_VERIFY_WITH_TIMEOUT(bench->events.contains("readingFinished"), longWait);
-    QCOMPARE(bench->count("importReady"), 1);
-    QCOMPARE(bench->eventsOf("import 6/6").size(), 1);
+    fixture->control().onIterateThroughDir({fixture->mediaUrl("b.mov")});
+    QCOMPARE(fixture->events, (QStringList{"found a.mov", "found b.mov"}));
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("probed 1: 0"), longWait);
+    fixture->openGate();
+    QTRY_VERIFY_WITH_TIMEOUT(fixture->events.contains("readingFinished"), longWait);
+    QCOMPARE(fixture->count("importReady"), 1);
+    QCOMPARE(fixture->eventsOf("import 6/6").size(), 1);
 }
 
 void TestReadFlow::whatWaitsIsServedInOrder()
 {
-    bench->actAsFileTable();
+    fixture->actAsFileTable();
     reRead({makeSound("a.mov", 50, "\x01", plan("read", waiting()))});
-    bench->makeFile("b.mov");
-    bench->makeFile("d.mov");
-    bench->control().onIterateThroughDir({bench->mediaUrl("b.mov")});
-    bench->control().onIterateThroughDir({});
-    bench->control().onIterateThroughDir({bench->mediaUrl("d.mov")});
+    fixture->makeFile("b.mov");
+    fixture->makeFile("d.mov");
+    fixture->control().onIterateThroughDir({fixture->mediaUrl("b.mov")});
+    fixture->control().onIterateThroughDir({});
+    fixture->control().onIterateThroughDir({fixture->mediaUrl("d.mov")});
     reRead({makeSound("c.mov", 60, "\x01")});
     reRead({});
     reRead({makeSound("c.mov", 61, "\x01")});
-    bench->openGate();
-    QTRY_COMPARE_WITH_TIMEOUT(bench->count("readingFinished"), 3, longWait);
-    QCOMPARE(bench->eventsOf("found "), (QStringList{"found b.mov", "found d.mov"}));
-    QCOMPARE(bench->count("importReady"), 1); // the drops that waited make one import
-    const QStringList order = bench->eventsOf("read");
+    fixture->openGate();
+    QTRY_COMPARE_WITH_TIMEOUT(fixture->count("readingFinished"), 3, longWait);
+    QCOMPARE(fixture->eventsOf("found "), (QStringList{"found b.mov", "found d.mov"}));
+    QCOMPARE(fixture->count("importReady"), 1); // the drops that waited make one import
+    const QStringList order = fixture->eventsOf("read");
     QCOMPARE(order.constFirst(), QString("read 50 stream 1: 0 10:00:00:00"));
     QCOMPARE(order.mid(order.size() - 4),
              (QStringList{"read 60 stream 1: 0 10:00:00:00", "readingFinished",
                           "read 61 stream 1: 0 10:00:00:00", "readingFinished"}));
-    QCOMPARE(bench->count("importIdle"), 0);
+    QCOMPARE(fixture->count("importIdle"), 0);
 }
 
 QTEST_GUILESS_MAIN(TestReadFlow)

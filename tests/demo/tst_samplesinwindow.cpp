@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/mainwindow.h"
 #include "app/records/recordtypes.h"
-#include "demo/mediakit/expectedcell.h"
-#include "demo/mediakit/samplekit.h"
-#include "demo/windowdriver.h"
+#include "testkit/media/expectedcell.h"
+#include "testkit/media/samplekit.h"
+#include "testkit/windowdriver/windowdriver.h"
 
 #include <QtTest>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/export-matrix/channelcheck.h"
 
-#include "tests/export-matrix/toolrun.h"
+#include "testkit/fixtures/toolrun.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,8 +4,8 @@
 #include "app/records/optiontables.h"
 #include "ffmpeg/exportarguments.h"
 #include "ffmpeg/exporthints.h"
+#include "testkit/fixtures/toolrun.h"
 #include "tests/export-matrix/judge.h"
-#include "tests/export-matrix/toolrun.h"
 
 #include <QFile>
 #include <QFileInfo>

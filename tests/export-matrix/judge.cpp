@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/export-matrix/judge.h"
 
+#include "testkit/fixtures/toolrun.h"
 #include "tests/export-matrix/channelcheck.h"
-#include "tests/export-matrix/toolrun.h"
 
 #include <QJsonArray>
 #include <QJsonObject>

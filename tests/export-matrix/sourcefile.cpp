@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "tests/export-matrix/sourcefile.h"
 
-#include "demo/mediakit/mediamaker.h"
+#include "testkit/fixtures/toolrun.h"
+#include "testkit/media/mediamaker.h"
+#include "testkit/signals/wavfile.h"
 #include "tests/export-matrix/testcard.h"
-#include "tests/export-matrix/toolrun.h"
-#include "tests/support/wavfile.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/records/filedata.h"
-#include "demo/mediakit/recording.h"
+#include "testkit/media/recording.h"
 #include "tests/export-matrix/filefacts.h"
 #include "tests/export-matrix/pictureshape.h"
 #include "tests/export-matrix/wavechunks.h"

@@ -2,11 +2,11 @@
 #include "app/records/recordtypes.h"
 #include "ffmpeg/exporthints.h"
 #include "ffmpeg/ffmpeghandler.h"
+#include "testkit/faketools/faketools.h"
+#include "testkit/fixtures/toolrun.h"
+#include "tests/export-matrix/argumentlists.h"
 #include "tests/export-matrix/exportcase.h"
 #include "tests/export-matrix/sourcelist.h"
-#include "tests/export-matrix/toolrun.h"
-#include "tests/export-matrix/wantedlist.h"
-#include "tests/fakes/faketools.h"
 #include "tooladapter/rules/source.h"
 
 #include <QDir>
@@ -83,17 +83,21 @@ void TestExportLists::theToolGetsTheWantedList()
     for (const QSignalSpy &result : results)
         QTRY_COMPARE_WITH_TIMEOUT(result.count(), 1, longWait);
 
-    QMap<QString, QStringList> lists; // by the file to be written
+    QMap<QString, QStringList> lists; // by the folder to be written to
     const auto calls = faketools::calls(made.record.absoluteFilePath);
     QCOMPARE(calls.size(), all.size());
     for (const faketools::Call &call : calls) {
         QCOMPARE(call.tool, QString("ffmpeg.exe"));
-        lists[call.arguments.last()] = call.arguments;
+        lists[QFileInfo(call.arguments.last()).path()] = call.arguments;
     }
+    QMap<QString, QString> lines;
     for (const ExportOptions &options : std::as_const(all)) {
-        const QStringList wanted = wantedList(made.record, options);
-        QCOMPARE(lists.value(wanted.last()), wanted);
+        lines[argumentlists::choiceOf(options)] =
+            argumentlists::lineOf(lists.value(options.exportDir), made.record, options.exportDir);
     }
+    const QMap<QString, QString> wanted = argumentlists::wantedLines(made.source.name);
+    for (auto line = lines.cbegin(); line != lines.cend(); ++line)
+        QCOMPARE(line.key() + ": " + line.value(), line.key() + ": " + wanted.value(line.key()));
 }
 
 void TestExportLists::theToolIsToldWhatAProbeFinds_data()

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "demo/mediakit/mediamaker.h"
-#include "tests/support/ltcsignal.h"
+#include "testkit/media/mediamaker.h"
+#include "testkit/signals/ltcsignal.h"
 
 #include <QDir>
 #include <QFile>

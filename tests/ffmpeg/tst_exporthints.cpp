@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ffmpeg/exporthints.h"
-#include "tests/ffmpeg/samplerecords.h"
+#include "testkit/fixtures/samplerecords.h"
 
 #include <QTest>
 

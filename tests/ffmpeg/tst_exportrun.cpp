@@ -2,9 +2,9 @@
 #include "app/records/recordtypes.h"
 #include "ffmpeg/exporthints.h"
 #include "ffmpeg/ffmpeghandler.h"
-#include "tests/fakes/faketools.h"
-#include "tests/ffmpeg/samplerecords.h"
-#include "tests/support/longwait.h"
+#include "testkit/faketools/faketools.h"
+#include "testkit/fixtures/longwait.h"
+#include "testkit/fixtures/samplerecords.h"
 
 #include <QDir>
 #include <QFile>

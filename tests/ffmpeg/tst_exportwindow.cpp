@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/records/recordtypes.h"
 #include "ffmpeg/exportwindow.h"
-#include "tests/window/dialogbench.h"
+#include "testkit/fixtures/dialogfixture.h"
 
 #include <QAbstractItemModel>
 #include <QCheckBox>

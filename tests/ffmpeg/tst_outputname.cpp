@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ffmpeg/outputname.h"
+#include "testkit/fixtures/row.h"
 
 #include <QSet>
 #include <QTest>
@@ -31,12 +32,12 @@ void TestOutputName::theContainerFollowsTypeAndInput_data()
         QTest::addRow("MXF type %d", type) << "/a.mov" << type << Container::Mxf;
     for (int type = 5; type <= 8; ++type)
         QTest::addRow("QuickTime type %d", type) << "/a.mxf" << type << Container::QuickTime;
-    QTest::newRow("pass through of MOV") << "/a.mov" << 0 << Container::AsInput;
-    QTest::newRow("pass through of MXF") << "/a.MXF" << 0 << Container::AsInput;
-    QTest::newRow("pass through of MTS") << "/a.MTS" << 0 << Container::QuickTime;
-    QTest::newRow("pass through of mp4") << "/a.mp4" << 0 << Container::QuickTime;
-    QTest::newRow("pass through without a suffix") << "/a" << 0 << Container::AsInput;
-    QTest::newRow("a name that only begins alike") << "/a.mp4x" << 0 << Container::AsInput;
+    row("pass through of MOV", "/a.mov", 0, Container::AsInput);
+    row("pass through of MXF", "/a.MXF", 0, Container::AsInput);
+    row("pass through of MTS", "/a.MTS", 0, Container::QuickTime);
+    row("pass through of mp4", "/a.mp4", 0, Container::QuickTime);
+    row("pass through without a suffix", "/a", 0, Container::AsInput);
+    row("a name that only begins alike", "/a.mp4x", 0, Container::AsInput);
     for (int type = 0; type <= 8; ++type)
         QTest::addRow("WAV with type %d", type) << "/a.Wav" << type << Container::BroadcastWave;
 }
@@ -56,24 +57,17 @@ void TestOutputName::theOutputIsNamedAfterTheInput_data()
     QTest::addColumn<Container>("container");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("MXF") << "/in/a.mov"
-                         << "/out" << Container::Mxf << "/out/a.MXF";
-    QTest::newRow("QuickTime") << "/in/a.mts"
-                               << "/out" << Container::QuickTime << "/out/a.MOV";
-    QTest::newRow("broadcast wave") << "/in/a.wav"
-                                    << "/out" << Container::BroadcastWave << "/out/a.WAV";
-    QTest::newRow("suffix of the input") << "/in/a.Mov"
-                                         << "/out" << Container::AsInput << "/out/a.Mov";
-    QTest::newRow("dots in the name stay") << "/in/A001.take1.wav"
-                                           << "/out" << Container::BroadcastWave << "/out/A001.take1.WAV";
-    QTest::newRow("dots in the folder") << "/in.x/a"
-                                        << "/o.y" << Container::Mxf << "/o.y/a.MXF";
-    QTest::newRow("percent signs") << "/in/take %2.mov"
-                                   << "/100%1" << Container::Mxf << "/100%1/take %2.MXF";
-    QTest::newRow("blanks and dashes") << "/in/-i a .mov"
-                                       << "/o u t" << Container::Mxf << "/o u t/-i a .MXF";
-    QTest::newRow("unicode") << QString::fromUtf8("/in/\u00fcbung.mov") << "/out" << Container::Mxf
-                             << QString::fromUtf8("/out/\u00fcbung.MXF");
+    row("MXF", "/in/a.mov", "/out", Container::Mxf, "/out/a.MXF");
+    row("QuickTime", "/in/a.mts", "/out", Container::QuickTime, "/out/a.MOV");
+    row("broadcast wave", "/in/a.wav", "/out", Container::BroadcastWave, "/out/a.WAV");
+    row("suffix of the input", "/in/a.Mov", "/out", Container::AsInput, "/out/a.Mov");
+    row("dots in the name stay", "/in/A001.take1.wav", "/out", Container::BroadcastWave,
+        "/out/A001.take1.WAV");
+    row("dots in the folder", "/in.x/a", "/o.y", Container::Mxf, "/o.y/a.MXF");
+    row("percent signs", "/in/take %2.mov", "/100%1", Container::Mxf, "/100%1/take %2.MXF");
+    row("blanks and dashes", "/in/-i a .mov", "/o u t", Container::Mxf, "/o u t/-i a .MXF");
+    row("unicode", QString::fromUtf8("/in/\u00fcbung.mov"), "/out", Container::Mxf,
+        QString::fromUtf8("/out/\u00fcbung.MXF"));
 }
 
 void TestOutputName::theOutputIsNamedAfterTheInput()
@@ -90,10 +84,10 @@ void TestOutputName::takenNamesAreCountedUp_data()
     QTest::addColumn<QStringList>("taken");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("one") << QStringList{"/o/clip.MOV"} << "/o/clip_1.MOV";
-    QTest::newRow("three") << QStringList{"/o/clip.MOV", "/o/clip_1.MOV", "/o/clip_2.MOV"} << "/o/clip_3.MOV";
-    QTest::newRow("a gap is filled") << QStringList{"/o/clip.MOV", "/o/clip_2.MOV"} << "/o/clip_1.MOV";
-    QTest::newRow("numbers alone take nothing") << QStringList{"/o/clip_1.MOV"} << "/o/clip.MOV";
+    row("one", QStringList{"/o/clip.MOV"}, "/o/clip_1.MOV");
+    row("three", QStringList{"/o/clip.MOV", "/o/clip_1.MOV", "/o/clip_2.MOV"}, "/o/clip_3.MOV");
+    row("a gap is filled", QStringList{"/o/clip.MOV", "/o/clip_2.MOV"}, "/o/clip_1.MOV");
+    row("numbers alone take nothing", QStringList{"/o/clip_1.MOV"}, "/o/clip.MOV");
 }
 
 void TestOutputName::takenNamesAreCountedUp()

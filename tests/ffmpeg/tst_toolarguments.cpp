@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ffmpeg/toolarguments.h"
+#include "testkit/fixtures/row.h"
 
 #include <QDir>
 #include <QTest>
@@ -34,13 +35,13 @@ void TestToolArguments::extractionStopsAfterThreeSeconds_data()
 
     const QStringList whole{"-i", "/in.mov"};
     const QStringList cut{"-ss", "0", "-i", "/in.mov", "-t", "3"};
-    QTest::newRow("nothing known of the duration") << 0.0 << whole;
-    QTest::newRow("2.9 s is taken whole") << 2.9 << whole;
-    QTest::newRow("2.999 s is taken whole") << 2.999 << whole;
-    QTest::newRow("3.0 s is cut") << 3.0 << cut;
-    QTest::newRow("an hour is cut") << 3600.0 << cut;
-    QTest::newRow("a nonsense duration is cut") << 1e300 << cut;
-    QTest::newRow("no number is taken whole") << std::numeric_limits<double>::quiet_NaN() << whole;
+    row("nothing known of the duration", 0.0, whole);
+    row("2.9 s is taken whole", 2.9, whole);
+    row("2.999 s is taken whole", 2.999, whole);
+    row("3.0 s is cut", 3.0, cut);
+    row("an hour is cut", 3600.0, cut);
+    row("a nonsense duration is cut", 1e300, cut);
+    row("no number is taken whole", std::numeric_limits<double>::quiet_NaN(), whole);
 }
 
 void TestToolArguments::extractionStopsAfterThreeSeconds()
@@ -61,15 +62,13 @@ void TestToolArguments::everyAudioStreamBecomesAFileOfItsOwn_data()
     QTest::addColumn<QStringList>("outputs");
 
     const QString target = QStringLiteral("/t") + QDir::separator();
-    QTest::newRow("no audio") << QByteArray() << QStringList();
-    QTest::newRow("streams 1 and 2 of row 4")
-        << QByteArray("\1\2")
-        << QStringList{"-map", "0:1", target + "clip_1_4.wav", "-map", "0:2", target + "clip_2_4.wav"};
-    QTest::newRow("stream 0, as in WAV files")
-        << QByteArray("\0", 1) << QStringList{"-map", "0:0", target + "clip_0_4.wav"};
-    QTest::newRow("more streams than a signed byte counts")
-        << QByteArray("\x80\xFF") << QStringList{"-map", "0:128", target + "clip_128_4.wav",
-                                                 "-map", "0:255", target + "clip_255_4.wav"};
+    row("no audio", QByteArray(), QStringList());
+    row("streams 1 and 2 of row 4", QByteArray("\1\2"),
+        QStringList{"-map", "0:1", target + "clip_1_4.wav", "-map", "0:2", target + "clip_2_4.wav"});
+    row("stream 0, as in WAV files", QByteArray("\0", 1),
+        QStringList{"-map", "0:0", target + "clip_0_4.wav"});
+    row("more streams than a signed byte counts", QByteArray("\x80\xFF"),
+        QStringList{"-map", "0:128", target + "clip_128_4.wav", "-map", "0:255", target + "clip_255_4.wav"});
 }
 
 void TestToolArguments::everyAudioStreamBecomesAFileOfItsOwn()
@@ -92,18 +91,13 @@ void TestToolArguments::extractedFilesAreNamedAfterFileStreamAndRow_data()
     QTest::addColumn<QString>("fileName");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("up to the first dot") << "A001.take1.wav"
-                                         << "A001_7_12.wav";
-    QTest::newRow("without a dot") << "A001"
-                                   << "A001_7_12.wav";
-    QTest::newRow("numbers and underscores of its own") << "A_1_2.wav"
-                                                        << "A_1_2_7_12.wav";
-    QTest::newRow("percent signs") << "take %2 %%.mov"
-                                   << "take %2 %%_7_12.wav";
-    QTest::newRow("leading dash") << "-y.mov"
-                                  << "-y_7_12.wav";
-    QTest::newRow("unicode") << QString::fromUtf8("Aufnahme \u00e4\U0001F3AC.mov")
-                             << QString::fromUtf8("Aufnahme \u00e4\U0001F3AC_7_12.wav");
+    row("up to the first dot", "A001.take1.wav", "A001_7_12.wav");
+    row("without a dot", "A001", "A001_7_12.wav");
+    row("numbers and underscores of its own", "A_1_2.wav", "A_1_2_7_12.wav");
+    row("percent signs", "take %2 %%.mov", "take %2 %%_7_12.wav");
+    row("leading dash", "-y.mov", "-y_7_12.wav");
+    row("unicode", QString::fromUtf8("Aufnahme \u00e4\U0001F3AC.mov"),
+        QString::fromUtf8("Aufnahme \u00e4\U0001F3AC_7_12.wav"));
 }
 
 void TestToolArguments::extractedFilesAreNamedAfterFileStreamAndRow()

@@ -2,10 +2,10 @@
 #include "app/records/recordtypes.h"
 #include "ffmpeg/ffmpeghandler.h"
 #include "ltc/ltchandler.h"
-#include "tests/fakes/faketools.h"
-#include "tests/ffmpeg/samplerecords.h"
-#include "tests/support/longwait.h"
-#include "tests/support/ownprocesses.h"
+#include "testkit/faketools/faketools.h"
+#include "testkit/fixtures/longwait.h"
+#include "testkit/fixtures/ownprocesses.h"
+#include "testkit/fixtures/samplerecords.h"
 
 #include <QDir>
 #include <QFile>

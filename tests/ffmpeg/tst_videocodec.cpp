@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ffmpeg/videocodec.h"
+#include "testkit/fixtures/row.h"
 
 #include <QTest>
 
@@ -28,19 +29,19 @@ void TestVideoCodec::theFrameRateIsCutToWholeFrames_data()
     QTest::addColumn<QJsonValue>("rate");
     QTest::addColumn<int>("expected");
 
-    QTest::newRow("24000/1001 is 23") << QJsonValue("24000/1001") << 23;
-    QTest::newRow("30000/1001 is 29") << QJsonValue("30000/1001") << 29;
-    QTest::newRow("25/1 is 25") << QJsonValue("25/1") << 25;
-    QTest::newRow("50/1 is 50") << QJsonValue("50/1") << 50;
-    QTest::newRow("60000/1001 is 59") << QJsonValue("60000/1001") << 59;
-    QTest::newRow("no fraction") << QJsonValue("25") << 0;
-    QTest::newRow("denominator 0") << QJsonValue("0/0") << 0;
-    QTest::newRow("denominator below 0") << QJsonValue("-2147483648/-1") << 0;
-    QTest::newRow("no numbers") << QJsonValue("a/b") << 0;
-    QTest::newRow("beyond 32 bits") << QJsonValue("99999999999/1") << 0;
-    QTest::newRow("more than a fraction") << QJsonValue("24/1/2") << 0;
-    QTest::newRow("blanks") << QJsonValue(" 25/1") << 0;
-    QTest::newRow("missing") << QJsonValue(QJsonValue::Undefined) << 0;
+    row("24000/1001 is 23", QJsonValue("24000/1001"), 23);
+    row("30000/1001 is 29", QJsonValue("30000/1001"), 29);
+    row("25/1 is 25", QJsonValue("25/1"), 25);
+    row("50/1 is 50", QJsonValue("50/1"), 50);
+    row("60000/1001 is 59", QJsonValue("60000/1001"), 59);
+    row("no fraction", QJsonValue("25"), 0);
+    row("denominator 0", QJsonValue("0/0"), 0);
+    row("denominator below 0", QJsonValue("-2147483648/-1"), 0);
+    row("no numbers", QJsonValue("a/b"), 0);
+    row("beyond 32 bits", QJsonValue("99999999999/1"), 0);
+    row("more than a fraction", QJsonValue("24/1/2"), 0);
+    row("blanks", QJsonValue(" 25/1"), 0);
+    row("missing", QJsonValue(QJsonValue::Undefined), 0);
 }
 
 void TestVideoCodec::theFrameRateIsCutToWholeFrames()
@@ -62,70 +63,22 @@ void TestVideoCodec::dnxhdFamiliesFollowTheFrameRate_data()
     const QList<int> small{2, 6};
     const QList<int> medium{3, 7};
     const QList<int> large{4, 8};
-    QTest::newRow("36/45 at 23.976") << small << "24000/1001"
-                                     << "36M"
-                                     << "yuv422p"
-                                     << "24000/1001" << 36e6F;
-    QTest::newRow("36/45 at 23.98") << small << "2398/100"
-                                    << "36M"
-                                    << "yuv422p"
-                                    << "24000/1001" << 36e6F;
-    QTest::newRow("36/45 at 24") << small << "24/1"
-                                 << "36M"
-                                 << "yuv422p"
-                                 << "24/1" << 36e6F;
-    QTest::newRow("36/45 at 25") << small << "25/1"
-                                 << "36M"
-                                 << "yuv422p"
-                                 << "25/1" << 36e6F;
-    QTest::newRow("36/45 at 29.97") << small << "30000/1001"
-                                    << "45M"
-                                    << "yuv422p"
-                                    << "30000/1001" << 45e6F;
-    QTest::newRow("36/45 at 30") << small << "30/1"
-                                 << "45M"
-                                 << "yuv422p"
-                                 << "30/1" << 45e6F;
-    QTest::newRow("115 at 23.976") << medium << "24000/1001"
-                                   << "115M"
-                                   << "yuv422p"
-                                   << "24000/1001" << 115e6F;
-    QTest::newRow("115 at 24") << medium << "24/1"
-                               << "115M"
-                               << "yuv422p"
-                               << "24/1" << 115e6F;
-    QTest::newRow("120 at 25") << medium << "25/1"
-                               << "120M"
-                               << "yuv422p"
-                               << "25/1" << 120e6F;
-    QTest::newRow("145 at 29.97") << medium << "30000/1001"
-                                  << "145M"
-                                  << "yuv422p"
-                                  << "30000/1001" << 145e6F;
-    QTest::newRow("145 at 30") << medium << "30/1"
-                               << "145M"
-                               << "yuv422p"
-                               << "30/1" << 145e6F;
-    QTest::newRow("175x at 23.976") << large << "24000/1001"
-                                    << "175M"
-                                    << "yuv422p10"
-                                    << "24000/1001" << 175e6F;
-    QTest::newRow("175x at 24") << large << "24/1"
-                                << "175M"
-                                << "yuv422p10"
-                                << "24/1" << 175e6F;
-    QTest::newRow("185x at 25, rate as written by the source") << large << "50/2"
-                                                               << "185M"
-                                                               << "yuv422p10"
-                                                               << "50/2" << 185e6F;
-    QTest::newRow("220 at 29.97 stays 8 bit") << large << "30000/1001"
-                                              << "220M"
-                                              << "yuv422p"
-                                              << "30000/1001" << 220e6F;
-    QTest::newRow("220 at 30 stays 8 bit") << large << "30/1"
-                                           << "220M"
-                                           << "yuv422p"
-                                           << "30/1" << 220e6F;
+    row("36/45 at 23.976", small, "24000/1001", "36M", "yuv422p", "24000/1001", 36e6F);
+    row("36/45 at 23.98", small, "2398/100", "36M", "yuv422p", "24000/1001", 36e6F);
+    row("36/45 at 24", small, "24/1", "36M", "yuv422p", "24/1", 36e6F);
+    row("36/45 at 25", small, "25/1", "36M", "yuv422p", "25/1", 36e6F);
+    row("36/45 at 29.97", small, "30000/1001", "45M", "yuv422p", "30000/1001", 45e6F);
+    row("36/45 at 30", small, "30/1", "45M", "yuv422p", "30/1", 45e6F);
+    row("115 at 23.976", medium, "24000/1001", "115M", "yuv422p", "24000/1001", 115e6F);
+    row("115 at 24", medium, "24/1", "115M", "yuv422p", "24/1", 115e6F);
+    row("120 at 25", medium, "25/1", "120M", "yuv422p", "25/1", 120e6F);
+    row("145 at 29.97", medium, "30000/1001", "145M", "yuv422p", "30000/1001", 145e6F);
+    row("145 at 30", medium, "30/1", "145M", "yuv422p", "30/1", 145e6F);
+    row("175x at 23.976", large, "24000/1001", "175M", "yuv422p10", "24000/1001", 175e6F);
+    row("175x at 24", large, "24/1", "175M", "yuv422p10", "24/1", 175e6F);
+    row("185x at 25, rate as written by the source", large, "50/2", "185M", "yuv422p10", "50/2", 185e6F);
+    row("220 at 29.97 stays 8 bit", large, "30000/1001", "220M", "yuv422p", "30000/1001", 220e6F);
+    row("220 at 30 stays 8 bit", large, "30/1", "220M", "yuv422p", "30/1", 220e6F);
 }
 
 void TestVideoCodec::dnxhdFamiliesFollowTheFrameRate()
@@ -152,12 +105,12 @@ void TestVideoCodec::ratesWithoutADnxhdFamilyAreLeftToTheTool_data()
     QTest::addColumn<int>("videoType");
     QTest::addColumn<float>("estimate"); // [bit/s]
 
-    QTest::newRow("MXF 36/45 has no estimate") << 2 << 0.0F;
-    QTest::newRow("MXF 115/120/145") << 3 << 120e6F;
-    QTest::newRow("MXF 175x/185x/220") << 4 << 185e6F;
-    QTest::newRow("QuickTime 36/45") << 6 << 36e6F;
-    QTest::newRow("QuickTime 115/120/145") << 7 << 120e6F;
-    QTest::newRow("QuickTime 175x/185x/220") << 8 << 185e6F;
+    row("MXF 36/45 has no estimate", 2, 0.0F);
+    row("MXF 115/120/145", 3, 120e6F);
+    row("MXF 175x/185x/220", 4, 185e6F);
+    row("QuickTime 36/45", 6, 36e6F);
+    row("QuickTime 115/120/145", 7, 120e6F);
+    row("QuickTime 175x/185x/220", 8, 185e6F);
 }
 
 void TestVideoCodec::ratesWithoutADnxhdFamilyAreLeftToTheTool()
@@ -178,8 +131,8 @@ void TestVideoCodec::ratesWithoutADnxhdFamilyAreLeftToTheTool()
 void TestVideoCodec::passThroughCopiesThePicture_data()
 {
     QTest::addColumn<int>("videoType");
-    QTest::newRow("into the container of the input") << 0;
-    QTest::newRow("into QuickTime") << 5;
+    row("into the container of the input", 0);
+    row("into QuickTime", 5);
 }
 
 void TestVideoCodec::passThroughCopiesThePicture()
@@ -202,8 +155,8 @@ void TestVideoCodec::mpeg2IsWrittenAtFiftyMegabit()
 void TestVideoCodec::unknownTypesChooseNothing_data()
 {
     QTest::addColumn<int>("videoType");
-    QTest::newRow("below") << -1;
-    QTest::newRow("above") << 9;
+    row("below", -1);
+    row("above", 9);
 }
 
 void TestVideoCodec::unknownTypesChooseNothing()

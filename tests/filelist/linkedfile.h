@@ -3,6 +3,9 @@
 
 #include "app/records/filedata.h"
 
+#include <QFile>
+#include <QFileInfo>
+
 /// Records with what the linking of siblings looks at, for its tests.
 namespace linkedfile
 {
@@ -21,6 +24,16 @@ inline FileData file(const QString &suffix, double duration, const QDateTime &mo
     record.duration = duration;
     record.lastModified = modified;
     return record;
+}
+
+/// Makes the empty file \a path, modified \a secondsLater after noon().
+inline QFileInfo empty(const QString &path, int secondsLater)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) ||
+        !file.setFileTime(noon().addSecs(secondsLater), QFileDevice::FileModificationTime))
+        qFatal("cannot write %s", qPrintable(path));
+    return QFileInfo(path);
 }
 
 } // namespace linkedfile

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "app/records/recordtypes.h"
 #include "filelist/filelist.h"
+#include "testkit/windowdriver/dropon.h"
+#include "tests/filelist/linkedfile.h"
 
 #include <QDir>
-#include <QDropEvent>
 #include <QFile>
-#include <QMimeData>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -36,14 +36,6 @@ FileData probed(double duration)
                       QJsonObject{{"codec_type", "audio"}, {"channel_layout", "mono"}}};
     return record;
 }
-
-/// Its drop handler is called by its name, as the desktop's drag has no part in these tests.
-class OpenFileList : public FileList
-{
-public:
-    using FileList::dropEvent;
-    using FileList::FileList;
-};
 
 } // namespace
 
@@ -84,7 +76,7 @@ private:
     FileData record(int row) const;
 
     std::unique_ptr<QTemporaryDir> folder;
-    std::unique_ptr<OpenFileList> list;
+    std::unique_ptr<FileList> list;
 };
 
 void TestFileListTimecode::initTestCase()
@@ -95,11 +87,8 @@ void TestFileListTimecode::initTestCase()
 void TestFileListTimecode::init()
 {
     folder = std::make_unique<QTemporaryDir>();
-    list = std::make_unique<OpenFileList>(nullptr);
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(folder->path())});
-    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    list->dropEvent(&drop);
+    list = std::make_unique<FileList>(nullptr);
+    dropOn(*list, {folder->path()});
 }
 
 void TestFileListTimecode::cleanup()
@@ -110,13 +99,8 @@ void TestFileListTimecode::cleanup()
 
 int TestFileListTimecode::add(const QString &name, double duration, int secondsLater)
 {
-    QFile file(folder->filePath(name));
-    if (!file.open(QIODevice::WriteOnly))
-        qFatal("cannot write %s", qPrintable(name));
-    const QDateTime noon(QDate(2024, 5, 4), QTime(12, 0));
-    file.setFileTime(noon.addSecs(secondsLater), QFileDevice::FileModificationTime);
-    file.close();
-    list->addItemToTable(QFileInfo(file));
+    const QFileInfo file = linkedfile::empty(folder->filePath(name), secondsLater);
+    list->addItemToTable(file);
     const int row = list->rowCount() - 1;
     list->onFFProbeResult(probed(duration), row, 0);
     return row;

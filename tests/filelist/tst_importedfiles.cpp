@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "filelist/importedfiles.h"
+#include "testkit/fixtures/row.h"
+#include "tests/filelist/linkedfile.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -91,13 +93,8 @@ void TestImportedFiles::init()
 
 int TestImportedFiles::add(const QString &name, double duration, int secondsLater)
 {
-    QFile file(folder->filePath(name));
-    if (!file.open(QIODevice::WriteOnly))
-        qFatal("cannot write %s", qPrintable(name));
-    const QDateTime noon(QDate(2024, 5, 4), QTime(12, 0));
-    file.setFileTime(noon.addSecs(secondsLater), QFileDevice::FileModificationTime);
-    file.close();
-    const int row = files->add(QFileInfo(file));
+    const QFileInfo file = linkedfile::empty(folder->filePath(name), secondsLater);
+    const int row = files->add(file);
     files->takeProbe(probed(duration), row, 0);
     return row;
 }
@@ -122,9 +119,9 @@ void TestImportedFiles::aProbeReportsItsChanges_data()
     QTest::addColumn<int>("exitCode");
     QTest::addColumn<QString>("changes");
     QTest::addColumn<bool>("hasFileTC");
-    QTest::newRow("with a timecode") << "10:00:00:00" << 0 << "row 0: file TC, duration" << true;
-    QTest::newRow("without one") << "" << 0 << "row 0: file TC, duration" << false;
-    QTest::newRow("failed") << "" << 1000 << "row 0: file TC, audio TC" << false;
+    row("with a timecode", "10:00:00:00", 0, "row 0: file TC, duration", true);
+    row("without one", "", 0, "row 0: file TC, duration", false);
+    row("failed", "", 1000, "row 0: file TC, audio TC", false);
 }
 
 void TestImportedFiles::aProbeReportsItsChanges()
@@ -148,18 +145,12 @@ void TestImportedFiles::aReadingReportsItsChanges_data()
     QTest::addColumn<QString>("changes");
     QTest::addColumn<QString>("state");
     // The rows 0 to 2 are siblings, 1 has a timecode. Row 3 has none.
-    QTest::newRow("found, with siblings") << 0 << found << "row 0: audio TC; linked 1 2"
-                                          << "found";
-    QTest::newRow("found, in the middle") << 1 << found << "row 1: audio TC; linked 0 2"
-                                          << "found";
-    QTest::newRow("found, alone") << 3 << found << "row 3: audio TC"
-                                  << "found";
-    QTest::newRow("not found, alone") << 3 << notFound << "row 3: audio TC"
-                                      << "not found";
-    QTest::newRow("not found, with a source") << 2 << notFound << "row 2: audio TC"
-                                              << "linked";
-    QTest::newRow("failed") << 0 << 202 << "row 0: audio TC"
-                            << "read failed";
+    row("found, with siblings", 0, found, "row 0: audio TC; linked 1 2", "found");
+    row("found, in the middle", 1, found, "row 1: audio TC; linked 0 2", "found");
+    row("found, alone", 3, found, "row 3: audio TC", "found");
+    row("not found, alone", 3, notFound, "row 3: audio TC", "not found");
+    row("not found, with a source", 2, notFound, "row 2: audio TC", "linked");
+    row("failed", 0, 202, "row 0: audio TC", "read failed");
 }
 
 void TestImportedFiles::aReadingReportsItsChanges()
@@ -180,9 +171,9 @@ void TestImportedFiles::aReadingReportsItsChanges()
 void TestImportedFiles::resultsWithoutARowChangeNothing_data()
 {
     QTest::addColumn<int>("row");
-    QTest::newRow("the row behind the last") << 1;
-    QTest::newRow("before the first") << -1;
-    QTest::newRow("a late one") << 0;
+    row("the row behind the last", 1);
+    row("before the first", -1);
+    row("a late one", 0);
 }
 
 void TestImportedFiles::resultsWithoutARowChangeNothing()
@@ -202,11 +193,11 @@ void TestImportedFiles::timecodesReachTheSiblingsOnly_data()
     QTest::addColumn<double>("duration");
     QTest::addColumn<int>("secondsLater");
     QTest::addColumn<bool>("reached");
-    QTest::newRow("a sibling") << "b.WAV" << 10.04 << 0 << true;
-    QTest::newRow("a longer one") << "b.wav" << 10.05 << 0 << false;
-    QTest::newRow("one of another time") << "b.wav" << 10.0 << 1 << false;
-    QTest::newRow("a picture file") << "b.mov" << 10.0 << 0 << false;
-    QTest::newRow("one of no duration") << "b.wav" << noNumber << 0 << false;
+    row("a sibling", "b.WAV", 10.04, 0, true);
+    row("a longer one", "b.wav", 10.05, 0, false);
+    row("one of another time", "b.wav", 10.0, 1, false);
+    row("a picture file", "b.mov", 10.0, 0, false);
+    row("one of no duration", "b.wav", noNumber, 0, false);
 }
 
 void TestImportedFiles::timecodesReachTheSiblingsOnly()

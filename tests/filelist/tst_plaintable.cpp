@@ -6,10 +6,10 @@
 #include "filelist/filelist.h"
 #include "filelist/linking.h"
 #include "ltc/readererrors.h"
+#include "testkit/windowdriver/dropon.h"
+#include "tests/filelist/linkedfile.h"
 
-#include <QDropEvent>
 #include <QFile>
-#include <QMimeData>
 #include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -104,14 +104,6 @@ private:
     }
 };
 
-/// Its drop handler is called by its name, as the desktop's drag has no part in these tests.
-class OpenFileList : public FileList
-{
-public:
-    using FileList::dropEvent;
-    using FileList::FileList;
-};
-
 /// Everything in a record that the table can change, as text.
 QString textOf(const FileData &record)
 {
@@ -148,7 +140,7 @@ private:
 
     std::unique_ptr<QRandomGenerator> random;
     std::unique_ptr<QTemporaryDir> folder;
-    std::unique_ptr<OpenFileList> table;
+    std::unique_ptr<FileList> table;
     PlainTable plain;
 };
 
@@ -164,13 +156,10 @@ void TestPlainTable::whateverHappensBothTablesTellTheSame()
     QFETCH(uint, seed);
     random = std::make_unique<QRandomGenerator>(seed);
     folder = std::make_unique<QTemporaryDir>();
-    table = std::make_unique<OpenFileList>(nullptr);
+    table = std::make_unique<FileList>(nullptr);
     plain = {};
     table->show();
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(folder->path())});
-    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    table->dropEvent(&drop);
+    dropOn(*table, {folder->path()});
     table->importReady();
 
     constexpr int steps = 250;
@@ -189,16 +178,12 @@ void TestPlainTable::whateverHappensBothTablesTellTheSame()
 void TestPlainTable::addFile()
 {
     static const QStringList suffixes{"wav", "wav", "WAV", "mov"};
-    QFile file(
-        folder->filePath(QString("take%1.%2").arg(random->generate()).arg(suffixes.at(random->bounded(4)))));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    const QDateTime noon(QDate(2024, 5, 4), QTime(12, 0));
-    QVERIFY(file.setFileTime(noon.addSecs(random->bounded(2)), QFileDevice::FileModificationTime));
-    file.close();
-    table->addItemToTable(QFileInfo(file));
+    const QString name = QString("take%1.%2").arg(random->generate()).arg(suffixes.at(random->bounded(4)));
+    const QFileInfo file = linkedfile::empty(folder->filePath(name), random->bounded(2));
+    table->addItemToTable(file);
     PlainRow row;
-    row.record.suffix = QFileInfo(file).suffix();
-    row.record.lastModified = QFileInfo(file).lastModified();
+    row.record.suffix = file.suffix();
+    row.record.lastModified = file.lastModified();
     row.record.streams = {QJsonObject()};
     plain.rows += row;
 }

@@ -5,7 +5,7 @@
 // Input: five choices of an export, the stream that was read, then the JSON text.
 
 #include "filelist/celltexts.h"
-#include "tests/ffmpeg/samplerecords.h"
+#include "testkit/fixtures/samplerecords.h"
 #include "tests/fuzz/exportpromises.h"
 
 #include <QJsonDocument>

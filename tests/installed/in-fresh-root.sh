@@ -25,16 +25,16 @@ quietly apt-get -q -y install --no-install-recommends \
 useradd --create-home --shell /bin/bash dit
 install -o dit -d /home/dit/check
 install -o dit "$given"/ostrel-demo "$given"/ostrel_dragsource /home/dit/check
-cp -r tests /home/dit/check
+cp -r tests testkit /home/dit/check
 
 as_dit() { su - dit -c "$1"; }
 echo "== The demo, with the installed tools"
 as_dit "export PATH=$programs:\$PATH LC_ALL=C.UTF-8
-    check/tests/support/with-display.sh check/ostrel-demo demo" | tail -n 20
+    check/testkit/windowdriver/with-display.sh check/ostrel-demo demo" | tail -n 20
 echo "== The installed program on a screen, as a person uses it"
 as_dit "export QT_QPA_PLATFORM=xcb QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 QT_XCB_GL_INTEGRATION=none LC_ALL=C.UTF-8
     export OSTREL_PROGRAM=/usr/bin/ostrel-timecode-tool OSTREL_DRAG_SOURCE=\$PWD/check/ostrel_dragsource
-    check/tests/support/with-display.sh dbus-run-session -- check/tests/installed/test_installed.py \$PWD/demo"
+    check/testkit/windowdriver/with-display.sh dbus-run-session -- check/tests/installed/test_installed.py \$PWD/demo"
 
 echo "== Taking the package away"
 quietly apt-get -q -y purge ostrel-timecode-tool

@@ -5,9 +5,9 @@
 #include "ltc/readerarguments.h"
 #include "ltcreader/commandline.h"
 #include "ltcreader/report.h"
-#include "tests/ffmpeg/samplerecords.h"
-#include "tests/support/ltcsignal.h"
-#include "tests/support/wavfile.h"
+#include "testkit/fixtures/samplerecords.h"
+#include "testkit/signals/ltcsignal.h"
+#include "testkit/signals/wavfile.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -2,7 +2,7 @@
 #include "app/records/recordtypes.h"
 #include "ltc/audiotcwindow.h"
 #include "ltc/readerarguments.h"
-#include "tests/window/dialogbench.h"
+#include "testkit/fixtures/dialogfixture.h"
 
 #include <QBoxLayout>
 #include <QComboBox>

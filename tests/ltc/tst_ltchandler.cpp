@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ltc/ltchandler.h"
-#include "tests/fakes/faketools.h"
-#include "tests/support/longwait.h"
+#include "testkit/faketools/faketools.h"
+#include "testkit/fixtures/longwait.h"
 
 #include <QFile>
 #include <QJsonArray>

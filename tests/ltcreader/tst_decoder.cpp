@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/decoder/decoder.h"
-#include "tests/support/biphasemark.h"
-#include "tests/support/impairments.h"
-#include "tests/support/ltcsignal.h"
-#include "tests/support/noise.h"
+#include "testkit/signals/biphasemark.h"
+#include "testkit/signals/impairments.h"
+#include "testkit/signals/ltcsignal.h"
+#include "testkit/signals/noise.h"
 
 #include <QTest>
 

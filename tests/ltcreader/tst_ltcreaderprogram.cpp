@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/ltcsignal.h"
-#include "tests/support/wavfile.h"
+#include "testkit/fixtures/toolrun.h"
+#include "testkit/signals/ltcsignal.h"
+#include "testkit/signals/wavfile.h"
 
 #include <QFile>
 #include <QJsonDocument>
@@ -30,26 +31,11 @@ private slots:
     void anyBytesAreSurvived();
 
 private:
-    struct Answer {
-        int code;
-        QByteArray out;
-        QByteArray err;
-    };
-    static Answer run(const QStringList &arguments);
+    static ToolRun run(const QStringList &arguments) { return runTool("LTCReader.exe", arguments); }
     QString pathOf(const char *name) const { return folder.filePath(name); }
 
     QTemporaryDir folder;
 };
-
-TestLtcReaderProgram::Answer TestLtcReaderProgram::run(const QStringList &arguments)
-{
-    QProcess process;
-    process.start("LTCReader.exe", arguments);
-    if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit) {
-        return {-1, {}, process.errorString().toUtf8()};
-    }
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
-}
 
 void TestLtcReaderProgram::initTestCase()
 {
@@ -78,10 +64,10 @@ void TestLtcReaderProgram::aFileWithTimecodeIsAnsweredInJson_data()
 void TestLtcReaderProgram::aFileWithTimecodeIsAnsweredInJson()
 {
     QFETCH(QStringList, switches);
-    const Answer answer = run(QStringList{pathOf("ltc.wav")} + switches);
-    QCOMPARE(answer.code, 0);
-    QVERIFY(answer.err.isEmpty());
-    const QJsonObject json = QJsonDocument::fromJson(answer.out).object();
+    const ToolRun answer = run(QStringList{pathOf("ltc.wav")} + switches);
+    QCOMPARE(answer.exitCode, 0);
+    QVERIFY(answer.errors.isEmpty());
+    const QJsonObject json = QJsonDocument::fromJson(answer.output).object();
     QCOMPARE(json.value("Timecode").toString(), QString("10:00:00;00"));
     QCOMPARE(json.value("DropFrame"), QJsonValue(true));
     QCOMPARE(json.value("NTSC"), QJsonValue(true));
@@ -114,33 +100,33 @@ void TestLtcReaderProgram::failuresHaveTheirCodeAndOneLine_data()
 void TestLtcReaderProgram::failuresHaveTheirCodeAndOneLine()
 {
     QFETCH(QStringList, arguments);
-    const Answer answer = run(arguments);
-    QTEST(answer.code, "code");
-    QVERIFY(answer.out.isEmpty());
-    QCOMPARE(answer.err.count('\n'), 1);
-    QVERIFY(answer.err.startsWith("LTCReader: ") && answer.err.endsWith('\n'));
+    const ToolRun answer = run(arguments);
+    QTEST(answer.exitCode, "code");
+    QVERIFY(answer.output.isEmpty());
+    QCOMPARE(answer.errors.count('\n'), 1);
+    QVERIFY(answer.errors.startsWith("LTCReader: ") && answer.errors.endsWith('\n'));
 }
 
 void TestLtcReaderProgram::helpAndVersionAreAnswered()
 {
-    const Answer help = run({"--help"});
-    QCOMPARE(help.code, 0);
+    const ToolRun help = run({"--help"});
+    QCOMPARE(help.exitCode, 0);
     for (const char *word : {"-c", "-f", "-a", "-o", "LOW", "MID", "HIGH", "SLOPE", "JSON", "TEXT"}) {
-        QVERIFY2(help.out.contains(word), word);
+        QVERIFY2(help.output.contains(word), word);
     }
-    const Answer version = run({"--version"});
-    QCOMPARE(version.code, 0);
-    QVERIFY(version.out.startsWith("LTCReader 1."));
+    const ToolRun version = run({"--version"});
+    QCOMPARE(version.exitCode, 0);
+    QVERIFY(version.output.startsWith("LTCReader 1."));
 }
 
 void TestLtcReaderProgram::peopleGetText()
 {
-    const Answer answer = run({pathOf("ltc.wav"), "-oTEXT"});
-    QCOMPARE(answer.code, 0);
-    QVERIFY(answer.out.startsWith("Timecode:"));
-    QVERIFY(answer.out.contains("10:00:00;00"));
-    QVERIFY(answer.out.contains("Waveform"));
-    QVERIFY(answer.out.contains("Time between edges"));
+    const ToolRun answer = run({pathOf("ltc.wav"), "-oTEXT"});
+    QCOMPARE(answer.exitCode, 0);
+    QVERIFY(answer.output.startsWith("Timecode:"));
+    QVERIFY(answer.output.contains("10:00:00;00"));
+    QVERIFY(answer.output.contains("Waveform"));
+    QVERIFY(answer.output.contains("Time between edges"));
 }
 
 void TestLtcReaderProgram::peopleAreToldWhyNothingWasFound_data()
@@ -178,11 +164,11 @@ void TestLtcReaderProgram::peopleAreToldWhyNothingWasFound()
 {
     QFETCH(QString, file);
     QFETCH(QString, reason);
-    const Answer answer = run({folder.filePath(file), "-oTEXT"});
-    QCOMPARE(answer.code, 205);
-    QCOMPARE(answer.err.count('\n'), 1);
-    QVERIFY2(answer.out.contains("No timecode: ") && answer.out.contains(reason.toUtf8()),
-             answer.out.constData());
+    const ToolRun answer = run({folder.filePath(file), "-oTEXT"});
+    QCOMPARE(answer.exitCode, 205);
+    QCOMPARE(answer.errors.count('\n'), 1);
+    QVERIFY2(answer.output.contains("No timecode: ") && answer.output.contains(reason.toUtf8()),
+             answer.output.constData());
 }
 
 void TestLtcReaderProgram::whatFfmpegWritesToAPipeIsRead()
@@ -192,9 +178,9 @@ void TestLtcReaderProgram::whatFfmpegWritesToAPipeIsRead()
     ffmpeg.start("ffmpeg", {"-v", "error", "-i", pathOf("ltc.wav"), "-f", "wav", "-"});
     QVERIFY(ffmpeg.waitForFinished(30000));
     QCOMPARE(ffmpeg.exitCode(), 0);
-    const Answer answer = run({pathOf("piped.wav")});
-    QCOMPARE(answer.code, 0);
-    QVERIFY(answer.out.contains("\"Timecode\": \"10:00:00;00\""));
+    const ToolRun answer = run({pathOf("piped.wav")});
+    QCOMPARE(answer.exitCode, 0);
+    QVERIFY(answer.output.contains("\"Timecode\": \"10:00:00;00\""));
 }
 
 void TestLtcReaderProgram::anyBytesAreSurvived()
@@ -213,12 +199,13 @@ void TestLtcReaderProgram::anyBytesAreSurvived()
         QFile file(pathOf("damaged.wav"));
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(damaged) == damaged.size());
         file.close();
-        const Answer answer = run({pathOf("damaged.wav")});
-        QVERIFY2(answer.code == 0 || answer.code == 204 || answer.code == 205,
-                 qPrintable(QString("trial %1: %2 %3").arg(trial).arg(answer.code).arg(QString(answer.err))));
-        QCOMPARE(answer.out.isEmpty(), answer.code != 0);
-        if (answer.code == 0)
-            QVERIFY(QJsonDocument::fromJson(answer.out).isObject());
+        const ToolRun answer = run({pathOf("damaged.wav")});
+        QVERIFY2(answer.exitCode == 0 || answer.exitCode == 204 || answer.exitCode == 205,
+                 qPrintable(
+                     QString("trial %1: %2 %3").arg(trial).arg(answer.exitCode).arg(QString(answer.errors))));
+        QCOMPARE(answer.output.isEmpty(), answer.exitCode != 0);
+        if (answer.exitCode == 0)
+            QVERIFY(QJsonDocument::fromJson(answer.output).isObject());
     }
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/sound/soundfile.h"
-#include "tests/support/wavfile.h"
+#include "testkit/signals/wavfile.h"
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 
-// Plays random sequences in the real window and stops at the first one after which something is wrong.
+// Plays random sequences in the real window and stops at the first one after which something is wrong; or
+// soaks: does the same work again and again.
 
 #include "app/records/recordtypes.h"
+#include "testkit/fixtures/ownprocesses.h"
 #include "tests/monkey/monkey.h"
-#include "tests/support/ownprocesses.h"
+#include "tests/monkey/soak.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -19,6 +21,8 @@ namespace
 constexpr int warmUp = 5;     // sequences until all libraries are loaded
 constexpr int strayFiles = 8; // open for a moment: sockets of the update check
 constexpr int sequencesAReport = 250;
+constexpr qint64 levelMemory = qint64{8} * 1024; // [KiB] that the heap may waver by between rounds
+constexpr int levelFiles = 4;                    // sockets that a library keeps for a moment
 
 /// What Qt warned of, in any thread.
 class Warnings
@@ -53,6 +57,14 @@ void note(QtMsgType type, const QMessageLogContext &, const QString &text)
         warnings().add("Qt warns: " + text);
 }
 
+void report(int count, const char *what, const QElapsedTimer &timer)
+{
+    std::printf("monkey: %d %s in %lld s, %d open files, %lld KiB, %d processes\n", count, what,
+                timer.elapsed() / 1000, ownprocesses::openFiles(), ownprocesses::residentMemory(),
+                static_cast<int>(ownprocesses::children().size()));
+    std::fflush(stdout);
+}
+
 /// Plays the sequence of \a seed; whether all was well.
 bool play(std::uint64_t seed)
 {
@@ -68,6 +80,49 @@ bool play(std::uint64_t seed)
     return false;
 }
 
+/// Plays \a count sequences from \a first on; whether all was well and no files stay open.
+bool playMany(quint64 first, int count)
+{
+    QElapsedTimer timer;
+    timer.start();
+    int openFiles = 0;
+    for (int i = 0; i < count; ++i) {
+        if (!play(first + static_cast<quint64>(i)))
+            return false;
+        if (i == warmUp)
+            openFiles = ownprocesses::openFiles();
+        if (i % sequencesAReport == sequencesAReport - 1)
+            report(i + 1, "sequences", timer);
+    }
+    report(count, "sequences", timer);
+    return openFiles == 0 || ownprocesses::openFiles() <= openFiles + strayFiles;
+}
+
+/// Does the same work \a rounds times; whether all was well and what the process holds stays level from the
+/// second round on. The first fills what is kept on purpose.
+bool soak(int rounds, int files, const QString &name)
+{
+    Soak work(files, name);
+    QElapsedTimer timer;
+    timer.start();
+    qint64 memory = 0;
+    int openFiles = 0;
+    for (int round = 1; round <= rounds; ++round) {
+        const QStringList failures = QStringList{work.round()} + warnings().take();
+        report(round, "rounds", timer);
+        if (failures != QStringList{QString()} || !ownprocesses::children().isEmpty()) {
+            std::printf("  broken: %s\n", qPrintable(failures.join("\n  broken: ")));
+            return false;
+        }
+        if (round == 2) {
+            memory = ownprocesses::residentMemory();
+            openFiles = ownprocesses::openFiles();
+        }
+    }
+    return rounds < 2 || (ownprocesses::residentMemory() <= memory + levelMemory &&
+                          ownprocesses::openFiles() <= openFiles + levelFiles);
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -77,33 +132,15 @@ int main(int argc, char *argv[])
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     const QStringList arguments = QApplication::arguments();
-    bool isNumber[2] = {false, false};
-    const quint64 first = arguments.value(1).toULongLong(&isNumber[0]);
-    const int count = arguments.value(2).toInt(&isNumber[1]);
-    if (arguments.size() != 3 || !isNumber[0] || !isNumber[1] || count < 1) {
-        std::fprintf(stderr, "usage: ostrel_monkey FIRST_SEED COUNT\n");
+    const quint64 first = arguments.value(1).toULongLong();
+    const int count = arguments.value(2).toInt();
+    const int files = arguments.value(3).toInt();
+    const bool soaks = arguments.size() == 5 && arguments.at(1) == "soak" && files > 0;
+    if (count < 1 || (!soaks && (arguments.size() != 3 || first < 1))) {
+        std::fputs("usage: ostrel_monkey FIRST_SEED COUNT | soak ROUNDS FILES NAME\n", stderr);
         return 2;
     }
-
-    QElapsedTimer timer;
-    timer.start();
-    int openFiles = 0;
-    for (int i = 0; i < count; ++i) {
-        if (!play(first + static_cast<quint64>(i)))
-            return 1;
-        if (i == warmUp)
-            openFiles = ownprocesses::openFiles();
-        if (i % sequencesAReport == sequencesAReport - 1) {
-            std::printf("monkey: %d sequences in %lld s, %d open files, %lld KiB\n", i + 1,
-                        timer.elapsed() / 1000, ownprocesses::openFiles(), ownprocesses::residentMemory());
-            std::fflush(stdout);
-        }
-    }
-    if (openFiles > 0 && ownprocesses::openFiles() > openFiles + strayFiles) {
-        std::printf("monkey: %d open files have become %d\n", openFiles, ownprocesses::openFiles());
-        return 1;
-    }
-    std::printf("monkey: %d sequences from seed %llu in %lld s, all well\n", count,
-                static_cast<unsigned long long>(first), timer.elapsed() / 1000);
-    return 0;
+    const bool isWell = soaks ? soak(count, files, arguments.at(4)) : playMany(first, count);
+    std::puts(isWell ? "monkey: all well" : "monkey: something is wrong, or more is held than at first");
+    return isWell ? 0 : 1;
 }

@@ -2,8 +2,8 @@
 #include "tests/monkey/monkey.h"
 
 #include "filelist/filelist.h"
-#include "tests/monkey/moods.h"
-#include "tests/support/ownprocesses.h"
+#include "testkit/faketools/moods.h"
+#include "testkit/fixtures/ownprocesses.h"
 
 #include <QAction>
 #include <QApplication>
@@ -29,15 +29,14 @@ Monkey::Monkey(std::uint64_t seed)
       answers(testsignals::Random::forCase(seed, "answers", 0))
 {
     qputenv("TMPDIR", QFile::encodeName(system.path()));
-    qputenv("OSTREL_MONKEY_SEED", QByteArray::number(static_cast<qulonglong>(seed)));
-    bench = std::make_unique<WindowBench>();
-    fileList = bench->child<FileList>("fileList");
+    qputenv("OSTREL_FAKE_MOODS", QByteArray::number(static_cast<qulonglong>(seed)));
+    fixture = std::make_unique<WindowFixture>();
+    fileList = fixture->child<FileList>("fileList");
     inWorker = std::make_unique<QObject>();
-    inWorker->moveToThread(bench->child<QThread>("workerThread"));
-    exportFolder = bench->exportFolder();
+    inWorker->moveToThread(fixture->child<QThread>("workerThread"));
+    exportFolder = fixture->exportFolder();
     makeMedia();
-    QObject::connect(&answering, &QTimer::timeout, &answering, [this] { answerBoxes(); });
-    answering.start(1);
+    fixture->boxes.answerOthers([this](const QMessageBox &box) { return answerBox(box); });
 }
 
 Monkey::~Monkey()
@@ -63,7 +62,7 @@ void Monkey::makeMedia()
                             "-i.mp4",   "100%1.mts", "x_1_0.mov", "Ton \u00e4.WAV"};
     const QDateTime recorded = QDateTime::currentDateTime().addDays(-1);
     for (const char *card : {"card1", "card2"}) {
-        const QString folder = bench->mediaFolder() + '/' + card;
+        const QString folder = fixture->mediaFolder() + '/' + card;
         QDir().mkpath(folder);
         sourceFolders += folder;
         for (int i = 0; i < names.size(); ++i) {
@@ -79,24 +78,22 @@ void Monkey::makeMedia()
 }
 
 /// Any button of the box in front, at some time.
-void Monkey::answerBoxes()
+QAbstractButton *Monkey::answerBox(const QMessageBox &box)
 {
-    auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-    if (!box || answers.chance(0.7))
-        return;
-    const QList<QAbstractButton *> buttons = box->buttons();
-    if (!buttons.isEmpty())
-        buttons.at(answers.integer(0, static_cast<int>(buttons.size()) - 1))->click();
+    const QList<QAbstractButton *> buttons = box.buttons();
+    return answers.chance(0.7) || buttons.isEmpty()
+               ? nullptr
+               : buttons.at(answers.integer(0, static_cast<int>(buttons.size()) - 1));
 }
 
 QStringList Monkey::play()
 {
     const int count = random.integer(3, mostActions);
-    for (int i = 0; i < count && bench->window->isVisible(); ++i)
+    for (int i = 0; i < count && fixture->window->isVisible(); ++i)
         act();
     log += "settle";
     settle();
-    if (bench->window->isVisible())
+    if (fixture->window->isVisible())
         workAsUsual();
     checkSources();
     checkExports();
@@ -115,7 +112,7 @@ void Monkey::flushWorker()
 
 bool Monkey::isBusy() const
 {
-    const bool exports = !bench->child<QAction>("exportAction")->isEnabled();
+    const bool exports = !fixture->child<QAction>("exportAction")->isEnabled();
     return fileList->pendingWork().isBusy() || exports || !ownprocesses::children().isEmpty() ||
            QApplication::activeModalWidget();
 }
@@ -147,46 +144,47 @@ void Monkey::settle()
     require(!isBusy(), QString("everything ends, but import or reading %1, children %2, status \"%3\"")
                            .arg(fileList->pendingWork().isBusy())
                            .arg(ownprocesses::children().size())
-                           .arg(bench->status()));
+                           .arg(fixture->status()));
     require(fileList->viewport()->cursor().shape() == Qt::ArrowCursor, "the pointer is not busy any more");
 }
 
 /// After all that, one more file goes all the way, and progress counts this file alone.
 void Monkey::workAsUsual()
 {
-    const QString good = addMedia(bench->mediaFolder() + '/' + goodName);
+    const QString good = addMedia(fixture->mediaFolder() + '/' + goodName);
     const bool isEmpty = !fileList->item(0, 1); // or there is only the hint to drop files
     const int row = isEmpty ? 0 : fileList->rowCount();
-    bench->drop({good});
+    fixture->drop({good});
     settle();
     require(fileList->rowCount() == row + 1, "the last file gets a row");
     const QString cell = fileList->item(row, 3) ? fileList->item(row, 3)->text() : "nothing";
     require(cell.startsWith(QString::fromStdString(moods::timecodeOf(good.toStdString()))),
             "the last file shows its timecode, not " + cell);
-    require(bench->status() == "Status: import ready", "the last import is ready, not " + bench->status());
-    require(bench->progressBar->maximum() == 3,
-            QString("the last import counts one file, not %1 units").arg(bench->progressBar->maximum()));
+    require(fixture->status() == "Status: import ready",
+            "the last import is ready, not " + fixture->status());
+    require(fixture->progressBar->maximum() == 3,
+            QString("the last import counts one file, not %1 units").arg(fixture->progressBar->maximum()));
 
     fileList->clearSelection();
     fileList->selectRow(row);
     const QString folder = exportFolder + "/last";
     QDir().mkpath(folder);
-    bench->child<QAction>("exportAction")->trigger();
+    fixture->child<QAction>("exportAction")->trigger();
     const QWidget *dialog = topLevel("exportWindow");
     dialog->findChild<QLineEdit *>("exportDirEdit")->setText(folder);
     dialog->findChild<QComboBox *>("videoTypeCombo")->setCurrentIndex(0);
     dialog->findChild<QPushButton *>("exportButton")->click();
     settle();
-    require(bench->progressBar->maximum() == 1, "the last export counts one file");
+    require(fixture->progressBar->maximum() == 1, "the last export counts one file");
     require(QDir(folder).entryList(QDir::Files) == QStringList{goodName}, "the last file is exported");
     checkExport(folder + '/' + goodName);
 }
 
 void Monkey::closeWindow()
 {
-    if (!bench->window)
+    if (!fixture->window)
         return;
-    answering.stop();
+    fixture->boxes.answerOthers({});
     inWorker.release()->deleteLater(); // with its thread
-    bench->window.reset();
+    fixture->window.reset();
 }

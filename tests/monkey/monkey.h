@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tests/support/random.h"
-#include "tests/window/windowbench.h"
+#include "testkit/fixtures/windowfixture.h"
+#include "testkit/signals/random.h"
 
 #include <QDateTime>
 #include <QHash>
 #include <QStringList>
 #include <QTemporaryDir>
-#include <QTimer>
 
 #include <memory>
 
@@ -37,7 +36,7 @@ private:
     // in monkey.cpp
     void makeMedia();
     QString addMedia(const QString &path);
-    void answerBoxes();
+    QAbstractButton *answerBox(const QMessageBox &box);
     bool isBusy() const;
     void settle();
     void flushWorker();
@@ -71,10 +70,9 @@ private:
     QStringList log;
     QStringList failures;
     QTemporaryDir system; ///< the system's temporary folder of this sequence
-    std::unique_ptr<WindowBench> bench;
+    std::unique_ptr<WindowFixture> fixture;
     FileList *fileList = nullptr;
     std::unique_ptr<QObject> inWorker; ///< lives in the worker's thread
-    QTimer answering;
     QStringList sourceFolders;
     QHash<QString, QByteArray> sources; ///< path and content of all media files
     QString exportFolder;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // What a monkey does with the window.
 #include "filelist/filelist.h"
+#include "testkit/fixtures/ownprocesses.h"
 #include "tests/monkey/monkey.h"
-#include "tests/support/ownprocesses.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -50,7 +50,8 @@ void Monkey::act()
 
 void Monkey::drop()
 {
-    QStringList paths = sourceFolders + QStringList{bench->mediaFolder(), bench->mediaFolder() + "/nothing"};
+    QStringList paths =
+        sourceFolders + QStringList{fixture->mediaFolder(), fixture->mediaFolder() + "/nothing"};
     for (auto source = sources.cbegin(); source != sources.cend(); ++source)
         paths += source.key();
     paths.sort();
@@ -58,7 +59,7 @@ void Monkey::drop()
     for (int i = random.integer(1, 4); i > 0; --i)
         dropped += paths.at(random.integer(0, static_cast<int>(paths.size()) - 1));
     log += "drop " + dropped.join(' ');
-    bench->drop(dropped);
+    fixture->drop(dropped);
 }
 
 void Monkey::select()
@@ -87,13 +88,13 @@ void Monkey::pressDelete()
     if (random.chance(0.5))
         select();
     log += QString("delete, of %1 rows").arg(fileList->rowCount());
-    QTest::keyClick(bench->window.get(), Qt::Key_Delete);
+    QTest::keyClick(fixture->window.get(), Qt::Key_Delete);
     log += QString("%1 rows are left").arg(fileList->rowCount());
 }
 
 void Monkey::readAgain()
 {
-    bench->child<QAction>("readAudioTCAction")->trigger();
+    fixture->child<QAction>("readAudioTCAction")->trigger();
     const QWidget *dialog = topLevel("audioTCWindow");
     const auto combos = dialog->findChildren<QComboBox *>();
     for (QComboBox *combo : combos)
@@ -104,7 +105,7 @@ void Monkey::readAgain()
 
 void Monkey::exportFiles()
 {
-    auto *action = bench->child<QAction>(random.chance(0.7) ? "exportAllAction" : "exportAction");
+    auto *action = fixture->child<QAction>(random.chance(0.7) ? "exportAllAction" : "exportAction");
     const QWidget *dialog = topLevel("exportWindow");
     if (!action->isEnabled())
         return;
@@ -122,10 +123,10 @@ void Monkey::exportFiles()
 
 void Monkey::cancelExport()
 {
-    if (!bench->cancelButton->isVisible())
+    if (!fixture->cancelButton->isVisible())
         return;
     log += "cancel";
-    bench->cancelButton->click();
+    fixture->cancelButton->click();
 }
 
 void Monkey::disturbTool()
@@ -142,9 +143,9 @@ void Monkey::quit()
 {
     log += "quit";
     if (random.chance(0.5))
-        bench->child<QAction>("exitAction")->trigger();
+        fixture->child<QAction>("exitAction")->trigger();
     else
-        bench->window->close();
+        fixture->window->close();
 }
 
 void Monkey::pause(int milliseconds)

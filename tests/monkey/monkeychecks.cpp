@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // What must hold after everything that a monkey has done.
+#include "testkit/faketools/moods.h"
+#include "testkit/fixtures/ownprocesses.h"
 #include "tests/monkey/monkey.h"
-#include "tests/monkey/moods.h"
-#include "tests/support/ownprocesses.h"
 
 #include <QDir>
 #include <QElapsedTimer>

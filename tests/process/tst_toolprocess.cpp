@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "process/qtversion.h"
 #include "process/toolprocess.h"
-#include "tests/fakes/faketools.h"
+#include "testkit/faketools/faketools.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -7,7 +7,7 @@ missing=0
 found=0
 while read -r name; do
     case $name in
-        tst_*) pattern="(ostrel_add_test\\(|NAME )$name\\b" ;;
+        tst_*) pattern="(ostrel_add_(test|monkey)\\(|NAME )$name\\b" ;;
         *) pattern="::$name\\(\\)" ;;
     esac
     if grep -rqE "$pattern" tests --include='tst_*.cpp' --include=CMakeLists.txt; then

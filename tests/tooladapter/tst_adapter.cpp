@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "testkit/fixtures/row.h"
+
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -122,10 +124,8 @@ void TestAdapter::aMissingToolIsNamed_data()
 {
     QTest::addColumn<QString>("called");
     QTest::addColumn<QString>("tool");
-    QTest::newRow("transcoding tool") << "ffmpeg.exe"
-                                      << "ffmpeg";
-    QTest::newRow("probe tool") << "ffprobe.exe"
-                                << "ffprobe";
+    row("transcoding tool", "ffmpeg.exe", "ffmpeg");
+    row("probe tool", "ffprobe.exe", "ffprobe");
 }
 
 void TestAdapter::aMissingToolIsNamed()
@@ -147,25 +147,15 @@ void TestAdapter::theToolTakesOverWhereNothingIsToBeWatched_data()
     QTest::addColumn<QStringList>("environment");
     QTest::addColumn<QStringList>("passedOn");
     const QStringList unknown{"-i", "a b.mov", "-c", "copy", "", "c.mov"};
-    QTest::newRow("an unknown list") << unknown << QStringList() << unknown;
-    QTest::newRow("no argument") << QStringList() << QStringList() << QStringList();
-    QTest::newRow("corrections switched off")
-        << exportList() << QStringList{"OSTREL_TOOL_ADAPTER=off"} << exportList();
-    QTest::newRow("extraction") << QStringList{"-y",     "-guess_layout_max",
-                                               "0",      "-ss",
-                                               "0",      "-i",
-                                               "in.mov", "-t",
-                                               "3",      "-map",
-                                               "0:1",    "a.wav",
-                                               "-map",   "0:2",
-                                               "b.wav"}
-                                << QStringList() << QStringList{"-y",     "-guess_layout_max",
-                                                                "0",      "-t",
-                                                                "3",      "-i",
-                                                                "in.mov", "-map",
-                                                                "0:1",    "a.wav",
-                                                                "-map",   "0:2",
-                                                                "b.wav"};
+    row("an unknown list", unknown, QStringList(), unknown);
+    row("no argument", QStringList(), QStringList(), QStringList());
+    row("corrections switched off", exportList(), QStringList{"OSTREL_TOOL_ADAPTER=off"}, exportList());
+    row("extraction",
+        QStringList{"-y", "-guess_layout_max", "0", "-ss", "0", "-i", "in.mov", "-t", "3", "-map", "0:1",
+                    "a.wav", "-map", "0:2", "b.wav"},
+        QStringList(),
+        QStringList{"-y", "-guess_layout_max", "0", "-t", "3", "-i", "in.mov", "-map", "0:1", "a.wav", "-map",
+                    "0:2", "b.wav"});
 }
 
 void TestAdapter::theToolTakesOverWhereNothingIsToBeWatched()
@@ -223,21 +213,20 @@ void TestAdapter::whatIsLeftOfAFailureIsSetAside_data()
 {
     QTest::addColumn<QByteArray>("ffmpeg");
     QTest::addColumn<QStringList>("left"); // files in the folder
-    QTest::newRow("the tool fails") << QByteArray("#!/bin/sh\necho half >out.MOV\nexit 1\n")
-                                    << QStringList{"out.MOV.incomplete"};
-    QTest::newRow("the tool is killed")
-        << QByteArray("#!/bin/sh\necho half >out.MOV\nkill -KILL $$\n") << QStringList{"out.MOV.incomplete"};
-    QTest::newRow("the written file is not complete")
-        << QByteArray("#!/bin/sh\necho half >out.MOV\n") << QStringList{"out.MOV.incomplete"};
-    QTest::newRow("nothing was written") << QByteArray("#!/bin/sh\nexit 1\n") << QStringList();
-    QTest::newRow("what is left of an earlier one gives way")
-        << QByteArray("#!/bin/sh\necho old >out.MOV.incomplete\necho half >out.MOV\nexit 1\n")
-        << QStringList{"out.MOV.incomplete"};
-    QTest::newRow("a folder has the name")
-        << QByteArray("#!/bin/sh\nmkdir out.MOV\nexit 1\n") << QStringList{"out.MOV"};
-    QTest::newRow("a folder has the name that it is to get")
-        << QByteArray("#!/bin/sh\nmkdir out.MOV.incomplete\necho half >out.MOV\nexit 1\n")
-        << QStringList{"out.MOV", "out.MOV.incomplete"};
+    row("the tool fails", QByteArray("#!/bin/sh\necho half >out.MOV\nexit 1\n"),
+        QStringList{"out.MOV.incomplete"});
+    row("the tool is killed", QByteArray("#!/bin/sh\necho half >out.MOV\nkill -KILL $$\n"),
+        QStringList{"out.MOV.incomplete"});
+    row("the written file is not complete", QByteArray("#!/bin/sh\necho half >out.MOV\n"),
+        QStringList{"out.MOV.incomplete"});
+    row("nothing was written", QByteArray("#!/bin/sh\nexit 1\n"), QStringList());
+    row("what is left of an earlier one gives way",
+        QByteArray("#!/bin/sh\necho old >out.MOV.incomplete\necho half >out.MOV\nexit 1\n"),
+        QStringList{"out.MOV.incomplete"});
+    row("a folder has the name", QByteArray("#!/bin/sh\nmkdir out.MOV\nexit 1\n"), QStringList{"out.MOV"});
+    row("a folder has the name that it is to get",
+        QByteArray("#!/bin/sh\nmkdir out.MOV.incomplete\necho half >out.MOV\nexit 1\n"),
+        QStringList{"out.MOV", "out.MOV.incomplete"});
 }
 
 void TestAdapter::whatIsLeftOfAFailureIsSetAside()
@@ -261,15 +250,12 @@ void TestAdapter::theWrittenFileIsProbedOnce_data()
     QTest::addColumn<int>("exitCode");
     QTest::addColumn<QByteArray>("probed");
     const QString known = "OSTREL_SOURCE=index=0\ncodec_type=video\navg_frame_rate=25/1\nduration=";
-    QTest::newRow("complete") << known + "5.0"
-                              << "out.MOV" << 0 << QByteArray("out.MOV\n");
-    QTest::newRow("incomplete") << known + "6.0"
-                                << "out.MOV" << 2 << QByteArray("out.MOV\n");
-    QTest::newRow("a source that the application does not know")
-        << "OSTREL_SOURCE="
-        << "out.MOV" << 0 << QByteArray("in.mov\nout.MOV\n");
-    QTest::newRow("a note that MXF holds as a comment") << known + "5.0\n[FORMAT]\nTAG:title=..."
-                                                        << "out.MXF" << 0 << QByteArray("in.mov\nout.MXF\n");
+    row("complete", known + "5.0", "out.MOV", 0, QByteArray("out.MOV\n"));
+    row("incomplete", known + "6.0", "out.MOV", 2, QByteArray("out.MOV\n"));
+    row("a source that the application does not know", "OSTREL_SOURCE=", "out.MOV", 0,
+        QByteArray("in.mov\nout.MOV\n"));
+    row("a note that MXF holds as a comment", known + "5.0\n[FORMAT]\nTAG:title=...", "out.MXF", 0,
+        QByteArray("in.mov\nout.MXF\n"));
 }
 
 void TestAdapter::theWrittenFileIsProbedOnce()
@@ -343,12 +329,10 @@ void TestAdapter::killingTheAdapterKillsTheTool_data()
     constexpr auto hangs = "echo $$ > tool.part; mv tool.part tool; exec sleep 600\n";
     QTest::addColumn<QByteArray>("ffprobe");
     QTest::addColumn<QByteArray>("ffmpeg");
-    QTest::newRow("while it looks at the source")
-        << QByteArray("#!/bin/sh\n") + hangs << QByteArray("#!/bin/sh\n");
-    QTest::newRow("while the tool works") << QByteArray(completeFile) << QByteArray("#!/bin/sh\n") + hangs;
-    QTest::newRow("while it looks at the written file")
-        << QByteArray(completeFile) + "test -e done || exit 0\n" + hangs
-        << QByteArray("#!/bin/sh\ntouch done\n");
+    row("while it looks at the source", QByteArray("#!/bin/sh\n") + hangs, QByteArray("#!/bin/sh\n"));
+    row("while the tool works", QByteArray(completeFile), QByteArray("#!/bin/sh\n") + hangs);
+    row("while it looks at the written file", QByteArray(completeFile) + "test -e done || exit 0\n" + hangs,
+        QByteArray("#!/bin/sh\ntouch done\n"));
 }
 
 void TestAdapter::killingTheAdapterKillsTheTool()

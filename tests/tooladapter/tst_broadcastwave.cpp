@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "testkit/fixtures/toolrun.h"
 #include "tests/tooladapter/chunks/wavebytes.h"
 #include "tooladapter/chunks/keptchunks.h"
 
@@ -6,7 +7,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -20,8 +20,7 @@ Q_DECLARE_METATYPE(std::string)
 namespace
 {
 
-constexpr int limit = 60 * 1000; // [ms]
-constexpr int frames = 4801;     // odd, so that some sounds have an odd length
+constexpr int frames = 4801; // odd, so that some sounds have an odd length
 constexpr quint64 newStart = 1'747'000'123;
 
 /// The bytes of \a frames samples of each of the \a channels, all different.
@@ -102,7 +101,7 @@ Chunks others()
 Q_DECLARE_METATYPE(Recording)
 
 /// Real exports of a field recorder's files: what arrives, read back by other programs.
-class TestBroadcastWave : public QObject
+class TestBroadcastWave : public QObject, private ToolFolder
 {
     Q_OBJECT
 
@@ -120,31 +119,15 @@ private slots:
     void aFullDiskIsAFailure();
 
 private:
-    int run(const QString &program, const QStringList &arguments);
     void store(const std::string &content);
     std::string written() const;
     int exportRecording(const QString &codec, const QStringList &mapping, const QStringList &metadata);
     void compareMetadata();
     void comparePlayable();
 
-    QTemporaryDir folder;
-    QByteArray output;
-    QString errors;
     QStringList timecode{"-metadata", QString("time_reference=%1").arg(newStart), "-metadata",
                          "comment=sSPEED=029.970-DF"};
 };
-
-int TestBroadcastWave::run(const QString &program, const QStringList &arguments)
-{
-    QProcess process;
-    process.setWorkingDirectory(folder.path());
-    process.start(program, arguments);
-    process.closeWriteChannel();
-    const bool ended = process.waitForFinished(limit) && process.exitStatus() == QProcess::NormalExit;
-    output = process.readAllStandardOutput();
-    errors = QString::fromUtf8(process.readAllStandardError());
-    return ended ? process.exitCode() : -1;
-}
 
 void TestBroadcastWave::store(const std::string &content)
 {

@@ -2,12 +2,12 @@
 #include "app/records/recordtypes.h"
 #include "control/maincontrol.h"
 #include "control/probedrecord.h"
+#include "testkit/fixtures/toolrun.h"
 #include "tests/tooladapter/processes.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonDocument>
-#include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -38,11 +38,8 @@ constexpr int limit = 60 * 1000; // [ms]
 
 QByteArray TestCancelledExports::outputOf(const QString &tool, const QStringList &arguments) const
 {
-    QProcess process;
-    process.setWorkingDirectory(folder.path());
-    process.start(tool, arguments);
-    const bool succeeded = process.waitForFinished(limit) && process.exitCode() == 0;
-    return succeeded ? process.readAllStandardOutput() : QByteArray("failed");
+    const ToolRun run = runTool(tool, arguments, QProcessEnvironment::systemEnvironment(), folder.path());
+    return run.exitCode == 0 ? run.output : QByteArray("failed");
 }
 
 void TestCancelledExports::initTestCase()

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "testkit/fixtures/row.h"
+#include "testkit/fixtures/toolrun.h"
 #include "tests/tooladapter/processes.h"
 #include "tooladapter/rules/source.h"
 
@@ -34,7 +36,7 @@ QStringList coded()
 } // namespace
 
 /// The program as a whole with the real tools, where things go wrong.
-class TestRealExports : public QObject
+class TestRealExports : public QObject, private ToolFolder
 {
     Q_OBJECT
 
@@ -66,8 +68,6 @@ private slots:
     void killingAnExportLeavesNoProcess();
 
 private:
-    /// Runs \a program in the test's folder and returns its exit code, -1 where it does not end by itself.
-    int run(const QString &program, const QStringList &arguments);
     int exportFile(const QString &source, const QStringList &picture, const QString &target);
     double durationOf(const QString &name);
     int framesOf(const QString &name);
@@ -75,23 +75,7 @@ private:
     QByteArray fieldOrderOf(const QString &name);
     double silenceBefore(const QString &name);
     void describe(const QString &source);
-
-    QTemporaryDir folder;
-    QByteArray output;
-    QString errors;
 };
-
-int TestRealExports::run(const QString &program, const QStringList &arguments)
-{
-    QProcess process;
-    process.setWorkingDirectory(folder.path());
-    process.start(program, arguments);
-    process.closeWriteChannel();
-    const bool ended = process.waitForFinished(limit) && process.exitStatus() == QProcess::NormalExit;
-    output = process.readAllStandardOutput();
-    errors = QString::fromUtf8(process.readAllStandardError());
-    return ended ? process.exitCode() : -1;
-}
 
 int TestRealExports::exportFile(const QString &source, const QStringList &picture, const QString &target)
 {
@@ -181,8 +165,8 @@ void TestRealExports::aSourceThatBreaksOffIsAFailure_data()
 {
     QTest::addColumn<QStringList>("picture");
     QTest::addColumn<QString>("target");
-    QTest::newRow("copied to QuickTime") << copied() << "out.MOV";
-    QTest::newRow("coded to MXF") << coded() << "out.MXF";
+    row("copied to QuickTime", copied(), "out.MOV");
+    row("coded to MXF", coded(), "out.MXF");
 }
 
 void TestRealExports::aSourceThatBreaksOffIsAFailure()
@@ -199,10 +183,10 @@ void TestRealExports::aFullDiskIsAFailure_data()
     QTest::addColumn<QStringList>("picture");
     QTest::addColumn<QString>("target");
     QTest::addColumn<bool>("atTheEnd");
-    QTest::newRow("half-way, copied to QuickTime") << copied() << "out.MOV" << false;
-    QTest::newRow("in the last kilobytes, copied to QuickTime") << copied() << "out.MOV" << true;
-    QTest::newRow("half-way, coded to MXF") << coded() << "out.MXF" << false;
-    QTest::newRow("in the last kilobytes, coded to MXF") << coded() << "out.MXF" << true;
+    row("half-way, copied to QuickTime", copied(), "out.MOV", false);
+    row("in the last kilobytes, copied to QuickTime", copied(), "out.MOV", true);
+    row("half-way, coded to MXF", coded(), "out.MXF", false);
+    row("in the last kilobytes, coded to MXF", coded(), "out.MXF", true);
 }
 
 void TestRealExports::aFullDiskIsAFailure()
@@ -226,9 +210,9 @@ void TestRealExports::aFullDiskIsAFailure()
 void TestRealExports::filesInOddFoldersAreWritten_data()
 {
     QTest::addColumn<QString>("target");
-    QTest::newRow("begins with a dash") << "-x";
-    QTest::newRow("looks like a protocol") << "a:b";
-    QTest::newRow("percent, blank and quote") << "100%d 'x'";
+    row("begins with a dash", "-x");
+    row("looks like a protocol", "a:b");
+    row("percent, blank and quote", "100%d 'x'");
 }
 
 void TestRealExports::filesInOddFoldersAreWritten()
@@ -245,13 +229,14 @@ void TestRealExports::aFileThatIsCutIsAFailure_data()
     QTest::addColumn<QString>("target");
     const QStringList timecode{"-timecode", "10:11:12:13", "-r", "25"};
     const QStringList dnxhd{"-vcodec", "dnxhd", "-b:v", "36M", "-pix_fmt", "yuv422p", "-s", "1920x1080"};
-    QTest::newRow("copied to QuickTime") << copied() + timecode << "cut.MOV";
-    QTest::newRow("MPEG-2 in MXF, whose index comes last") << coded() + timecode << "cut.MXF";
-    QTest::newRow("DNxHD in MXF, whose index comes first") << dnxhd + timecode << "cut.MXF";
-    QTest::newRow("sound alone") << QStringList{"-map", "0:1", "-acodec", "pcm_s16le"} << "cut.MOV";
-    QTest::newRow("WAV") << QStringList{"-write_bext", "1",   "-metadata", "time_reference=1760232000",
-                                        "-map",        "0:1", "-acodec",   "pcm_s16le"}
-                         << "cut.WAV";
+    row("copied to QuickTime", copied() + timecode, "cut.MOV");
+    row("MPEG-2 in MXF, whose index comes last", coded() + timecode, "cut.MXF");
+    row("DNxHD in MXF, whose index comes first", dnxhd + timecode, "cut.MXF");
+    row("sound alone", QStringList{"-map", "0:1", "-acodec", "pcm_s16le"}, "cut.MOV");
+    row("WAV",
+        QStringList{"-write_bext", "1", "-metadata", "time_reference=1760232000", "-map", "0:1", "-acodec",
+                    "pcm_s16le"},
+        "cut.WAV");
 }
 
 void TestRealExports::aFileThatIsCutIsAFailure()
@@ -294,15 +279,11 @@ void TestRealExports::aFileThatCannotBeMadeIsAFailure_data()
 {
     QTest::addColumn<QString>("target");
     QTest::addColumn<QString>("reason");
-    QTest::newRow("name of 256 bytes") << QString(252, 'x') + ".MOV"
-                                       << "File name too long";
-    QTest::newRow("name of 255 letters in 259 bytes")
-        << QString(251, 'x').replace(0, 4, "\u00dc\u00dc\u00dc\u00dc") + ".MOV"
-        << "File name too long";
-    QTest::newRow("the folder has gone") << "gone/clip.MOV"
-                                         << "No such file or directory";
-    QTest::newRow("a folder has the name") << "folder.MOV"
-                                           << "Is a directory";
+    row("name of 256 bytes", QString(252, 'x') + ".MOV", "File name too long");
+    row("name of 255 letters in 259 bytes",
+        QString(251, 'x').replace(0, 4, "\u00dc\u00dc\u00dc\u00dc") + ".MOV", "File name too long");
+    row("the folder has gone", "gone/clip.MOV", "No such file or directory");
+    row("a folder has the name", "folder.MOV", "Is a directory");
 }
 
 void TestRealExports::aFileThatCannotBeMadeIsAFailure()
@@ -329,8 +310,8 @@ void TestRealExports::soundThatBeginsLateKeepsItsPlace_data()
 {
     QTest::addColumn<QString>("source");
     QTest::addColumn<double>("delay"); // [s] of the sound
-    QTest::newRow("QuickTime") << "late.mov" << 0.4;
-    QTest::newRow("transport stream") << "late.mts" << 0.09;
+    row("QuickTime", "late.mov", 0.4);
+    row("transport stream", "late.mts", 0.09);
 }
 
 void TestRealExports::soundThatBeginsLateKeepsItsPlace()
@@ -360,8 +341,8 @@ void TestRealExports::soundThatBeginsLateKeepsItsPlace()
 void TestRealExports::soundThatEndsEarlyCostsNoFrame_data()
 {
     QTest::addColumn<double>("end"); // [s] of the sound; the picture ends after 2 s
-    QTest::newRow("by two frames") << 1.91;
-    QTest::newRow("by a second") << 1.0;
+    row("by two frames", 1.91);
+    row("by a second", 1.0);
 }
 
 void TestRealExports::soundThatEndsEarlyCostsNoFrame()
@@ -380,27 +361,13 @@ void TestRealExports::aCircleStaysACircle_data()
     QTest::addColumn<QString>("size");
     QTest::addColumn<QString>("pixelAspect"); // width/height
     QTest::addColumn<QString>("rotation");    // [degrees]
-    QTest::newRow("16:9") << "640x360"
-                          << "1"
-                          << "0";
-    QTest::newRow("4:3") << "640x480"
-                         << "1"
-                         << "0";
-    QTest::newRow("wider than 16:9") << "1024x540"
-                                     << "1"
-                                     << "0";
-    QTest::newRow("portrait") << "360x640"
-                              << "1"
-                              << "0";
-    QTest::newRow("turned by a tag") << "640x360"
-                                     << "1"
-                                     << "90";
-    QTest::newRow("PAL 4:3") << "720x576"
-                             << "16/15"
-                             << "0";
-    QTest::newRow("PAL 16:9") << "720x576"
-                              << "64/45"
-                              << "0";
+    row("16:9", "640x360", "1", "0");
+    row("4:3", "640x480", "1", "0");
+    row("wider than 16:9", "1024x540", "1", "0");
+    row("portrait", "360x640", "1", "0");
+    row("turned by a tag", "640x360", "1", "90");
+    row("PAL 4:3", "720x576", "16/15", "0");
+    row("PAL 16:9", "720x576", "64/45", "0");
 }
 
 void TestRealExports::aCircleStaysACircle()
@@ -445,8 +412,8 @@ void TestRealExports::copiedFieldsKeepTheirOrder_data()
 {
     QTest::addColumn<QString>("first"); // field
     QTest::addColumn<QByteArray>("order");
-    QTest::newRow("top field first") << "tff=1" << QByteArray("tb");
-    QTest::newRow("bottom field first") << "bff=1" << QByteArray("bt");
+    row("top field first", "tff=1", QByteArray("tb"));
+    row("bottom field first", "bff=1", QByteArray("bt"));
 }
 
 void TestRealExports::copiedFieldsKeepTheirOrder()
@@ -468,12 +435,9 @@ void TestRealExports::codedFieldsAreNotedInQuickTime_data()
     QTest::addColumn<QByteArray>("order");
     const QStringList known{"-vcodec", "dnxhd", "-b:v", "120M", "-pix_fmt", "yuv422p", "-s", "1920x1080"};
     const QStringList unknown{"-vcodec", "dnxhd", "-b:v", "36M", "-pix_fmt", "yuv422p", "-s", "1920x1080"};
-    QTest::newRow("top field first") << "tff=1"
-                                     << "top" << known << QByteArray("tb");
-    QTest::newRow("bottom field first") << "bff=1"
-                                        << "bottom" << known << QByteArray("bt");
-    QTest::newRow("a profile without fields") << "tff=1"
-                                              << "none" << unknown << QByteArray("unknown");
+    row("top field first", "tff=1", "top", known, QByteArray("tb"));
+    row("bottom field first", "bff=1", "bottom", known, QByteArray("bt"));
+    row("a profile without fields", "tff=1", "none", unknown, QByteArray("unknown"));
 }
 
 void TestRealExports::codedFieldsAreNotedInQuickTime()

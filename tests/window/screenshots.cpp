@@ -5,8 +5,8 @@
 
 #include "app/applicationattributes.h"
 #include "app/records/recordtypes.h"
-#include "tests/fakes/faketools.h"
-#include "tests/window/windowbench.h"
+#include "testkit/faketools/faketools.h"
+#include "testkit/fixtures/windowfixture.h"
 
 #include <QAction>
 #include <QApplication>
@@ -100,12 +100,12 @@ QJsonObject reading(const Recording &recording)
 }
 
 /// Writes the files of the day; sound recorders stamp the parts of one take with one time.
-QStringList writeRecordings(WindowBench &bench)
+QStringList writeRecordings(WindowFixture &fixture)
 {
     const QDateTime take(QDate(2024, 5, 4), QTime(10, 13, 52));
     QStringList paths;
     for (const Recording &recording : recordings) {
-        const QString path = bench.addFile(recording.name);
+        const QString path = fixture.addFile(recording.name);
         QFile file(path);
         if (!file.open(QIODevice::ReadWrite) || !file.setFileTime(take, QFileDevice::FileModificationTime))
             qFatal("cannot stamp %s", recording.name);
@@ -129,57 +129,57 @@ public:
     }
 
     /// Answers the next message box with \a button after its picture was taken.
-    void takeBox(WindowBench &bench, const QString &name, QMessageBox::StandardButton button) const
+    void takeBox(WindowFixture &fixture, const QString &name, QMessageBox::StandardButton button) const
     {
-        bench.boxes.answerNext(button, [this, name] { take(QApplication::activeModalWidget(), name); });
+        fixture.boxes.answerNext(button, [this, name] { take(QApplication::activeModalWidget(), name); });
     }
 
 private:
     QString folder;
 };
 
-void takeDialogs(WindowBench &bench, const Camera &camera)
+void takeDialogs(WindowFixture &fixture, const Camera &camera)
 {
-    bench.child<QAction>("exportAllAction")->trigger();
+    fixture.child<QAction>("exportAllAction")->trigger();
     QWidget *exportWindow = topLevel("exportWindow");
     exportWindow->findChild<QLineEdit *>("exportDirEdit")->setText("/media/day 1/export");
     camera.take(exportWindow, "export-dialog");
     exportWindow->findChild<QPushButton *>("exportButton")->click();
     camera.take(exportWindow, "export-dialog-error");
     exportWindow->close();
-    bench.child<QAction>("readAudioTCAction")->trigger();
+    fixture.child<QAction>("readAudioTCAction")->trigger();
     camera.take(topLevel("audioTCWindow"), "reading-dialog");
     topLevel("audioTCWindow")->close();
 }
 
-void takeBoxes(WindowBench &bench, const Camera &camera)
+void takeBoxes(WindowFixture &fixture, const Camera &camera)
 {
-    camera.takeBox(bench, "about", QMessageBox::Ok);
-    bench.child<QAction>("aboutAction")->trigger();
-    camera.takeBox(bench, "new-version", QMessageBox::Ok);
-    QMetaObject::invokeMethod(bench.window.get(), "versionInfoCheck", Q_ARG(uint, 2), Q_ARG(uint, 0),
+    camera.takeBox(fixture, "about", QMessageBox::Ok);
+    fixture.child<QAction>("aboutAction")->trigger();
+    camera.takeBox(fixture, "new-version", QMessageBox::Ok);
+    QMetaObject::invokeMethod(fixture.window.get(), "versionInfoCheck", Q_ARG(uint, 2), Q_ARG(uint, 0),
                               Q_ARG(QString, "Reads everything."),
                               Q_ARG(QUrl, QUrl("http://www.example.com/tool")));
 
-    bench.beginExport();
-    QMetaObject::invokeMethod(bench.window.get(), "statusProgressUpdate", Q_ARG(int, 20), Q_ARG(int, 60),
+    fixture.beginExport();
+    QMetaObject::invokeMethod(fixture.window.get(), "statusProgressUpdate", Q_ARG(int, 20), Q_ARG(int, 60),
                               Q_ARG(QString, "exporting files..."));
-    camera.take(bench.window.get(), "exporting");
-    camera.takeBox(bench, "cancel", QMessageBox::No);
-    bench.cancelButton->click();
-    camera.takeBox(bench, "quit", QMessageBox::No);
-    bench.child<QAction>("exitAction")->trigger();
-    camera.takeBox(bench, "export-failures", QMessageBox::Ok);
-    bench.endExport(2, {"A001.mov", "A002.mov", "A003.mov", "A004.mov", "A005.mov"});
-    camera.takeBox(bench, "export-done", QMessageBox::Ok);
-    bench.endExport(0);
+    camera.take(fixture.window.get(), "exporting");
+    camera.takeBox(fixture, "cancel", QMessageBox::No);
+    fixture.cancelButton->click();
+    camera.takeBox(fixture, "quit", QMessageBox::No);
+    fixture.child<QAction>("exitAction")->trigger();
+    camera.takeBox(fixture, "export-failures", QMessageBox::Ok);
+    fixture.endExport(2, {"A001.mov", "A002.mov", "A003.mov", "A004.mov", "A005.mov"});
+    camera.takeBox(fixture, "export-done", QMessageBox::Ok);
+    fixture.endExport(0);
 }
 
-void takeMissingTools(WindowBench &bench, const Camera &camera)
+void takeMissingTools(WindowFixture &fixture, const Camera &camera)
 {
     qputenv("PATH", "/nowhere");
-    bench.window->reportMissingTools();
-    camera.take(bench.window->findChild<QMessageBox *>(), "missing-tools");
+    fixture.window->reportMissingTools();
+    camera.take(fixture.window->findChild<QMessageBox *>(), "missing-tools");
 }
 
 } // namespace
@@ -199,16 +199,16 @@ int main(int argc, char *argv[])
     qApp->setStyleSheet("QMessageBox { messagebox-text-interaction-flags: 5; }");
 
     const Camera camera(QString::fromLocal8Bit(argv[1]));
-    WindowBench bench;
-    camera.take(bench.window.get(), "empty");
-    bench.drop(writeRecordings(bench));
-    if (!QTest::qWaitFor([&bench] { return bench.status() == "Status: import ready"; }, longWait))
+    WindowFixture fixture;
+    camera.take(fixture.window.get(), "empty");
+    fixture.drop(writeRecordings(fixture));
+    if (!QTest::qWaitFor([&fixture] { return fixture.status() == "Status: import ready"; }, longWait))
         qFatal("the import does not end");
-    bench.fileList->selectRow(1);
-    emit bench.fileList->cellClicked(1, 0);
-    camera.take(bench.window.get(), "imported");
-    takeDialogs(bench, camera);
-    takeBoxes(bench, camera);
-    takeMissingTools(bench, camera);
+    fixture.fileList->selectRow(1);
+    emit fixture.fileList->cellClicked(1, 0);
+    camera.take(fixture.window.get(), "imported");
+    takeDialogs(fixture, camera);
+    takeBoxes(fixture, camera);
+    takeMissingTools(fixture, camera);
     return 0;
 }

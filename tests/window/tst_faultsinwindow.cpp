@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/records/recordtypes.h"
-#include "tests/fakes/faketools.h"
-#include "tests/window/windowbench.h"
+#include "testkit/faketools/faketools.h"
+#include "testkit/fixtures/windowfixture.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -41,18 +41,18 @@ bool workerEndsImportUnseen()
     return !hasTemporaryFolder();
 }
 
-void readAllAgain(const WindowBench &bench)
+void readAllAgain(const WindowFixture &fixture)
 {
-    bench.child<QAction>("readAudioTCAction")->trigger();
+    fixture.child<QAction>("readAudioTCAction")->trigger();
     const QWidget *dialog = topLevel("audioTCWindow");
     dialog->findChild<QComboBox *>("filesCombo")->setCurrentText("all files");
     dialog->findChild<QPushButton *>("readAudioTCButton")->click();
 }
 
-void tryToDeleteAll(const WindowBench &bench)
+void tryToDeleteAll(const WindowFixture &fixture)
 {
-    bench.fileList->selectAll();
-    QTest::keyClick(bench.fileList, Qt::Key_Delete);
+    fixture.fileList->selectAll();
+    QTest::keyClick(fixture.fileList, Qt::Key_Delete);
 }
 
 } // namespace
@@ -71,84 +71,84 @@ private slots:
 
 void TestFaultsInWindow::aDropAtTheEndOfAnImportKeepsItsRows()
 {
-    WindowBench bench;
-    const QString first = bench.addFile("a.mov");
-    const QString second = bench.addFile("b.mov");
+    WindowFixture fixture;
+    const QString first = fixture.addFile("a.mov");
+    const QString second = fixture.addFile("b.mov");
     faketools::setPlan(first, waiting("read", "gate"));
     faketools::setPlan(second, waiting("probe", "gate2"));
-    bench.drop({first});
+    fixture.drop({first});
     QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(first, "read").size(), 1, longWait);
     QVERIFY(hasTemporaryFolder());
-    faketools::openGate(bench.media + "/gate");
+    faketools::openGate(fixture.media + "/gate");
     QVERIFY(workerEndsImportUnseen());
-    bench.drop({second}); // before the end of the first import is heard of
+    fixture.drop({second}); // before the end of the first import is heard of
     QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(second, "probe").size(), 1, longWait);
 
-    tryToDeleteAll(bench);
-    QCOMPARE(bench.fileList->rowCount(), 2); // the probe's result would find no row, or another file's
-    faketools::openGate(bench.media + "/gate2");
-    QTRY_VERIFY_WITH_TIMEOUT(bench.column(3).value(1).startsWith("10:00:00:00@"), longWait);
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), longWait);
-    tryToDeleteAll(bench);
-    QCOMPARE(bench.fileList->rowCount(), 0);
+    tryToDeleteAll(fixture);
+    QCOMPARE(fixture.fileList->rowCount(), 2); // the probe's result would find no row, or another file's
+    faketools::openGate(fixture.media + "/gate2");
+    QTRY_VERIFY_WITH_TIMEOUT(fixture.column(3).value(1).startsWith("10:00:00:00@"), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture.status(), QString("Status: import ready"), longWait);
+    tryToDeleteAll(fixture);
+    QCOMPARE(fixture.fileList->rowCount(), 0);
 }
 
 void TestFaultsInWindow::aDropThatWaitsForAFailedReadingKeepsItsRows()
 {
-    WindowBench bench;
-    const QString first = bench.addFile("a.mov");
-    const QString second = bench.addFile("b.mov");
-    bench.drop({first});
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), longWait);
+    WindowFixture fixture;
+    const QString first = fixture.addFile("a.mov");
+    const QString second = fixture.addFile("b.mov");
+    fixture.drop({first});
+    QTRY_COMPARE_WITH_TIMEOUT(fixture.status(), QString("Status: import ready"), longWait);
     faketools::setPlan(first, {{"extract", QJsonObject{{"waitFor", "gate"}, {"exitCode", 1}}}});
     faketools::setPlan(second, waiting("probe", "gate2"));
-    readAllAgain(bench);
+    readAllAgain(fixture);
     QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(first, "extract").size(), 2, longWait);
-    bench.drop({second});
-    faketools::openGate(bench.media + "/gate"); // the reading fails, and ends like an import
+    fixture.drop({second});
+    faketools::openGate(fixture.media + "/gate"); // the reading fails, and ends like an import
     QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(second, "probe").size(), 1, longWait);
 
-    tryToDeleteAll(bench);
-    QCOMPARE(bench.fileList->rowCount(), 2);
-    faketools::openGate(bench.media + "/gate2");
-    QTRY_VERIFY_WITH_TIMEOUT(bench.column(3).value(1).startsWith("10:00:00:00@"), longWait);
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), longWait);
-    tryToDeleteAll(bench);
-    QCOMPARE(bench.fileList->rowCount(), 0);
+    tryToDeleteAll(fixture);
+    QCOMPARE(fixture.fileList->rowCount(), 2);
+    faketools::openGate(fixture.media + "/gate2");
+    QTRY_VERIFY_WITH_TIMEOUT(fixture.column(3).value(1).startsWith("10:00:00:00@"), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture.status(), QString("Status: import ready"), longWait);
+    tryToDeleteAll(fixture);
+    QCOMPARE(fixture.fileList->rowCount(), 0);
 }
 
 void TestFaultsInWindow::aSecondExportIsNotOfferedWhileTheFirstIsOnItsWay()
 {
-    WindowBench bench;
-    bench.addFile("a.mov");
-    QVERIFY(bench.import());
-    const auto *exportAll = bench.child<QAction>("exportAllAction");
+    WindowFixture fixture;
+    fixture.addFile("a.mov");
+    QVERIFY(fixture.import());
+    const auto *exportAll = fixture.child<QAction>("exportAllAction");
     QSemaphore workerMayGoOn;
     auto *inWorker = new QObject;
-    inWorker->moveToThread(bench.child<QThread>("workerThread"));
-    connect(bench.child<QThread>("workerThread"), &QThread::finished, inWorker, &QObject::deleteLater);
+    inWorker->moveToThread(fixture.child<QThread>("workerThread"));
+    connect(fixture.child<QThread>("workerThread"), &QThread::finished, inWorker, &QObject::deleteLater);
     QMetaObject::invokeMethod(inWorker, [&workerMayGoOn] { workerMayGoOn.acquire(); });
 
-    bench.startExport();
+    fixture.startExport();
     const bool isOffered = exportAll->isEnabled();
     workerMayGoOn.release();
     QVERIFY2(!isOffered, "both would write the same files and count as one");
-    bench.boxes.answerNext(QMessageBox::Ok);
+    fixture.boxes.answerNext(QMessageBox::Ok);
     QTRY_VERIFY_WITH_TIMEOUT(exportAll->isEnabled(), longWait);
-    QCOMPARE(bench.exportedFiles(), QStringList{"a.mov"});
-    tryToDeleteAll(bench);
-    bench.startExport(); // of nothing, which never starts
+    QCOMPARE(fixture.exportedFiles(), QStringList{"a.mov"});
+    tryToDeleteAll(fixture);
+    fixture.startExport(); // of nothing, which never starts
     QVERIFY(exportAll->isEnabled());
 }
 
 void TestFaultsInWindow::aNameThatIsNoTextGetsARow()
 {
-    WindowBench bench;
-    const QByteArray name = QFile::encodeName(bench.media) + "/Caf\xE9.mov"; // in Latin-1
+    WindowFixture fixture;
+    const QByteArray name = QFile::encodeName(fixture.media) + "/Caf\xE9.mov"; // in Latin-1
     QVERIFY(std::ofstream(name.constData()));
-    QVERIFY(bench.import());
-    QCOMPARE(bench.column(0), QStringList{QString("Caf%1.mov").arg(QChar(QChar::ReplacementCharacter))});
-    QCOMPARE(bench.column(3), QStringList{"error while reading file data"});
+    QVERIFY(fixture.import());
+    QCOMPARE(fixture.column(0), QStringList{QString("Caf%1.mov").arg(QChar(QChar::ReplacementCharacter))});
+    QCOMPARE(fixture.column(3), QStringList{"error while reading file data"});
     QCOMPARE(std::remove(name.constData()), 0); // the toolkit could not
 }
 

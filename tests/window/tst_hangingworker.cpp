@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/records/recordtypes.h"
-#include "tests/window/windowbench.h"
+#include "testkit/fixtures/windowfixture.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -31,8 +31,8 @@ void TestHangingWorker::aWorkerThatHangsDoesNotKeepTheWindow()
 #ifdef __SANITIZE_ADDRESS__
     QSKIP("the address sanitizer takes the stack of a terminated thread for a fault");
 #endif
-    auto bench = std::make_unique<WindowBench>();
-    auto *worker = bench->window->findChild<QThread *>("workerThread");
+    auto fixture = std::make_unique<WindowFixture>();
+    auto *worker = fixture->window->findChild<QThread *>("workerThread");
     QVERIFY(worker && worker->isRunning());
     QAtomicInt hangs = 0;
     auto *inWorker = new QObject;
@@ -44,7 +44,7 @@ void TestHangingWorker::aWorkerThatHangsDoesNotKeepTheWindow()
     QTRY_COMPARE_WITH_TIMEOUT(hangs.loadAcquire(), 1, longWait);
     QElapsedTimer timer;
     timer.start();
-    bench.reset();
+    fixture.reset();
     QVERIFY2(timer.elapsed() >= 5000, "the worker is given five seconds");
     QVERIFY2(timer.elapsed() < longWait, "and no more");
 }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/records/recordtypes.h"
 #include "filelist/filelist.h"
-#include "tests/fakes/faketools.h"
-#include "tests/window/windowbench.h"
+#include "testkit/faketools/faketools.h"
+#include "testkit/fixtures/windowfixture.h"
 
 #include <QAction>
 #include <QApplication>
@@ -34,9 +34,10 @@ void progress(MainWindow &window, int current, int all, const QString &text)
     call(window, "statusProgressUpdate", Q_ARG(int, current), Q_ARG(int, all), Q_ARG(QString, text));
 }
 
-bool showsPointer(const WindowBench &bench, Qt::CursorShape shape)
+bool showsPointer(const WindowFixture &fixture, Qt::CursorShape shape)
 {
-    return bench.fileList->cursor().shape() == shape && bench.fileList->viewport()->cursor().shape() == shape;
+    return fixture.fileList->cursor().shape() == shape &&
+           fixture.fileList->viewport()->cursor().shape() == shape;
 }
 
 QJsonObject plan(const char *job, const QJsonObject &part)
@@ -44,9 +45,9 @@ QJsonObject plan(const char *job, const QJsonObject &part)
     return {{job, part}};
 }
 
-void readAllAgain(const WindowBench &bench)
+void readAllAgain(const WindowFixture &fixture)
 {
-    bench.child<QAction>("readAudioTCAction")->trigger();
+    fixture.child<QAction>("readAudioTCAction")->trigger();
     const QWidget *dialog = topLevel("audioTCWindow");
     dialog->findChild<QComboBox *>("filesCombo")->setCurrentText("all files");
     dialog->findChild<QPushButton *>("readAudioTCButton")->click();
@@ -90,187 +91,188 @@ void TestMainWindow::initTestCase()
 
 void TestMainWindow::progressIsShown()
 {
-    const WindowBench bench;
-    progress(*bench.window, 4, 30, "importing files...");
-    QCOMPARE(bench.progressBar->minimum(), 0);
-    QCOMPARE(bench.progressBar->maximum(), 30);
-    QCOMPARE(bench.progressBar->value(), 4);
-    QCOMPARE(bench.status(), QString("Status: importing files..."));
+    const WindowFixture fixture;
+    progress(*fixture.window, 4, 30, "importing files...");
+    QCOMPARE(fixture.progressBar->minimum(), 0);
+    QCOMPARE(fixture.progressBar->maximum(), 30);
+    QCOMPARE(fixture.progressBar->value(), 4);
+    QCOMPARE(fixture.status(), QString("Status: importing files..."));
 }
 
 void TestMainWindow::theProgressNeverGoesBackwards()
 {
-    WindowBench bench;
+    WindowFixture fixture;
     for (const char *name : {"a.mov", "b.mov", "c.wav"})
-        bench.addFile(name);
+        fixture.addFile(name);
     QVector<double> shown; // parts of the whole, since the operation began
-    connect(bench.progressBar, &QProgressBar::valueChanged, bench.window.get(), [&bench, &shown](int value) {
-        shown += static_cast<double>(value) / bench.progressBar->maximum();
-    });
+    connect(fixture.progressBar, &QProgressBar::valueChanged, fixture.window.get(),
+            [&fixture, &shown](int value) {
+                shown += static_cast<double>(value) / fixture.progressBar->maximum();
+            });
     const auto onlyGrew = [&shown] { // until it is set back at the end
         return shown.size() > 2 && shown.takeLast() == 0.0 && std::is_sorted(shown.cbegin(), shown.cend());
     };
-    QVERIFY(bench.import());
+    QVERIFY(fixture.import());
     QVERIFY(onlyGrew());
     shown.clear();
-    bench.boxes.answerNext(QMessageBox::Ok);
-    bench.startExport();
-    QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.allGiven(), longWait);
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status:"), longWait);
+    fixture.boxes.answerNext(QMessageBox::Ok);
+    fixture.startExport();
+    QTRY_VERIFY_WITH_TIMEOUT(fixture.boxes.allGiven(), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture.status(), QString("Status:"), longWait);
     QVERIFY(onlyGrew());
 }
 
 void TestMainWindow::aProgressOfNothingStandsStill()
 {
-    const WindowBench bench;
-    progress(*bench.window, 0, 0, "cancelling export...");
-    QVERIFY(bench.progressBar->maximum() > 0);
-    QCOMPARE(bench.progressBar->value(), 0);
+    const WindowFixture fixture;
+    progress(*fixture.window, 0, 0, "cancelling export...");
+    QVERIFY(fixture.progressBar->maximum() > 0);
+    QCOMPARE(fixture.progressBar->value(), 0);
 }
 
 void TestMainWindow::theEndsOfImportAndReadingAreShown()
 {
-    const WindowBench bench;
-    progress(*bench.window, 4, 30, "importing files...");
-    call(*bench.window, "importReady");
-    QCOMPARE(bench.progressBar->value(), 0);
-    QCOMPARE(bench.status(), QString("Status: import ready"));
-    progress(*bench.window, 4, 30, "reading audio TC...");
-    call(*bench.window, "readingFinished");
-    QCOMPARE(bench.progressBar->value(), 0);
-    QCOMPARE(bench.status(), QString("Status: read finished"));
+    const WindowFixture fixture;
+    progress(*fixture.window, 4, 30, "importing files...");
+    call(*fixture.window, "importReady");
+    QCOMPARE(fixture.progressBar->value(), 0);
+    QCOMPARE(fixture.status(), QString("Status: import ready"));
+    progress(*fixture.window, 4, 30, "reading audio TC...");
+    call(*fixture.window, "readingFinished");
+    QCOMPARE(fixture.progressBar->value(), 0);
+    QCOMPARE(fixture.status(), QString("Status: read finished"));
 }
 
 void TestMainWindow::theDialogsAreShownOrBroughtToTheFront()
 {
-    const WindowBench bench;
+    const WindowFixture fixture;
     QWidget *exportWindow = topLevel("exportWindow");
     QWidget *audioTCWindow = topLevel("audioTCWindow");
-    bench.child<QAction>("exportAllAction")->trigger();
+    fixture.child<QAction>("exportAllAction")->trigger();
     QVERIFY(exportWindow->isVisible());
     QCOMPARE(exportWindow->windowTitle(), QString("Export all files"));
     QVERIFY(QTest::qWaitForWindowActive(exportWindow, longWait));
-    bench.window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(bench.window.get(), longWait));
-    bench.child<QAction>("exportAction")->trigger();
+    fixture.window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(fixture.window.get(), longWait));
+    fixture.child<QAction>("exportAction")->trigger();
     QCOMPARE(exportWindow->windowTitle(), QString("Export selected files"));
     QVERIFY(QTest::qWaitForWindowActive(exportWindow, longWait));
-    bench.child<QAction>("readAudioTCAction")->trigger();
+    fixture.child<QAction>("readAudioTCAction")->trigger();
     QVERIFY(audioTCWindow->isVisible());
     QVERIFY(QTest::qWaitForWindowActive(audioTCWindow, longWait));
 }
 
 void TestMainWindow::theContextMenuOffersExportAndReading()
 {
-    const WindowBench bench;
+    const WindowFixture fixture;
     QList<QAction *> offered;
-    QTimer::singleShot(0, bench.window.get(), [&offered] {
+    QTimer::singleShot(0, fixture.window.get(), [&offered] {
         if (auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget())) {
             offered = menu->actions();
             menu->close();
         }
     });
     QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(10, 100),
-                            bench.window->mapToGlobal(QPoint(10, 100)));
-    QCoreApplication::sendEvent(bench.window.get(), &event);
-    QCOMPARE(offered, (QList<QAction *>{bench.child<QAction>("exportAction"),
-                                        bench.child<QAction>("readAudioTCAction")}));
+                            fixture.window->mapToGlobal(QPoint(10, 100)));
+    QCoreApplication::sendEvent(fixture.window.get(), &event);
+    QCOMPARE(offered, (QList<QAction *>{fixture.child<QAction>("exportAction"),
+                                        fixture.child<QAction>("readAudioTCAction")}));
 }
 
 void TestMainWindow::deleteClearsAndIsPassedOnWithoutSelection()
 {
-    const WindowBench bench;
-    QSignalSpy passedOn(bench.window.get(), &MainWindow::deleteSelectedRowsSignal);
-    bench.streamInfoList->addItem("   0: video (h264)");
-    bench.statusLabel->setText("Status: import ready");
-    QTest::keyClick(bench.window.get(), Qt::Key_Delete);
-    QCOMPARE(bench.streamInfoList->count(), 0);
-    QCOMPARE(bench.status(), QString("Status: "));
+    const WindowFixture fixture;
+    QSignalSpy passedOn(fixture.window.get(), &MainWindow::deleteSelectedRowsSignal);
+    fixture.streamInfoList->addItem("   0: video (h264)");
+    fixture.statusLabel->setText("Status: import ready");
+    QTest::keyClick(fixture.window.get(), Qt::Key_Delete);
+    QCOMPARE(fixture.streamInfoList->count(), 0);
+    QCOMPARE(fixture.status(), QString("Status: "));
     QCOMPARE(passedOn.count(), 1);
-    QTest::keyClick(bench.fileList, Qt::Key_Delete);
+    QTest::keyClick(fixture.fileList, Qt::Key_Delete);
     QCOMPARE(passedOn.count(), 2);
-    QTest::keyClick(bench.fileList, Qt::Key_X);
+    QTest::keyClick(fixture.fileList, Qt::Key_X);
     QCOMPARE(passedOn.count(), 2);
 }
 
 void TestMainWindow::deleteWaitsForTheEndOfAReading()
 {
-    WindowBench bench;
-    const QString file = bench.addFile("a.wav");
-    QVERIFY(bench.import());
+    WindowFixture fixture;
+    const QString file = fixture.addFile("a.wav");
+    QVERIFY(fixture.import());
     faketools::setPlan(file, {{"read", QJsonObject{{"waitFor", "gate"}}}});
     QWidget *dialog = topLevel("audioTCWindow");
-    bench.child<QAction>("readAudioTCAction")->trigger();
+    fixture.child<QAction>("readAudioTCAction")->trigger();
     dialog->findChild<QComboBox *>("filesCombo")->setCurrentIndex(1);
     dialog->findChild<QPushButton *>("readAudioTCButton")->click();
-    bench.fileList->selectAll();
-    QTest::keyClick(bench.fileList, Qt::Key_Delete);
-    QCOMPARE(bench.fileList->rowCount(), 1);
-    QCOMPARE(bench.status(), QString("Status: "));
-    faketools::openGate(bench.media + "/gate");
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: read finished"), longWait);
-    QTest::keyClick(bench.fileList, Qt::Key_Delete);
-    QCOMPARE(bench.fileList->rowCount(), 0);
+    fixture.fileList->selectAll();
+    QTest::keyClick(fixture.fileList, Qt::Key_Delete);
+    QCOMPARE(fixture.fileList->rowCount(), 1);
+    QCOMPARE(fixture.status(), QString("Status: "));
+    faketools::openGate(fixture.media + "/gate");
+    QTRY_COMPARE_WITH_TIMEOUT(fixture.status(), QString("Status: read finished"), longWait);
+    QTest::keyClick(fixture.fileList, Qt::Key_Delete);
+    QCOMPARE(fixture.fileList->rowCount(), 0);
 }
 
 void TestMainWindow::aFolderIsImportedAndItsStreamsShown()
 {
-    WindowBench bench;
-    bench.addFile("a.mov");
-    bench.addFile("b.wav");
-    QVERIFY(bench.import());
-    QStringList names = bench.column(0);
+    WindowFixture fixture;
+    fixture.addFile("a.mov");
+    fixture.addFile("b.wav");
+    QVERIFY(fixture.import());
+    QStringList names = fixture.column(0);
     names.sort();
     QCOMPARE(names, (QStringList{"a.mov", "b.wav"}));
-    const QStringList audioCells = bench.column(audioColumn);
+    const QStringList audioCells = fixture.column(audioColumn);
     for (const QString &cell : audioCells)
         QCOMPARE(cell, QString("10:00:00:00@25.00 on ch. 1"));
-    QCOMPARE(bench.progressBar->value(), 0);
-    const int row = static_cast<int>(bench.column(0).indexOf("a.mov"));
-    QTest::mouseClick(bench.fileList->viewport(), Qt::LeftButton, {},
-                      bench.fileList->visualItemRect(bench.fileList->item(row, 0)).center());
-    QCOMPARE(bench.streamLines().value(0), QString(" Streams:"));
-    QVERIFY(bench.streamLines().size() > 3);
-    QTest::keyClick(bench.fileList, Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(fixture.progressBar->value(), 0);
+    const int row = static_cast<int>(fixture.column(0).indexOf("a.mov"));
+    QTest::mouseClick(fixture.fileList->viewport(), Qt::LeftButton, {},
+                      fixture.fileList->visualItemRect(fixture.fileList->item(row, 0)).center());
+    QCOMPARE(fixture.streamLines().value(0), QString(" Streams:"));
+    QVERIFY(fixture.streamLines().size() > 3);
+    QTest::keyClick(fixture.fileList, Qt::Key_C, Qt::ControlModifier);
     QVERIFY(QGuiApplication::clipboard()->text().contains("a.mov\t00:00:10\t"));
 }
 
 void TestMainWindow::aDropChangesNeitherLabelNorBar()
 {
-    WindowBench bench;
-    bench.addFile("a.wav");
-    QVERIFY(bench.import());
-    const QString file = bench.addFile("b.wav");
+    WindowFixture fixture;
+    fixture.addFile("a.wav");
+    QVERIFY(fixture.import());
+    const QString file = fixture.addFile("b.wav");
     faketools::setPlan(file, plan("probe", {{"waitFor", "gate"}}));
-    progress(*bench.window, 2, 7, "as before");
-    bench.drop({file});
+    progress(*fixture.window, 2, 7, "as before");
+    fixture.drop({file});
     QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(file, "probe").size(), 1, longWait);
-    QCOMPARE(bench.status(), QString("Status: as before"));
-    QCOMPARE(bench.progressBar->maximum(), 7);
-    QCOMPARE(bench.progressBar->value(), 2);
-    faketools::openGate(bench.media + "/gate");
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), longWait);
+    QCOMPARE(fixture.status(), QString("Status: as before"));
+    QCOMPARE(fixture.progressBar->maximum(), 7);
+    QCOMPARE(fixture.progressBar->value(), 2);
+    faketools::openGate(fixture.media + "/gate");
+    QTRY_COMPARE_WITH_TIMEOUT(fixture.status(), QString("Status: import ready"), longWait);
 }
 
 void TestMainWindow::aSilentEndChangesNeitherLabelNorBar()
 {
-    WindowBench bench;
-    const QString silent = bench.addFile("silent.mov");
-    const QString good = bench.addFile("good.mov");
+    WindowFixture fixture;
+    const QString silent = fixture.addFile("silent.mov");
+    const QString good = fixture.addFile("good.mov");
     faketools::setPlan(silent, plan("probe", {{"json", QJsonObject()}}));
     faketools::setPlan(good, plan("read", {{"waitFor", "gate"}}));
-    bench.drop({silent, good});
-    QTRY_COMPARE_WITH_TIMEOUT(bench.column(audioColumn).value(0), QString("couldn't read file data"),
+    fixture.drop({silent, good});
+    QTRY_COMPARE_WITH_TIMEOUT(fixture.column(audioColumn).value(0), QString("couldn't read file data"),
                               longWait);
-    faketools::openGate(bench.media + "/gate");
-    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(bench, Qt::ArrowCursor), longWait);
-    QCOMPARE(bench.column(audioColumn).value(1), QString("10:00:00:00@25.00 on ch. 1"));
-    QCOMPARE(bench.status(), QString("Status: reading audio TC..."));
-    QCOMPARE(bench.progressBar->value(), 4);
-    QCOMPARE(bench.progressBar->maximum(), 6);
-    bench.fileList->selectAll();
-    QTest::keyClick(bench.fileList, Qt::Key_Delete);
-    QCOMPARE(bench.fileList->rowCount(), 0);
+    faketools::openGate(fixture.media + "/gate");
+    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(fixture, Qt::ArrowCursor), longWait);
+    QCOMPARE(fixture.column(audioColumn).value(1), QString("10:00:00:00@25.00 on ch. 1"));
+    QCOMPARE(fixture.status(), QString("Status: reading audio TC..."));
+    QCOMPARE(fixture.progressBar->value(), 4);
+    QCOMPARE(fixture.progressBar->maximum(), 6);
+    fixture.fileList->selectAll();
+    QTest::keyClick(fixture.fileList, Qt::Key_Delete);
+    QCOMPARE(fixture.fileList->rowCount(), 0);
 }
 
 void TestMainWindow::thePointerIsBusyDuringAnImport_data()
@@ -294,14 +296,14 @@ void TestMainWindow::thePointerIsBusyDuringAnImport()
     QFETCH(QString, name);
     QFETCH(QJsonObject, plan);
     QFETCH(QString, status);
-    WindowBench bench;
-    faketools::setPlan(bench.addFile(name), plan);
-    QVERIFY(showsPointer(bench, Qt::ArrowCursor));
-    bench.dropFolder();
-    QVERIFY2(showsPointer(bench, Qt::BusyCursor), "from the drop on");
-    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(bench, Qt::ArrowCursor), longWait);
-    QCOMPARE(bench.status(), status);
-    QCOMPARE(bench.window->cursor().shape(), Qt::ArrowCursor);
+    WindowFixture fixture;
+    faketools::setPlan(fixture.addFile(name), plan);
+    QVERIFY(showsPointer(fixture, Qt::ArrowCursor));
+    fixture.dropFolder();
+    QVERIFY2(showsPointer(fixture, Qt::BusyCursor), "from the drop on");
+    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(fixture, Qt::ArrowCursor), longWait);
+    QCOMPARE(fixture.status(), status);
+    QCOMPARE(fixture.window->cursor().shape(), Qt::ArrowCursor);
 }
 
 void TestMainWindow::thePointerIsBusyDuringAReading_data()
@@ -319,100 +321,100 @@ void TestMainWindow::thePointerIsBusyDuringAReading()
 {
     QFETCH(QJsonObject, plan);
     QFETCH(QString, status);
-    WindowBench bench;
-    readAllAgain(bench);
-    QVERIFY2(showsPointer(bench, Qt::ArrowCursor), "there is nothing to read");
-    const QString file = bench.addFile("a.wav");
-    QVERIFY(bench.import());
-    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(bench, Qt::ArrowCursor), longWait);
+    WindowFixture fixture;
+    readAllAgain(fixture);
+    QVERIFY2(showsPointer(fixture, Qt::ArrowCursor), "there is nothing to read");
+    const QString file = fixture.addFile("a.wav");
+    QVERIFY(fixture.import());
+    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(fixture, Qt::ArrowCursor), longWait);
     faketools::setPlan(file, plan);
-    readAllAgain(bench);
-    QVERIFY(showsPointer(bench, Qt::BusyCursor));
-    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(bench, Qt::ArrowCursor), longWait);
-    QCOMPARE(bench.status(), status);
+    readAllAgain(fixture);
+    QVERIFY(showsPointer(fixture, Qt::BusyCursor));
+    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(fixture, Qt::ArrowCursor), longWait);
+    QCOMPARE(fixture.status(), status);
 }
 
 void TestMainWindow::thePointerIsBusyUntilTheLastOfSeveralEnds()
 {
-    WindowBench bench;
-    const QString first = bench.addFile("a.wav");
-    const QString second = bench.addFile("b.wav");
+    WindowFixture fixture;
+    const QString first = fixture.addFile("a.wav");
+    const QString second = fixture.addFile("b.wav");
     faketools::setPlan(first, plan("read", {{"waitFor", "first"}}));
-    bench.drop({first});
+    fixture.drop({first});
     QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(first, "read").size(), 1, longWait);
     faketools::setPlan(first, plan("read", {{"waitFor", "second"}}));
-    readAllAgain(bench); // waits for the end of the import
-    faketools::openGate(bench.media + "/first");
+    readAllAgain(fixture); // waits for the end of the import
+    faketools::openGate(fixture.media + "/first");
     QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(first, "read").size(), 2, longWait);
-    QVERIFY(showsPointer(bench, Qt::BusyCursor));
+    QVERIFY(showsPointer(fixture, Qt::BusyCursor));
     faketools::setPlan(second, plan("probe", {{"waitFor", "third"}}));
-    bench.drop({second}); // waits for the end of the reading
-    faketools::openGate(bench.media + "/second");
+    fixture.drop({second}); // waits for the end of the reading
+    faketools::openGate(fixture.media + "/second");
     QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(second, "probe").size(), 1, longWait);
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: read finished"), longWait);
-    QVERIFY(showsPointer(bench, Qt::BusyCursor));
-    faketools::openGate(bench.media + "/third");
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), longWait);
-    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(bench, Qt::ArrowCursor), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture.status(), QString("Status: read finished"), longWait);
+    QVERIFY(showsPointer(fixture, Qt::BusyCursor));
+    faketools::openGate(fixture.media + "/third");
+    QTRY_COMPARE_WITH_TIMEOUT(fixture.status(), QString("Status: import ready"), longWait);
+    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(fixture, Qt::ArrowCursor), longWait);
 }
 
 void TestMainWindow::aDropOfNothingUsableEndsQuietly()
 {
-    WindowBench bench;
-    bench.addFile("notes.txt");
-    bench.dropFolder();
-    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(bench, Qt::ArrowCursor), longWait);
-    QCOMPARE(bench.status(), QString("Status:"));
-    QCOMPARE(bench.fileList->rowCount(), 0);
-    bench.addFile("a.wav");
-    QVERIFY(bench.import());
-    bench.fileList->selectAll();
-    QTest::keyClick(bench.fileList, Qt::Key_Delete);
-    QCOMPARE(bench.fileList->rowCount(), 0);
+    WindowFixture fixture;
+    fixture.addFile("notes.txt");
+    fixture.dropFolder();
+    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(fixture, Qt::ArrowCursor), longWait);
+    QCOMPARE(fixture.status(), QString("Status:"));
+    QCOMPARE(fixture.fileList->rowCount(), 0);
+    fixture.addFile("a.wav");
+    QVERIFY(fixture.import());
+    fixture.fileList->selectAll();
+    QTest::keyClick(fixture.fileList, Qt::Key_Delete);
+    QCOMPARE(fixture.fileList->rowCount(), 0);
 }
 
 void TestMainWindow::rowsCanBeDeletedAfterADropOfNothingUsable()
 {
-    WindowBench bench;
-    bench.addFile("a.wav");
-    QVERIFY(bench.import());
-    bench.drop({bench.addFile("notes.txt")});
-    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(bench, Qt::ArrowCursor), longWait);
-    QCOMPARE(bench.status(), QString("Status: import ready"));
-    bench.fileList->selectAll();
-    QTest::keyClick(bench.fileList, Qt::Key_Delete);
-    QCOMPARE(bench.fileList->rowCount(), 0);
+    WindowFixture fixture;
+    fixture.addFile("a.wav");
+    QVERIFY(fixture.import());
+    fixture.drop({fixture.addFile("notes.txt")});
+    QTRY_VERIFY_WITH_TIMEOUT(showsPointer(fixture, Qt::ArrowCursor), longWait);
+    QCOMPARE(fixture.status(), QString("Status: import ready"));
+    fixture.fileList->selectAll();
+    QTest::keyClick(fixture.fileList, Qt::Key_Delete);
+    QCOMPARE(fixture.fileList->rowCount(), 0);
 }
 
 void TestMainWindow::rowsCannotBeDeletedDuringAnImport()
 {
-    WindowBench bench;
-    const QString file = bench.addFile("a.wav");
+    WindowFixture fixture;
+    const QString file = fixture.addFile("a.wav");
     faketools::setPlan(file, {{"read", QJsonObject{{"waitFor", "gate"}}}});
-    bench.dropFolder();
+    fixture.dropFolder();
     QTRY_COMPARE_WITH_TIMEOUT(faketools::calls(file, "read").size(), 1, longWait);
-    const QSignalSpy asked(bench.window.get(), &MainWindow::deleteSelectedRowsSignal);
-    bench.fileList->selectAll();
-    QTest::keyClick(bench.fileList, Qt::Key_Delete);
+    const QSignalSpy asked(fixture.window.get(), &MainWindow::deleteSelectedRowsSignal);
+    fixture.fileList->selectAll();
+    QTest::keyClick(fixture.fileList, Qt::Key_Delete);
     QCOMPARE(asked.count(), 1); // the table itself refuses
-    QCOMPARE(bench.fileList->rowCount(), 1);
-    faketools::openGate(bench.media + "/gate");
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: import ready"), longWait);
+    QCOMPARE(fixture.fileList->rowCount(), 1);
+    faketools::openGate(fixture.media + "/gate");
+    QTRY_COMPARE_WITH_TIMEOUT(fixture.status(), QString("Status: import ready"), longWait);
 }
 
 void TestMainWindow::theReadingDialogReachesTheReader()
 {
-    WindowBench bench;
-    const QString file = bench.addFile("a.wav");
-    QVERIFY(bench.import());
+    WindowFixture fixture;
+    const QString file = fixture.addFile("a.wav");
+    QVERIFY(fixture.import());
     QWidget *dialog = topLevel("audioTCWindow");
-    bench.child<QAction>("readAudioTCAction")->trigger();
+    fixture.child<QAction>("readAudioTCAction")->trigger();
     dialog->findChild<QComboBox *>("filesCombo")->setCurrentText("all files");
     dialog->findChild<QComboBox *>("algorithmCombo")->setCurrentText("HIGH");
     dialog->findChild<QComboBox *>("channelCombo")->setCurrentText("channel 4");
     dialog->findChild<QComboBox *>("frameRateCombo")->setCurrentText("29.97 FPS");
     dialog->findChild<QPushButton *>("readAudioTCButton")->click();
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: read finished"), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture.status(), QString("Status: read finished"), longWait);
     const auto reads = faketools::calls(file, "read");
     QCOMPARE(reads.size(), 2);
     QCOMPARE(reads.at(0).arguments.size(), 1);

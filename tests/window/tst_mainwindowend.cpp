@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/records/recordtypes.h"
-#include "tests/fakes/faketools.h"
-#include "tests/window/windowbench.h"
+#include "testkit/faketools/faketools.h"
+#include "testkit/fixtures/windowfixture.h"
 
 #include <QAction>
 #include <QApplication>
@@ -15,7 +15,7 @@
 namespace
 {
 
-using Ending = std::function<void(WindowBench &)>;
+using Ending = std::function<void(WindowFixture &)>;
 
 } // namespace
 
@@ -66,22 +66,22 @@ void TestMainWindowEnd::quittingDuringAnExportIsAskedFor()
 {
     QFETCH(bool, byMenu);
     QFETCH(bool, yes);
-    WindowBench bench;
-    QSignalSpy cancelled(bench.window.get(), &MainWindow::cancelExport);
-    bench.beginExport();
-    bench.boxes.answerNext(yes ? QMessageBox::Yes : QMessageBox::No);
+    WindowFixture fixture;
+    QSignalSpy cancelled(fixture.window.get(), &MainWindow::cancelExport);
+    fixture.beginExport();
+    fixture.boxes.answerNext(yes ? QMessageBox::Yes : QMessageBox::No);
     if (byMenu)
-        bench.child<QAction>("exitAction")->trigger();
+        fixture.child<QAction>("exitAction")->trigger();
     else
-        QVERIFY(!bench.window->close());
-    QVERIFY(bench.boxes.answered({"Quit Application"}));
-    QCOMPARE(questionOf(bench.boxes.seen().at(0)),
+        QVERIFY(!fixture.window->close());
+    QVERIFY(fixture.boxes.answered({"Quit Application"}));
+    QCOMPARE(questionOf(fixture.boxes.seen().at(0)),
              QString("Are you sure you want to quit\n(and cancel the export process)?"));
-    QVERIFY(bench.window->isVisible());
+    QVERIFY(fixture.window->isVisible());
     QCOMPARE(cancelled.count(), yes ? 1 : 0);
-    QCOMPARE(bench.cancelButton->isVisible(), !yes);
-    bench.endExport(1);
-    QCOMPARE(bench.window->isVisible(), !yes);
+    QCOMPARE(fixture.cancelButton->isVisible(), !yes);
+    fixture.endExport(1);
+    QCOMPARE(fixture.window->isVisible(), !yes);
 }
 
 void TestMainWindowEnd::aConfirmedQuitClosesWhateverTheResult_data()
@@ -96,17 +96,17 @@ void TestMainWindowEnd::aConfirmedQuitClosesWhateverTheResult_data()
 void TestMainWindowEnd::aConfirmedQuitClosesWhateverTheResult()
 {
     QFETCH(int, result);
-    WindowBench bench;
-    bench.child<QAction>("readAudioTCAction")->trigger();
-    bench.beginExport();
-    bench.boxes.answerNext(QMessageBox::Yes);
-    bench.child<QAction>("exitAction")->trigger();
-    QVERIFY(bench.window->isVisible());
+    WindowFixture fixture;
+    fixture.child<QAction>("readAudioTCAction")->trigger();
+    fixture.beginExport();
+    fixture.boxes.answerNext(QMessageBox::Yes);
+    fixture.child<QAction>("exitAction")->trigger();
+    QVERIFY(fixture.window->isVisible());
     if (result == 0 || result == 2)
-        bench.boxes.answerNext(QMessageBox::Ok);
-    bench.endExport(result);
-    QVERIFY(bench.boxes.allGiven());
-    QVERIFY(!bench.window->isVisible());
+        fixture.boxes.answerNext(QMessageBox::Ok);
+    fixture.endExport(result);
+    QVERIFY(fixture.boxes.allGiven());
+    QVERIFY(!fixture.window->isVisible());
     QVERIFY(!topLevel("audioTCWindow")->isVisible());
 }
 
@@ -120,83 +120,83 @@ void TestMainWindowEnd::quittingAnExportThatHasEndedQuitsAtOnce_data()
 void TestMainWindowEnd::quittingAnExportThatHasEndedQuitsAtOnce()
 {
     QFETCH(bool, byMenu);
-    WindowBench bench;
-    QSignalSpy cancelled(bench.window.get(), &MainWindow::cancelExport);
-    bench.beginExport();
-    bench.boxes.answerNext(QMessageBox::Yes, [&bench] { bench.endExport(1); });
+    WindowFixture fixture;
+    QSignalSpy cancelled(fixture.window.get(), &MainWindow::cancelExport);
+    fixture.beginExport();
+    fixture.boxes.answerNext(QMessageBox::Yes, [&fixture] { fixture.endExport(1); });
     if (byMenu)
-        bench.child<QAction>("exitAction")->trigger();
+        fixture.child<QAction>("exitAction")->trigger();
     else
-        QVERIFY(bench.window->close());
-    QVERIFY(!bench.window->isVisible());
+        QVERIFY(fixture.window->close());
+    QVERIFY(!fixture.window->isVisible());
     QCOMPARE(cancelled.count(), 0);
 }
 
 void TestMainWindowEnd::theEndOfASessionAsksNothing()
 {
-    WindowBench bench;
-    QSignalSpy cancelled(bench.window.get(), &MainWindow::cancelExport);
-    bench.beginExport();
-    bench.window->quitWithoutAsking();
+    WindowFixture fixture;
+    QSignalSpy cancelled(fixture.window.get(), &MainWindow::cancelExport);
+    fixture.beginExport();
+    fixture.window->quitWithoutAsking();
     QCOMPARE(cancelled.count(), 1);
-    QVERIFY(bench.window->isVisible());
-    QVERIFY2(!bench.window->close(), "closed by the session again, without a question");
-    bench.endExport(0);
-    QVERIFY(bench.boxes.answered({}));
-    QVERIFY(!bench.window->isVisible());
+    QVERIFY(fixture.window->isVisible());
+    QVERIFY2(!fixture.window->close(), "closed by the session again, without a question");
+    fixture.endExport(0);
+    QVERIFY(fixture.boxes.answered({}));
+    QVERIFY(!fixture.window->isVisible());
 }
 
 void TestMainWindowEnd::theEndOfASessionWithoutExportClosesAtOnce()
 {
-    WindowBench bench;
-    bench.window->quitWithoutAsking();
-    QVERIFY(!bench.window->isVisible());
+    WindowFixture fixture;
+    fixture.window->quitWithoutAsking();
+    QVERIFY(!fixture.window->isVisible());
 }
 
 void TestMainWindowEnd::anExportThatIsEndedLeavesNothing_data()
 {
     QTest::addColumn<Ending>("end");
     QTest::addColumn<bool>("windowStays");
-    QTest::newRow("cancelled") << Ending([](WindowBench &bench) {
-        bench.boxes.answerNext(QMessageBox::Yes);
-        QTest::mouseClick(bench.cancelButton, Qt::LeftButton);
+    QTest::newRow("cancelled") << Ending([](WindowFixture &fixture) {
+        fixture.boxes.answerNext(QMessageBox::Yes);
+        QTest::mouseClick(fixture.cancelButton, Qt::LeftButton);
     }) << true;
-    QTest::newRow("quit by menu") << Ending([](WindowBench &bench) {
-        bench.boxes.answerNext(QMessageBox::Yes);
-        bench.child<QAction>("exitAction")->trigger();
+    QTest::newRow("quit by menu") << Ending([](WindowFixture &fixture) {
+        fixture.boxes.answerNext(QMessageBox::Yes);
+        fixture.child<QAction>("exitAction")->trigger();
     }) << false;
-    QTest::newRow("quit by the close box") << Ending([](WindowBench &bench) {
-        bench.boxes.answerNext(QMessageBox::Yes);
-        bench.window->close();
+    QTest::newRow("quit by the close box") << Ending([](WindowFixture &fixture) {
+        fixture.boxes.answerNext(QMessageBox::Yes);
+        fixture.window->close();
     }) << false;
-    QTest::newRow("terminated") << Ending([](WindowBench &bench) { bench.window->quitWithoutAsking(); })
+    QTest::newRow("terminated") << Ending([](WindowFixture &fixture) { fixture.window->quitWithoutAsking(); })
                                 << false;
     QTest::newRow("the session ends")
-        << Ending([](WindowBench &bench) { bench.window->onSessionEnd(); }) << false;
+        << Ending([](WindowFixture &fixture) { fixture.window->onSessionEnd(); }) << false;
 }
 
 void TestMainWindowEnd::anExportThatIsEndedLeavesNothing()
 {
     QFETCH(Ending, end);
     QFETCH(bool, windowStays);
-    WindowBench bench;
-    QVERIFY(bench.startHangingExport());
-    end(bench);
-    QTRY_VERIFY_WITH_TIMEOUT(!bench.child<QPushButton>("cancelButton")->isVisible(), longWait);
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status: export cancelled"), longWait);
-    QCOMPARE(bench.exportedFiles(), QStringList());
-    QVERIFY(!faketools::isAlive(bench.hangingTool()));
-    QCOMPARE(bench.window->isVisible(), windowStays);
+    WindowFixture fixture;
+    QVERIFY(fixture.startHangingExport());
+    end(fixture);
+    QTRY_VERIFY_WITH_TIMEOUT(!fixture.child<QPushButton>("cancelButton")->isVisible(), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture.status(), QString("Status: export cancelled"), longWait);
+    QCOMPARE(fixture.exportedFiles(), QStringList());
+    QVERIFY(!faketools::isAlive(fixture.hangingTool()));
+    QCOMPARE(fixture.window->isVisible(), windowStays);
 }
 
 void TestMainWindowEnd::theEndOfASessionIsWaitedForUntilNothingIsLeft()
 {
-    WindowBench bench;
-    QVERIFY(bench.startHangingExport());
-    bench.window->onSessionEnd();
-    QCOMPARE(bench.exportedFiles(), QStringList());
-    QVERIFY(!faketools::isAlive(bench.hangingTool()));
-    QVERIFY(!bench.window->isVisible());
+    WindowFixture fixture;
+    QVERIFY(fixture.startHangingExport());
+    fixture.window->onSessionEnd();
+    QCOMPARE(fixture.exportedFiles(), QStringList());
+    QVERIFY(!faketools::isAlive(fixture.hangingTool()));
+    QVERIFY(!fixture.window->isVisible());
 }
 
 void TestMainWindowEnd::theEndOfASessionDoesNotWaitForABatchThatIsOver_data()
@@ -210,76 +210,76 @@ void TestMainWindowEnd::theEndOfASessionDoesNotWaitForABatchThatIsOver()
 {
     QFETCH(int, exitCode);
     constexpr qint64 atOnce = 2'000; // [ms] far less than the time that a running batch is given
-    WindowBench bench;
-    const QString file = bench.addFile("a.mov");
-    QVERIFY(bench.import());
+    WindowFixture fixture;
+    const QString file = fixture.addFile("a.mov");
+    QVERIFY(fixture.import());
     faketools::setPlan(file, {{"export", QJsonObject{{"exitCode", exitCode}}}});
-    const QSignalSpy cancelled(bench.window.get(), &MainWindow::cancelExport);
+    const QSignalSpy cancelled(fixture.window.get(), &MainWindow::cancelExport);
     qint64 waited = -1; // [ms]
     QTimer look;
-    connect(&look, &QTimer::timeout, bench.window.get(), [&] {
+    connect(&look, &QTimer::timeout, fixture.window.get(), [&] {
         const QWidget *box = QApplication::activeModalWidget();
         if (!box || box->windowTitle() != "Export Result")
             return;
         look.stop();
         QElapsedTimer timer;
         timer.start();
-        bench.window->onSessionEnd();
+        fixture.window->onSessionEnd();
         waited = timer.elapsed();
     });
     look.start(5);
-    bench.startExport();
+    fixture.startExport();
     QTRY_VERIFY_WITH_TIMEOUT(waited >= 0, longWait);
     QVERIFY2(waited < atOnce, qPrintable(QString("it took %1 ms").arg(waited)));
     QCOMPARE(cancelled.count(), 0);
     QVERIFY(!QApplication::activeModalWidget());
-    QVERIFY(!bench.window->isVisible());
-    QCOMPARE(bench.exportedFiles().size(), exitCode == 0 ? 1 : 0);
+    QVERIFY(!fixture.window->isVisible());
+    QCOMPARE(fixture.exportedFiles().size(), exitCode == 0 ? 1 : 0);
 }
 
 void TestMainWindowEnd::theEndOfASessionClosesWhatStandsOpen_data()
 {
     QTest::addColumn<Ending>("open");
     QTest::newRow("the question about cancelling")
-        << Ending([](WindowBench &bench) { bench.cancelButton->click(); });
+        << Ending([](WindowFixture &fixture) { fixture.cancelButton->click(); });
     QTest::newRow("the question about quitting")
-        << Ending([](WindowBench &bench) { bench.child<QAction>("exitAction")->trigger(); });
-    QTest::newRow("the result of the export") << Ending([](WindowBench &bench) { bench.endExport(0); });
+        << Ending([](WindowFixture &fixture) { fixture.child<QAction>("exitAction")->trigger(); });
+    QTest::newRow("the result of the export") << Ending([](WindowFixture &fixture) { fixture.endExport(0); });
     QTest::newRow("the About box") << Ending(
-        [](WindowBench &bench) { bench.child<QAction>("aboutAction")->trigger(); });
+        [](WindowFixture &fixture) { fixture.child<QAction>("aboutAction")->trigger(); });
 }
 
 void TestMainWindowEnd::theEndOfASessionClosesWhatStandsOpen()
 {
     QFETCH(Ending, open);
-    WindowBench bench;
-    bench.beginExport();
+    WindowFixture fixture;
+    fixture.beginExport();
     bool stoodOpen = false;
-    QTimer::singleShot(0, bench.window.get(), [&] {
+    QTimer::singleShot(0, fixture.window.get(), [&] {
         stoodOpen = QApplication::activeModalWidget();
-        bench.window->quitWithoutAsking();
+        fixture.window->quitWithoutAsking();
     });
-    open(bench);
+    open(fixture);
     QVERIFY(stoodOpen);
     QVERIFY(!QApplication::activeModalWidget());
-    bench.endExport(1);
-    QVERIFY(!bench.window->isVisible());
+    fixture.endExport(1);
+    QVERIFY(!fixture.window->isVisible());
 }
 
 void TestMainWindowEnd::theWindowClosesAtOnceWhenNothingRuns()
 {
     {
-        const WindowBench bench;
-        bench.child<QAction>("readAudioTCAction")->trigger();
-        bench.window->close();
-        QVERIFY(!bench.window->isVisible());
+        const WindowFixture fixture;
+        fixture.child<QAction>("readAudioTCAction")->trigger();
+        fixture.window->close();
+        QVERIFY(!fixture.window->isVisible());
         QVERIFY(!topLevel("audioTCWindow")->isVisible());
     }
     {
-        const WindowBench bench;
-        bench.child<QAction>("exportAllAction")->trigger();
-        bench.child<QAction>("exitAction")->trigger();
-        QVERIFY(!bench.window->isVisible());
+        const WindowFixture fixture;
+        fixture.child<QAction>("exportAllAction")->trigger();
+        fixture.child<QAction>("exitAction")->trigger();
+        QVERIFY(!fixture.window->isVisible());
         QVERIFY(!topLevel("exportWindow")->isVisible());
     }
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/records/recordtypes.h"
-#include "tests/window/windowbench.h"
+#include "testkit/fixtures/windowfixture.h"
 
 #include <QAction>
 #include <QApplication>
@@ -67,110 +67,110 @@ void TestMainWindowLook::signalsAndSlotsStandInTheirOrder()
 
 void TestMainWindowLook::menusHoldTheirActions()
 {
-    const WindowBench bench;
+    const WindowFixture fixture;
     const auto texts = [](const QList<QAction *> &actions) {
         QStringList result;
         for (const QAction *action : actions)
             result += action->isSeparator() ? QString("-") : action->text();
         return result;
     };
-    QCOMPARE(texts(bench.window->menuBar()->actions()), (QStringList{"&File", "&Edit", "&About"}));
-    QCOMPARE(texts(bench.child<QMenu>("fileMenu")->actions()),
+    QCOMPARE(texts(fixture.window->menuBar()->actions()), (QStringList{"&File", "&Edit", "&About"}));
+    QCOMPARE(texts(fixture.child<QMenu>("fileMenu")->actions()),
              (QStringList{"&Export All", "&Export", "-", "&Exit"}));
-    QCOMPARE(texts(bench.child<QMenu>("editMenu")->actions()), QStringList{"&Read Audio TC"});
-    QCOMPARE(texts(bench.child<QMenu>("aboutMenu")->actions()), QStringList{"&About"});
+    QCOMPARE(texts(fixture.child<QMenu>("editMenu")->actions()), QStringList{"&Read Audio TC"});
+    QCOMPARE(texts(fixture.child<QMenu>("aboutMenu")->actions()), QStringList{"&About"});
 }
 
 void TestMainWindowLook::theWindowIsLaidOut()
 {
-    const WindowBench bench;
-    QCOMPARE(bench.window->windowTitle(), QString("Ostrel Timecode Tool"));
-    QCOMPARE(bench.status(), QString("Status:"));
-    QVERIFY(!bench.cancelButton->isVisible());
-    QCOMPARE(bench.fileList->minimumWidth(), 700);
-    QCOMPARE(bench.streamInfoList->minimumWidth(), 200);
-    QCOMPARE(bench.streamInfoList->maximumWidth(), 300);
-    QCOMPARE(bench.streamInfoList->minimumHeight(), 100);
-    QCOMPARE(bench.streamInfoList->selectionMode(), QAbstractItemView::NoSelection);
-    const auto *logo = bench.child<QLabel>("logoLabel");
+    const WindowFixture fixture;
+    QCOMPARE(fixture.window->windowTitle(), QString("Ostrel Timecode Tool"));
+    QCOMPARE(fixture.status(), QString("Status:"));
+    QVERIFY(!fixture.cancelButton->isVisible());
+    QCOMPARE(fixture.fileList->minimumWidth(), 700);
+    QCOMPARE(fixture.streamInfoList->minimumWidth(), 200);
+    QCOMPARE(fixture.streamInfoList->maximumWidth(), 300);
+    QCOMPARE(fixture.streamInfoList->minimumHeight(), 100);
+    QCOMPARE(fixture.streamInfoList->selectionMode(), QAbstractItemView::NoSelection);
+    const auto *logo = fixture.child<QLabel>("logoLabel");
     QVERIFY(!logo->pixmap(Qt::ReturnByValue).isNull());
     QCOMPARE(logo->alignment(), Qt::AlignCenter);
     QCOMPARE(logo->minimumWidth(), 200);
     QCOMPARE(logo->maximumWidth(), 280);
     for (const QWidget *widget :
-         std::initializer_list<const QWidget *>{bench.fileList, bench.streamInfoList, logo}) {
+         std::initializer_list<const QWidget *>{fixture.fileList, fixture.streamInfoList, logo}) {
         QCOMPARE(widget->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding);
         QCOMPARE(widget->sizePolicy().verticalPolicy(), QSizePolicy::Expanding);
     }
 
-    const auto *top = qobject_cast<QHBoxLayout *>(bench.child<QWidget>("centralWidget")->layout());
+    const auto *top = qobject_cast<QHBoxLayout *>(fixture.child<QWidget>("centralWidget")->layout());
     QVERIFY(top);
     const auto *left = qobject_cast<QVBoxLayout *>(top->itemAt(0)->layout());
     const auto *right = qobject_cast<QVBoxLayout *>(top->itemAt(1)->layout());
     QVERIFY(left && right);
-    QCOMPARE(left->itemAt(0)->widget(), bench.fileList);
+    QCOMPARE(left->itemAt(0)->widget(), fixture.fileList);
     const auto *row = qobject_cast<QHBoxLayout *>(left->itemAt(1)->layout());
     QVERIFY(row);
-    QCOMPARE(row->itemAt(0)->widget(), bench.statusLabel);
-    QCOMPARE(row->itemAt(1)->widget(), bench.progressBar);
-    QCOMPARE(row->itemAt(2)->widget(), bench.cancelButton);
+    QCOMPARE(row->itemAt(0)->widget(), fixture.statusLabel);
+    QCOMPARE(row->itemAt(1)->widget(), fixture.progressBar);
+    QCOMPARE(row->itemAt(2)->widget(), fixture.cancelButton);
     QCOMPARE(right->contentsMargins(), QMargins(5, 5, 5, 5));
     QCOMPARE(right->sizeConstraint(), QLayout::SetMaximumSize);
     QCOMPARE(right->itemAt(0)->widget(), logo);
-    QCOMPARE(right->itemAt(1)->widget(), bench.streamInfoList);
-    QVERIFY(bench.window->width() <= 1280 && bench.window->height() <= 680);
+    QCOMPARE(right->itemAt(1)->widget(), fixture.streamInfoList);
+    QVERIFY(fixture.window->width() <= 1280 && fixture.window->height() <= 680);
 }
 
 void TestMainWindowLook::everyWidgetAndActionHasItsName()
 {
-    const WindowBench bench;
+    const WindowFixture fixture;
     for (const char *name : {"fileList", "streamInfoList", "logoLabel", "progressBar", "cancelButton",
                              "centralWidget", "fileMenu", "editMenu", "aboutMenu"})
-        QVERIFY2(!bench.child<QWidget>(name)->accessibleName().isEmpty(), name);
+        QVERIFY2(!fixture.child<QWidget>(name)->accessibleName().isEmpty(), name);
     for (const char *name :
          {"exportAction", "exportAllAction", "exitAction", "readAudioTCAction", "aboutAction"})
-        QVERIFY2(!bench.child<QAction>(name)->text().isEmpty(), name);
+        QVERIFY2(!fixture.child<QAction>(name)->text().isEmpty(), name);
     topLevel("exportWindow");
     topLevel("audioTCWindow");
 }
 
 void TestMainWindowLook::tabWalksInReadingOrder()
 {
-    const WindowBench bench;
-    QVERIFY(bench.fileList->hasFocus());
-    QTest::keyClick(bench.fileList, Qt::Key_Tab);
-    QCOMPARE(bench.window->focusWidget()->objectName(), QString("streamInfoList"));
-    QMetaObject::invokeMethod(bench.window.get(), "onExportStart");
-    bench.fileList->setFocus();
-    QTest::keyClick(bench.fileList, Qt::Key_Tab);
-    QCOMPARE(bench.window->focusWidget()->objectName(), QString("cancelButton"));
+    const WindowFixture fixture;
+    QVERIFY(fixture.fileList->hasFocus());
+    QTest::keyClick(fixture.fileList, Qt::Key_Tab);
+    QCOMPARE(fixture.window->focusWidget()->objectName(), QString("streamInfoList"));
+    QMetaObject::invokeMethod(fixture.window.get(), "onExportStart");
+    fixture.fileList->setFocus();
+    QTest::keyClick(fixture.fileList, Qt::Key_Tab);
+    QCOMPARE(fixture.window->focusWidget()->objectName(), QString("cancelButton"));
 }
 
 void TestMainWindowLook::rowsThatArriveMoveNothing()
 {
-    const WindowBench bench;
-    const auto addRows = [&bench](int count) {
+    const WindowFixture fixture;
+    const auto addRows = [&fixture](int count) {
         for (int i = 0; i < count; ++i) {
-            QMetaObject::invokeMethod(bench.fileList, "addItemToTable",
-                                      Q_ARG(QFileInfo, QFileInfo(bench.media + "/missing.mov")));
+            QMetaObject::invokeMethod(fixture.fileList, "addItemToTable",
+                                      Q_ARG(QFileInfo, QFileInfo(fixture.media + "/missing.mov")));
         }
     };
     constexpr int moreThanFit = 30;
     addRows(moreThanFit);
-    bench.fileList->selectRow(moreThanFit / 2);
-    bench.fileList->verticalScrollBar()->setValue(3);
+    fixture.fileList->selectRow(moreThanFit / 2);
+    fixture.fileList->verticalScrollBar()->setValue(3);
     addRows(moreThanFit);
-    QCOMPARE(bench.fileList->verticalScrollBar()->value(), 3);
-    QCOMPARE(bench.fileList->selectionModel()->selectedRows().size(), 1);
-    QCOMPARE(bench.fileList->currentRow(), moreThanFit / 2);
+    QCOMPARE(fixture.fileList->verticalScrollBar()->value(), 3);
+    QCOMPARE(fixture.fileList->selectionModel()->selectedRows().size(), 1);
+    QCOMPARE(fixture.fileList->currentRow(), moreThanFit / 2);
 }
 
 void TestMainWindowLook::theHeaderIsReadableInADarkTheme()
 {
     const QPalette light = QApplication::palette();
     QApplication::setPalette(QPalette(QColor(45, 45, 48)));
-    const WindowBench bench;
-    const QImage header = bench.fileList->horizontalHeader()->grab().toImage();
+    const WindowFixture fixture;
+    const QImage header = fixture.fileList->horizontalHeader()->grab().toImage();
     QApplication::setPalette(light);
     int darkest = 255;
     int lightest = 0;
@@ -206,9 +206,9 @@ void TestMainWindowLook::theLogoLiesBesideTheWorkingDirectory()
         QVERIFY(picture.open(QIODevice::WriteOnly) && picture.write(file) == file.size() && picture.flush());
     const QString before = QDir::currentPath();
     QVERIFY(QDir::setCurrent(folder.path()));
-    const WindowBench bench;
+    const WindowFixture fixture;
     QVERIFY(QDir::setCurrent(before));
-    const QSize shown = bench.child<QLabel>("logoLabel")->pixmap(Qt::ReturnByValue).size();
+    const QSize shown = fixture.child<QLabel>("logoLabel")->pixmap(Qt::ReturnByValue).size();
     QCOMPARE(shown == QSize(20, 10), taken);
     QVERIFY(!shown.isEmpty());
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/records/recordtypes.h"
-#include "tests/fakes/faketools.h"
-#include "tests/window/windowbench.h"
+#include "testkit/faketools/faketools.h"
+#include "testkit/fixtures/windowfixture.h"
 
 #include <QAction>
 #include <QApplication>
@@ -56,11 +56,11 @@ void TestMainWindowMessages::initTestCase()
 
 void TestMainWindowMessages::theAboutBoxTellsVersionAndWebPage()
 {
-    WindowBench bench;
-    bench.boxes.answerNext(QMessageBox::Ok);
-    bench.child<QAction>("aboutAction")->trigger();
-    QVERIFY(bench.boxes.answered({"About"}));
-    const auto &box = bench.boxes.seen().at(0);
+    WindowFixture fixture;
+    fixture.boxes.answerNext(QMessageBox::Ok);
+    fixture.child<QAction>("aboutAction")->trigger();
+    QVERIFY(fixture.boxes.answered({"About"}));
+    const auto &box = fixture.boxes.seen().at(0);
     QCOMPARE(box.format, Qt::RichText);
     QVERIFY(
         box.text.startsWith("<p style='margin-right:5em;'>Ostrel Timecode Tool V1.00<br>Webpage: <a href='"));
@@ -85,18 +85,18 @@ void TestMainWindowMessages::aNewerVersionIsAnnounced()
     QFETCH(uint, minorVersion);
     QFETCH(QString, description);
     QFETCH(bool, announced);
-    WindowBench bench;
+    WindowFixture fixture;
     if (announced)
-        bench.boxes.answerNext(QMessageBox::Ok);
-    QMetaObject::invokeMethod(bench.window.get(), "versionInfoCheck", Q_ARG(uint, majorVersion),
+        fixture.boxes.answerNext(QMessageBox::Ok);
+    QMetaObject::invokeMethod(fixture.window.get(), "versionInfoCheck", Q_ARG(uint, majorVersion),
                               Q_ARG(uint, minorVersion), Q_ARG(QString, description),
                               Q_ARG(QUrl, QUrl("http://host/a.zip")));
     if (!announced) {
-        QVERIFY(bench.boxes.answered({}));
+        QVERIFY(fixture.boxes.answered({}));
         return;
     }
-    QVERIFY(bench.boxes.answered({"New Version Available"}));
-    const auto &box = bench.boxes.seen().at(0);
+    QVERIFY(fixture.boxes.answered({"New Version Available"}));
+    const auto &box = fixture.boxes.seen().at(0);
     QCOMPARE(box.format, Qt::RichText);
     QCOMPARE(box.icon, QString());
     QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
@@ -107,54 +107,54 @@ void TestMainWindowMessages::aNewerVersionIsAnnounced()
 
 void TestMainWindowMessages::anExportThatStartsOffersToCancel()
 {
-    const WindowBench bench;
-    bench.beginExport();
-    QVERIFY(bench.cancelButton->isVisible());
-    QVERIFY(!bench.child<QAction>("exportAction")->isEnabled());
-    QVERIFY(!bench.child<QAction>("exportAllAction")->isEnabled());
-    bench.endExport(1);
-    QVERIFY(!bench.cancelButton->isVisible());
-    QVERIFY(bench.child<QAction>("exportAction")->isEnabled());
-    QVERIFY(bench.child<QAction>("exportAllAction")->isEnabled());
+    const WindowFixture fixture;
+    fixture.beginExport();
+    QVERIFY(fixture.cancelButton->isVisible());
+    QVERIFY(!fixture.child<QAction>("exportAction")->isEnabled());
+    QVERIFY(!fixture.child<QAction>("exportAllAction")->isEnabled());
+    fixture.endExport(1);
+    QVERIFY(!fixture.cancelButton->isVisible());
+    QVERIFY(fixture.child<QAction>("exportAction")->isEnabled());
+    QVERIFY(fixture.child<QAction>("exportAllAction")->isEnabled());
 }
 
 void TestMainWindowMessages::theExportDialogStaysEnabledDuringAnExport()
 {
-    WindowBench bench;
-    bench.addFile("a.mov");
-    QVERIFY(bench.import());
+    WindowFixture fixture;
+    fixture.addFile("a.mov");
+    QVERIFY(fixture.import());
     const QWidget *dialog = topLevel("exportWindow");
-    const auto *exportAll = bench.child<QAction>("exportAllAction");
-    const auto *exportSelected = bench.child<QAction>("exportAction");
-    bench.boxes.answerNext(QMessageBox::Ok, [&] {
+    const auto *exportAll = fixture.child<QAction>("exportAllAction");
+    const auto *exportSelected = fixture.child<QAction>("exportAction");
+    fixture.boxes.answerNext(QMessageBox::Ok, [&] {
         QVERIFY(!exportAll->isEnabled());
         QVERIFY(dialog->isEnabled());
     });
-    bench.startExport();
+    fixture.startExport();
     QVERIFY2(!exportAll->isEnabled() && !exportSelected->isEnabled(), "from the request on");
     QVERIFY(dialog->isEnabled());
     QTRY_VERIFY_WITH_TIMEOUT(exportAll->isEnabled() && exportSelected->isEnabled(), longWait);
-    QVERIFY(bench.boxes.answered({"Export Result"}));
+    QVERIFY(fixture.boxes.answered({"Export Result"}));
 }
 
 void TestMainWindowMessages::aFinishedExportIsTold()
 {
-    WindowBench bench;
-    bench.beginExport();
-    progress(*bench.window, "ready");
-    bench.boxes.answerNext(QMessageBox::Ok, [&bench] {
-        QCOMPARE(bench.status(), QString("Status: ready"));
-        QVERIFY2(!bench.child<QAction>("exportAction")->isEnabled(), "until the message has been answered");
+    WindowFixture fixture;
+    fixture.beginExport();
+    progress(*fixture.window, "ready");
+    fixture.boxes.answerNext(QMessageBox::Ok, [&fixture] {
+        QCOMPARE(fixture.status(), QString("Status: ready"));
+        QVERIFY2(!fixture.child<QAction>("exportAction")->isEnabled(), "until the message has been answered");
     });
-    bench.endExport(0);
-    QVERIFY(bench.boxes.answered({"Export Result"}));
-    const auto &box = bench.boxes.seen().at(0);
+    fixture.endExport(0);
+    QVERIFY(fixture.boxes.answered({"Export Result"}));
+    const auto &box = fixture.boxes.seen().at(0);
     QCOMPARE(box.text, QString("Ostrel did the job!"));
     QCOMPARE(box.icon, QString("information"));
     QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-    QCOMPARE(bench.status(), QString("Status:"));
-    QCOMPARE(bench.progressBar->value(), 0);
-    QVERIFY(!bench.cancelButton->isVisible());
+    QCOMPARE(fixture.status(), QString("Status:"));
+    QCOMPARE(fixture.progressBar->value(), 0);
+    QVERIFY(!fixture.cancelButton->isVisible());
 }
 
 void TestMainWindowMessages::failedFilesAreTold_data()
@@ -172,36 +172,36 @@ void TestMainWindowMessages::failedFilesAreTold_data()
 void TestMainWindowMessages::failedFilesAreTold()
 {
     QFETCH(QStringList, names);
-    WindowBench bench;
-    bench.beginExport();
-    bench.boxes.answerNext(QMessageBox::Ok);
-    bench.endExport(2, names);
-    QVERIFY(bench.boxes.answered({"Export Result"}));
-    QTEST(bench.boxes.seen().at(0).text, "text");
-    QCOMPARE(bench.boxes.seen().at(0).icon, QString("information"));
-    QCOMPARE(bench.boxes.seen().at(0).format, Qt::PlainText);
-    QCOMPARE(bench.status(), QString("Status:"));
+    WindowFixture fixture;
+    fixture.beginExport();
+    fixture.boxes.answerNext(QMessageBox::Ok);
+    fixture.endExport(2, names);
+    QVERIFY(fixture.boxes.answered({"Export Result"}));
+    QTEST(fixture.boxes.seen().at(0).text, "text");
+    QCOMPARE(fixture.boxes.seen().at(0).icon, QString("information"));
+    QCOMPARE(fixture.boxes.seen().at(0).format, Qt::PlainText);
+    QCOMPARE(fixture.status(), QString("Status:"));
 }
 
 void TestMainWindowMessages::aCancelledExportNeedsNoMessage()
 {
-    WindowBench bench;
-    bench.beginExport();
-    bench.endExport(1);
-    QVERIFY(bench.boxes.answered({}));
-    QCOMPARE(bench.status(), QString("Status: export cancelled"));
-    QCOMPARE(bench.progressBar->value(), 0);
+    WindowFixture fixture;
+    fixture.beginExport();
+    fixture.endExport(1);
+    QVERIFY(fixture.boxes.answered({}));
+    QCOMPARE(fixture.status(), QString("Status: export cancelled"));
+    QCOMPARE(fixture.progressBar->value(), 0);
 }
 
 void TestMainWindowMessages::anUnknownResultChangesNoText()
 {
-    WindowBench bench;
-    bench.beginExport();
-    progress(*bench.window, "exporting files...");
-    bench.endExport(3);
-    QVERIFY(bench.boxes.answered({}));
-    QCOMPARE(bench.status(), QString("Status: exporting files..."));
-    QVERIFY(!bench.cancelButton->isVisible());
+    WindowFixture fixture;
+    fixture.beginExport();
+    progress(*fixture.window, "exporting files...");
+    fixture.endExport(3);
+    QVERIFY(fixture.boxes.answered({}));
+    QCOMPARE(fixture.status(), QString("Status: exporting files..."));
+    QVERIFY(!fixture.cancelButton->isVisible());
 }
 
 void TestMainWindowMessages::cancellingIsAskedFor_data()
@@ -214,99 +214,99 @@ void TestMainWindowMessages::cancellingIsAskedFor_data()
 void TestMainWindowMessages::cancellingIsAskedFor()
 {
     QFETCH(bool, yes);
-    WindowBench bench;
-    QSignalSpy cancelled(bench.window.get(), &MainWindow::cancelExport);
-    bench.beginExport();
-    progress(*bench.window, "exporting files...");
-    bench.boxes.answerNext(yes ? QMessageBox::Yes : QMessageBox::No);
-    QTest::mouseClick(bench.cancelButton, Qt::LeftButton);
-    QVERIFY(bench.boxes.answered({"Cancel Export"}));
-    QCOMPARE(questionOf(bench.boxes.seen().at(0)), QString("Are you sure you want to cancel?"));
+    WindowFixture fixture;
+    QSignalSpy cancelled(fixture.window.get(), &MainWindow::cancelExport);
+    fixture.beginExport();
+    progress(*fixture.window, "exporting files...");
+    fixture.boxes.answerNext(yes ? QMessageBox::Yes : QMessageBox::No);
+    QTest::mouseClick(fixture.cancelButton, Qt::LeftButton);
+    QVERIFY(fixture.boxes.answered({"Cancel Export"}));
+    QCOMPARE(questionOf(fixture.boxes.seen().at(0)), QString("Are you sure you want to cancel?"));
     QCOMPARE(cancelled.count(), yes ? 1 : 0);
-    QCOMPARE(bench.cancelButton->isVisible(), !yes);
-    QCOMPARE(bench.status(), QString(yes ? "Status: cancelling export..." : "Status: exporting files..."));
+    QCOMPARE(fixture.cancelButton->isVisible(), !yes);
+    QCOMPARE(fixture.status(), QString(yes ? "Status: cancelling export..." : "Status: exporting files..."));
 }
 
 void TestMainWindowMessages::progressAfterCancellingKeepsTheText()
 {
-    WindowBench bench;
-    bench.beginExport();
-    bench.boxes.answerNext(QMessageBox::Yes);
-    bench.cancelButton->click();
-    progress(*bench.window, "exporting files...");
-    QCOMPARE(bench.status(), QString("Status: cancelling export..."));
-    bench.endExport(1);
-    progress(*bench.window, "export cancelled");
-    QCOMPARE(bench.status(), QString("Status: export cancelled"));
+    WindowFixture fixture;
+    fixture.beginExport();
+    fixture.boxes.answerNext(QMessageBox::Yes);
+    fixture.cancelButton->click();
+    progress(*fixture.window, "exporting files...");
+    QCOMPARE(fixture.status(), QString("Status: cancelling export..."));
+    fixture.endExport(1);
+    progress(*fixture.window, "export cancelled");
+    QCOMPARE(fixture.status(), QString("Status: export cancelled"));
 }
 
 void TestMainWindowMessages::cancellingAnExportThatHasEndedDoesNothing()
 {
-    WindowBench bench;
-    QSignalSpy cancelled(bench.window.get(), &MainWindow::cancelExport);
-    bench.beginExport();
-    bench.boxes.answerNext(QMessageBox::Yes, [&bench] { bench.endExport(1); });
-    bench.cancelButton->click();
+    WindowFixture fixture;
+    QSignalSpy cancelled(fixture.window.get(), &MainWindow::cancelExport);
+    fixture.beginExport();
+    fixture.boxes.answerNext(QMessageBox::Yes, [&fixture] { fixture.endExport(1); });
+    fixture.cancelButton->click();
     QCOMPARE(cancelled.count(), 0);
-    QCOMPARE(bench.status(), QString("Status: export cancelled"));
-    bench.beginExport();
-    progress(*bench.window, "exporting files...");
-    QCOMPARE(bench.status(), QString("Status: exporting files..."));
+    QCOMPARE(fixture.status(), QString("Status: export cancelled"));
+    fixture.beginExport();
+    progress(*fixture.window, "exporting files...");
+    QCOMPARE(fixture.status(), QString("Status: exporting files..."));
 }
 
 void TestMainWindowMessages::onlyAnEndDuringTheQuestionTakesTheAnswerBack()
 {
-    WindowBench bench;
-    QSignalSpy cancelled(bench.window.get(), &MainWindow::cancelExport);
-    bench.boxes.answerNext(QMessageBox::Yes);
-    bench.cancelButton->click();
-    QVERIFY(bench.boxes.answered({"Cancel Export"}));
+    WindowFixture fixture;
+    QSignalSpy cancelled(fixture.window.get(), &MainWindow::cancelExport);
+    fixture.boxes.answerNext(QMessageBox::Yes);
+    fixture.cancelButton->click();
+    QVERIFY(fixture.boxes.answered({"Cancel Export"}));
     QCOMPARE(cancelled.count(), 1);
-    QCOMPARE(bench.status(), QString("Status: cancelling export..."));
+    QCOMPARE(fixture.status(), QString("Status: cancelling export..."));
 }
 
 void TestMainWindowMessages::aWholeExportIsDone()
 {
-    WindowBench bench;
-    bench.addFile("a.mov");
-    bench.addFile("b.mov");
-    QVERIFY(bench.import());
-    bench.boxes.answerNext(QMessageBox::Ok);
-    bench.startExport();
-    QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.allGiven(), longWait);
-    QTRY_COMPARE_WITH_TIMEOUT(bench.status(), QString("Status:"), longWait);
-    QCOMPARE(bench.boxes.seen().at(0).text, QString("Ostrel did the job!"));
-    QCOMPARE(bench.exportedFiles().size(), 2);
+    WindowFixture fixture;
+    fixture.addFile("a.mov");
+    fixture.addFile("b.mov");
+    QVERIFY(fixture.import());
+    fixture.boxes.answerNext(QMessageBox::Ok);
+    fixture.startExport();
+    QTRY_VERIFY_WITH_TIMEOUT(fixture.boxes.allGiven(), longWait);
+    QTRY_COMPARE_WITH_TIMEOUT(fixture.status(), QString("Status:"), longWait);
+    QCOMPARE(fixture.boxes.seen().at(0).text, QString("Ostrel did the job!"));
+    QCOMPARE(fixture.exportedFiles().size(), 2);
 }
 
 void TestMainWindowMessages::anExportWithFailuresNamesThem()
 {
-    WindowBench bench;
-    bench.addFile("a.mov");
-    faketools::setPlan(bench.addFile("b.mov"), {{"export", QJsonObject{{"exitCode", 1}}}});
-    QVERIFY(bench.import());
-    bench.boxes.answerNext(QMessageBox::Ok);
-    bench.startExport();
-    QTRY_VERIFY_WITH_TIMEOUT(bench.boxes.allGiven(), longWait);
-    QCOMPARE(bench.boxes.seen().at(0).text,
+    WindowFixture fixture;
+    fixture.addFile("a.mov");
+    faketools::setPlan(fixture.addFile("b.mov"), {{"export", QJsonObject{{"exitCode", 1}}}});
+    QVERIFY(fixture.import());
+    fixture.boxes.answerNext(QMessageBox::Ok);
+    fixture.startExport();
+    QTRY_VERIFY_WITH_TIMEOUT(fixture.boxes.allGiven(), longWait);
+    QCOMPARE(fixture.boxes.seen().at(0).text,
              QString("Export finished.\nErrors occured with the folliwing files:\nb.mov"));
 }
 
 void TestMainWindowMessages::missingToolsAreNamedWithoutWaiting()
 {
-    const WindowBench bench;
+    const WindowFixture fixture;
     const QByteArray path = qgetenv("PATH");
     qputenv("PATH", "/nowhere");
-    bench.window->reportMissingTools();
+    fixture.window->reportMissingTools();
     qputenv("PATH", path);
-    const auto *box = bench.window->findChild<QMessageBox *>();
+    const auto *box = fixture.window->findChild<QMessageBox *>();
     QVERIFY(box && box->isVisible());
     QVERIFY(!box->isModal());
     QVERIFY(box->text().contains("LTCReader.exe"));
     QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
-    QTRY_VERIFY(!bench.window->findChild<QMessageBox *>());
-    bench.window->reportMissingTools();
-    QVERIFY(!bench.window->findChild<QMessageBox *>());
+    QTRY_VERIFY(!fixture.window->findChild<QMessageBox *>());
+    fixture.window->reportMissingTools();
+    QVERIFY(!fixture.window->findChild<QMessageBox *>());
 }
 
 QTEST_MAIN(TestMainWindowMessages)

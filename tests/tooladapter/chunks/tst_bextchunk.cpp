@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "testkit/fixtures/row.h"
 #include "tests/tooladapter/chunks/wavebytes.h"
 #include "tests/tooladapter/rules/words.h"
 #include "tooladapter/chunks/bextchunk.h"
@@ -45,9 +46,9 @@ private slots:
 void TestBextChunk::onlyTheTimeReferenceChanges_data()
 {
     QTest::addColumn<quint64>("start");
-    QTest::newRow("midnight") << quint64{0};
-    QTest::newRow("ten o'clock") << quint64{1'728'000'000};
-    QTest::newRow("more than 32 bits") << quint64{16'000'000'000};
+    row("midnight", quint64{0});
+    row("ten o'clock", quint64{1'728'000'000});
+    row("more than 32 bits", quint64{16'000'000'000});
 }
 
 void TestBextChunk::onlyTheTimeReferenceChanges()
@@ -78,24 +79,16 @@ void TestBextChunk::theSpeedInADescriptionIsTheNewOne_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("changed");
-    QTest::newRow("none") << "sSCENE=12 sTAKE=3"
-                          << "sSCENE=12 sTAKE=3";
-    QTest::newRow("alone") << "sSPEED=024.000-ND"
-                           << "sSPEED=029.970-DF";
-    QTest::newRow("the same") << "sSPEED=029.970-DF\r\nsTAKE=3"
-                              << "sSPEED=029.970-DF\r\nsTAKE=3";
-    QTest::newRow("among others") << "sTAKE=3\r\nsSPEED=024.000-ND\r\nsSCENE=12"
-                                  << "sTAKE=3\r\nsSPEED=029.970-DF\r\nsSCENE=12";
-    QTest::newRow("another prefix") << "dSPEED=25-ND"
-                                    << "dSPEED=029.970-DF";
-    QTest::newRow("twice") << "sSPEED=1 sSPEED=2"
-                           << "sSPEED=029.970-DF sSPEED=029.970-DF";
-    QTest::newRow("empty") << "sSPEED=\nsTAKE=3"
-                           << "sSPEED=029.970-DF\nsTAKE=3";
-    QTest::newRow("ends of lines in XML") << "sSPEED=024.000-ND&#13;&#10;sTAKE=3"
-                                          << "sSPEED=029.970-DF&#13;&#10;sTAKE=3";
-    QTest::newRow("another word") << "sTAPESPEED=19 SPEED=19 xsSPEED=19"
-                                  << "sTAPESPEED=19 SPEED=19 xsSPEED=19";
+    row("none", "sSCENE=12 sTAKE=3", "sSCENE=12 sTAKE=3");
+    row("alone", "sSPEED=024.000-ND", "sSPEED=029.970-DF");
+    row("the same", "sSPEED=029.970-DF\r\nsTAKE=3", "sSPEED=029.970-DF\r\nsTAKE=3");
+    row("among others", "sTAKE=3\r\nsSPEED=024.000-ND\r\nsSCENE=12",
+        "sTAKE=3\r\nsSPEED=029.970-DF\r\nsSCENE=12");
+    row("another prefix", "dSPEED=25-ND", "dSPEED=029.970-DF");
+    row("twice", "sSPEED=1 sSPEED=2", "sSPEED=029.970-DF sSPEED=029.970-DF");
+    row("empty", "sSPEED=\nsTAKE=3", "sSPEED=029.970-DF\nsTAKE=3");
+    row("ends of lines in XML", "sSPEED=024.000-ND&#13;&#10;sTAKE=3", "sSPEED=029.970-DF&#13;&#10;sTAKE=3");
+    row("another word", "sTAPESPEED=19 SPEED=19 xsSPEED=19", "sTAPESPEED=19 SPEED=19 xsSPEED=19");
 }
 
 void TestBextChunk::theSpeedInADescriptionIsTheNewOne()
@@ -122,24 +115,12 @@ void TestBextChunk::changesAreReadFromTheList_data()
     QTest::addColumn<QString>("speed");
     QTest::addColumn<QString>("rate");
     const QString start = "-metadata time_reference=7 -metadata comment=sSPEED=";
-    QTest::newRow("no timecode") << ""
-                                 << "" << false << ""
-                                 << "0/1";
-    QTest::newRow("the application knows the rate") << start + "025.002-ND"
-                                                    << "25/1" << true << "025.002-ND"
-                                                    << "25/1";
-    QTest::newRow("23.976") << start + "023.976-ND"
-                            << "" << true << "023.976-ND"
-                            << "24000/1001";
-    QTest::newRow("24") << start + "024.000-ND"
-                        << "" << true << "024.000-ND"
-                        << "24/1";
-    QTest::newRow("29.97 drop-frame") << start + "029.970-DF"
-                                      << "" << true << "029.970-DF"
-                                      << "30000/1001";
-    QTest::newRow("no rate at all") << start + "000.000-ND"
-                                    << "" << true << "000.000-ND"
-                                    << "0/1";
+    row("no timecode", "", "", false, "", "0/1");
+    row("the application knows the rate", start + "025.002-ND", "25/1", true, "025.002-ND", "25/1");
+    row("23.976", start + "023.976-ND", "", true, "023.976-ND", "24000/1001");
+    row("24", start + "024.000-ND", "", true, "024.000-ND", "24/1");
+    row("29.97 drop-frame", start + "029.970-DF", "", true, "029.970-DF", "30000/1001");
+    row("no rate at all", start + "000.000-ND", "", true, "000.000-ND", "0/1");
 }
 
 void TestBextChunk::changesAreReadFromTheList()

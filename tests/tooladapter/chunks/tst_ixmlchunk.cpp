@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "testkit/fixtures/row.h"
 #include "tooladapter/chunks/ixmlchunk.h"
 #include "tooladapter/chunks/xmlelement.h"
 
@@ -94,9 +95,6 @@ void TestIxmlChunk::xmlIsTakenApart_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("tree");
-    const auto row = [](const char *name, const QString &text, const QString &tree) {
-        QTest::newRow(name) << text << tree;
-    };
     row("one element", "<A>text</A>", "A=text");
     row("children", "<A><B>1</B> <C>2</C></A>", "A(B=1 C=2)");
     row("prologue", "\ufeff<?xml version=\"1.0\"?>\r\n<!-- <B> --> <A>1</A>", "A=1");
@@ -172,50 +170,39 @@ void TestIxmlChunk::theStartAndTheSpeedAreTheNewOnes_data()
     const QString newDropFrame = start + rate.arg("30000/1001") + flag.arg("DF");
 
     const QString frame = "<BWFXML><SPEED>%1</SPEED></BWFXML>";
-    QTest::newRow("all there, drop-frame")
-        << frame.arg(speeds.arg("24/1") + other) << "029.970-DF"
-        << "30000/1001" << frame.arg(speeds.arg("30000/1001") + newDropFrame);
-    QTest::newRow("all there, 25") << frame.arg(otherStart + rate.arg("30000/1001") + flag.arg("DF"))
-                                   << "025.000-ND"
-                                   << "25/1" << frame.arg(start + rate.arg("25/1") + flag.arg("NDF"));
-    QTest::newRow("missing ones are added, one a line")
-        << "<BWFXML>\n\t<SPEED>\n\t\t<NOTE>x</NOTE>\n\t\t" + low.arg("99") + "\n\t</SPEED>\n</BWFXML>"
-        << "025.000-ND"
-        << "25/1"
-        << "<BWFXML>\n\t<SPEED>\n\t\t<NOTE>x</NOTE>\n\t\t" + low.arg("1234") + "\n\t\t" + high.arg("1") +
-               "\n\t\t" + sampleRate.arg("48000") + "\n\t\t" + rate.arg("25/1") + "\n\t\t" + flag.arg("NDF") +
-               "\n\t</SPEED>\n</BWFXML>";
-    QTest::newRow("an empty element is filled") << "<BWFXML><SPEED/></BWFXML>"
-                                                << "029.970-DF"
-                                                << "30000/1001" << frame.arg(newDropFrame);
-    QTest::newRow("empty numbers are filled")
-        << frame.arg("<TIMECODE_RATE/>" + high.arg("") + low.arg("") + sampleRate.arg("") + flag.arg(""))
-        << "029.970-DF"
-        << "30000/1001"
-        << frame.arg(rate.arg("30000/1001") + high.arg("1") + low.arg("1234") + sampleRate.arg("48000") +
-                     flag.arg("DF"));
-    QTest::newRow("no speed at all") << "<BWFXML>\n <SCENE>12</SCENE>\n</BWFXML>"
-                                     << "029.970-DF"
-                                     << "30000/1001"
-                                     << "<BWFXML>\n <SCENE>12</SCENE>\n <SPEED>" + newDropFrame +
-                                            "</SPEED>\n</BWFXML>";
-    QTest::newRow("every place says the same")
-        << "<BWFXML><SPEED>" + other + "</SPEED><SPEED>" + other + "</SPEED></BWFXML>"
-        << "029.970-DF"
-        << "30000/1001"
-        << "<BWFXML><SPEED>" + newDropFrame + "</SPEED><SPEED>" + newDropFrame + "</SPEED></BWFXML>";
-    QTest::newRow("rate not known: only the start")
-        << frame.arg(other) << ""
-        << "" << frame.arg(start + rate.arg("24/1") + flag.arg("NDF"));
+    row("all there, drop-frame", frame.arg(speeds.arg("24/1") + other), "029.970-DF", "30000/1001",
+        frame.arg(speeds.arg("30000/1001") + newDropFrame));
+    row("all there, 25", frame.arg(otherStart + rate.arg("30000/1001") + flag.arg("DF")), "025.000-ND",
+        "25/1", frame.arg(start + rate.arg("25/1") + flag.arg("NDF")));
+    row("missing ones are added, one a line",
+        "<BWFXML>\n\t<SPEED>\n\t\t<NOTE>x</NOTE>\n\t\t" + low.arg("99") + "\n\t</SPEED>\n</BWFXML>",
+        "025.000-ND", "25/1",
+        "<BWFXML>\n\t<SPEED>\n\t\t<NOTE>x</NOTE>\n\t\t" + low.arg("1234") + "\n\t\t" + high.arg("1") +
+            "\n\t\t" + sampleRate.arg("48000") + "\n\t\t" + rate.arg("25/1") + "\n\t\t" + flag.arg("NDF") +
+            "\n\t</SPEED>\n</BWFXML>");
+    row("an empty element is filled", "<BWFXML><SPEED/></BWFXML>", "029.970-DF", "30000/1001",
+        frame.arg(newDropFrame));
+    row("empty numbers are filled",
+        frame.arg("<TIMECODE_RATE/>" + high.arg("") + low.arg("") + sampleRate.arg("") + flag.arg("")),
+        "029.970-DF", "30000/1001",
+        frame.arg(rate.arg("30000/1001") + high.arg("1") + low.arg("1234") + sampleRate.arg("48000") +
+                  flag.arg("DF")));
+    row("no speed at all", "<BWFXML>\n <SCENE>12</SCENE>\n</BWFXML>", "029.970-DF", "30000/1001",
+        "<BWFXML>\n <SCENE>12</SCENE>\n <SPEED>" + newDropFrame + "</SPEED>\n</BWFXML>");
+    row("every place says the same",
+        "<BWFXML><SPEED>" + other + "</SPEED><SPEED>" + other + "</SPEED></BWFXML>", "029.970-DF",
+        "30000/1001",
+        "<BWFXML><SPEED>" + newDropFrame + "</SPEED><SPEED>" + newDropFrame + "</SPEED></BWFXML>");
+    row("rate not known: only the start", frame.arg(other), "", "",
+        frame.arg(start + rate.arg("24/1") + flag.arg("NDF")));
     const QString repeated = "<BEXT><BWF_DESCRIPTION>%1</BWF_DESCRIPTION><BWF_TIME_REFERENCE_LOW>%2"
                              "</BWF_TIME_REFERENCE_LOW><BWF_TIME_REFERENCE_HIGH>%3"
                              "</BWF_TIME_REFERENCE_HIGH></BEXT>";
-    QTest::newRow("the broadcast extension is repeated")
-        << "<BWFXML><SPEED/>" + repeated.arg("sSPEED=024.000-ND&#10;sTAKE=3", "99", "0") + "</BWFXML>"
-        << "029.970-DF"
-        << "30000/1001"
-        << "<BWFXML><SPEED>" + newDropFrame + "</SPEED>" +
-               repeated.arg("sSPEED=029.970-DF&#10;sTAKE=3", "1234", "1") + "</BWFXML>";
+    row("the broadcast extension is repeated",
+        "<BWFXML><SPEED/>" + repeated.arg("sSPEED=024.000-ND&#10;sTAKE=3", "99", "0") + "</BWFXML>",
+        "029.970-DF", "30000/1001",
+        "<BWFXML><SPEED>" + newDropFrame + "</SPEED>" +
+            repeated.arg("sSPEED=029.970-DF&#10;sTAKE=3", "1234", "1") + "</BWFXML>");
 }
 
 void TestIxmlChunk::theStartAndTheSpeedAreTheNewOnes()
@@ -268,34 +255,28 @@ void TestIxmlChunk::aTrackThatIsLeftOutIsNotListed_data()
     QTest::addColumn<QString>("result");
     const QString four =
         trackList(4, track(1, 1, "a") + track(2, 2, "b") + track(3, 3, "c") + track(4, 4, "d"));
-    QTest::newRow("first") << four << 0
-                           << trackList(3, track(1, 1, "b") + track(2, 2, "c") + track(3, 3, "d"));
-    QTest::newRow("second") << four << 1
-                            << trackList(3, track(1, 1, "a") + track(2, 2, "c") + track(3, 3, "d"));
-    QTest::newRow("last") << four << 3
-                          << trackList(3, track(1, 1, "a") + track(2, 2, "b") + track(3, 3, "c"));
-    QTest::newRow("listed in another order")
-        << trackList(3, track(4, 4, "d") + track(2, 2, "b") + track(1, 1, "a")) << 1
-        << trackList(2, track(3, 3, "d") + track(1, 1, "a"));
-    QTest::newRow("the recorder's inputs keep their numbers")
-        << trackList(4, track(1, 1, "a") + track(2, 2, "b") + track(5, 3, "c") + track(8, 4, "d")) << 1
-        << trackList(3, track(1, 1, "a") + track(5, 2, "c") + track(8, 3, "d"));
-    QTest::newRow("not listed") << trackList(2, track(1, 1, "a") + track(4, 4, "d")) << 1
-                                << trackList(2, track(1, 1, "a") + track(3, 3, "d"));
-    QTest::newRow("beyond the channels")
-        << trackList(2, track(2, 2, "b") + track(9, 9, "x")) << 1 << trackList(1, track(8, 8, "x"));
+    row("first", four, 0, trackList(3, track(1, 1, "b") + track(2, 2, "c") + track(3, 3, "d")));
+    row("second", four, 1, trackList(3, track(1, 1, "a") + track(2, 2, "c") + track(3, 3, "d")));
+    row("last", four, 3, trackList(3, track(1, 1, "a") + track(2, 2, "b") + track(3, 3, "c")));
+    row("listed in another order", trackList(3, track(4, 4, "d") + track(2, 2, "b") + track(1, 1, "a")), 1,
+        trackList(2, track(3, 3, "d") + track(1, 1, "a")));
+    row("the recorder's inputs keep their numbers",
+        trackList(4, track(1, 1, "a") + track(2, 2, "b") + track(5, 3, "c") + track(8, 4, "d")), 1,
+        trackList(3, track(1, 1, "a") + track(5, 2, "c") + track(8, 3, "d")));
+    row("not listed", trackList(2, track(1, 1, "a") + track(4, 4, "d")), 1,
+        trackList(2, track(1, 1, "a") + track(3, 3, "d")));
+    row("beyond the channels", trackList(2, track(2, 2, "b") + track(9, 9, "x")), 1,
+        trackList(1, track(8, 8, "x")));
     const QString counted = "<BWFXML><TRACK_LIST><TRACK><CHANNEL_INDEX>1</CHANNEL_INDEX></TRACK><TRACK>"
                             "<CHANNEL_INDEX> 2 </CHANNEL_INDEX></TRACK>%1</TRACK_LIST></BWFXML>";
-    QTest::newRow("by the channel alone")
-        << counted.arg("<TRACK><CHANNEL_INDEX>3</CHANNEL_INDEX></TRACK>") << 1
-        << "<BWFXML><TRACK_LIST><TRACK><CHANNEL_INDEX>1</CHANNEL_INDEX></TRACK><TRACK><CHANNEL_INDEX>2"
-           "</CHANNEL_INDEX></TRACK></TRACK_LIST></BWFXML>";
-    QTest::newRow("by the order alone")
-        << "<BWFXML><TRACK_LIST><TRACK>a</TRACK><TRACK><INTERLEAVE_INDEX>x</INTERLEAVE_INDEX></TRACK>"
-           "<TRACK>c</TRACK></TRACK_LIST></BWFXML>"
-        << 1 << "<BWFXML><TRACK_LIST><TRACK>a</TRACK><TRACK>c</TRACK></TRACK_LIST></BWFXML>";
-    QTest::newRow("no list") << "<BWFXML><SCENE>1</SCENE></BWFXML>" << 1
-                             << "<BWFXML><SCENE>1</SCENE></BWFXML>";
+    row("by the channel alone", counted.arg("<TRACK><CHANNEL_INDEX>3</CHANNEL_INDEX></TRACK>"), 1,
+        "<BWFXML><TRACK_LIST><TRACK><CHANNEL_INDEX>1</CHANNEL_INDEX></TRACK><TRACK><CHANNEL_INDEX>2"
+        "</CHANNEL_INDEX></TRACK></TRACK_LIST></BWFXML>");
+    row("by the order alone",
+        "<BWFXML><TRACK_LIST><TRACK>a</TRACK><TRACK><INTERLEAVE_INDEX>x</INTERLEAVE_INDEX></TRACK>"
+        "<TRACK>c</TRACK></TRACK_LIST></BWFXML>",
+        1, "<BWFXML><TRACK_LIST><TRACK>a</TRACK><TRACK>c</TRACK></TRACK_LIST></BWFXML>");
+    row("no list", "<BWFXML><SCENE>1</SCENE></BWFXML>", 1, "<BWFXML><SCENE>1</SCENE></BWFXML>");
 }
 
 void TestIxmlChunk::aTrackThatIsLeftOutIsNotListed()
@@ -311,10 +292,10 @@ void TestIxmlChunk::aTrackThatIsLeftOutIsNotListed()
 void TestIxmlChunk::whatIsNoIxmlIsDamaged_data()
 {
     QTest::addColumn<QString>("source");
-    QTest::newRow("empty") << "";
-    QTest::newRow("breaks off") << "<BWFXML><SPEED>";
-    QTest::newRow("another root") << "<XML><SPEED/></XML>";
-    QTest::newRow("two bytes a letter") << QString::fromLatin1("<\0B\0W\0F\0X\0M\0L\0/\0>\0", 18);
+    row("empty", "");
+    row("breaks off", "<BWFXML><SPEED>");
+    row("another root", "<XML><SPEED/></XML>");
+    row("two bytes a letter", QString::fromLatin1("<\0B\0W\0F\0X\0M\0L\0/\0>\0", 18));
 }
 
 void TestIxmlChunk::whatIsNoIxmlIsDamaged()

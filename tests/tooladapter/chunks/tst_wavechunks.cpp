@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "testkit/fixtures/row.h"
 #include "tests/tooladapter/chunks/wavebytes.h"
 #include "tooladapter/chunks/infochunk.h"
 #include "tooladapter/chunks/wavechunks.h"
@@ -71,38 +72,35 @@ void TestWaveChunks::chunksAreListedUpToTheFirstDamage_data()
     QTest::addColumn<std::string>("file");
     QTest::addColumn<QString>("list");
     const std::string whole = riff({{"fmt ", format(1, 16)}, {"data", samples()}, {"iXML", "<a/>"}});
-    QTest::newRow("whole") << whole << "fmt :16 data:8 iXML:4";
-    QTest::newRow("long") << rf64({{"fmt ", format(1, 16)}, {"data", samples()}, {"iXML", "<a/>"}})
-                          << "ds64:28 fmt :16 data:8 iXML:4";
-    QTest::newRow("long, the other name")
-        << "BW64" + rf64({{"fmt ", format(1, 16)}, {"data", samples()}}).substr(4)
-        << "ds64:28 fmt :16 data:8";
-    QTest::newRow("odd length") << riff({{"iXML", "<a />"}, {"data", samples()}}) << "iXML:5 data:8";
+    row("whole", whole, "fmt :16 data:8 iXML:4");
+    row("long", rf64({{"fmt ", format(1, 16)}, {"data", samples()}, {"iXML", "<a/>"}}),
+        "ds64:28 fmt :16 data:8 iXML:4");
+    row("long, the other name", "BW64" + rf64({{"fmt ", format(1, 16)}, {"data", samples()}}).substr(4),
+        "ds64:28 fmt :16 data:8");
+    row("odd length", riff({{"iXML", "<a />"}, {"data", samples()}}), "iXML:5 data:8");
     const std::string odd = riff({{"data", samples()}, {"iXML", "<a />"}});
-    QTest::newRow("odd length at the end") << odd << "data:8 iXML:5";
-    QTest::newRow("odd length at the end, no padding") << odd.substr(0, odd.size() - 1) << "data:8 iXML:5";
-    QTest::newRow("empty chunk") << riff({{"cue ", ""}, {"data", samples()}}) << "cue :0 data:8";
-    QTest::newRow("breaks off in the last chunk")
-        << whole.substr(0, whole.size() - 1) << "fmt :16 data:8 ...";
-    QTest::newRow("breaks off in a head") << whole.substr(0, whole.size() - 5) << "fmt :16 data:8 ...";
-    QTest::newRow("length of the file is wrong")
-        << whole.substr(0, 4) + std::string(4, '\0') + whole.substr(8) << "fmt :16 data:8 iXML:4";
-    QTest::newRow("endless chunk") << riff({{"fmt ", format(1, 16)}}) + "iXML\xff\xff\xff\xff<a/>"
-                                   << "fmt :16 ...";
-    QTest::newRow("samples of a long length in a short file")
-        << "RIFF" + rf64({{"data", samples()}}).substr(4) << "ds64:28 ...";
+    row("odd length at the end", odd, "data:8 iXML:5");
+    row("odd length at the end, no padding", odd.substr(0, odd.size() - 1), "data:8 iXML:5");
+    row("empty chunk", riff({{"cue ", ""}, {"data", samples()}}), "cue :0 data:8");
+    row("breaks off in the last chunk", whole.substr(0, whole.size() - 1), "fmt :16 data:8 ...");
+    row("breaks off in a head", whole.substr(0, whole.size() - 5), "fmt :16 data:8 ...");
+    row("length of the file is wrong", whole.substr(0, 4) + std::string(4, '\0') + whole.substr(8),
+        "fmt :16 data:8 iXML:4");
+    row("endless chunk", riff({{"fmt ", format(1, 16)}}) + "iXML\xff\xff\xff\xff<a/>", "fmt :16 ...");
+    row("samples of a long length in a short file", "RIFF" + rf64({{"data", samples()}}).substr(4),
+        "ds64:28 ...");
     std::string endless = rf64({{"data", samples()}});
     endless.replace(28, 8, 8, '\xff');
-    QTest::newRow("long length beyond the file") << endless << "ds64:28 ...";
-    QTest::newRow("long without the long lengths") << "RF64" + whole.substr(4) << " ...";
-    QTest::newRow("long lengths too short")
-        << "RF64" + riff({{"ds64", std::string(27, '\0')}, {"data", samples()}}).substr(4) << " ...";
-    QTest::newRow("no name") << riff({{"fmt ", format(1, 16)}}) + std::string(64, '\0') << "fmt :16 ...";
-    QTest::newRow("big-endian") << "RIFX" + whole.substr(4) << " ...";
-    QTest::newRow("no WAV file") << whole.substr(0, 8) + "AVI " + whole.substr(12) << " ...";
-    QTest::newRow("nothing") << std::string() << " ...";
-    QTest::newRow("less than a head") << whole.substr(0, 11) << " ...";
-    QTest::newRow("head only") << whole.substr(0, 12) << "";
+    row("long length beyond the file", endless, "ds64:28 ...");
+    row("long without the long lengths", "RF64" + whole.substr(4), " ...");
+    row("long lengths too short",
+        "RF64" + riff({{"ds64", std::string(27, '\0')}, {"data", samples()}}).substr(4), " ...");
+    row("no name", riff({{"fmt ", format(1, 16)}}) + std::string(64, '\0'), "fmt :16 ...");
+    row("big-endian", "RIFX" + whole.substr(4), " ...");
+    row("no WAV file", whole.substr(0, 8) + "AVI " + whole.substr(12), " ...");
+    row("nothing", std::string(), " ...");
+    row("less than a head", whole.substr(0, 11), " ...");
+    row("head only", whole.substr(0, 12), "");
 }
 
 void TestWaveChunks::chunksAreListedUpToTheFirstDamage()
@@ -134,17 +132,15 @@ void TestWaveChunks::chunksThatFitStayBeforeTheSamples_data()
     QTest::addColumn<QString>("list");
     // The room is that of "bext" (602 bytes), the metadata (16) and their heads.
     const QString fixed = "JUNK:28 fmt :16 ";
-    QTest::newRow("same lengths") << 602 << 16 << fixed + "bext:602 LIST:16 data:8 iXML:3";
-    QTest::newRow("shorter") << 602 << 8 << fixed + "bext:602 LIST:8 JUNK:0 data:8 iXML:3";
-    QTest::newRow("too little less for a filler")
-        << 602 << 10 << fixed + "bext:602 JUNK:16 data:8 LIST:10 iXML:3";
-    QTest::newRow("longer metadata") << 602 << 30 << fixed + "bext:602 JUNK:16 data:8 LIST:30 iXML:3";
-    QTest::newRow("longer bext") << 610 << 16 << fixed + "bext:610 JUNK:8 data:8 LIST:16 iXML:3";
-    QTest::newRow("bext takes all the room") << 626 << 16 << fixed + "bext:626 data:8 LIST:16 iXML:3";
-    QTest::newRow("odd bext takes all the room") << 625 << 16 << fixed + "bext:625 data:8 LIST:16 iXML:3";
-    QTest::newRow("bext leaves too little for a filler")
-        << 624 << 16 << fixed + "JUNK:626 data:8 bext:624 LIST:16 iXML:3";
-    QTest::newRow("much longer bext") << 5000 << 16 << fixed + "JUNK:626 data:8 bext:5000 LIST:16 iXML:3";
+    row("same lengths", 602, 16, fixed + "bext:602 LIST:16 data:8 iXML:3");
+    row("shorter", 602, 8, fixed + "bext:602 LIST:8 JUNK:0 data:8 iXML:3");
+    row("too little less for a filler", 602, 10, fixed + "bext:602 JUNK:16 data:8 LIST:10 iXML:3");
+    row("longer metadata", 602, 30, fixed + "bext:602 JUNK:16 data:8 LIST:30 iXML:3");
+    row("longer bext", 610, 16, fixed + "bext:610 JUNK:8 data:8 LIST:16 iXML:3");
+    row("bext takes all the room", 626, 16, fixed + "bext:626 data:8 LIST:16 iXML:3");
+    row("odd bext takes all the room", 625, 16, fixed + "bext:625 data:8 LIST:16 iXML:3");
+    row("bext leaves too little for a filler", 624, 16, fixed + "JUNK:626 data:8 bext:624 LIST:16 iXML:3");
+    row("much longer bext", 5000, 16, fixed + "JUNK:626 data:8 bext:5000 LIST:16 iXML:3");
 }
 
 void TestWaveChunks::chunksThatFitStayBeforeTheSamples()
@@ -251,17 +247,16 @@ void TestWaveChunks::filesThatAreNotTheToolsStayAsTheyAre_data()
 {
     QTest::addColumn<std::string>("written");
     const std::string bext(602, '\0');
-    QTest::newRow("no bext") << riff({{"fmt ", format(1, 16)}, {"data", samples()}});
-    QTest::newRow("bext behind the samples")
-        << riff({{"fmt ", format(1, 16)}, {"data", samples()}, {"bext", bext}});
-    QTest::newRow("two of bext") << riff(
-        {{"fmt ", format(1, 16)}, {"bext", bext}, {"bext", "short"}, {"data", samples()}});
-    QTest::newRow("metadata behind the samples")
-        << riff({{"fmt ", format(1, 16)}, {"bext", bext}, {"data", samples()}, {"LIST", "INFO"}});
-    QTest::newRow("no samples") << riff({{"fmt ", format(1, 16)}, {"bext", bext}});
-    QTest::newRow("damaged") << toolFile() + "x";
-    QTest::newRow("a header of more than a mebibyte")
-        << riff({{"bext", bext}, {"JUNK", std::string(1 << 20, 'j')}, {"data", samples()}});
+    row("no bext", riff({{"fmt ", format(1, 16)}, {"data", samples()}}));
+    row("bext behind the samples", riff({{"fmt ", format(1, 16)}, {"data", samples()}, {"bext", bext}}));
+    row("two of bext",
+        riff({{"fmt ", format(1, 16)}, {"bext", bext}, {"bext", "short"}, {"data", samples()}}));
+    row("metadata behind the samples",
+        riff({{"fmt ", format(1, 16)}, {"bext", bext}, {"data", samples()}, {"LIST", "INFO"}}));
+    row("no samples", riff({{"fmt ", format(1, 16)}, {"bext", bext}}));
+    row("damaged", toolFile() + "x");
+    row("a header of more than a mebibyte",
+        riff({{"bext", bext}, {"JUNK", std::string(1 << 20, 'j')}, {"data", samples()}}));
 }
 
 void TestWaveChunks::filesThatAreNotTheToolsStayAsTheyAre()
@@ -283,18 +278,16 @@ void TestWaveChunks::missingEntriesAreAddedToTheMetadata_data()
     QTest::addColumn<std::string>("merged");
     const std::string tool = "INFOICMT\3\0\0\0abc\0"s;
     const std::string other = "IXYZ\2\0\0\0xy"s;
-    QTest::newRow("nothing in the source") << tool << std::string() << tool;
-    QTest::newRow("nothing in both") << std::string() << std::string() << std::string("INFO");
-    QTest::newRow("a new one") << tool << "INFO" + other << tool + other;
-    QTest::newRow("none written") << std::string() << "INFO" + other << "INFO" + other;
-    QTest::newRow("the written one stays") << tool << "INFOICMT\2\0\0\0xy"s << tool;
-    QTest::newRow("once only") << tool << "INFO" + other + other << tool + other;
-    QTest::newRow("odd length without padding, at the end")
-        << tool << "INFOIXYZ\1\0\0\0x"s << tool + "IXYZ\1\0\0\0x\0"s;
-    QTest::newRow("written without the last padding") << tool.substr(0, 15) << "INFO" + other << tool + other;
-    QTest::newRow("what breaks off is left out") << tool << "INFOIXYZ\3\0\0\0xy"s << tool;
-    QTest::newRow("what follows damage is left out")
-        << tool << "INFO" + "\0\0\0\0\2\0\0\0xy"s + other << tool;
+    row("nothing in the source", tool, std::string(), tool);
+    row("nothing in both", std::string(), std::string(), std::string("INFO"));
+    row("a new one", tool, "INFO" + other, tool + other);
+    row("none written", std::string(), "INFO" + other, "INFO" + other);
+    row("the written one stays", tool, "INFOICMT\2\0\0\0xy"s, tool);
+    row("once only", tool, "INFO" + other + other, tool + other);
+    row("odd length without padding, at the end", tool, "INFOIXYZ\1\0\0\0x"s, tool + "IXYZ\1\0\0\0x\0"s);
+    row("written without the last padding", tool.substr(0, 15), "INFO" + other, tool + other);
+    row("what breaks off is left out", tool, "INFOIXYZ\3\0\0\0xy"s, tool);
+    row("what follows damage is left out", tool, "INFO" + "\0\0\0\0\2\0\0\0xy"s + other, tool);
 }
 
 void TestWaveChunks::missingEntriesAreAddedToTheMetadata()

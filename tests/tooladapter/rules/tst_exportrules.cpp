@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "testkit/fixtures/row.h"
 #include "tests/tooladapter/rules/words.h"
 #include "tooladapter/rules/exportplan.h"
 #include "tooladapter/rules/exportrules.h"
@@ -134,57 +135,41 @@ void TestExportRules::onlyTheTimecodeChannelGoes_data()
     const QString head = "-y -xerror -i in.mov -map 0:0 ";
     const QString pair = picture + "-map 0:1 -map_channel -0.1.1 -map_channel 0.1.0:0.0 -acodec pcm_s24le";
     const QString tail = " -vcodec copy out.MOV";
-    QTest::newRow("stereo, timecode on the left")
-        << "video:25/1 audio:pcm_s24le:2:stereo"
-        << "1.0" << pair << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c1" + tail;
-    QTest::newRow("two channels without a layout, timecode on the right")
-        << "video:25/1 audio:pcm_s24le:2"
-        << "1.1" << pair << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c0" + tail;
-    QTest::newRow("stereo, the application named no channel")
-        << "video:25/1 audio:pcm_s24le:2:stereo"
-        << "" << pair << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c1" + tail;
-    QTest::newRow("big-endian pair, the application named no channel")
-        << "video:25/1 audio:pcm_s16be:2"
-        << "" << pair << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c1" + tail;
-    QTest::newRow("two channels without a layout, the application named no channel")
-        << "video:25/1 audio:pcm_s24le:2:unknown"
-        << "" << pair << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c0" + tail;
-    QTest::newRow("the application knows a channel of another stream")
-        << "video:25/1 audio:pcm_s24le:2:stereo"
-        << "2.1" << pair << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c1" + tail;
-    QTest::newRow("three channels")
-        << "video:25/1 audio:pcm_s16le:3"
-        << "1.0"
-        << picture +
-               "-map 0:1 -map_channel -0.1.0 -map_channel 0.1.1:0.0 -map_channel 0.1.2:0.1 -acodec pcm_s16le"
-        << head + "-map 0:1 -c:a:0 pcm_s16le -filter:a:0 pan=2C|c0=c1|c1=c2" + tail;
-    QTest::newRow("four channels, the third carries timecode")
-        << "video:25/1 audio:pcm_s24le:4:4.0"
-        << "1.2"
-        << picture + "-map 0:1 -map_channel -0.1.2 -map_channel 0.1.0:0.0 -map_channel 0.1.1:0.1 "
-                     "-map_channel 0.1.3:0.2 -acodec pcm_s24le"
-        << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=3C|c0=c0|c1=c1|c2=c3" + tail;
-    QTest::newRow("the second of two streams")
-        << "video:25/1 audio:pcm_s24le:2:stereo audio:pcm_s16le:2:stereo"
-        << "2.1"
-        << picture + "-map 0:1 -acodec pcm_s24le -map 0:2 -map_channel -0.2.0 -map_channel 0.2.1:0.0 -acodec "
-                     "pcm_s16le"
-        << head + "-map 0:1 -c:a:0 pcm_s24le -map 0:2 -c:a:1 pcm_s16le -filter:a:1 pan=mono|c0=c0" + tail;
-    QTest::newRow("surround AAC keeps a layout that AAC has")
-        << "video:25/1 audio:aac:6:5.1"
-        << "1.5"
-        << picture + "-map 0:1 -map_channel -0.1.5 -map_channel 0.1.0:0.0 -map_channel 0.1.1:0.1 "
-                     "-map_channel 0.1.2:0.2 -map_channel 0.1.3:0.3 -map_channel 0.1.4:0.4 -acodec aac"
-        << head + "-map 0:1 -c:a:0 aac -b:a:0 960000 -filter:a:0 pan=5.0|c0=c0|c1=c1|c2=c2|c3=c3|c4=c4" +
-               tail;
-    QTest::newRow("more channels than AAC has layouts for become PCM")
-        << "video:25/1 audio:aac:8:7.1"
-        << "1.0" << picture + "-map 0:1 -map_channel -0.1.0 -map_channel 0.1.1:0.0 -acodec aac"
-        << head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=7C|c0=c1|c1=c2|c2=c3|c3=c4|c4=c5|c5=c6|c6=c7" +
-               tail;
-    QTest::newRow("single channels go without a word")
-        << "video:25/1 audio:pcm_s24le:1 audio:pcm_s24le:1"
-        << "2.0" << picture + "-map 0:1 -acodec pcm_s24le" << head + "-map 0:1 -c:a:0 pcm_s24le" + tail;
+    row("stereo, timecode on the left", "video:25/1 audio:pcm_s24le:2:stereo", "1.0", pair,
+        head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c1" + tail);
+    row("two channels without a layout, timecode on the right", "video:25/1 audio:pcm_s24le:2", "1.1", pair,
+        head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c0" + tail);
+    row("stereo, the application named no channel", "video:25/1 audio:pcm_s24le:2:stereo", "", pair,
+        head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c1" + tail);
+    row("big-endian pair, the application named no channel", "video:25/1 audio:pcm_s16be:2", "", pair,
+        head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c1" + tail);
+    row("two channels without a layout, the application named no channel",
+        "video:25/1 audio:pcm_s24le:2:unknown", "", pair,
+        head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c0" + tail);
+    row("the application knows a channel of another stream", "video:25/1 audio:pcm_s24le:2:stereo", "2.1",
+        pair, head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c1" + tail);
+    row("three channels", "video:25/1 audio:pcm_s16le:3", "1.0",
+        picture +
+            "-map 0:1 -map_channel -0.1.0 -map_channel 0.1.1:0.0 -map_channel 0.1.2:0.1 -acodec pcm_s16le",
+        head + "-map 0:1 -c:a:0 pcm_s16le -filter:a:0 pan=2C|c0=c1|c1=c2" + tail);
+    row("four channels, the third carries timecode", "video:25/1 audio:pcm_s24le:4:4.0", "1.2",
+        picture + "-map 0:1 -map_channel -0.1.2 -map_channel 0.1.0:0.0 -map_channel 0.1.1:0.1 "
+                  "-map_channel 0.1.3:0.2 -acodec pcm_s24le",
+        head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=3C|c0=c0|c1=c1|c2=c3" + tail);
+    row("the second of two streams", "video:25/1 audio:pcm_s24le:2:stereo audio:pcm_s16le:2:stereo", "2.1",
+        picture + "-map 0:1 -acodec pcm_s24le -map 0:2 -map_channel -0.2.0 -map_channel 0.2.1:0.0 -acodec "
+                  "pcm_s16le",
+        head + "-map 0:1 -c:a:0 pcm_s24le -map 0:2 -c:a:1 pcm_s16le -filter:a:1 pan=mono|c0=c0" + tail);
+    row("surround AAC keeps a layout that AAC has", "video:25/1 audio:aac:6:5.1", "1.5",
+        picture + "-map 0:1 -map_channel -0.1.5 -map_channel 0.1.0:0.0 -map_channel 0.1.1:0.1 "
+                  "-map_channel 0.1.2:0.2 -map_channel 0.1.3:0.3 -map_channel 0.1.4:0.4 -acodec aac",
+        head + "-map 0:1 -c:a:0 aac -b:a:0 960000 -filter:a:0 pan=5.0|c0=c0|c1=c1|c2=c2|c3=c3|c4=c4" + tail);
+    row("more channels than AAC has layouts for become PCM", "video:25/1 audio:aac:8:7.1", "1.0",
+        picture + "-map 0:1 -map_channel -0.1.0 -map_channel 0.1.1:0.0 -acodec aac",
+        head + "-map 0:1 -c:a:0 pcm_s24le -filter:a:0 pan=7C|c0=c1|c1=c2|c2=c3|c3=c4|c4=c5|c5=c6|c6=c7" +
+            tail);
+    row("single channels go without a word", "video:25/1 audio:pcm_s24le:1 audio:pcm_s24le:1", "2.0",
+        picture + "-map 0:1 -acodec pcm_s24le", head + "-map 0:1 -c:a:0 pcm_s24le" + tail);
 }
 
 void TestExportRules::onlyTheTimecodeChannelGoes()
@@ -203,43 +188,37 @@ void TestExportRules::everyStreamIsTakenWhereNoneIsNamed_data()
     QTest::addColumn<QString>("source");
     QTest::addColumn<QString>("given");
     QTest::addColumn<QString>("corrected");
-    QTest::newRow("four tracks")
-        << "video:25/1 audio:pcm_s24le:1 audio:pcm_s24le:1 audio:pcm_s24le:1 audio:pcm_s24le:1"
-        << "-y -i in.mov -acodec pcm_s16le -vcodec copy out.MOV"
-        << "-y -xerror -i in.mov -map 0:0 -map 0:1 -c:a:0 pcm_s16le -map 0:2 -c:a:1 pcm_s16le -map 0:3 "
-           "-c:a:2 "
-           "pcm_s16le -map 0:4 -c:a:3 pcm_s16le -vcodec copy out.MOV";
-    QTest::newRow("from MXF to MXF without a codec, each keeps its depth")
-        << "video:25/1 audio:pcm_s24le:1 audio:pcm_s16le:1"
-        << "-y -i in.mxf -vcodec mpeg2video -b:v 50M -pix_fmt yuv422p -s 1920x1080 out.MXF"
-        << "-y -i in.mxf -map 0:0 -map 0:1 -c:a:0 pcm_s24le -map 0:2 -c:a:1 pcm_s16le -ar 48000 -vcodec "
-           "mpeg2video "
-           "-b:v 50M -pix_fmt yuv422p -s 1920x1080 out.MXF";
-    QTest::newRow("cover images, subtitles and old timecode stay behind")
-        << "cover data video:25/1 video:50/1 audio:aac:2:stereo data"
-        << "-y -i in.mp4 -acodec pcm_s16le -vcodec copy out.MOV"
-        << "-y -xerror -i in.mp4 -map 0:2 -map 0:4 -c:a:0 pcm_s16le -vcodec copy out.MOV";
-    QTest::newRow("the first picture of several that are named together")
-        << "video:25/1 audio:aac:2:stereo cover"
-        << "-y -i in.mp4 -map 0:v -map 0:1 -acodec pcm_s16le -vcodec copy out.MOV"
-        << "-y -xerror -i in.mp4 -map 0:0 -map 0:1 -c:a:0 pcm_s16le -vcodec copy out.MOV";
-    QTest::newRow("sound alone asks for no picture")
-        << "audio:pcm_s24le:1 audio:pcm_s24le:1"
-        << "-y -i in.mov -map 0:v -map 0:1 -acodec pcm_s24le -vcodec copy out.MOV"
-        << "-y -xerror -i in.mov -map 0:1 -c:a:0 pcm_s24le out.MOV";
-    QTest::newRow("sound alone keeps its timecode as a tag")
-        << "audio:pcm_s24le:1 audio:pcm_s24le:1"
-        << "-y -i in.mov -map 0:v -map 0:1 -acodec pcm_s24le -vcodec copy -timecode 10:11:12:13 -r 25 out.MOV"
-        << "-y -xerror -i in.mov -map 0:1 -c:a:0 pcm_s24le -movflags use_metadata_tags -timecode 10:11:12:13 "
-           "out.MOV";
-    QTest::newRow("picture alone") << "video:25/1"
-                                   << "-y -i in.mov -vcodec copy out.MOV"
-                                   << "-y -xerror -i in.mov -map 0:0 -vcodec copy out.MOV";
-    QTest::newRow("WAV")
-        << "audio:pcm_s24le:8"
-        << "-y -i in.wav -write_bext 1 -acodec pcm_s24le -metadata time_reference=5 out.WAV"
-        << "-y -xerror -i in.wav -map 0:0 -c:a:0 pcm_s24le -rf64 auto -write_bext 1 -metadata "
-           "time_reference=5 out.WAV";
+    row("four tracks", "video:25/1 audio:pcm_s24le:1 audio:pcm_s24le:1 audio:pcm_s24le:1 audio:pcm_s24le:1",
+        "-y -i in.mov -acodec pcm_s16le -vcodec copy out.MOV",
+        "-y -xerror -i in.mov -map 0:0 -map 0:1 -c:a:0 pcm_s16le -map 0:2 -c:a:1 pcm_s16le -map 0:3 "
+        "-c:a:2 "
+        "pcm_s16le -map 0:4 -c:a:3 pcm_s16le -vcodec copy out.MOV");
+    row("from MXF to MXF without a codec, each keeps its depth",
+        "video:25/1 audio:pcm_s24le:1 audio:pcm_s16le:1",
+        "-y -i in.mxf -vcodec mpeg2video -b:v 50M -pix_fmt yuv422p -s 1920x1080 out.MXF",
+        "-y -i in.mxf -map 0:0 -map 0:1 -c:a:0 pcm_s24le -map 0:2 -c:a:1 pcm_s16le -ar 48000 -vcodec "
+        "mpeg2video "
+        "-b:v 50M -pix_fmt yuv422p -s 1920x1080 out.MXF");
+    row("cover images, subtitles and old timecode stay behind",
+        "cover data video:25/1 video:50/1 audio:aac:2:stereo data",
+        "-y -i in.mp4 -acodec pcm_s16le -vcodec copy out.MOV",
+        "-y -xerror -i in.mp4 -map 0:2 -map 0:4 -c:a:0 pcm_s16le -vcodec copy out.MOV");
+    row("the first picture of several that are named together", "video:25/1 audio:aac:2:stereo cover",
+        "-y -i in.mp4 -map 0:v -map 0:1 -acodec pcm_s16le -vcodec copy out.MOV",
+        "-y -xerror -i in.mp4 -map 0:0 -map 0:1 -c:a:0 pcm_s16le -vcodec copy out.MOV");
+    row("sound alone asks for no picture", "audio:pcm_s24le:1 audio:pcm_s24le:1",
+        "-y -i in.mov -map 0:v -map 0:1 -acodec pcm_s24le -vcodec copy out.MOV",
+        "-y -xerror -i in.mov -map 0:1 -c:a:0 pcm_s24le out.MOV");
+    row("sound alone keeps its timecode as a tag", "audio:pcm_s24le:1 audio:pcm_s24le:1",
+        "-y -i in.mov -map 0:v -map 0:1 -acodec pcm_s24le -vcodec copy -timecode 10:11:12:13 -r 25 out.MOV",
+        "-y -xerror -i in.mov -map 0:1 -c:a:0 pcm_s24le -movflags use_metadata_tags -timecode 10:11:12:13 "
+        "out.MOV");
+    row("picture alone", "video:25/1", "-y -i in.mov -vcodec copy out.MOV",
+        "-y -xerror -i in.mov -map 0:0 -vcodec copy out.MOV");
+    row("WAV", "audio:pcm_s24le:8",
+        "-y -i in.wav -write_bext 1 -acodec pcm_s24le -metadata time_reference=5 out.WAV",
+        "-y -xerror -i in.wav -map 0:0 -c:a:0 pcm_s24le -rf64 auto -write_bext 1 -metadata "
+        "time_reference=5 out.WAV");
 }
 
 void TestExportRules::everyStreamIsTakenWhereNoneIsNamed()
@@ -258,30 +237,26 @@ void TestExportRules::everyStreamHasItsOwnCodec_data()
     const QString two = "video:25/1 audio:pcm_s24le:1 audio:pcm_s16le:1";
     const QString named = "-map 0:v -map 0:1 -acodec %1 -map 0:2 -acodec %2";
     const QString corrected = "-map 0:0 -map 0:1 -c:a:0 %1 -map 0:2 -c:a:1 %2";
-    QTest::newRow("QuickTime keeps what is asked") << two << named.arg("pcm_s24le", "pcm_s16be") + " out.MOV"
-                                                   << corrected.arg("pcm_s24le", "pcm_s16be") + " out.MOV";
-    QTest::newRow("MXF takes little-endian of the same depth")
-        << two << named.arg("pcm_s24be", "pcm_s16be") + " -map -0:d out.MXF"
-        << corrected.arg("pcm_s24le", "pcm_s16le") + " -ar 48000 out.MXF";
-    QTest::newRow("MXF takes lossy sound and deeper PCM as 24 bit")
-        << two << named.arg("aac", "pcm_f32le") + " out.MXF"
-        << corrected.arg("pcm_s24le", "pcm_s24le") + " -ar 48000 out.MXF";
-    QTest::newRow("MXF takes eight bits as sixteen")
-        << two << named.arg("pcm_u8", "pcm_s8") + " out.MXF"
-        << corrected.arg("pcm_s16le", "pcm_s16le") + " -ar 48000 out.MXF";
-    QTest::newRow("WAV takes little-endian")
-        << "audio:mp3:2:stereo"
-        << "-write_bext 1 -map 0:0 -map_channel 0.0.1:0.0 -acodec pcm_s24be out.WAV"
-        << "-map 0:0 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c1 -rf64 auto -write_bext 1 out.WAV";
-    QTest::newRow("lossy sound is copied rather than coded again")
-        << "video:25/1 audio:aac:2:stereo audio:ac3:6:5.1(side)" << named.arg("aac", "ac3") + " out.MOV"
-        << corrected.arg("copy", "copy") + " out.MOV";
-    QTest::newRow("one codec for all that is none of the two PCM types passes each stream through")
-        << "video:25/1 audio:aac:2:stereo audio:pcm_s24be:2"
-        << "-acodec aac out.MOV" << corrected.arg("copy", "pcm_s24be") + " out.MOV";
-    QTest::newRow("one PCM type for all is obeyed")
-        << "video:25/1 audio:aac:2:stereo audio:pcm_s24be:2"
-        << "-acodec pcm_s16le out.MOV" << corrected.arg("pcm_s16le", "pcm_s16le") + " out.MOV";
+    row("QuickTime keeps what is asked", two, named.arg("pcm_s24le", "pcm_s16be") + " out.MOV",
+        corrected.arg("pcm_s24le", "pcm_s16be") + " out.MOV");
+    row("MXF takes little-endian of the same depth", two,
+        named.arg("pcm_s24be", "pcm_s16be") + " -map -0:d out.MXF",
+        corrected.arg("pcm_s24le", "pcm_s16le") + " -ar 48000 out.MXF");
+    row("MXF takes lossy sound and deeper PCM as 24 bit", two, named.arg("aac", "pcm_f32le") + " out.MXF",
+        corrected.arg("pcm_s24le", "pcm_s24le") + " -ar 48000 out.MXF");
+    row("MXF takes eight bits as sixteen", two, named.arg("pcm_u8", "pcm_s8") + " out.MXF",
+        corrected.arg("pcm_s16le", "pcm_s16le") + " -ar 48000 out.MXF");
+    row("WAV takes little-endian", "audio:mp3:2:stereo",
+        "-write_bext 1 -map 0:0 -map_channel 0.0.1:0.0 -acodec pcm_s24be out.WAV",
+        "-map 0:0 -c:a:0 pcm_s24le -filter:a:0 pan=mono|c0=c1 -rf64 auto -write_bext 1 out.WAV");
+    row("lossy sound is copied rather than coded again",
+        "video:25/1 audio:aac:2:stereo audio:ac3:6:5.1(side)", named.arg("aac", "ac3") + " out.MOV",
+        corrected.arg("copy", "copy") + " out.MOV");
+    row("one codec for all that is none of the two PCM types passes each stream through",
+        "video:25/1 audio:aac:2:stereo audio:pcm_s24be:2", "-acodec aac out.MOV",
+        corrected.arg("copy", "pcm_s24be") + " out.MOV");
+    row("one PCM type for all is obeyed", "video:25/1 audio:aac:2:stereo audio:pcm_s24be:2",
+        "-acodec pcm_s16le out.MOV", corrected.arg("pcm_s16le", "pcm_s16le") + " out.MOV");
 }
 
 void TestExportRules::everyStreamHasItsOwnCodec()
@@ -300,10 +275,6 @@ void TestExportRules::soundThatPassesThroughKeepsItsDepth_data()
     QTest::addColumn<QString>("given");
     QTest::addColumn<QString>("codecs"); // of the written streams
     const QString depths = "video:25/1 audio:pcm_s16le:2 audio:pcm_s24le:1";
-    const auto row = [](const char *name, const QString &source, const char *sound, const char *given,
-                        const char *codecs) {
-        QTest::newRow(name) << source << QString(sound) << QString(given) << QString(codecs);
-    };
     row("the widest stream is the shallow one", depths, "pass", "-acodec pcm_s16le out.MOV",
         "pcm_s16le pcm_s24le");
     row("into MXF", depths, "pass", "-acodec pcm_s16le out.MXF", "pcm_s16le pcm_s24le");
@@ -344,10 +315,6 @@ void TestExportRules::theTimeReferenceCountsTheFilesOwnSamples_data()
     QTest::addColumn<QString>("own");
     QTest::addColumn<QString>("given");
     QTest::addColumn<QString>("written");
-    const auto row = [](const char *name, const char *counted, const char *own, const char *given,
-                        const char *written) {
-        QTest::newRow(name) << QString(counted) << QString(own) << QString(given) << QString(written);
-    };
     row("its own timecode", "", "48000", "1728000001", "1728000001");
     row("a sibling of the same rate", "48000", "48000", "1728000001", "1728000001");
     row("a sibling of half the rate", "48000", "96000", "1728000001", "3456000002");
@@ -383,10 +350,6 @@ void TestExportRules::soundLiesBesideThePicture_data()
     const QString all = "-map 0:1 -acodec pcm_s24le ";
     const QString muted =
         "-map 0:1 -map_channel -0.1.2 -map_channel 0.1.0:0.0 -map_channel 0.1.1:0.1 -acodec pcm_s24le ";
-    const auto row = [](const char *name, const QString &given, double start, double end,
-                        const char *filter) {
-        QTest::newRow(name) << given << start << end << QString(filter);
-    };
     row("MXF, as long as the picture", all + "out.MXF", 0.0, 5.0, "");
     row("MXF, begins late", all + "out.MXF", 0.4, 5.0, "-filter:a:0 adelay=400.000:all=1");
     row("MXF, begins late without the timecode", muted + "out.MXF", 0.4, 5.0,
@@ -435,13 +398,13 @@ void TestExportRules::lossySoundIsCodedAgainAtAGoodRate_data()
     QTest::addColumn<int>("channels");
     QTest::addColumn<int>("sourceRate"); // [bit/s]
     QTest::addColumn<int>("rate");       // [bit/s]
-    QTest::newRow("AAC, at least 128 kbit/s a channel") << "aac" << 2 << 96'000 << 128'000;
-    QTest::newRow("AAC, at least the source's") << "aac" << 2 << 317'001 << 158'501;
-    QTest::newRow("AAC, all kept channels") << "aac" << 4 << 800'000 << 600'000;
-    QTest::newRow("AAC that does not state its rate") << "aac" << 2 << 0 << 192'000;
-    QTest::newRow("AC-3 at one of its rates") << "ac3" << 2 << 448'000 << 224'000;
-    QTest::newRow("AC-3 at the next higher one") << "ac3" << 4 << 448'000 << 384'000;
-    QTest::newRow("AC-3 at its highest") << "ac3" << 6 << 1'000'000 << 640'000;
+    row("AAC, at least 128 kbit/s a channel", "aac", 2, 96'000, 128'000);
+    row("AAC, at least the source's", "aac", 2, 317'001, 158'501);
+    row("AAC, all kept channels", "aac", 4, 800'000, 600'000);
+    row("AAC that does not state its rate", "aac", 2, 0, 192'000);
+    row("AC-3 at one of its rates", "ac3", 2, 448'000, 224'000);
+    row("AC-3 at the next higher one", "ac3", 4, 448'000, 384'000);
+    row("AC-3 at its highest", "ac3", 6, 1'000'000, 640'000);
 }
 
 void TestExportRules::lossySoundIsCodedAgainAtAGoodRate()
@@ -465,10 +428,6 @@ void TestExportRules::whatTheListCouldNotKnowIsCompleted_data()
     QTest::addColumn<QString>("hints");
     QTest::addColumn<QString>("given");
     QTest::addColumn<QString>("written");
-    const auto row = [](const char *name, const QString &source, const QString &hints, const QString &given,
-                        const QString &written) {
-        QTest::newRow(name) << source << hints << given << written;
-    };
     const QString two = "video:25/1 audio:pcm_s16le:1 audio:pcm_s24le:1";
     const QString sounds = "-map 0:0 -map 0:1 -c:a:0 %1 -map 0:2 -c:a:1 %2 ";
     const QString medium = "-vcodec dnxhd -b:v 120M -pix_fmt yuv422p -s 1920x1080 -r 25/1 ";
@@ -509,13 +468,13 @@ void TestExportRules::aBatchSharesTheProcessors_data()
     QTest::addColumn<QString>("given");
     QTest::addColumn<QString>("threads"); // of the filters, the decoder and the coder
     const QString coded = "-vcodec mpeg2video";
-    QTest::newRow("one file") << 1 << 16 << coded << QString();
-    QTest::newRow("two files") << 2 << 16 << coded << "8";
-    QTest::newRow("more files than processors") << 17 << 16 << coded << "1";
-    QTest::newRow("more files than run together") << 1000 << 96 << coded << "2";
-    QTest::newRow("one processor") << 5 << 1 << coded << QString();
-    QTest::newRow("a batch of unknown size") << 0 << 16 << coded << QString();
-    QTest::newRow("a copy") << 17 << 16 << "-vcodec copy" << QString();
+    row("one file", 1, 16, coded, QString());
+    row("two files", 2, 16, coded, "8");
+    row("more files than processors", 17, 16, coded, "1");
+    row("more files than run together", 1000, 96, coded, "2");
+    row("one processor", 5, 1, coded, QString());
+    row("a batch of unknown size", 0, 16, coded, QString());
+    row("a copy", 17, 16, "-vcodec copy", QString());
 }
 
 void TestExportRules::aBatchSharesTheProcessors()
@@ -547,9 +506,7 @@ void TestExportRules::thePictureKeepsItsRate_data()
     QTest::addColumn<QString>("given");
     QTest::addColumn<QString>("corrected");
     const auto row = [](const char *name, const char *rate, const QString &given, const QString &corrected,
-                        const char *timecodeRate = "") {
-        QTest::newRow(name) << QString(rate) << QString(timecodeRate) << given << corrected;
-    };
+                        const char *timecodeRate = "") { ::row(name, rate, timecodeRate, given, corrected); };
     row("the reader's rate goes", "25/1", "-vcodec copy -timecode 10:11:12:13 -r 25",
         "-vcodec copy -timecode 10:11:12:13");
     row("25 counted at 50", "50/1", "-vcodec copy -timecode 10:11:12:13 -r 25",
@@ -605,18 +562,12 @@ void TestExportRules::filesInOddFoldersAreFiles_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("corrected");
-    QTest::newRow("absolute") << "/a:b/-x.MOV"
-                              << "/a:b/-x.MOV";
-    QTest::newRow("relative") << "out/x.MOV"
-                              << "out/x.MOV";
-    QTest::newRow("begins with a dash") << "-x/clip.MOV"
-                                        << "./-x/clip.MOV";
-    QTest::newRow("looks like a protocol") << "a:b/clip.MOV"
-                                           << "./a:b/clip.MOV";
-    QTest::newRow("colon in the name") << "out/a:b.MOV"
-                                       << "out/a:b.MOV";
-    QTest::newRow("bare name with a colon") << "10:00.MOV"
-                                            << "./10:00.MOV";
+    row("absolute", "/a:b/-x.MOV", "/a:b/-x.MOV");
+    row("relative", "out/x.MOV", "out/x.MOV");
+    row("begins with a dash", "-x/clip.MOV", "./-x/clip.MOV");
+    row("looks like a protocol", "a:b/clip.MOV", "./a:b/clip.MOV");
+    row("colon in the name", "out/a:b.MOV", "out/a:b.MOV");
+    row("bare name with a colon", "10:00.MOV", "./10:00.MOV");
 }
 
 void TestExportRules::filesInOddFoldersAreFiles()
@@ -634,7 +585,7 @@ void TestExportRules::whatCannotBeRightIsRefused_data()
     QTest::addColumn<QString>("given");
     QTest::addColumn<QString>("reason");
     const auto timecode = [](const char *name, const char *rate, const QString &words, const char *reason) {
-        QTest::newRow(name) << QString("video:") + rate << words + " out.MOV" << QString(reason);
+        row(name, QString("video:") + rate, words + " out.MOV", QString(reason));
     };
     timecode("empty timecode", "25/1", "-timecode '' -r 25", "is empty");
     timecode("no timecode at all", "25/1", "-timecode x -r 25", "is no timecode");
@@ -654,25 +605,16 @@ void TestExportRules::whatCannotBeRightIsRefused_data()
     timecode("picture without a rate", "0/0", "-timecode 10:11:12:13 -r 25", "picture is not known");
     timecode("a picture a minute", "1/60", "-timecode 10:11:12:13 -r 25", "no frames to count");
     timecode("a coder's rate that is another picture's", "50/1", coded25, "does not run at the rate");
-    QTest::newRow("MXF without a picture") << "audio:pcm_s24le:2"
-                                           << "-acodec pcm_s24le out.MXF"
-                                           << "has no picture";
-    QTest::newRow("nothing left") << "data"
-                                  << "-map 0:v -vcodec copy out.MOV"
-                                  << "nothing of";
-    QTest::newRow("a WAV file of nothing but timecode") << "audio:pcm_s24le:1"
-                                                        << "-write_bext 1 -metadata time_reference=5 out.WAV"
-                                                        << "nothing but the timecode";
-    QTest::newRow("a stream that is not there") << "video:25/1 audio:pcm_s24le:2"
-                                                << "-map 0:v -map 0:7 -acodec pcm_s24le out.MOV"
-                                                << "no audio stream 7";
-    QTest::newRow("a stream that is no audio") << "video:25/1 data"
-                                               << "-map 0:v -map 0:1 -acodec pcm_s24le out.MOV"
-                                               << "no audio stream 1";
-    QTest::newRow("a channel that is not there")
-        << "video:25/1 audio:pcm_s24le:4"
-        << "-map 0:1 -map_channel -0.1.4 -map_channel 0.1.0:0.0 -acodec pcm_s24le out.MOV"
-        << "no channel 4";
+    row("MXF without a picture", "audio:pcm_s24le:2", "-acodec pcm_s24le out.MXF", "has no picture");
+    row("nothing left", "data", "-map 0:v -vcodec copy out.MOV", "nothing of");
+    row("a WAV file of nothing but timecode", "audio:pcm_s24le:1",
+        "-write_bext 1 -metadata time_reference=5 out.WAV", "nothing but the timecode");
+    row("a stream that is not there", "video:25/1 audio:pcm_s24le:2",
+        "-map 0:v -map 0:7 -acodec pcm_s24le out.MOV", "no audio stream 7");
+    row("a stream that is no audio", "video:25/1 data", "-map 0:v -map 0:1 -acodec pcm_s24le out.MOV",
+        "no audio stream 1");
+    row("a channel that is not there", "video:25/1 audio:pcm_s24le:4",
+        "-map 0:1 -map_channel -0.1.4 -map_channel 0.1.0:0.0 -acodec pcm_s24le out.MOV", "no channel 4");
 }
 
 void TestExportRules::whatCannotBeRightIsRefused()

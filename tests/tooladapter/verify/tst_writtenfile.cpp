@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "testkit/fixtures/row.h"
 #include "tooladapter/verify/writtenfile.h"
 
 #include <QList>
@@ -64,27 +65,23 @@ void TestWrittenFile::onlyACompleteFileIsASuccess_data()
     QTest::addColumn<QString>("fault"); // empty: complete
     const char *timecode = "10:11:12:13";
     const auto file = [](std::vector<Stream> streams) { return Source{std::move(streams), 0.0, 0.0, {}}; };
-    QTest::newRow("complete") << file({picture(60, timecode), audio(3, 60)}) << QString();
-    QTest::newRow("timecode of the file as a whole")
-        << Source{{picture(60), audio(3, 60)}, 0.0, 0.0, timecode} << QString();
-    QTest::newRow("lengths only of the file as a whole")
-        << Source{{picture(0, timecode), audio(3, 0)}, 0.0, 60.0, {}} << QString();
-    QTest::newRow("a frame shorter") << file({picture(59.96, timecode), audio(3, 59.95)}) << QString();
-    QTest::newRow("longer") << file({picture(60.04, timecode), audio(3, 60.02)}) << QString();
-    QTest::newRow("no whole frame in the first half second")
-        << file({picture(59.5, timecode, 0.5), audio(3, 60)}) << QString();
-    QTest::newRow("picture breaks off")
-        << file({picture(59.8, timecode), audio(3, 60)}) << "picture ends after 59.80 s";
-    QTest::newRow("sound breaks off")
-        << file({picture(60, timecode), audio(3, 31)}) << "sound ends after 31.00 s";
-    QTest::newRow("no picture") << file({audio(3, 60)}) << "no picture";
-    QTest::newRow("no sound") << file({picture(60, timecode)}) << "0 audio streams instead of 1";
-    QTest::newRow("a channel too many")
-        << file({picture(60, timecode), audio(4, 60)}) << "4 channels instead of 3";
-    QTest::newRow("nothing that can be read") << Source{} << "no picture";
-    QTest::newRow("no timecode") << file({picture(60), audio(3, 60)})
-                                 << "starts at \"\" instead of 10:11:12:13";
-    QTest::newRow("another timecode") << file({picture(60, "10:11:13:04"), audio(3, 60)}) << "10:11:13:04";
+    row("complete", file({picture(60, timecode), audio(3, 60)}), QString());
+    row("timecode of the file as a whole", Source{{picture(60), audio(3, 60)}, 0.0, 0.0, timecode},
+        QString());
+    row("lengths only of the file as a whole", Source{{picture(0, timecode), audio(3, 0)}, 0.0, 60.0, {}},
+        QString());
+    row("a frame shorter", file({picture(59.96, timecode), audio(3, 59.95)}), QString());
+    row("longer", file({picture(60.04, timecode), audio(3, 60.02)}), QString());
+    row("no whole frame in the first half second", file({picture(59.5, timecode, 0.5), audio(3, 60)}),
+        QString());
+    row("picture breaks off", file({picture(59.8, timecode), audio(3, 60)}), "picture ends after 59.80 s");
+    row("sound breaks off", file({picture(60, timecode), audio(3, 31)}), "sound ends after 31.00 s");
+    row("no picture", file({audio(3, 60)}), "no picture");
+    row("no sound", file({picture(60, timecode)}), "0 audio streams instead of 1");
+    row("a channel too many", file({picture(60, timecode), audio(4, 60)}), "4 channels instead of 3");
+    row("nothing that can be read", Source{}, "no picture");
+    row("no timecode", file({picture(60), audio(3, 60)}), "starts at \"\" instead of 10:11:12:13");
+    row("another timecode", file({picture(60, "10:11:13:04"), audio(3, 60)}), "10:11:13:04");
 }
 
 void TestWrittenFile::onlyACompleteFileIsASuccess()
@@ -105,9 +102,9 @@ void TestWrittenFile::theStartOfASoundFileIsReadBack_data()
 {
     QTest::addColumn<QByteArray>("note");
     QTest::addColumn<bool>("isRight");
-    QTest::newRow("as asked for") << QByteArray("TAG:time_reference=1760232000\n") << true;
-    QTest::newRow("another") << QByteArray("TAG:time_reference=1760232001\n") << false;
-    QTest::newRow("none") << QByteArray() << false;
+    row("as asked for", QByteArray("TAG:time_reference=1760232000\n"), true);
+    row("another", QByteArray("TAG:time_reference=1760232001\n"), false);
+    row("none", QByteArray(), false);
 }
 
 void TestWrittenFile::theStartOfASoundFileIsReadBack()
@@ -129,9 +126,7 @@ void TestWrittenFile::theEndMustBeThere_data()
     QTest::addColumn<double>("rate"); // [frames/s]
     QTest::addColumn<bool>("isComplete");
     const auto row = [](const char *name, const char *packets, bool isComplete, bool isCopied = false,
-                        double rate = 25.0) {
-        QTest::newRow(name) << QByteArray(packets) << isCopied << rate << isComplete;
-    };
+                        double rate = 25.0) { ::row(name, QByteArray(packets), isCopied, rate, isComplete); };
     row("the last frame", "0 59.96 59.96 0.04", true);
     row("frames out of order", "0 59.96 59.88 0.04\n0 59.92 59.96 0.04", true);
     row("half a second is missing", "0 59.42 59.42 0.04", false);
@@ -181,10 +176,10 @@ void TestWrittenFile::onlyTheEndIsRead_data()
     QTest::addColumn<double>("picture"); // [s]; below 0 = none
     QTest::addColumn<double>("sound");   // [s]
     QTest::addColumn<QString>("interval");
-    QTest::newRow("picture") << 60.0 << 120.0 << "59.000000%";
-    QTest::newRow("sound alone") << -1.0 << 120.0 << "119.000000%";
-    QTest::newRow("short") << 0.9 << 0.9 << QString();
-    QTest::newRow("not known") << 0.0 << 0.0 << QString();
+    row("picture", 60.0, 120.0, "59.000000%");
+    row("sound alone", -1.0, 120.0, "119.000000%");
+    row("short", 0.9, 0.9, QString());
+    row("not known", 0.0, 0.0, QString());
 }
 
 void TestWrittenFile::onlyTheEndIsRead()

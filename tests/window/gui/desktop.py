@@ -134,7 +134,7 @@ class Pointer:
 
 
 class Tools:
-    """The plans and calls of the fake tools; tests/fakes/README.md says what they do."""
+    """The plans and calls of the fake tools; testkit/faketools/README.md says what they do."""
 
     def __init__(self, folder):
         self.folder = pathlib.Path(folder)
