@@ -19,9 +19,9 @@ app/records process widgets tooladapter tests/support
 ffmpeg ltc update demo/mediakit tests/fakes
 control filelist demo/samples
 app batch
-demo bench/ltc
+demo
 bench/support
-bench/realtools bench/reader bench/window
+bench/ltc bench/realtools bench/reader bench/window
 bench/export bench/import
 tests
 '

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "bench/ltc/libltcreader.h"
+#include "bench/ltc/readers.h"
 
 #include "tests/support/impairments.h"
 
@@ -62,12 +62,6 @@ std::vector<DecodedFrame> decode(Samples samples, int sampleRate)
         }
     }
     return frames;
-}
-
-bool isLabel(LtcTime time, LtcRate rate)
-{
-    return time.hours < 24 && time.minutes < 60 && time.seconds < 60 && time.frames < rate.base &&
-           (!rate.dropFrame || time.frames > 1 || time.seconds != 0 || time.minutes % 10 == 0);
 }
 
 /// Whether \a frame counts on from \a first at \a rate, as many frames later as lie between them in time.

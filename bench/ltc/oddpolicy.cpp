@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "bench/ltc/oddpolicy.h"
 
-#include "bench/ltc/figures.h"
-
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -44,13 +42,6 @@ std::bitset<testsignals::bitsPerFrame> bitsOf(const SentFrame &frame, LtcRate ra
             bits.flip(testsignals::phaseCorrectionBit(rate));
     }
     return bits;
-}
-
-bool isLabel(LtcTime label, LtcRate rate)
-{
-    const bool leftOut = rate.dropFrame && label.frames < 2 && label.seconds == 0 && label.minutes % 10 != 0;
-    return label.hours < 24 && label.minutes < 60 && label.seconds < 60 && label.frames < rate.base &&
-           !leftOut;
 }
 
 WholeFrames wholeFrames(const LtcSignal &signal, double begin, double end)
@@ -110,33 +101,17 @@ std::vector<Truth> onlyLine(const std::vector<Stretch> &stretches)
     return {*stretches.front().line};
 }
 
-std::string nameOf(OddVerdict verdict)
-{
-    switch (verdict) {
-    case OddVerdict::Right:
-        return "right";
-    case OddVerdict::Refused:
-        return "refused";
-    case OddVerdict::Wrong:
-        return "wrong";
-    case OddVerdict::Broken:
-        break;
-    }
-    return "broken";
-}
-
-OddVerdict judge(const std::vector<Truth> &right, const std::optional<Answer> &answer,
-                 const std::string &fault)
+Verdict judge(const std::vector<Truth> &right, const std::optional<Answer> &answer, const std::string &fault)
 {
     if (!answer)
-        return OddVerdict::Refused;
+        return Verdict::Refused;
     if (!fault.empty())
-        return OddVerdict::Broken;
+        return Verdict::Broken;
     for (const Truth &line : right) {
         if (isRight(line, *answer))
-            return OddVerdict::Right;
+            return Verdict::Right;
     }
-    return OddVerdict::Wrong;
+    return Verdict::Wrong;
 }
 
 std::string faultIn(const std::string &report, int sampleRate)
@@ -156,11 +131,11 @@ std::string faultIn(const std::string &report, int sampleRate)
     const double day =
         static_cast<double>(testsignals::framesPerDay(rate)) * testsignals::samplesPerFrame(rate, sampleRate);
     if (!(samples >= 0.0 && samples < day))
-        return "samples outside the day: " + format("%.0f", samples);
+        return "samples outside the day: " + std::to_string(samples);
     const double measured = object["MeasuredFrameRate"].toDouble();
     constexpr double tolerated = 0.15;
     if (!(std::abs(measured / testsignals::framesPerSecond(rate) - 1.0) <= tolerated))
-        return "measured " + format("%.5g", measured) + " frames/s";
+        return "measured " + std::to_string(measured) + " frames/s";
     return {};
 }
 

@@ -3,7 +3,8 @@
 
 #include "bench/ltc/oddcases.h"
 
-#include <array>
+#include <QJsonObject>
+
 #include <string>
 #include <vector>
 
@@ -13,13 +14,15 @@ namespace ltcbench
 /// What became of one recording.
 struct OddResult {
     Draw draw;
-    OddVerdict verdict = OddVerdict::Refused;
+    Verdict verdict = Verdict::Refused;
     double confidence = 0.0;  ///< of the likeliest timecode, answered or not
     bool tooNoisy = false;    ///< it was not answered because it is not proven
     bool likelyRight = false; ///< what the confidence is of is right, whatever else is broken
     std::string reason;       ///< of a refusal, or what is broken in the report
     std::string there;        ///< right lines, of wrong and broken answers only
     std::string answered;     ///< the label given, of wrong and broken answers only
+
+    bool isFault() const { return verdict == Verdict::Wrong || verdict == Verdict::Broken; }
 };
 
 /// Makes recording \a draw, has it read and judges the answer.
@@ -28,17 +31,9 @@ OddResult measure(const Draw &draw);
 /// The labels of \a right; "no line" where there is none.
 std::string textOf(const std::vector<Truth> &right);
 
-/// Tables by behaviour, by disturbance and grade, and by length.
-std::string tablesOf(const std::vector<OddResult> &results);
+/// A wrong or broken answer in a line: the name of the recording, what is in it and what was answered.
+std::string textOfFault(const OddResult &result);
 
-/// Wrong and broken answers, one a line.
-std::string faultsOf(const std::vector<OddResult> &results);
-
-/// How often the likeliest timecode is wrong and how often its confidence says so, in decades of 1 -
-/// confidence: of all that were answered and those that were only not proven.
-std::string calibrationOf(const std::vector<OddResult> &results);
-
-/// A row for each recording.
-std::string csvOf(const std::vector<OddResult> &results);
+QJsonObject toJson(const OddResult &result);
 
 } // namespace ltcbench

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+#include "bench/ltc/recordings.h"
+
+#include "tests/support/impairments.h"
+#include "tests/support/noise.h"
+#include "tests/support/wavfile.h"
+
+#include <algorithm>
+#include <array>
+
+namespace ltcbench
+{
+
+namespace
+{
+
+using testsignals::OtherSound;
+
+CostKind timecodeInNoise(const std::string &name, double ratio)
+{
+    return {name, [ratio](Random &random) {
+                const LtcSignal signal = anySignal(random, anyRate(random));
+                Samples samples = audioOf(signal, random);
+                testsignals::addAtRatio(samples, testsignals::whiteNoise(random, samples.size()), ratio);
+                return monoCase(signal, std::move(samples), random);
+            }};
+}
+
+/// The sound without timecode called \a name, null when there is none.
+const OtherSound *soundCalled(const std::string &name)
+{
+    const auto &sounds = testsignals::otherSounds();
+    const auto found = std::find_if(sounds.begin(), sounds.end(),
+                                    [&name](const OtherSound &sound) { return sound.name == name; });
+    return found == sounds.end() ? nullptr : &*found;
+}
+
+/// Three seconds of a sound, another piece of it on each of \a channels channels.
+CostKind otherSound(const std::string &name, const std::string &soundName, int channels)
+{
+    return {name, [sound = soundCalled(soundName), channels](Random &random) {
+                Case recording;
+                const auto count = 3 * static_cast<std::size_t>(recording.sampleRate);
+                for (int channel = 0; channel < channels; ++channel)
+                    recording.channels.push_back(sound->make(random, count, recording.sampleRate));
+                return recording;
+            }};
+}
+
+} // namespace
+
+Case recordingOf(const Curve &curve, std::uint64_t seed, std::size_t grade, std::uint64_t file)
+{
+    constexpr std::uint64_t mostFiles = 1'000'000; // of a grade, so that no two share their random numbers
+    Random random = Random::forCase(seed, curve.name, grade * mostFiles + file);
+    return curve.make(curve.grades.at(grade), random);
+}
+
+Case recordingOf(const OtherSound &sound, std::uint64_t seed, std::uint64_t file)
+{
+    Random random = Random::forCase(seed, sound.name, file);
+    const double seconds = random.chance(0.7) ? 3.0 : random.uniform(0.2, 3.0);
+    constexpr std::array<int, 4> otherRates{8000, 44100, 96000, 192000};
+    const int sampleRate =
+        random.chance(0.8) ? 48000 : otherRates[static_cast<std::size_t>(random.integer(0, 3))];
+    Samples samples = sound.make(random, static_cast<std::size_t>(seconds * sampleRate), sampleRate);
+    testsignals::quantise(samples, random, random.chance(0.5) ? 16 : 24, random.chance(0.5));
+    return {{std::move(samples)}, sampleRate, std::nullopt};
+}
+
+std::string nameOfRecording(const std::string &curveOrSound, std::size_t grade, std::uint64_t file)
+{
+    return curveOrSound + "/" + std::to_string(grade) + "/" + std::to_string(file);
+}
+
+std::optional<Case> recordingNamed(const std::string &name, std::uint64_t seed)
+{
+    const std::size_t fileSlash = name.rfind('/');
+    const std::size_t gradeSlash =
+        fileSlash == std::string::npos ? fileSlash : name.rfind('/', fileSlash - 1);
+    if (gradeSlash == std::string::npos || gradeSlash == 0)
+        return std::nullopt;
+    const std::string what = name.substr(0, gradeSlash);
+    const std::size_t grade = numberFrom(name.substr(gradeSlash + 1, fileSlash - gradeSlash - 1));
+    const std::uint64_t file = numberFrom(name.substr(fileSlash + 1));
+    for (const Curve &curve : allCurves()) {
+        if (curve.name == what && grade < curve.grades.size())
+            return recordingOf(curve, seed, grade, file);
+    }
+    const OtherSound *sound = soundCalled(what);
+    return sound ? std::optional(recordingOf(*sound, seed, file)) : std::nullopt;
+}
+
+void save(const Case &recording, const std::string &path)
+{
+    testsignals::WavFile wav;
+    wav.sampleRate = recording.sampleRate;
+    wav.format = testsignals::SampleFormat::Pcm24;
+    wav.channels = recording.channels;
+    testsignals::writeWav(path, wav);
+}
+
+std::vector<CostKind> costKinds()
+{
+    std::vector<CostKind> kinds{timecodeInNoise("clean timecode", 60.0),
+                                timecodeInNoise("timecode in white noise at -10 dB", -10.0),
+                                timecodeInNoise("timecode out of reach at -40 dB", -40.0)};
+    for (const char *name :
+         {"silence", "white noise", "hum", "speech", "music", "square", "biphase, random bits"})
+        kinds.push_back(otherSound(name, name, 1));
+    kinds.push_back(otherSound("eight channels of music", "music", 8));
+    return kinds;
+}
+
+} // namespace ltcbench
