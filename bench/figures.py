@@ -132,7 +132,7 @@ def readings(lines, report):
             continue
         shares = {reader: right_shares(grades, reader) for reader in READERS}
         values = list(grades)
-        points.append([section, name, unit] + [half_point(values, shares[reader]) if answers_of(curve, reader) else "-"
+        points.append([name, section, unit] + [half_point(values, shares[reader]) if answers_of(curve, reader) else "-"
                                                for reader in READERS])
         ours = half_position(shares[READERS[0]])
         for reader in READERS[1:]:
@@ -143,7 +143,7 @@ def readings(lines, report):
         series = [(reader, range(len(values)), [100 * share for share in shares[reader]]) for reader in READERS]
         charts[section].append(Chart(name, unit, "% read right", series, [f"{value:g}" for value in values]))
     if points:
-        report.table("50 % points", ["Section", "Impairment", "Unit", *READERS], points)
+        report.table("50 % points", ["Impairment", "Section", "Unit", *READERS], points)
         report.notes += shortfalls or ["libltc reaches farther on no curve"]
     for section, drawn in charts.items():
         report.pictures[f"ltc-{section.lower()}"] = drawn
@@ -237,9 +237,9 @@ def steps(lines, report):
         by_rows = {rows: group for (rows,), group in grouped(group, "rows").items()}
         names = [line["step"] for line in next(iter(by_rows.values()))]
         cost = {rows: {line["step"]: line["cpu_s"] * 1e6 / rows for line in run} for rows, run in by_rows.items()}
-        for title, unit, figure in (("CPU time of the window's thread", "us per row", lambda line: line["cpu_s"] * 1e6 / line["rows"]),
+        for title, unit, figure in (("CPU time", "us per row", lambda line: line["cpu_s"] * 1e6 / line["rows"]),
                                     ("time", "us per row", lambda line: line["time_s"] * 1e6 / line["rows"]),
-                                    ("longest block of the event loop", "ms", lambda line: line["block_ms"])):
+                                    ("longest block", "ms", lambda line: line["block_ms"])):
             rows = [[number] + [figure(line) for line in run] for number, run in by_rows.items()]
             report.table(f"{shoot}: {title} [{unit}]", ["rows", *names], rows)
             if title != "time":
@@ -259,8 +259,9 @@ def steps(lines, report):
 
 
 def memory(lines, report):
-    report.table("Heap after the import", ["shoot", "rows", "KiB per row", "KiB of probe JSON per row, for comparison"],
-                 [[line["shoot"], line["rows"], line["bytes"] / 1024, line["json_bytes"] / 1024] for line in lines])
+    for (shoot,), group in grouped(lines, "shoot").items():
+        report.table(f"{shoot}: heap after the import", ["rows", "KiB per row", "KiB of probe JSON per row, for comparison"],
+                     [[line["rows"], line["bytes"] / 1024, line["json_bytes"] / 1024] for line in group])
     report.checks += [Check(f"{line['shoot']}, {line['rows']} rows: memory per row [KiB]", line["bytes"] / 1024, MEMORY_LIMIT)
                       for line in lines]
 
@@ -394,7 +395,8 @@ def table_text(table, is_markdown):
 
 
 def with_earlier(table, earlier):
-    """`table` with "before > after" in each cell whose row the table of the same title has in `earlier`."""
+    """`table` with "before > after" in the cells whose row, known by its first cell, the table of the same title has in
+    `earlier`."""
     rows = {row[0]: row for other in earlier if other.title == table.title for row in other.rows}
     return table._replace(rows=[
         [f"{cell_text(before)} > {cell_text(after)}" if place and before != after else after
@@ -420,9 +422,13 @@ def draw(path, charts):
     for cell, chart in zip(cells.flat, charts):
         for (name, horizontal, vertical), style in zip(chart.series, ("-", "--", ":", "-.") * 3):
             cell.plot(horizontal, vertical, style, label=name, marker="." if len(horizontal) < 20 else "")
-        cell.set(title=chart.title, xlabel=chart.horizontal, ylabel=chart.vertical)
+        cell.set_title(chart.title, fontsize="medium")
+        cell.set(xlabel=chart.horizontal, ylabel=chart.vertical)
         if chart.scale != "linear":
             cell.set_xscale("log")
+        if chart.scale == "semilog":
+            cell.set_xticks(chart.series[0][1], chart.series[0][1])
+            cell.minorticks_off()
         if chart.scale == "log":
             cell.set_yscale("log")
         else:

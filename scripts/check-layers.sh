@@ -22,7 +22,6 @@ app batch
 demo
 bench/support
 bench/ltc bench/realtools bench/reader bench/window
-bench/export bench/import
 tests
 '
 

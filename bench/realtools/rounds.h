@@ -1,53 +1,36 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "bench/realtools/usagemeter.h"
-#include "bench/support/benchmarkprogram.h"
+#include "bench/realtools/mediafolder.h"
 
+#include <QJsonObject>
 #include <QString>
-#include <QVector>
 
 #include <functional>
 
 namespace bench
 {
 
-/// The program's work and its floor, measured in turn: what disturbs the machine for a while disturbs both.
-class Rounds
-{
-public:
-    Rounds() = default;
-    /// For rounds of work over \a files files.
-    explicit Rounds(int files) : files(files) {}
+/// A benchmark of the real window with the real tools, compared with the floor: the same child processes with
+/// nothing in between.
+struct RealToolsBenchmark {
+    QString work;        ///< "import"
+    QString description; ///< for its help
+    QString usualFiles;  ///< numbers of files, separated by commas
 
-    /// Measures \a program and \a floor; which one comes first changes from round to round.
-    void measure(const std::function<void()> &program, const std::function<void()> &floor);
-
-    /// What ostrel-batch has taken for the work of the last round.
-    void noteBatch(const Usage &usage) { pairs.last().batch = usage; }
-
-    void noteBlock(double milliseconds) { longestBlock = qMax(longestBlock, milliseconds); }
-
-    int fileCount() const { return files; }
-    bool hasBatch() const { return pairs.last().batch.time > 0.0; }
-    double medianOfBatch(double (*figure)(const Usage &batch, const Usage &program)) const;
-    double medianOf(double (*figure)(const Usage &program, const Usage &floor)) const;
-    double longestBlockSeen() const { return longestBlock; } ///< [ms]
-    const QVector<QPointF> &processesOverTime() const { return pairs.last().program.processes; }
-
-private:
-    struct Pair {
-        Usage program;
-        Usage floor;
-        Usage batch; ///< without time where it was not measured
-    };
-
-    int files = 0;
-    double longestBlock = 0.0; ///< [ms]
-    QVector<Pair> pairs;
+    /// Does the work with \a files files of \a media, \a count times. Throws Failure.
+    std::function<void(MediaFolder &media, int files, int count)> measure;
 };
 
-/// Tables, limits and charts of \a all rounds of \a work ("import").
-Outcome outcomeOf(const QString &work, const QVector<Rounds> &all);
+/// The main function of the program "WORK-benchmark".
+int runRealToolsBenchmark(int argc, char **argv, const RealToolsBenchmark &benchmark);
+
+/// Measures \a program and \a floor in round number \a round: what disturbs the machine for a while disturbs
+/// both, and which one comes first changes from round to round. Returns the figures of both.
+QJsonObject measuredRound(int round, const std::function<void()> &program,
+                          const std::function<void()> &floor);
+
+/// Prints the \a figures of a round of \a work with \a files files.
+void printRound(const QString &work, int files, QJsonObject figures);
 
 } // namespace bench

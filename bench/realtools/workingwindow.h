@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/mainwindow.h"
 #include "app/records/exportoptions.h"
-#include "bench/support/eventloopwatch.h"
+#include "bench/support/realwindow.h"
 
 namespace bench
 {
 
 /// The real main window, used as a person does.
-class WorkingWindow
+class WorkingWindow : public RealWindow
 {
 public:
-    WorkingWindow();
+    WorkingWindow() : RealWindow(10) {} // more beats would count as work of the program
 
     /// Drops \a folder and returns when all of it has been imported. Throws Failure.
     void import(const QString &folder);
@@ -23,12 +22,8 @@ public:
     /// The longest time for which the event loop answered nothing during the last work [ms].
     double longestBlock() const { return longest; }
 
-    MainWindow &mainWindow() { return window; }
-
 private:
-    MainWindow window;
-    EventLoopWatch watch{10}; // more beats would count as work of the program
-    double longest = 0.0;     ///< [ms]
+    double longest = 0.0; ///< [ms]
 };
 
 } // namespace bench

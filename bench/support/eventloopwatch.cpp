@@ -7,9 +7,11 @@ namespace bench
 EventLoopWatch::EventLoopWatch(int interval)
 {
     timer.setTimerType(Qt::PreciseTimer);
-    timer.setInterval(interval);
-    connect(&timer, &QTimer::timeout, this, &EventLoopWatch::beat);
-    timer.start();
+    QObject::connect(&timer, &QTimer::timeout, &timer, [this] {
+        longest = qMax(longest, sinceBeat.nsecsElapsed());
+        sinceBeat.start();
+    });
+    timer.start(interval);
     restart();
 }
 
@@ -22,12 +24,6 @@ void EventLoopWatch::restart()
 double EventLoopWatch::longestBlock() const
 {
     return static_cast<double>(qMax(longest, sinceBeat.nsecsElapsed())) * 1e-6;
-}
-
-void EventLoopWatch::beat()
-{
-    longest = qMax(longest, sinceBeat.nsecsElapsed());
-    sinceBeat.start();
 }
 
 } // namespace bench

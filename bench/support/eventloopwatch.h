@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QElapsedTimer>
-#include <QObject>
 #include <QTimer>
 
 namespace bench
@@ -13,14 +12,12 @@ namespace bench
 /// A timer beats at a steady pace. Between two beats the loop was in one round of slots and paintings, or
 /// waited; a key that is pressed in that time is answered after it. What slots take is so measured from
 /// outside of them.
-class EventLoopWatch : public QObject
+class EventLoopWatch
 {
-    Q_OBJECT
-
 public:
     /// Beats every \a interval milliseconds. A beat takes some microseconds, and no shorter block is
     /// reported.
-    explicit EventLoopWatch(int interval = 1);
+    explicit EventLoopWatch(int interval);
 
     /// Begins a new measurement.
     void restart();
@@ -29,8 +26,6 @@ public:
     double longestBlock() const;
 
 private:
-    void beat();
-
     QTimer timer;
     QElapsedTimer sinceBeat;
     qint64 longest = 0; ///< [ns]

@@ -1,21 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "bench/window/resultfeeder.h"
 
+#include "control/probedrecord.h"
+
 #include <QEventLoop>
 
 namespace bench
 {
 
-namespace
-{
-
-constexpr int mostUnderWay = 45;
-constexpr int found = 0;
-constexpr int notFound = 205;
-
-} // namespace
-
-ResultFeeder::ResultFeeder(const Shoot &shoot) : shoot(shoot), room(mostUnderWay)
+ResultFeeder::ResultFeeder(const Shoot &shoot) : shoot(shoot), room(45)
 {
     moveToThread(&thread);
     thread.start();
@@ -29,22 +22,26 @@ ResultFeeder::~ResultFeeder()
 
 void ResultFeeder::feedProbeResults(int rows)
 {
-    feed(rows, "importing files...", &ResultFeeder::sendProbeResult);
+    feed(rows, "importing files...",
+         [this](int row) { emit ffprobeResult(probedRecord(shoot.probe(row)), row, 0); });
 }
 
 void ResultFeeder::feedReaderResults(int rows)
 {
-    feed(rows, "reading audio TC...", &ResultFeeder::sendReaderResult);
+    constexpr int notFound = 205;
+    feed(rows, "reading audio TC...", [this](int row) {
+        emit audioTCReadResult(shoot.readerResult(row), row, 0, shoot.hasTimecode(row) ? 0 : notFound);
+    });
 }
 
-void ResultFeeder::feed(int rows, const QString &status, void (ResultFeeder::*send)(int))
+void ResultFeeder::feed(int rows, const QString &status, const std::function<void(int row)> &send)
 {
     QEventLoop loop;
     connect(this, &ResultFeeder::fed, &loop, &QEventLoop::quit);
     QMetaObject::invokeMethod(this, [this, rows, status, send] {
         for (int row = 0; row < rows; ++row) {
             room.acquire();
-            (this->*send)(row);
+            send(row);
             emit importProgress(row + 1, rows, status);
             QMetaObject::invokeMethod(
                 &receiver, [this] { room.release(); }, Qt::QueuedConnection);
@@ -52,16 +49,6 @@ void ResultFeeder::feed(int rows, const QString &status, void (ResultFeeder::*se
         emit fed();
     });
     loop.exec();
-}
-
-void ResultFeeder::sendProbeResult(int row)
-{
-    emit ffprobeResult(shoot.probed(row), row, found);
-}
-
-void ResultFeeder::sendReaderResult(int row)
-{
-    emit audioTCReadResult(shoot.readerResult(row), row, 0, shoot.hasTimecode(row) ? found : notFound);
 }
 
 } // namespace bench

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/records/filedata.h"
 #include "bench/window/shoot.h"
 
 #include <QObject>
 #include <QSemaphore>
 #include <QThread>
+
+#include <functional>
 
 namespace bench
 {
@@ -34,9 +37,7 @@ signals:
     void fed();
 
 private:
-    void feed(int rows, const QString &status, void (ResultFeeder::*send)(int));
-    void sendProbeResult(int row);
-    void sendReaderResult(int row);
+    void feed(int rows, const QString &status, const std::function<void(int row)> &send);
 
     Shoot shoot;
     QThread thread;

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/records/filedata.h"
-
 #include <QDateTime>
 #include <QJsonObject>
 #include <QString>
@@ -28,10 +26,7 @@ public:
     QDateTime modified(int row) const;
 
     /// What the probe tool prints about the file.
-    QByteArray probeText(int row) const;
-
-    /// The record that the controller makes of it.
-    FileData probed(int row) const;
+    QJsonObject probe(int row) const;
 
     /// Whether the reader finds a timecode: in every file of an ordinary shoot, else in every second.
     bool hasTimecode(int row) const;

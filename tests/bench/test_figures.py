@@ -63,7 +63,7 @@ class Figures(unittest.TestCase):
     def test_half_points(self):
         for shares, point in (([4, 4, 2, 0], "2"), ([4, 3, 1, 0], "1.5"), ([4, 4, 4], "beyond 2"), ([1, 0], "none")):
             with self.subTest(shares=shares):
-                self.row(self.figures(curve("hiss", shares)), "Noise", "hiss", "dB", point, "-", "-")
+                self.row(self.figures(curve("hiss", shares)), "hiss", "Noise", "dB", point, "-", "-")
 
     def test_libltc_that_reaches_farther(self):
         lines = curve("hiss", [4, 0, 0])
