@@ -2,7 +2,6 @@
 #include "bench/ltc/curves.h"
 
 #include "tests/support/biphasemark.h"
-#include "tests/support/impairments.h"
 #include "tests/support/lossycodec.h"
 #include "tests/support/noise.h"
 
@@ -21,7 +20,6 @@ constexpr int sampleRate = 48000; // of anySignal()
 constexpr const char *ratio = "dB, timecode over the rest";
 
 using Impair = std::function<void(Samples &samples, double grade, Random &random)>;
-using MakeNoise = Samples (*)(Random &random, std::size_t count, int sampleRate);
 
 /// Which timecode is impaired and how it is stored.
 struct Timecode {
@@ -42,54 +40,24 @@ Curve impaired(const std::string &section, const std::string &name, const std::s
             }};
 }
 
-void addWhite(Samples &samples, Random &random, double decibels)
-{
-    addAtRatio(samples, whiteNoise(random, samples.size()), decibels);
-}
-
-void add(Samples &samples, MakeNoise make, Random &random, double decibels)
-{
-    addAtRatio(samples, make(random, samples.size(), sampleRate), decibels);
-}
-
-/// Timecode and noise have both passed the channel before their powers are compared.
-void addInRadioChannel(Samples &samples, Random &random, double decibels)
-{
-    radioChannel(samples, sampleRate);
-    Samples noise = whiteNoise(random, samples.size());
-    radioChannel(noise, sampleRate);
-    addAtRatio(samples, noise, decibels);
-}
-
 std::vector<Curve> curvesOfNoise()
 {
-    const auto white = [](const std::string &name, LtcRate rate, double seconds, double last) {
-        const Impair impair = [](Samples &samples, double grade, Random &random) {
-            addWhite(samples, random, grade);
-        };
-        return impaired("Noise", name, ratio, gradesFrom(12, last, -2), impair, {fineBits, rate, seconds});
-    };
-    const auto noise = [](const std::string &name, MakeNoise make, const std::vector<double> &grades) {
-        const Impair impair = [make](Samples &samples, double grade, Random &random) {
-            add(samples, make, random, grade);
-        };
-        return impaired("Noise", name, ratio, grades, impair, {fineBits});
+    const auto noise = [](const std::string &name, const Impair &impair, const std::vector<double> &grades,
+                          std::optional<LtcRate> rate = {}, double seconds = 3.0) {
+        return impaired("Noise", name, ratio, grades, impair, {fineBits, rate, seconds});
     };
     constexpr LtcRate pal{25, false, false};
     std::vector<Curve> curves;
     for (const LtcRate rate : allRates())
-        curves.push_back(white("white noise, 3 s, " + nameOf(rate), rate, 3.0, -26));
-    curves.push_back(white("white noise, 1 s, 25", pal, 1.0, -22));
-    curves.push_back(white("white noise, 0.2 s, 25", pal, 0.2, -14));
-    curves.push_back(noise("pink noise", pinkNoise, gradesFrom(8, -24, -2)));
-    curves.push_back(noise("hum", hum, gradesFrom(0, -64, -4)));
-    curves.push_back(noise("wind", windNoise, gradesFrom(0, -70, -5)));
-    curves.push_back(impaired(
-        "Noise", "radio channel", ratio, gradesFrom(12, -22, -2),
-        [](Samples &samples, double grade, Random &random) { addInRadioChannel(samples, random, grade); },
-        {fineBits}));
-    curves.push_back(noise("speech bleed", speechLike, gradesFrom(6, -34, -4)));
-    curves.push_back(noise("music bleed", musicLike, gradesFrom(6, -34, -4)));
+        curves.push_back(noise("white noise, 3 s, " + nameOf(rate), addWhite, gradesFrom(12, -26, -2), rate));
+    curves.push_back(noise("white noise, 1 s, 25", addWhite, gradesFrom(12, -22, -2), pal, 1.0));
+    curves.push_back(noise("white noise, 0.2 s, 25", addWhite, gradesFrom(12, -14, -2), pal, 0.2));
+    curves.push_back(noise("pink noise", add<pinkNoise>, gradesFrom(8, -24, -2)));
+    curves.push_back(noise("hum", add<hum>, gradesFrom(0, -64, -4)));
+    curves.push_back(noise("wind", add<windNoise>, gradesFrom(0, -70, -5)));
+    curves.push_back(noise("radio channel", addInRadioChannel, gradesFrom(12, -22, -2)));
+    curves.push_back(noise("speech bleed", add<speechLike>, gradesFrom(6, -34, -4)));
+    curves.push_back(noise("music bleed", add<musicLike>, gradesFrom(6, -34, -4)));
     return curves;
 }
 
@@ -115,25 +83,25 @@ std::vector<Curve> curvesOfSignals()
                }),
         signal("overdriven with noise at 6 dB", "dB above full scale", {0, 6, 12, 20, 30, 40, 60},
                [](Samples &samples, double grade, Random &random) {
-                   addWhite(samples, random, 6.0);
+                   addWhite(samples, 6.0, random);
                    scaleToPeak(samples, 0.0);
                    overdrive(samples, grade);
                }),
         signal("automatic gain, speech at 6 dB", "dB too loud at first", {0, 6, 12, 20, 30, 40, 50},
                [](Samples &samples, double grade, Random &random) {
-                   add(samples, speechLike, random, 6.0);
+                   add<speechLike>(samples, 6.0, random);
                    automaticGain(samples, sampleRate, grade, random.uniform(0.005, 0.1),
                                  random.uniform(0.2, 2.0));
                }),
         signal("low-pass", "Hz", {8000, 5000, 4000, 3000, 2400, 2000, 1700, 1500, 1350, 1200, 1000, 800},
                [](Samples &samples, double grade, Random &random) {
                    lowPass(samples, sampleRate, grade, 4);
-                   addWhite(samples, random, 40.0);
+                   addWhite(samples, 40.0, random);
                }),
         signal("high-pass", "Hz", {200, 400, 700, 1000, 1500, 2000, 2500, 3000, 4000, 5000, 7000, 10000},
                [](Samples &samples, double grade, Random &random) {
                    highPass(samples, sampleRate, grade, 2);
-                   addWhite(samples, random, 30.0);
+                   addWhite(samples, 30.0, random);
                }),
         signal("spikes, -50 to -1 dBFS", "us time constant", {500, 300, 200, 100, 50, 30, 20},
                [](Samples &samples, double grade, Random &random) {
@@ -148,7 +116,7 @@ std::vector<Curve> curvesOfSignals()
         signal("spikes in white noise", "dB, spikes over noise", gradesFrom(24, -24, -4),
                [](Samples &samples, double grade, Random &random) {
                    toSpikes(samples, random.uniform(20e-6, 500e-6), random);
-                   addWhite(samples, random, grade);
+                   addWhite(samples, grade, random);
                }),
         signal("constant offset, timecode at -20 dBFS", "of full scale", {0.05, 0.2, 0.5, 0.8, 0.9, 0.95},
                [](Samples &samples, double grade, Random &random) {
@@ -159,7 +127,7 @@ std::vector<Curve> curvesOfSignals()
                [](Samples &samples, double grade, Random &random) {
                    lowPass(samples, sampleRate, 4000, 2);
                    makeAsymmetrical(samples, grade);
-                   addWhite(samples, random, 20.0);
+                   addWhite(samples, 20.0, random);
                }),
         signal("polarity", "0 as made, 1 inverted", {0, 1}, [](Samples &samples, double grade, Random &) {
             if (grade > 0)
@@ -201,7 +169,7 @@ Case jump(double grade, Random &random)
     Samples continuation = audioOf(other, random);
     scaleToPower(continuation, power(samples));
     continueWith(samples, continuation, sampleRate, grade);
-    addWhite(samples, random, 20.0);
+    addWhite(samples, 20.0, random);
     return monoCase(signal, std::move(samples), random);
 }
 
@@ -214,7 +182,7 @@ std::vector<Curve> curvesOfTransport()
             "Transport", name, unit, std::move(grades), true, [transportOf](double grade, Random &random) {
                 const LtcSignal signal = anySignal(random, anyRate(random));
                 Samples samples = biphaseMarkAudio(signal, transportOf(grade / 100, random));
-                addWhite(samples, random, 20.0);
+                addWhite(samples, 20.0, random);
                 Case recording = monoCase(signal, std::move(samples), random);
                 recording.truth->speedKnown = false;
                 return recording;
@@ -226,7 +194,7 @@ std::vector<Curve> curvesOfTransport()
         return impaired("Transport", name, unit, grades,
                         [impair](Samples &samples, double grade, Random &random) {
                             impair(samples, grade, random);
-                            addWhite(samples, random, 20.0);
+                            addWhite(samples, 20.0, random);
                         });
     };
     const std::vector<double> speeds{0.05, 0.2, 1, 2, 4, 6, 8, 10};
@@ -263,8 +231,8 @@ void microphoneInput(Samples &samples, double grade, Random &random)
 {
     differentiate(samples, sampleRate, random.uniform(30e-6, 400e-6));
     ring(samples, sampleRate, random.uniform(5000, 14000), random.uniform(2, 6), 2 * grade);
-    add(samples, speechLike, random, 26 - 5 * grade);
-    addWhite(samples, random, 32 - 5 * grade);
+    add<speechLike>(samples, 26 - 5 * grade, random);
+    addWhite(samples, 32 - 5 * grade, random);
     automaticGain(samples, sampleRate, 4 * grade, random.uniform(0.005, 0.05), random.uniform(0.3, 2));
     lowPass(samples, sampleRate, 16000, 4);
 }
@@ -274,9 +242,9 @@ void loudspeaker(Samples &samples, double grade, Random &random)
 {
     highPass(samples, sampleRate, 300, 4);
     lowPass(samples, sampleRate, 9000 / std::sqrt(grade), 4);
-    add(samples, pinkNoise, random, 20 - 4 * grade);
-    add(samples, windNoise, random, 10 - 6 * grade);
-    add(samples, speechLike, random, 16 - 4 * grade);
+    add<pinkNoise>(samples, 20 - 4 * grade, random);
+    add<windNoise>(samples, 10 - 6 * grade, random);
+    add<speechLike>(samples, 16 - 4 * grade, random);
     overdrive(samples, random.uniform(0, 2 * grade));
 }
 
@@ -284,9 +252,9 @@ void loudspeaker(Samples &samples, double grade, Random &random)
 void longCable(Samples &samples, double grade, Random &random)
 {
     lowPass(samples, sampleRate, 8000 / grade, 2);
-    add(samples, hum, random, 10 - 6 * grade);
-    add(samples, musicLike, random, 24 - 5 * grade);
-    addWhite(samples, random, 30 - 5 * grade);
+    add<hum>(samples, 10 - 6 * grade, random);
+    add<musicLike>(samples, 24 - 5 * grade, random);
+    addWhite(samples, 30 - 5 * grade, random);
     scaleToPeak(samples, -10 - 6 * grade);
 }
 
@@ -303,11 +271,24 @@ std::vector<Curve> curvesOfCombinations()
 
 } // namespace
 
+void addWhite(Samples &samples, double decibels, Random &random)
+{
+    addAtRatio(samples, whiteNoise(random, samples.size()), decibels);
+}
+
+void addInRadioChannel(Samples &samples, double decibels, Random &random)
+{
+    radioChannel(samples, sampleRate);
+    Samples noise = whiteNoise(random, samples.size());
+    radioChannel(noise, sampleRate);
+    addAtRatio(samples, noise, decibels);
+}
+
 void wirelessLink(Samples &samples, double grade, Random &random)
 {
-    addInRadioChannel(samples, random, 18 - 4 * grade);
+    addInRadioChannel(samples, 18 - 4 * grade, random);
     dropOut(samples, random, sampleRate, 0.05 * grade);
-    add(samples, hum, random, 10 - 5 * grade);
+    add<hum>(samples, 10 - 5 * grade, random);
 }
 
 std::vector<double> gradesFrom(double first, double last, double step)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "bench/ltc/cases.h"
+#include "tests/support/impairments.h"
 
 #include <functional>
 #include <string>
@@ -27,8 +28,20 @@ const std::vector<Curve> &allCurves();
 /// Those about sample rates, sample sizes, channels, lengths, crosstalk and odd bits.
 std::vector<Curve> curvesOfFormats();
 
-/// What a wireless link does to timecode at 48 kHz: narrow band, fading, noise that grows where the signal
-/// fades. \a grade 1 to 8.
+// What disturbs timecode at 48 kHz; decibels are the timecode over what is added.
+
+void addWhite(Samples &samples, double decibels, Random &random);
+
+template <Samples (*make)(Random &random, std::size_t count, int sampleRate)>
+void add(Samples &samples, double decibels, Random &random)
+{
+    testsignals::addAtRatio(samples, make(random, samples.size(), 48000), decibels);
+}
+
+/// White noise; it and the timecode have passed the channel before their powers are compared.
+void addInRadioChannel(Samples &samples, double decibels, Random &random);
+
+/// A wireless link: narrow band, fading, noise that grows where the signal fades. \a grade 1 to 8.
 void wirelessLink(Samples &samples, double grade, Random &random);
 
 /// \a first, then one \a step after the other to \a last, both included.

@@ -37,6 +37,24 @@ std::int64_t floorOf(std::int64_t value, std::int64_t divisor)
     return value >= 0 ? value / divisor : -((divisor - 1 - value) / divisor);
 }
 
+/// Labels that follow from the signal's own: another one in its place.
+template <typename Index>
+FrameAt counting(const LtcSignal &signal, Index indexOf)
+{
+    return [&signal, indexOf](std::int64_t index) { return labelAt(indexOf(index), signal); };
+}
+
+/// The signal's own labels after \a change.
+template <typename Change>
+FrameAt changed(const LtcSignal &signal, Change change)
+{
+    return [&signal, change](std::int64_t index) {
+        SentFrame frame = labelAt(index, signal);
+        change(frame, index);
+        return frame;
+    };
+}
+
 Samples soundOf(const LtcSignal &signal, const FrameAt &frameAt, const Transport &transport = {})
 {
     return biphaseMarkAudio(signal, transport,

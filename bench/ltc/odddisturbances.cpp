@@ -2,7 +2,6 @@
 #include "bench/ltc/oddcases.h"
 
 #include "bench/ltc/curves.h"
-#include "tests/support/impairments.h"
 #include "tests/support/lossycodec.h"
 #include "tests/support/noise.h"
 
@@ -18,25 +17,6 @@ namespace
 using namespace testsignals;
 
 constexpr int sampleRate = 48000;
-
-void addWhite(Samples &samples, double value, Random &random)
-{
-    addAtRatio(samples, whiteNoise(random, samples.size()), value);
-}
-
-template <Samples (*make)(Random &, std::size_t, int)>
-void add(Samples &samples, double value, Random &random)
-{
-    addAtRatio(samples, make(random, samples.size(), sampleRate), value);
-}
-
-void radio(Samples &samples, double value, Random &random)
-{
-    radioChannel(samples, sampleRate);
-    Samples noise = whiteNoise(random, samples.size());
-    radioChannel(noise, sampleRate);
-    addAtRatio(samples, noise, value);
-}
 
 void spikes(Samples &samples, double value, Random &random)
 {
@@ -100,7 +80,7 @@ const std::vector<Disturbance> &allDisturbances()
         {"pink noise", dB, {-5.5, -13, -16.4}, 17, -7, 2, add<pinkNoise>, 1, 8},
         {"hum", dB, {-72, -86, -92}, 50, -15, 6, add<hum>, 1, 8},
         {"wind", dB, {-43, -52, -55}, 35, -15, 5, add<windNoise>, 1, 8},
-        {"radio channel", dB, {2, -6, -11.7}, 17, -7, 2, radio, 1, 8},
+        {"radio channel", dB, {2, -6, -11.7}, 17, -7, 2, addInRadioChannel, 1, 8},
         {"speech", dB, {-21, -36, -52}, 35, -15, 5, add<speechLike>, 1, 8},
         {"music", dB, {-24, -33, -33}, 30, -15, 4, add<musicLike>, 1, 8},
         {"low-pass", "Hz", {700, 650, 600}, 2500, -350, 120, lowPassed},

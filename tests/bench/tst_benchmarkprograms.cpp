@@ -12,8 +12,8 @@
 namespace
 {
 
-constexpr std::array programs{"window-benchmark", "import-benchmark", "export-benchmark",
-                              "reader-benchmark", "ltc-benchmark",    "ltc-odd-benchmark"};
+constexpr std::array programs{"window-benchmark", "tools-benchmark", "reader-benchmark", "ltc-benchmark",
+                              "ltc-odd-benchmark"};
 constexpr int patience = 240'000; // [ms]
 
 struct Run {
@@ -73,7 +73,7 @@ void TestBenchmarkPrograms::aWrongOptionGetsOneLine_data()
         QTest::addRow("%s, stray word", program) << program << QStringList{"now"};
     }
     QTest::newRow("no number of rows") << "window-benchmark" << QStringList{"--rows", "many"};
-    QTest::newRow("no files") << "import-benchmark" << QStringList{"--files", "0"};
+    QTest::newRow("no files") << "tools-benchmark" << QStringList{"--files", "0"};
     QTest::newRow("several numbers of rounds") << "reader-benchmark" << QStringList{"--rounds", "1,2"};
     QTest::newRow("no seed") << "ltc-benchmark" << QStringList{"--seed", "first"};
     QTest::newRow("no such recording") << "ltc-benchmark" << QStringList{"--case", "unheard of/0/0"};
@@ -103,9 +103,9 @@ void TestBenchmarkPrograms::figuresAreRead_data()
     row("window-benchmark", "--rows 20 --foreign 300",
         {"ordinary shoot: CPU time", "all of one moment: longest block", "ordinary shoot: heap",
          "A folder tree"});
-    row("import-benchmark", "--files 4 --rounds 1",
+    row("tools-benchmark", "--files 4 --rounds 1",
         {"import: time", "import: memory", "import: the same by ostrel-batch"});
-    row("export-benchmark", "--files 4 --rounds 1", {"export: time", "export: memory"});
+    row("tools-benchmark", "--exports --files 4 --rounds 1", {"export: time", "export: memory"});
     row("reader-benchmark", "--rounds 2", {"LTCReader: time"});
     row("ltc-benchmark", "--files 1 --negatives 1 --only polarity --only silence --only durations",
         {"Signal: polarity", "Formats: durations", "50 % points", "Recordings without", "Totals"});
