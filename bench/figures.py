@@ -276,50 +276,44 @@ def foreign(lines, report):
 
 
 def rounds(lines, report):
-    def cpu_share(usage):
-        return 100 * usage["own_cpu_s"] / usage["tools_cpu_s"]
-
     for (work,), all_rounds in grouped(lines, "work").items():
         times, processes, batches = [], [], []
         for (files,), group in grouped(all_rounds, "files").items():
-            def of(figure, group=group):
-                return median(figure(line) for line in group)
+            def of(who, what, other="", to="", group=group):
+                """The median of a figure, or of what it is to another one."""
+                return median(line[who][what] / (line[other][to] if to else 1) for line in group)
 
-            ratio = of(lambda line: line["program"]["time_s"] / line["floor"]["time_s"])
-            share = of(lambda line: cpu_share(line["program"]))
-            times.append([files, of(lambda line: line["program"]["time_s"]), of(lambda line: line["floor"]["time_s"]), ratio,
-                          of(lambda line: line["program"]["tools_cpu_s"]), of(lambda line: line["floor"]["tools_cpu_s"]),
-                          of(lambda line: line["program"]["own_cpu_s"]), share,
-                          of(lambda line: line["floor"]["own_cpu_s"])])
-            counts = [of(lambda line: max(alive for _, alive in line["program"]["processes"]))]
-            counts += [of(lambda line: statistics.mean(alive for _, alive in line[who]["processes"]))
-                       for who in ("program", "floor")]
-            processes.append([files, of(lambda line: line["program"]["peak_mib"]), *counts,
-                              max(line["block_ms"] for line in group)])
+            def usage(who, floor):
+                """Time, compared with the floor's, and CPU time."""
+                return [of(who, "time_s"), of(who, "time_s", floor, "time_s"), of(who, "tools_cpu_s"), of(who, "own_cpu_s"),
+                        100 * of(who, "own_cpu_s", who, "tools_cpu_s")]
+
+            def alive(who, figure, group=group):
+                return median(figure([number for _, number in line[who]["processes"]]) for line in group)
+
+            ours = usage("program", "floor")
+            times.append([files, *ours, of("floor", "time_s"), of("floor", "tools_cpu_s"), of("floor", "own_cpu_s")])
+            processes.append([files, of("program", "peak_mib"), alive("program", max), alive("program", statistics.mean),
+                              alive("floor", statistics.mean), max(line["block_ms"] for line in group)])
             name = f"{work} of {files} files: "
-            report.checks += [Check(name + "time to that of the floor", ratio, FLOOR_LIMIT),
-                              Check(name + "our CPU time [% of the child processes']", share, CPU_LIMIT)]
+            report.checks += [Check(name + "time to that of the floor", ours[1], FLOOR_LIMIT),
+                              Check(name + "our CPU time [% of the child processes']", ours[4], CPU_LIMIT)]
             if "batch" in group[0]:
-                ratio = of(lambda line: line["batch"]["time_s"] / line["program"]["time_s"])
-                share = of(lambda line: cpu_share(line["batch"]))
-                batches.append([files, of(lambda line: line["batch"]["time_s"]), ratio,
-                                of(lambda line: line["batch"]["tools_cpu_s"]), of(lambda line: line["batch"]["own_cpu_s"]), share])
-                report.checks += [Check(name + "time of ostrel-batch to that of the window", ratio, BATCH_LIMIT),
-                                  Check(name + "CPU time of ostrel-batch [% of its child processes']", share, BATCH_CPU_LIMIT)]
-        report.table(f"{work}: time and CPU time, medians",
-                     ["files", "s", "s of the floor", "ratio of a round", "s CPU of the child processes", "s CPU of the floor's",
-                      "s CPU of our process", "% of the child processes'", "s CPU of the bare launcher"], times)
-        report.table(f"{work}: memory and processes",
-                     ["files", "MiB at most", "processes at most", "processes on average", "floor's on average",
-                      "ms of the longest block"], processes)
+                batch = usage("batch", "program")
+                batches.append([files, *batch])
+                report.checks += [Check(name + "time of ostrel-batch to that of the window", batch[1], BATCH_LIMIT),
+                                  Check(name + "CPU time of ostrel-batch [% of its child processes']", batch[4], BATCH_CPU_LIMIT)]
+        columns = ["s CPU of the child processes", "s CPU of its own", "% of the child processes'"]
+        report.table(f"{work}: time and CPU time, medians", ["files", "s", "times the floor", *columns, "s of the floor",
+                     "s CPU of the floor's child processes", "s CPU of the bare launcher"], times)
+        report.table(f"{work}: memory and processes", ["files", "MiB at most", "processes at most", "processes on average",
+                     "floor's on average", "ms of the longest block"], processes)
         if batches:
-            report.table(f"{work}: the same by ostrel-batch, medians",
-                         ["files", "s", "times the window", "s CPU of its child processes", "s CPU of its own",
-                          "% of the child processes'"], batches)
+            report.table(f"{work}: the same by ostrel-batch, medians", ["files", "s", "times the window", *columns], batches)
         last = all_rounds[-1]
         report.pictures[f"speed-{work}"] = [
-            chart_of(work, "s", [row[:3] for row in times], ["files", "program", "floor"]),
-            chart_of("CPU time of our process", "% of the child processes'", [[row[0], row[7]] for row in times], ["files", "program"]),
+            chart_of(work, "s", [[row[0], row[1], row[6]] for row in times], ["files", "program", "floor"]),
+            chart_of("CPU time of our process", "% of the child processes'", [[row[0], row[5]] for row in times], ["files", "program"]),
             Chart(f"Processes, {last['files']} files", "s", "processes alive", [("program", *zip(*last["program"]["processes"]))])]
 
 

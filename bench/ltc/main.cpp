@@ -36,27 +36,23 @@ bool isOurs(const Reader &reader)
     return &reader == &allReaders.front();
 }
 
-/// What the answers of a run have in common.
+/// A run of all readers, or of ours alone.
 class Measurement
 {
 public:
-    explicit Measurement(const Program &program)
-        : seed(program.number<std::uint64_t>("seed", 0)), compares(!program.isSet("ours"))
-    {
-    }
+    Measurement(std::uint64_t seed, bool compares) : seed(seed), compares(compares) {}
 
     void measure(const Curve &curve, std::uint64_t files);
     void measure(const testsignals::OtherSound &sound, std::uint64_t files);
     void measure(const CostKind &kind, std::uint64_t files) const;
 
-    bool anyWrong() const { return wrong; }
+    bool wrong = false; ///< an answer of ours was
 
 private:
     QJsonObject answersTo(const Case &recording, const std::string &name);
 
     std::uint64_t seed;
-    bool compares; ///< read with libltc too
-    bool wrong = false;
+    bool compares;                            ///< read with libltc too
     std::map<const char *, int> rightOnes;    ///< of a grade, by reader
     std::map<const char *, int> hopelessOnes; ///< grades in a row without a right answer, by reader
 };
@@ -151,9 +147,9 @@ bool isWanted(const QStringList &only, const std::string &section, const std::st
 int measureAll(const Program &program)
 {
     const QStringList only = program.texts("only");
-    const auto files = program.number<std::uint64_t>("files", 0);
-    const auto negatives = program.number<std::uint64_t>("negatives", 0);
-    Measurement measurement(program);
+    const auto files = program.number("files", 0);
+    const auto negatives = program.number("negatives", 0);
+    Measurement measurement(program.number("seed", 0), !program.isSet("ours"));
     program.printRun();
     for (const testsignals::LossyCodec &codec : testsignals::lossyCodecs()) {
         if (isWanted(only, "Codecs", codec.name) && !testsignals::isAvailable(codec))
@@ -172,13 +168,13 @@ int measureAll(const Program &program)
         for (const CostKind &kind : costKinds())
             measurement.measure(kind, files);
     }
-    return measurement.anyWrong() ? 1 : 0;
+    return measurement.wrong ? 1 : 0;
 }
 
 int readCase(const Program &program)
 {
     const QString name = program.text("case");
-    const auto recording = recordingNamed(name.toStdString(), program.number<std::uint64_t>("seed", 0));
+    const auto recording = recordingNamed(name.toStdString(), program.number("seed", 0));
     if (!recording)
         throw bench::Failure("there is no case \"" + name + '"');
     if (program.isSet("save"))

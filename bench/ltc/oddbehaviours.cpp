@@ -116,7 +116,7 @@ OddSignal labelsJump(const LtcSignal &signal, std::int64_t distance, Random &ran
 {
     const std::int64_t jump = anyFrame(signal, random);
     return running(
-        signal, [&](std::int64_t index) { return labelAt(index + (index < jump ? 0 : distance), signal); });
+        signal, counting(signal, [&](std::int64_t index) { return index + (index < jump ? 0 : distance); }));
 }
 
 /// Two recordings cut together, or the labels alone jump.
@@ -147,9 +147,9 @@ OddSignal nowAndThen(const LtcSignal &signal, std::int64_t step, Random &random)
 {
     const int every = random.integer(8, 3 * signal.rate.base);
     const int phase = random.integer(0, every - 1);
-    return running(signal, [&](std::int64_t index) {
-        return labelAt(index + step * floorOf(index + phase, every), signal);
-    });
+    return running(signal, counting(signal, [&](std::int64_t index) {
+                       return index + step * floorOf(index + phase, every);
+                   }));
 }
 
 bool isNonDrop(LtcRate rate)
@@ -165,7 +165,7 @@ OddSignal otherCount(LtcSignal signal, Random &random)
         counted = anySignal(random, anyRate(random));
     while (counted.rate.base == signal.rate.base || counted.rate.dropFrame);
     counted.offset = signal.offset;
-    const FrameAt frameAt = [&](std::int64_t index) { return labelAt(index, counted); };
+    const FrameAt frameAt = counting(counted, [](std::int64_t index) { return index; });
     const std::vector<Stretch> stretches = stretchesIn(signal, frameAt);
     OddSignal result{signal, soundOf(signal, frameAt), rightLines(stretches)};
     // A machine that plays the counted rate at another speed sends the same.
@@ -184,7 +184,7 @@ OddSignal held(LtcSignal signal, Random &random)
     const int times = random.integer(2, 3);
     const int phase = random.integer(0, times - 1);
     return notRunning(signal,
-                      [&](std::int64_t index) { return labelAt(floorOf(index + phase, times), signal); });
+                      counting(signal, [&](std::int64_t index) { return floorOf(index + phase, times); }));
 }
 
 /// Eight decimal digits as user bits.
@@ -203,13 +203,11 @@ OddSignal userBitClock(LtcSignal signal, Random &random)
     const std::int64_t shift = random.integer(-3600, 3600) * signal.rate.base +
                                (sameFrame ? 0 : random.integer(1, signal.rate.base - 1));
     const bool withFrames = random.chance(0.3);
-    return running(signal, [&](std::int64_t index) {
-        SentFrame frame = labelAt(index, signal);
-        const LtcTime clock = timeOfFrame(startCount(signal) + index + shift, signal.rate);
-        const std::int64_t seconds = (clock.hours * 100 + clock.minutes) * 100 + clock.seconds;
-        frame.userBits = digits(seconds * 100 + (withFrames ? clock.frames : 0));
-        return frame;
-    });
+    return running(signal, changed(signal, [&](SentFrame &frame, std::int64_t index) {
+                       const LtcTime clock = timeOfFrame(startCount(signal) + index + shift, signal.rate);
+                       const std::int64_t seconds = (clock.hours * 100 + clock.minutes) * 100 + clock.seconds;
+                       frame.userBits = digits(seconds * 100 + (withFrames ? clock.frames : 0));
+                   }));
 }
 
 /// A date in the user bits, which changes at the timecode's midnight or on any frame.
@@ -220,22 +218,18 @@ OddSignal userBitDate(LtcSignal signal, Random &random)
         signal.start = timeOfFrame(-change, signal.rate);
     const int day = random.integer(1, 27);
     const int monthAndYear = random.integer(1, 12) * 10000 + random.integer(2000, 2030);
-    return running(signal, [&](std::int64_t index) {
-        SentFrame frame = labelAt(index, signal);
-        frame.userBits = digits((day + (index < change ? 0 : 1)) * 1'000'000 + monthAndYear);
-        return frame;
-    });
+    return running(signal, changed(signal, [&](SentFrame &frame, std::int64_t index) {
+                       frame.userBits = digits((day + (index < change ? 0 : 1)) * 1'000'000 + monthAndYear);
+                   }));
 }
 
 OddSignal randomUserBits(LtcSignal signal, Random &random)
 {
     const std::uint64_t seed = random.bits();
-    return running(signal, [&](std::int64_t index) {
-        SentFrame frame = labelAt(index, signal);
-        frame.userBits =
-            static_cast<std::uint32_t>(Random(seed + static_cast<std::uint64_t>(index) * 77).bits());
-        return frame;
-    });
+    return running(signal, changed(signal, [&](SentFrame &frame, std::int64_t index) {
+                       frame.userBits = static_cast<std::uint32_t>(
+                           Random(seed + static_cast<std::uint64_t>(index) * 77).bits());
+                   }));
 }
 
 OddSignal illegalLabels(LtcSignal signal, Random &random)
@@ -245,19 +239,17 @@ OddSignal illegalLabels(LtcSignal signal, Random &random)
     constexpr int unitsAt[]{16, 32, 48}; // seconds, minutes, hours
     const int badDigitAt = unitsAt[random.integer(0, 2)];
     const int badDigit = random.integer(10, 15);
-    return notRunning(signal, [&](std::int64_t index) {
-        SentFrame frame = labelAt(index, signal);
-        LtcTime &label = frame.label;
-        label.hours = kind == Hours ? 24 + label.hours % 16 : label.hours;
-        label.minutes = kind == Minutes ? 60 + label.minutes % 20 : label.minutes;
-        label.seconds = kind == Seconds ? 60 + label.seconds % 20 : label.seconds;
-        label.frames = kind == Frames ? 30 + label.frames % 10 : label.frames;
-        if (kind == Digit) {
-            frame.badDigitAt = badDigitAt;
-            frame.badDigit = badDigit;
-        }
-        return frame;
-    });
+    return notRunning(signal, changed(signal, [&](SentFrame &frame, std::int64_t) {
+                          LtcTime &label = frame.label;
+                          label.hours = kind == Hours ? 24 + label.hours % 16 : label.hours;
+                          label.minutes = kind == Minutes ? 60 + label.minutes % 20 : label.minutes;
+                          label.seconds = kind == Seconds ? 60 + label.seconds % 20 : label.seconds;
+                          label.frames = kind == Frames ? 30 + label.frames % 10 : label.frames;
+                          if (kind == Digit) {
+                              frame.badDigitAt = badDigitAt;
+                              frame.badDigit = badDigit;
+                          }
+                      }));
 }
 
 bool hasNoDropCount(LtcRate rate)
@@ -276,11 +268,8 @@ OddSignal flagOverAMinute(LtcSignal signal, Random &random)
 {
     const LtcTime minute{random.integer(0, 23), 10 * random.integer(0, 5) + random.integer(1, 9), 0, 0};
     signal.start = timeOfFrame(frameNumber(minute, signal.rate) - anyFrame(signal, random), signal.rate);
-    OddSignal result = inOrder(signal, soundOf(signal, [&](std::int64_t index) {
-                                   SentFrame frame = labelAt(index, signal);
-                                   frame.dropFlag = true;
-                                   return frame;
-                               }));
+    const auto setFlag = [](SentFrame &frame, std::int64_t) { frame.dropFlag = true; };
+    OddSignal result = inOrder(signal, soundOf(signal, changed(signal, setFlag)));
     LtcSignal asFlagged = signal;
     asFlagged.rate.dropFrame = true;
     if (isLabel(startTime(signal), asFlagged.rate)) {
@@ -450,11 +439,8 @@ const std::vector<Behaviour> &allBehaviours()
         {"illegal labels", 1, noLine, illegalLabels},
         {"flag at a rate without drop-frame", 1, "its line without drop-frame",
          [](LtcSignal signal, Random &) {
-             return running(signal, [&](std::int64_t index) {
-                 SentFrame frame = labelAt(index, signal);
-                 frame.dropFlag = true;
-                 return frame;
-             });
+             return running(signal,
+                            changed(signal, [&](SentFrame &frame, std::int64_t) { frame.dropFlag = true; }));
          },
          hasNoDropCount},
         {"flag with non-drop count", 1,

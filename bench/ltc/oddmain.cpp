@@ -52,8 +52,8 @@ std::vector<Draw> draws(const Program &program)
 {
     const bool negatives = program.isSet("negatives");
     const Kind kind = negatives ? Kind::Programme : program.isSet("edge") ? Kind::Edge : Kind::Odd;
-    const auto count = program.number<std::uint64_t>(negatives ? "negatives" : "files");
-    const auto seed = program.number<std::uint64_t>("seed", 0);
+    const auto count = program.number(negatives ? "negatives" : "files");
+    const auto seed = program.number("seed", 0);
     const std::string only = program.text("only").toStdString();
     std::vector<Draw> result;
     constexpr std::uint64_t untilFirst = 10'000; // more than the rarest thing takes
@@ -72,9 +72,8 @@ std::vector<Draw> draws(const Program &program)
 int measureAll(const Program &program)
 {
     const std::vector<Draw> all = draws(program);
-    const int jobs = program.isSet("jobs")
-                         ? program.number("jobs")
-                         : std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+    const quint64 jobs =
+        program.isSet("jobs") ? program.number("jobs") : std::max(1U, std::thread::hardware_concurrency());
     program.printRun();
     std::atomic<std::size_t> next = 0;
     std::atomic<bool> faulty = false;
@@ -100,7 +99,7 @@ int measureAll(const Program &program)
         }
     };
     std::vector<std::thread> threads;
-    for (int job = 0; job < jobs; ++job)
+    for (quint64 job = 0; job < jobs; ++job)
         threads.emplace_back(work);
     for (std::thread &thread : threads)
         thread.join();

@@ -14,14 +14,14 @@ namespace ltcbench
 namespace
 {
 
-using testsignals::OtherSound;
+using namespace testsignals;
 
 CostKind timecodeInNoise(const std::string &name, double ratio)
 {
     return {name, [ratio](Random &random) {
                 const LtcSignal signal = anySignal(random, anyRate(random));
                 Samples samples = audioOf(signal, random);
-                testsignals::addAtRatio(samples, testsignals::whiteNoise(random, samples.size()), ratio);
+                addAtRatio(samples, whiteNoise(random, samples.size()), ratio);
                 return monoCase(signal, std::move(samples), random);
             }};
 }
@@ -29,7 +29,7 @@ CostKind timecodeInNoise(const std::string &name, double ratio)
 /// The sound without timecode called \a name, null when there is none.
 const OtherSound *soundCalled(const std::string &name)
 {
-    const auto &sounds = testsignals::otherSounds();
+    const auto &sounds = otherSounds();
     const auto found = std::find_if(sounds.begin(), sounds.end(),
                                     [&name](const OtherSound &sound) { return sound.name == name; });
     return found == sounds.end() ? nullptr : &*found;
@@ -64,7 +64,7 @@ Case recordingOf(const OtherSound &sound, std::uint64_t seed, std::uint64_t file
     const int sampleRate =
         random.chance(0.8) ? 48000 : otherRates[static_cast<std::size_t>(random.integer(0, 3))];
     Samples samples = sound.make(random, static_cast<std::size_t>(seconds * sampleRate), sampleRate);
-    testsignals::quantise(samples, random, random.chance(0.5) ? 16 : 24, random.chance(0.5));
+    quantise(samples, random, random.chance(0.5) ? 16 : 24, random.chance(0.5));
     return {{std::move(samples)}, sampleRate, std::nullopt};
 }
 
@@ -93,11 +93,11 @@ std::optional<Case> recordingNamed(const std::string &name, std::uint64_t seed)
 
 void save(const Case &recording, const std::string &path)
 {
-    testsignals::WavFile wav;
+    WavFile wav;
     wav.sampleRate = recording.sampleRate;
-    wav.format = testsignals::SampleFormat::Pcm24;
+    wav.format = SampleFormat::Pcm24;
     wav.channels = recording.channels;
-    testsignals::writeWav(path, wav);
+    writeWav(path, wav);
 }
 
 std::vector<CostKind> costKinds()

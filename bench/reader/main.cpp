@@ -27,13 +27,13 @@ QString makeFile(int channels, const QTemporaryDir &folder)
     return folder.filePath(name);
 }
 
-int measure(const QVector<int> &channelCounts, int rounds)
+int measure(const QVector<int> &channelCounts, quint64 rounds)
 {
     const QDir programs(QCoreApplication::applicationDirPath());
     const QTemporaryDir folder;
     for (const int channels : channelCounts) {
         const QString file = makeFile(channels, folder);
-        for (int round = 0; round < rounds; ++round) {
+        for (quint64 round = 0; round < rounds; ++round) {
             const double reader = runSilently(programs.filePath("LTCReader.exe"), {file}).time;
             const double opener = runSilently(programs.filePath("soundfile-opener"), {file}).time;
             print("reader",
@@ -56,7 +56,7 @@ int main(int argc, char *argv[])
     program.addOption("rounds", "Runs of each program", "number", "200");
     return program.run([&program] {
         const QVector<int> channels = program.numbers("channels");
-        const int rounds = program.number("rounds");
+        const quint64 rounds = program.number("rounds");
         program.printRun();
         return measure(channels, rounds);
     });

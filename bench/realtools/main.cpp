@@ -19,7 +19,7 @@ constexpr int beat = 10; // [ms] of the watch: more beats would count as work of
 /// Drops \a folder and returns when all of it has been imported. Throws Failure.
 void import(RealWindow &window, const QString &folder)
 {
-    window.watch.restart();
+    window.restartWatch();
     window.drop(folder);
     RealWindow::waitUntil([&window] { return !window.table().pendingWork().isBusy(); }, "the import");
     const QString status = window.window.findChild<QLabel *>("statusLabel")->text();
@@ -39,7 +39,7 @@ void exportAll(RealWindow &window, const ExportOptions &options)
         }
     });
     timer.start(20);
-    window.watch.restart();
+    window.restartWatch();
     window.table().exportFiles(options);
     RealWindow::waitUntil([&result] { return !result.isEmpty(); }, "the export");
     if (result != "Ostrel did the job!")
@@ -70,7 +70,7 @@ QVector<FileData> exportedRecords(RealWindow &window)
 
 /// A round of work by \a program, in \a window, and by the floor's \a jobs: what disturbs the machine
 /// for a while disturbs both, and which one comes first changes from round to round.
-QJsonObject measuredRound(int round, const RealWindow &window, const std::function<void()> &program,
+QJsonObject measuredRound(quint64 round, const RealWindow &window, const std::function<void()> &program,
                           const std::vector<Job> &jobs)
 {
     const auto floor = [&jobs] { return measured([&jobs] { runJobs(jobs); }); };
@@ -78,7 +78,7 @@ QJsonObject measuredRound(int round, const RealWindow &window, const std::functi
     double longestBlock = 0.0;
     const QJsonObject figures = measured([&] {
         program();
-        longestBlock = window.watch.longestBlock();
+        longestBlock = window.longestBlock();
     });
     if (floorFigures.isEmpty())
         floorFigures = floor();
@@ -92,7 +92,7 @@ void printRound(const QString &work, int files, QJsonObject figures)
     print("round", figures);
 }
 
-void measureImports(const QString &folder, int files, int rounds)
+void measureImports(const QString &folder, int files, quint64 rounds)
 {
     const QTemporaryDir extracted;
     const std::vector<Job> floor =
@@ -101,7 +101,7 @@ void measureImports(const QString &folder, int files, int rounds)
         return runSilently(QCoreApplication::applicationDirPath() + "/ostrel-batch", {"read", folder})
             .toJson();
     };
-    for (int round = 0; round < rounds; ++round) {
+    for (quint64 round = 0; round < rounds; ++round) {
         // Next to the window's import; which one comes first changes, as it does with the floor.
         const QJsonObject batchBefore = round % 2 != 0 ? batch() : QJsonObject();
         RealWindow window(beat);
@@ -112,12 +112,12 @@ void measureImports(const QString &folder, int files, int rounds)
     }
 }
 
-void measureExports(const QString &folder, int files, int rounds)
+void measureExports(const QString &folder, int files, quint64 rounds)
 {
     RealWindow window(beat);
     import(window, folder);
     const QVector<FileData> records = exportedRecords(window);
-    for (int round = 0; round < rounds; ++round) {
+    for (quint64 round = 0; round < rounds; ++round) {
         const QTemporaryDir target;
         const QTemporaryDir floorTarget;
         const std::vector<Job> floor = exportJobs(records, optionsFor(floorTarget));
@@ -142,7 +142,7 @@ int main(int argc, char *argv[])
     program.addOption("rounds", "Rounds for each number of files", "number", "3");
     return program.run([&program] {
         const QVector<int> sizes = program.numbers("files");
-        const int rounds = program.number("rounds");
+        const quint64 rounds = program.number("rounds");
         program.printRun();
         MediaFolder media;
         for (const int files : sizes)

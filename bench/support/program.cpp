@@ -9,6 +9,7 @@
 #include <QThread>
 
 #include <cstdio>
+#include <limits>
 
 namespace bench
 {
@@ -40,6 +41,16 @@ void writeLine(std::FILE *stream, const QByteArray &line)
 {
     std::fputs((line + '\n').constData(), stream);
     std::fflush(stream);
+}
+
+quint64 numberFrom(const QString &option, const QString &text, quint64 least, quint64 limit)
+{
+    bool isNumber = false;
+    const quint64 value = text.toULongLong(&isNumber);
+    if (!isNumber || value < least || value > limit)
+        throw Failure(QString("--%1 needs a whole number from %2 to %3, not \"%4\"")
+                          .arg(option, QString::number(least), QString::number(limit), text));
+    return value;
 }
 
 } // namespace
@@ -80,23 +91,18 @@ int Program::run(const std::function<int()> &work)
     }
 }
 
+quint64 Program::number(const QString &name, quint64 least) const
+{
+    return numberFrom(name, text(name), least, std::numeric_limits<quint64>::max());
+}
+
 QVector<int> Program::numbers(const QString &name) const
 {
     QVector<int> result;
     const QStringList texts = text(name).split(',');
     for (const QString &text : texts)
-        result += static_cast<int>(wholeNumber(name, text, 1, std::numeric_limits<int>::max()));
+        result += static_cast<int>(numberFrom(name, text, 1, std::numeric_limits<int>::max()));
     return result;
-}
-
-quint64 Program::wholeNumber(const QString &name, const QString &text, quint64 least, quint64 limit)
-{
-    bool isNumber = false;
-    const quint64 value = text.toULongLong(&isNumber);
-    if (!isNumber || value < least || value > limit)
-        throw Failure(QString("--%1 needs a whole number from %2 to %3, not \"%4\"")
-                          .arg(name, QString::number(least), QString::number(limit), text));
-    return value;
 }
 
 void Program::printRun() const

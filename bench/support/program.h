@@ -7,7 +7,6 @@
 #include <QVector>
 
 #include <functional>
-#include <limits>
 #include <stdexcept>
 
 namespace bench
@@ -42,22 +41,15 @@ public:
     QStringList texts(const QString &name) const { return commandLine.values(name); }
 
     /// The value of the option \a name, a whole number from \a least up. Throws Failure.
-    template <typename Number = int>
-    Number number(const QString &name, Number least = 1) const
-    {
-        const auto limit = static_cast<quint64>(std::numeric_limits<Number>::max());
-        return static_cast<Number>(wholeNumber(name, text(name), static_cast<quint64>(least), limit));
-    }
+    quint64 number(const QString &name, quint64 least = 1) const;
 
-    /// The same for whole numbers from 1 up, separated by commas.
+    /// The same for numbers of an int, separated by commas.
     QVector<int> numbers(const QString &name) const;
 
     /// Prints a line about this run: program, command, date and machine.
     void printRun() const;
 
 private:
-    static quint64 wholeNumber(const QString &name, const QString &text, quint64 least, quint64 limit);
-
     QString programName;
     QCommandLineParser commandLine;
 };

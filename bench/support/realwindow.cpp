@@ -7,10 +7,8 @@
 
 #include <QApplication>
 #include <QDropEvent>
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QMimeData>
-#include <QTimer>
 #include <QUrl>
 
 namespace bench
@@ -23,10 +21,29 @@ void prepareApplication()
     QGuiApplication::setQuitOnLastWindowClosed(false);
 }
 
-RealWindow::RealWindow(int interval) : watch(interval)
+RealWindow::RealWindow(int interval)
 {
+    timer.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&timer, &QTimer::timeout, &timer, [this] {
+        longest = qMax(longest, sinceBeat.nsecsElapsed());
+        sinceBeat.start();
+    });
+    sinceBeat.start();
+    timer.start(interval);
     window.show();
     giveTime(300); // until it is painted
+    restartWatch();
+}
+
+void RealWindow::restartWatch()
+{
+    longest = 0;
+    sinceBeat.start();
+}
+
+double RealWindow::longestBlock() const
+{
+    return static_cast<double>(qMax(longest, sinceBeat.nsecsElapsed())) * 1e-6;
 }
 
 void RealWindow::drop(const QString &path) const

@@ -28,11 +28,11 @@ void makeHangingTools(const QTemporaryDir &folder)
     qputenv("PATH", QFile::encodeName(folder.path()) + QDir::listSeparator().toLatin1() + qgetenv("PATH"));
 }
 
-void makeForeignTree(const QString &root, int files)
+void makeForeignTree(const QString &root, quint64 files)
 {
-    constexpr int filesPerFolder = 100;
+    constexpr quint64 filesPerFolder = 100;
     QString folder;
-    for (int i = 0; i < files; ++i) {
+    for (quint64 i = 0; i < files; ++i) {
         if (i % filesPerFolder == 0) {
             folder = QString("%1/project%2/cache%3")
                          .arg(root)
@@ -47,14 +47,14 @@ void makeForeignTree(const QString &root, int files)
 }
 
 /// Drops a folder tree with \a files files that are no media on a window, and quits while it is walked.
-void measureForeignTree(int files)
+void measureForeignTree(quint64 files)
 {
     const QTemporaryDir folder;
     makeForeignTree(folder.path(), files);
     auto window = std::make_unique<RealWindow>(1);
     QElapsedTimer timer;
     const auto milliseconds = [&timer] { return static_cast<double>(timer.nsecsElapsed()) * 1e-6; };
-    window->watch.restart();
+    window->restartWatch();
     timer.start();
     window->drop(folder.path());
     if (window->table().viewport()->cursor().shape() != Qt::BusyCursor)
@@ -63,11 +63,11 @@ void measureForeignTree(int files)
     const double answerTime = milliseconds();
 
     RealWindow::giveTime(50); // the walk is well under way
-    const double longestBlock = window->watch.longestBlock();
+    const double longestBlock = window->longestBlock();
     timer.start();
     window->window.close();
     window.reset();
-    print("foreign", {{"files", files},
+    print("foreign", {{"files", static_cast<qint64>(files)},
                       {"answer_ms", answerTime},
                       {"block_ms", longestBlock},
                       {"quit_s", milliseconds() / 1000}});
@@ -87,7 +87,7 @@ int main(int argc, char *argv[])
     program.addOption("foreign", "Files of a folder tree without media; 0 leaves it out", "number", "100000");
     return program.run([&program] {
         const QVector<int> sizes = program.numbers("rows");
-        const int foreignFiles = program.number("foreign", 0);
+        const quint64 foreignFiles = program.number("foreign", 0);
         const QTemporaryDir tools;
         makeHangingTools(tools);
         program.printRun();

@@ -39,24 +39,22 @@ const char *const cameraProbe = R"json({"streams": [
      "probe_score": 100,
      "tags": {"major_brand": "qt  ", "creation_time": "2024-05-04T10:00:00.000000Z", "timecode": "10:00:00:00"}}})json";
 
+bool isSound(Shoot::Kind kind, int row)
+{
+    return kind == Shoot::OneMoment || row % 2 == 1;
+}
+
 } // namespace
 
-QString Shoot::nameOf(Kind kind)
+QString Shoot::name() const
 {
     return kind == Ordinary ? "ordinary shoot" : "all of one moment";
 }
 
-bool Shoot::isSound(int row) const
-{
-    return kind == OneMoment || row % 2 == 1;
-}
-
 QString Shoot::fileName(int row) const
 {
-    return QString("A%1C%2_240504.%3")
-        .arg(row / 1000 + 1, 3, 10, QChar('0'))
-        .arg(row % 1000 + 1, 3, 10, QChar('0'))
-        .arg(isSound(row) ? "wav" : "mov");
+    return QString::asprintf("A%03dC%03d_240504.%s", row / 1000 + 1, row % 1000 + 1,
+                             isSound(kind, row) ? "wav" : "mov");
 }
 
 QDateTime Shoot::modified(int row) const
@@ -65,16 +63,12 @@ QDateTime Shoot::modified(int row) const
     return kind == OneMoment ? noon : noon.addSecs(row);
 }
 
-double Shoot::duration(int row) const
-{
-    constexpr int lengths = 1920; // within 0.04 s
-    return 10.0 + static_cast<double>(row % lengths) / sampleRate;
-}
-
 QJsonObject Shoot::probe(int row) const
 {
-    const QString text = QString(isSound(row) ? soundProbe : cameraProbe)
-                             .arg(QString::number(duration(row), 'f', 6), fileName(row));
+    constexpr int lengths = 1920; // within 0.04 s
+    const double duration = 10.0 + static_cast<double>(row % lengths) / sampleRate;
+    const QString text = QString(isSound(kind, row) ? soundProbe : cameraProbe)
+                             .arg(QString::number(duration, 'f', 6), fileName(row));
     return QJsonDocument::fromJson(text.toUtf8()).object();
 }
 

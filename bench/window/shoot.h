@@ -9,19 +9,16 @@ namespace bench
 {
 
 /// The files of a made-up shoot and what the tools would say about them, by row.
-class Shoot
-{
-public:
+struct Shoot {
     enum Kind {
         Ordinary,  ///< camera and sound files in turn, each with a time and a timecode of its own
         OneMoment, ///< sound files of one modification time, lengths a few samples apart: all siblings
         KindCount
     };
 
-    explicit Shoot(Kind kind) : kind(kind) {}
+    Kind kind;
 
-    static QString nameOf(Kind kind);
-
+    QString name() const;
     QString fileName(int row) const;
     QDateTime modified(int row) const;
 
@@ -33,12 +30,6 @@ public:
 
     /// What the reader prints about the file; empty without a timecode.
     QJsonObject readerResult(int row) const;
-
-private:
-    bool isSound(int row) const;
-    double duration(int row) const;
-
-    Kind kind;
 };
 
 } // namespace bench

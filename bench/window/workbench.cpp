@@ -3,13 +3,15 @@
 
 #include "bench/support/program.h"
 #include "bench/support/usage.h"
+#include "control/probedrecord.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QKeyEvent>
+#include <QSemaphore>
 
 #include <malloc.h>
+#include <thread>
 
 namespace bench
 {
@@ -32,8 +34,7 @@ void settle()
 
 } // namespace
 
-Workbench::Workbench(Shoot::Kind kind, int rows)
-    : RealWindow(1), shoot(kind), shootName(Shoot::nameOf(kind)), rows(rows), feeder(shoot)
+Workbench::Workbench(Shoot::Kind kind, int rows) : RealWindow(1), shoot{kind}, rows(rows)
 {
     for (int row = 0; row < rows; ++row) {
         QFile file(folder.filePath(shoot.fileName(row)));
@@ -41,20 +42,7 @@ Workbench::Workbench(Shoot::Kind kind, int rows)
             !file.setFileTime(shoot.modified(row), QFileDevice::FileModificationTime))
             throw Failure(file.fileName() + ": " + file.errorString());
     }
-    connectFeeder();
     settle();
-}
-
-// The same connections as those of the controller; the window's own slots are private and go by their names.
-void Workbench::connectFeeder()
-{
-    QObject::connect(&feeder, &ResultFeeder::ffprobeResult, &table(), &FileList::onFFProbeResult);
-    QObject::connect(&feeder, &ResultFeeder::audioTCReadResult, &table(), &FileList::onAudioTCReadReturn);
-    const char *progress = SIGNAL(importProgress(int,int,QString));
-    QObject::connect(&feeder, progress, &window, SLOT(statusProgressUpdate(int,int,QString)));
-    QObject::connect(&feeder, SIGNAL(importReady()), &window, SLOT(importReady()));
-    QObject::connect(&feeder, &ResultFeeder::importReady, &table(), &FileList::importReady);
-    QObject::connect(&feeder, SIGNAL(readingFinished()), &window, SLOT(readingFinished()));
 }
 
 void Workbench::measure(const QString &name, const std::function<void()> &work)
@@ -63,17 +51,63 @@ void Workbench::measure(const QString &name, const std::function<void()> &work)
     QElapsedTimer timer;
     timer.start();
     const double cpuBefore = threadCpuTime();
-    watch.restart();
+    restartWatch();
     work();
     const double time = static_cast<double>(timer.nsecsElapsed()) * 1e-9;
     const double cpuTime = threadCpuTime() - cpuBefore;
     settle();
-    print("step", {{"shoot", shootName},
+    print("step", {{"shoot", shoot.name()},
                    {"rows", rows},
                    {"step", name},
                    {"time_s", time},
                    {"cpu_s", cpuTime}, // of the window's thread
-                   {"block_ms", watch.longestBlock()}});
+                   {"block_ms", longestBlock()}});
+}
+
+/// Has the window take results of all rows as the controller sends them, from another thread, as fast as they
+/// are taken: at most 45 are under way, as many as child processes can end at one time. \a resultOf makes the
+/// result of a row in that thread; the window's thread takes it.
+void Workbench::feed(const QString &status, const std::function<std::function<void()>(int row)> &resultOf)
+{
+    QSemaphore room(45);
+    QEventLoop loop;
+    std::thread feeder([&] {
+        for (int row = 0; row < rows; ++row) {
+            room.acquire();
+            QMetaObject::invokeMethod(&window, resultOf(row), Qt::QueuedConnection);
+            QMetaObject::invokeMethod(&window, "statusProgressUpdate", Qt::QueuedConnection,
+                                      Q_ARG(int, row + 1), Q_ARG(int, rows), Q_ARG(QString, status));
+            QMetaObject::invokeMethod(
+                &window, [&room] { room.release(); }, Qt::QueuedConnection);
+        }
+        QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+    });
+    loop.exec();
+    feeder.join();
+}
+
+void Workbench::feedProbeResults()
+{
+    feed("importing files...", [this](int row) {
+        return [this, row, data = probedRecord(shoot.probe(row))] { table().onFFProbeResult(data, row, 0); };
+    });
+}
+
+void Workbench::feedReaderResults()
+{
+    constexpr int notFound = 205;
+    feed("reading audio TC...", [this](int row) {
+        return [this, row, result = shoot.readerResult(row)] {
+            table().onAudioTCReadReturn(result, row, 0, shoot.hasTimecode(row) ? 0 : notFound);
+        };
+    });
+}
+
+/// The window's own slots are private and go by their names.
+void Workbench::callSlot(const char *name)
+{
+    if (!QMetaObject::invokeMethod(&window, name))
+        throw Failure(QString("the window has no slot ") + name);
 }
 
 void Workbench::pressKey(int key, Qt::KeyboardModifiers modifiers) const
@@ -110,20 +144,21 @@ void Workbench::run()
         drop(folder.path());
         waitUntil([this] { return table().rowCount() == rows; }, "finding the files");
     });
-    measure("probe", [this] { feeder.feedProbeResults(rows); });
-    measure("read", [this] { feeder.feedReaderResults(rows); });
-    print("memory", {{"shoot", shootName},
+    measure("probe", [this] { feedProbeResults(); });
+    measure("read", [this] { feedReaderResults(); });
+    print("memory", {{"shoot", shoot.name()},
                      {"rows", rows},
                      {"bytes", (heapInUse() - heapBefore) / rows - json},
                      {"json_bytes", json}});
-    emit feeder.importReady();
+    callSlot("importReady");
+    table().importReady();
     measure("read again", [this] {
         AudioTCOptions options;
         options.allFiles = true;
         table().onAudioTCReadReq(options);
-        feeder.feedReaderResults(rows);
+        feedReaderResults();
     });
-    emit feeder.readingFinished();
+    callSlot("readingFinished");
     measure("select all", [this] { pressKey(Qt::Key_A, Qt::ControlModifier); });
     selectEverySecondRow();
     measure("delete every second", [this] { pressKey(Qt::Key_Delete); });

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "bench/support/realwindow.h"
-#include "bench/window/resultfeeder.h"
+#include "bench/window/shoot.h"
 
 #include <QTemporaryDir>
 
@@ -23,17 +23,18 @@ public:
     void run();
 
 private:
-    void connectFeeder();
     void measure(const QString &name, const std::function<void()> &work);
+    void feed(const QString &status, const std::function<std::function<void()>(int row)> &resultOf);
+    void feedProbeResults();
+    void feedReaderResults();
+    void callSlot(const char *name);
     void pressKey(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const;
     void selectEverySecondRow() const;
     double jsonPerRow() const;
 
     Shoot shoot;
-    QString shootName;
     int rows;
     QTemporaryDir folder;
-    ResultFeeder feeder;
 };
 
 } // namespace bench
