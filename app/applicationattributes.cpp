@@ -10,6 +10,6 @@ void setApplicationAttributes()
     qtversion::useHighDpi();
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     // Otherwise the first window loads OpenGL, which nothing here draws with. Its memory would be copied at
-    // each start of a tool and make that twice as dear.
+    // each start of a tool, which doubles its cost.
     QCoreApplication::setAttribute(Qt::AA_ForceRasterWidgets);
 }

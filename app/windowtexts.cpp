@@ -77,7 +77,7 @@ QString missingTools(const QStringList &programs)
     if (ours.size() < programs.size())
         text += translated("Install the package \"ffmpeg\" of your system.") + '\n';
     if (!ours.isEmpty())
-        text += translated("Install this application again, or put the missing files beside it.") + '\n';
+        text += translated("Install this application again, or put the missing files next to it.") + '\n';
     return text + '\n' + translated("Files cannot be read or exported without them.");
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Stands for the media tools "ffmpeg" and "ffprobe" under the names "ffmpeg.exe" and "ffprobe.exe": corrects
+// Replaces the media tools "ffmpeg" and "ffprobe" under the names "ffmpeg.exe" and "ffprobe.exe": corrects
 // the argument lists that the tools would misread and starts the real tool.
 #include "tooladapter/adapter.h"
 #include "tooladapter/rules/refusal.h"

@@ -144,15 +144,21 @@ Doubt doubtAboutFrames(const Decided &decided, const std::vector<float> &samples
                               candidate.sound->sampleRate);
 }
 
-/// What keeps \a best of \a all from being an answer: its own margin, or that of others which contradict it.
-Doubt doubtAbout(const Decided &best, const std::vector<Decided> &all)
+/// What keeps \a best of \a all from being an answer: its own margin, that of others which contradict it, or
+/// the frames of \a samples. \a first: what was decided at first where \a best was decided again.
+Doubt doubtAbout(const Decided &best, const std::optional<Decided> &first, const std::vector<Decided> &all,
+                 const std::vector<float> &samples, int sampleRate)
 {
     if (!isBelievable(best.decision))
         return Doubt::TooNoisy;
     const bool doubted = std::any_of(all.begin(), all.end(), [&best](const Decided &other) {
         return other.decision.margin > contradictingMargin * best.decision.margin && contradict(other, best);
     });
-    return doubted ? Doubt::TwoTimecodes : Doubt::None;
+    if (doubted)
+        return Doubt::TwoTimecodes;
+    const Doubt doubt = doubtAboutFrames(best, samples, sampleRate);
+    // A straight clock does not follow into other timecode at the beginning: the first one may.
+    return doubt == Doubt::None && first ? doubtAboutFrames(*first, samples, sampleRate) : doubt;
 }
 
 /// RMS of the square wave in \a samples: the mean of its half bits, each with the sign that was decided for.
@@ -204,6 +210,16 @@ std::optional<JointReading> readingOf(const Decided &decided, const std::vector<
     return reading;
 }
 
+/// What the beginning of \a samples and the speed say against \a reading, which \a grid gave.
+Doubt doubtAboutReading(const JointReading &reading, const FrameGrid &grid, const std::vector<float> &samples,
+                        int sampleRate, const std::optional<timecode::Rate> &wanted)
+{
+    constexpr int secondsRead = 0; // the frame number is what was decided, not what was read
+    return isMaskedBefore(grid, samples, reading.frameLength)
+               ? Doubt::TooNoisy
+               : doubtAboutSpeed(reading, secondsRead, sampleRate, wanted);
+}
+
 } // namespace
 
 JointOutcome readJointly(const std::vector<Candidate> &candidates, const std::vector<float> &samples,
@@ -231,12 +247,7 @@ JointOutcome readJointly(const std::vector<Candidate> &candidates, const std::ve
             if (auto again = decideAgain(*best, wanted))
                 first = std::exchange(*best, std::move(*again));
         }
-        outcome.doubt = doubtAbout(*best, all);
-        if (outcome.doubt == Doubt::None)
-            outcome.doubt = doubtAboutFrames(*best, samples, sampleRate);
-        // A straight clock does not follow into other timecode at the beginning: the first one may.
-        if (outcome.doubt == Doubt::None && first)
-            outcome.doubt = doubtAboutFrames(*first, samples, sampleRate);
+        outcome.doubt = doubtAbout(*best, first, all, samples, sampleRate);
         if (outcome.doubt == Doubt::TooNoisy && !way.isLast)
             continue;
         outcome.likeliest = readingOf(*best, samples, sampleRate, wanted);
@@ -244,13 +255,9 @@ JointOutcome readJointly(const std::vector<Candidate> &candidates, const std::ve
             outcome.doubt = Doubt::NoTimecode; // of the rate that is asked for
             break;
         }
-        if (outcome.doubt == Doubt::None &&
-            isMaskedBefore(best->candidate.grid, samples, outcome.likeliest->frameLength))
-            outcome.doubt = Doubt::TooNoisy;
-        if (outcome.doubt == Doubt::None) {
-            constexpr int secondsRead = 0; // the frame number is what was decided, not what was read
-            outcome.doubt = doubtAboutSpeed(*outcome.likeliest, secondsRead, sampleRate, wanted);
-        }
+        if (outcome.doubt == Doubt::None)
+            outcome.doubt =
+                doubtAboutReading(*outcome.likeliest, best->candidate.grid, samples, sampleRate, wanted);
         break;
     }
     return outcome;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/frame/codeword.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace ltcreader
@@ -16,6 +17,12 @@ std::optional<int> number(FrameBits bits, BitField tens, BitField units, int lim
 }
 
 } // namespace
+
+bool isUserBit(int bit)
+{
+    return std::any_of(userBitGroups.begin(), userBitGroups.end(),
+                       [bit](int first) { return bit >= first && bit < first + userBitGroupWidth; });
+}
 
 int fieldValue(FrameBits bits, BitField part)
 {
@@ -38,7 +45,8 @@ std::uint32_t userBitsOf(FrameBits bits)
 {
     std::uint32_t groups = 0;
     for (std::size_t i = 0; i < userBitGroups.size(); ++i) {
-        groups |= static_cast<std::uint32_t>(fieldValue(bits, {userBitGroups[i], 4})) << (4 * i);
+        groups |= static_cast<std::uint32_t>(fieldValue(bits, {userBitGroups[i], userBitGroupWidth}))
+                  << (userBitGroupWidth * i);
     }
     return groups;
 }

@@ -40,6 +40,10 @@ constexpr BitField dropFrame{10, 1};
 
 /// First bits of the eight groups of four user bits.
 constexpr std::array<int, 8> userBitGroups{4, 12, 20, 28, 36, 44, 52, 60};
+constexpr int userBitGroupWidth = 4;
+
+/// Whether \a bit is one of these.
+bool isUserBit(int bit);
 
 /// The 64 bits of a frame before its sync word; the first bit sent is the lowest.
 using FrameBits = std::uint64_t;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 // Stockham's form of the transform: each stage reads one buffer and writes the other in an order that needs
-// no mending at the end, with four branches to a stage and a last stage of two where the size asks for it.
+// no correction at the end, with four branches to a stage and a last stage of two where the size asks for it.
 
 #include "ltcreader/maths/fft.h"
 

@@ -26,15 +26,6 @@ namespace
 
 constexpr double polarityTrust = 0.9; // in those of the sync words before: labels that jump may change them
 
-/// Whether \a bit is one of the user bits; others between digits are flags, which a wrong digit next to them
-/// may have bent.
-bool isUserBit(int bit)
-{
-    constexpr int width = 4;
-    return std::any_of(userBitGroups.begin(), userBitGroups.end(),
-                       [bit](int first) { return bit >= first && bit < first + width; });
-}
-
 /// The weights of what fits with \a fit where it begins high, with -fit where it begins low; that of a fit of
 /// \a most is 1.
 std::array<double, 2> weightsOf(double fit, double most)

@@ -22,27 +22,28 @@ namespace
 {
 
 constexpr double otherMotion = -5.0; // [log-likelihood ratio] for labels that do not count up, which are rare
-constexpr double latestProof = 0.1;  // share of the frames that may pass before
+constexpr double latestProof = 0.08; // share of the frames that may pass before
 constexpr double quiet = 0.5;        // times the level of the rest: too little to hide other labels
 
-/// The verdict on \a line. \a motion: the log-likelihood ratio that labels which do not count up may have.
-Verdict verdictOn(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels,
-                  double motion)
+/// The frame of \a grid by which a line must be proven: later where it begins late, behind silence.
+int latestProofIn(const FrameGrid &grid, const std::vector<float> &samples, double frameLength)
+{
+    const int first = firstWholeFrame(grid);
+    const double beginning = first * frameLength;
+    const bool isSilent = levelBetween(samples, 0.0, beginning) <=
+                          quiet * levelBetween(samples, beginning, static_cast<double>(samples.size()));
+    return std::max(isSilent ? first : 0, static_cast<int>(latestProof * grid.frames));
+}
+
+/// The doubt about \a line in \a samples, \a frameLength [samples] each frame. \a motion: the log-likelihood
+/// ratio that labels which do not count up may have.
+Doubt doubtAbout(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels,
+                 const std::vector<float> &samples, double frameLength, double motion)
 {
     const AlternativeLines alternatives(line, evidenceOf(grid, levels));
     const int leastEnd = leastStretch - (grid.firstHalf < 0 ? 0 : 1);
-    return testSequentially(alternatives, unexplainedBy(levels, grid), leastEnd, motion);
-}
-
-/// The doubt of \a verdict on a recording of \a frames frames; a jump where a line is proven late, behind
-/// sound that may hide other labels.
-Doubt doubtOf(const Verdict &verdict, int frames, const std::vector<float> &samples, double frameLength)
-{
-    const double hidden = verdict.unproven * frameLength;
-    const bool isHidden = verdict.unproven > latestProof * frames &&
-                          levelBetween(samples, 0.0, hidden) >
-                              quiet * levelBetween(samples, hidden, static_cast<double>(samples.size()));
-    return verdict.doubt == Doubt::None && isHidden ? Doubt::Jump : verdict.doubt;
+    return testSequentially(alternatives, unexplainedBy(levels, grid), leastEnd,
+                            latestProofIn(grid, samples, frameLength), motion);
 }
 
 } // namespace
@@ -50,7 +51,7 @@ Doubt doubtOf(const Verdict &verdict, int frames, const std::vector<float> &samp
 Doubt doubtAboutLine(const LabelLine &line, const FrameGrid &grid, const std::vector<float> &levels,
                      const std::vector<float> &samples, double frameLength)
 {
-    return doubtOf(verdictOn(line, grid, levels, otherMotion), grid.frames, samples, frameLength);
+    return doubtAbout(line, grid, levels, samples, frameLength, otherMotion);
 }
 
 Doubt doubtAboutTrack(const LabelTrack &track, const std::vector<float> &samples, int sampleRate)
@@ -75,8 +76,8 @@ Doubt doubtAboutTrack(const LabelTrack &track, const std::vector<float> &samples
         return Doubt::Jump;
     if (isMaskedBefore(grid, part, track.frameLength))
         return Doubt::TooNoisy;
-    const Verdict verdict = verdictOn(line, grid, {}, contradiction); // that labels count up was read
-    return doubtOf(verdict, grid.frames, part, track.frameLength);
+    // That labels count up was read.
+    return doubtAbout(line, grid, {}, part, track.frameLength, contradiction);
 }
 
 } // namespace ltcreader

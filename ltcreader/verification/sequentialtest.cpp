@@ -20,7 +20,6 @@ namespace
 // [log-likelihood ratios]
 constexpr double otherBeginning =
     -3.0;                           // for something else at the beginning, where the answer would be wrong
-constexpr double proven = -1.0;     // below it, and for good, the line runs from the beginning on
 constexpr double otherEnd = 7.0;    // for something else at the end, which a chimera of two lines would have
 constexpr double impossible = -1e9; // a log-likelihood ratio
 
@@ -121,25 +120,18 @@ std::vector<double> oddsOf(const AlternativeLines &alternatives, const std::vect
     return sums;
 }
 
-/// [frames] that pass before nothing else at the beginning is likely any more, which may end at any frame
-/// from \a first on; \a odds are those for each end.
-int framesUnproven(const std::vector<double> &odds, std::size_t first)
-{
-    std::size_t frames = odds.size();
-    while (frames > first && odds[frames - 1] < proven)
-        --frames;
-    return frames > first ? static_cast<int>(frames) : 0;
-}
-
 /// The odds of something else at the beginning, which may end at any frame from \a first on; \a odds are
-/// those for each end. Only what exceeds chance counts: timecode may begin late, and nothing speaks for
-/// anything before.
-double oddsOfBeginning(const std::vector<double> &odds, std::size_t first)
+/// those for each end. Before \a latestProof nothing may speak for the line yet, so only what exceeds chance
+/// counts there.
+double oddsOfBeginning(const std::vector<double> &odds, int first, int latestProof)
 {
     double sum = 0.0;
-    for (std::size_t end = first; end < odds.size(); ++end)
-        sum += std::max(0.0, std::expm1(odds[end]));
-    return sum > 0.0 ? std::log(sum / static_cast<double>(odds.size() - first)) : impossible;
+    const int ends = static_cast<int>(odds.size());
+    for (int end = first; end < ends; ++end) {
+        const double ratio = std::exp(odds[static_cast<std::size_t>(end)]);
+        sum += end < latestProof ? std::max(0.0, ratio - 1.0) : ratio;
+    }
+    return sum > 0.0 ? std::log(sum / (ends - first)) : impossible;
 }
 
 /// The greatest of \a odds, but for those of one frame.
@@ -151,8 +143,8 @@ double mostOf(const std::vector<double> &odds)
 
 } // namespace
 
-Verdict testSequentially(const AlternativeLines &alternatives, const Unexplained &unexplained, int leastEnd,
-                         double motion)
+Doubt testSequentially(const AlternativeLines &alternatives, const Unexplained &unexplained, int leastEnd,
+                       int latestProof, double motion)
 {
     const std::vector<Rivals> lines = alternatives.digits();
     const Rivals motions = alternatives.otherMotions();
@@ -165,17 +157,16 @@ Verdict testSequentially(const AlternativeLines &alternatives, const Unexplained
         }
     }
     if (bestWhole(motions) > best)
-        return {motions.doubt};
+        return motions.doubt;
     if (doubt != Doubt::None)
-        return {doubt};
+        return doubt;
     if (alternatives.frames() > 1 && bestWhole(motions) > motion)
-        return {motions.doubt};
-    const auto first = static_cast<std::size_t>(leastEnd);
+        return motions.doubt;
     const std::vector<double> fromBeginning = oddsOf(alternatives, lines, motions, false, unexplained);
     const std::vector<double> fromEnd = oddsOf(alternatives, lines, motions, true, unexplained);
-    if (oddsOfBeginning(fromBeginning, first) > otherBeginning || mostOf(fromEnd) > otherEnd)
-        return {Doubt::Jump};
-    return {Doubt::None, framesUnproven(fromBeginning, first)};
+    const bool jumps =
+        oddsOfBeginning(fromBeginning, leastEnd, latestProof) > otherBeginning || mostOf(fromEnd) > otherEnd;
+    return jumps ? Doubt::Jump : Doubt::None;
 }
 
 } // namespace ltcreader

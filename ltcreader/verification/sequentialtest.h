@@ -9,17 +9,11 @@ namespace ltcreader
 /// [log-likelihood ratio] With it another label in the whole recording contradicts a line.
 constexpr double contradiction = 3.0;
 
-/// What the frames say against a line.
-struct Verdict {
-    Doubt doubt = Doubt::None;
-    int unproven = 0; ///< [frames] at the beginning that pass before the line is proven
-};
-
 /// Tests a line against \a alternatives: over the whole recording, and summed frame by frame from both ends
 /// (A. Wald's sequential probability ratio test). \a unexplained: of the half bits. \a leastEnd: last frame
-/// of the shortest line at the beginning that is looked for. \a motion: the log-likelihood ratio that labels
-/// which do not count up may have.
-Verdict testSequentially(const AlternativeLines &alternatives, const Unexplained &unexplained, int leastEnd,
-                         double motion);
+/// of the shortest line at the beginning that is looked for; \a latestProof: frame from which on another one
+/// must be disproven. \a motion: the log-likelihood ratio that labels which do not count up may have.
+Doubt testSequentially(const AlternativeLines &alternatives, const Unexplained &unexplained, int leastEnd,
+                       int latestProof, double motion);
 
 } // namespace ltcreader

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// Stands for the fuzzer where there is none: runs a target on every file of a folder, once.
+// Replaces the fuzzer without clang++: runs a target on every file of a folder, once.
 
 #include "tests/fuzz/fuzzinput.h"
 

@@ -316,6 +316,8 @@ void TestOddBenchmark::whatWasRefusedOnceIsRead_data()
     QTest::newRow("bits that are not where the clock is, radio channel, 0.2 s") << "edge/2151/743";
     QTest::newRow("bits that are not where the clock is, radio channel, 1 s") << "edge/2151/221";
     QTest::newRow("bits that are not where the clock is, white noise") << "edge/2151/504";
+    QTest::newRow("a line that is proven little by little, -19.8 dB, 29.97") << "edge/2151/1126";
+    QTest::newRow("a line that is proven little by little, wind") << "edge/2151/391";
 }
 
 void TestOddBenchmark::whatWasRefusedOnceIsRead()

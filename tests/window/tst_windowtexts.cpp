@@ -113,7 +113,7 @@ void TestWindowTexts::missingToolsAreNamedWithTheirRemedy_data()
     QTest::addColumn<QStringList>("programs");
     QTest::addColumn<QStringList>("remedies");
     const QString package("Install the package \"ffmpeg\" of your system.");
-    const QString again("Install this application again, or put the missing files beside it.");
+    const QString again("Install this application again, or put the missing files next to it.");
     QTest::newRow("tools of the system") << QStringList{"ffprobe", "ffmpeg"} << QStringList{package};
     QTest::newRow("our own") << QStringList{"LTCReader.exe"} << QStringList{again};
     QTest::newRow("both") << QStringList{"ffmpeg", "LTCReader.exe"} << QStringList{package, again};

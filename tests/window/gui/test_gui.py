@@ -339,7 +339,7 @@ class GuiTest(unittest.TestCase):
         self.assertEqual(nameless, [], f"in {window.name}")
         self.assertLessEqual(expected, {role_of(node) for node in found})
         for combo in (node for node in found if role_of(node) == "combo box"):
-            self.assertTrue(labels_of(combo), f"a label stands for the choice {combo.name}")
+            self.assertTrue(labels_of(combo), f"a label names the choice {combo.name}")
 
 
 def alive(process):
