@@ -174,7 +174,7 @@ def add_details(lines, report):
 
 
 def sounds(lines, report):
-    groups = {name: group for (name,), group in grouped(lines, "sound").items()} | {"all": lines}
+    groups = {name: group for (name,), group in grouped(lines, "curve").items()} | {"all": lines}
     report.table("Recordings without timecode: timecodes read", ["sound", "files", *READERS],
                  [[name, len(group)] + [count(answers_of(group, reader), "wrong") if answers_of(group, reader) else "-"
                                         for reader in READERS] for name, group in groups.items()])
@@ -182,8 +182,8 @@ def sounds(lines, report):
 
 def costs(lines, report):
     report.table("CPU time for 3 s at 48 kHz, means", ["recording", "LTCReader [ms]", "libltc, one channel [ms]"],
-                 [[name] + [statistics.mean(line[reader] for line in group) for reader in READERS[:2]]
-                  for (name,), group in grouped(lines, "recording").items()])
+                 [[name.removeprefix("cost of ")] + [statistics.mean(line[reader] for line in group) for reader in READERS[:2]]
+                  for (name,), group in grouped(lines, "curve").items()])
 
 
 def odd(lines, report):

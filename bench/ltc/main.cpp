@@ -23,7 +23,6 @@ Prints a line of JSON for each recording; bench/figures.py makes tables and pict
 
 Exit code: 0; 1 when LTCReader gave a wrong timecode; 2 when something was wrong with the options or a file.)";
 
-constexpr const char *soundSection = "Without timecode";
 constexpr int hopelessAfter = 2; // grades in a row that libltc does not read once: it is not asked any more
 
 QString text(const std::string &text)
@@ -42,9 +41,8 @@ class Measurement
 public:
     Measurement(std::uint64_t seed, bool compares) : seed(seed), compares(compares) {}
 
-    void measure(const Curve &curve, std::uint64_t files);
-    void measure(const testsignals::OtherSound &sound, std::uint64_t files);
-    void measure(const CostKind &kind, std::uint64_t files) const;
+    /// Has \a files recordings of each grade read; \a kind names the lines.
+    void measure(const QString &kind, const Curve &curve, std::uint64_t files);
 
     bool wrong = false; ///< an answer of ours was
 
@@ -86,35 +84,24 @@ QJsonObject Measurement::answersTo(const Case &recording, const std::string &nam
     return answers;
 }
 
-void Measurement::measure(const Curve &curve, std::uint64_t files)
+void Measurement::measure(const QString &kind, const Curve &curve, std::uint64_t files)
 {
     hopelessOnes.clear();
     for (std::size_t grade = 0; grade < curve.grades.size(); ++grade) {
         rightOnes.clear();
         for (std::uint64_t file = 0; file < files; ++file) {
-            const std::string name = nameOfRecording(curve.name, grade, file);
-            bench::print("reading", {{"section", text(curve.section)},
-                                     {"curve", text(curve.name)},
-                                     {"unit", text(curve.unit)},
-                                     {"graded", curve.graded},
-                                     {"grade", curve.grades[grade]},
-                                     {"case", text(name)},
-                                     {"readers", answersTo(recordingOf(curve, seed, grade, file), name)}});
+            const std::string name = nameOfRecording(curve, grade, file);
+            bench::print(kind, {{"section", text(curve.section)},
+                                {"curve", text(curve.name)},
+                                {"unit", text(curve.unit)},
+                                {"graded", curve.graded},
+                                {"grade", curve.grades[grade]},
+                                {"case", text(name)},
+                                {"readers", answersTo(recordingOf(curve, seed, grade, file), name)}});
         }
         for (const Reader &reader : allReaders)
             hopelessOnes[reader.title] =
                 curve.graded && rightOnes[reader.title] == 0 ? hopelessOnes[reader.title] + 1 : 0;
-    }
-}
-
-void Measurement::measure(const testsignals::OtherSound &sound, std::uint64_t files)
-{
-    hopelessOnes.clear();
-    for (std::uint64_t file = 0; file < files; ++file) {
-        const std::string name = nameOfRecording(sound.name, 0, file);
-        bench::print("sound", {{"sound", text(sound.name)},
-                               {"case", text(name)},
-                               {"readers", answersTo(recordingOf(sound, seed, file), name)}});
     }
 }
 
@@ -126,47 +113,47 @@ double cpuMilliseconds(Work work)
     return 1000.0 * static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC;
 }
 
-void Measurement::measure(const CostKind &kind, std::uint64_t files) const
+void measureCost(const Curve &curve, std::uint64_t seed, std::uint64_t files)
 {
     for (std::uint64_t file = 0; file < files; ++file) {
-        Random random = Random::forCase(seed, "cost of " + kind.name, file);
-        const Case recording = kind.make(random);
-        bench::print("cost", {{"recording", text(kind.name)},
+        const Case recording = recordingOf(curve, seed, 0, file);
+        bench::print("cost", {{"curve", text(curve.name)},
                               {"LTCReader", cpuMilliseconds([&] { readWithOurs(recording); })},
                               {"libltc", cpuMilliseconds([&] { decodePlainly(recording); })}});
     }
 }
 
-bool isWanted(const QStringList &only, const std::string &section, const std::string &name)
+bool isWanted(const QStringList &only, const Curve &curve)
 {
     return only.isEmpty() || std::any_of(only.cbegin(), only.cend(), [&](const QString &part) {
-               return text(section).contains(part) || text(name).contains(part);
+               return text(curve.section).contains(part) || text(curve.name).contains(part);
            });
 }
 
 int measureAll(const Program &program)
 {
     const QStringList only = program.texts("only");
-    const auto files = program.number("files", 0);
-    const auto negatives = program.number("negatives", 0);
-    Measurement measurement(program.number("seed", 0), !program.isSet("ours"));
+    const quint64 files = program.number("files", 0);
+    const quint64 negatives = program.number("negatives", 0);
+    const quint64 seed = program.number("seed", 0);
+    Measurement measurement(seed, !program.isSet("ours"));
     program.printRun();
     for (const testsignals::LossyCodec &codec : testsignals::lossyCodecs()) {
-        if (isWanted(only, "Codecs", codec.name) && !testsignals::isAvailable(codec))
+        if (isWanted(only, {"Codecs", codec.name, {}, {}, true, {}}) && !testsignals::isAvailable(codec))
             bench::report(
                 text("left out: " + codec.name + " (this ffmpeg has no encoder \"" + codec.encoder + "\")"));
     }
     for (const Curve &curve : allCurves()) {
-        if (isWanted(only, curve.section, curve.name))
-            measurement.measure(curve, files);
+        if (isWanted(only, curve))
+            measurement.measure("reading", curve, files);
     }
-    for (const testsignals::OtherSound &sound : testsignals::otherSounds()) {
-        if (isWanted(only, soundSection, sound.name))
-            measurement.measure(sound, negatives);
+    for (const Curve &sound : allSounds()) {
+        if (isWanted(only, sound))
+            measurement.measure("sound", sound, negatives);
     }
-    if (isWanted(only, "Cost", "Cost")) {
-        for (const CostKind &kind : costKinds())
-            measurement.measure(kind, files);
+    for (const Curve &kind : costKinds()) {
+        if (only.isEmpty() || only.contains("Cost"))
+            measureCost(kind, seed, files);
     }
     return measurement.wrong ? 1 : 0;
 }
@@ -192,10 +179,10 @@ int readCase(const Program &program)
 
 int printList()
 {
-    for (const Curve &curve : allCurves())
-        std::cout << curve.section << ": " << curve.name << "\n";
-    for (const testsignals::OtherSound &sound : testsignals::otherSounds())
-        std::cout << soundSection << ": " << sound.name << "\n";
+    for (const auto *curves : {&allCurves(), &allSounds()}) {
+        for (const Curve &curve : *curves)
+            std::cout << curve.section << ": " << curve.name << "\n";
+    }
     return 0;
 }
 

@@ -57,7 +57,7 @@ private:
 /// Prints \a figures of a measured thing as one line; \a kind names what was measured. Safe in any thread.
 void print(const QString &kind, QJsonObject figures);
 
-/// Writes \a line on standard error: progress and whatever the user should see at once. Safe in any thread.
+/// Writes \a line on standard error: progress and what the user should see at once. Safe in any thread.
 void report(const QString &line);
 
 } // namespace bench

@@ -93,10 +93,10 @@ class Figures(unittest.TestCase):
         self.row(text, "LTCReader", "4", "3", "1", "0", "1")
 
     def test_sounds_and_costs(self):
-        sounds = [{"kind": "sound", "sound": "hiss", "case": "", "readers": {"LTCReader": {"verdict": verdict}}}
+        sounds = [{"kind": "sound", "curve": "hiss", "case": "", "readers": {"LTCReader": {"verdict": verdict}}}
                   for verdict in ("refused", "wrong")]
         self.row(self.figures(sounds), "hiss", "2", "1", "-", "-")
-        costs = [{"kind": "cost", "recording": "clean", "LTCReader": value, "libltc": 0.25} for value in (1.0, 2.0)]
+        costs = [{"kind": "cost", "curve": "cost of clean", "LTCReader": value, "libltc": 0.25} for value in (1.0, 2.0)]
         self.row(self.figures(costs), "clean", "1.500", "0.250")
 
     def test_odd_recordings_count_each_verdict(self):

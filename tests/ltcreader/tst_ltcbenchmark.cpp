@@ -164,7 +164,7 @@ void TestLtcBenchmark::impairedTimecodeIsReadOrRefusedButNeverWrong()
     for (std::size_t grade = first; grade < end; ++grade) {
         const Case recording = recordingOf(curve, seed, grade, 0);
         const std::optional<Answer> answer = readWithOurs(recording);
-        const QString failure = reproduction(nameOfRecording(curve.name, grade, 0), recording, answer);
+        const QString failure = reproduction(nameOfRecording(curve, grade, 0), recording, answer);
         QVERIFY2(judge(recording, answer) != Verdict::Wrong, qPrintable(failure));
         QVERIFY2(answer || grade > demandedGrade || demanded == readUpTo().end(), qPrintable(failure));
     }
@@ -180,8 +180,8 @@ void TestLtcBenchmark::everyDemandedGradeIsMeasured()
 
 void TestLtcBenchmark::recordingsAreFoundByTheirName()
 {
-    QVERIFY(recordingNamed(nameOfRecording("clean", 1, 0), seed));
-    QVERIFY(recordingNamed(nameOfRecording("silence", 0, 3), seed));
+    QVERIFY(recordingNamed(nameOfRecording(curveNamed("clean"), 1, 0), seed));
+    QVERIFY(recordingNamed(nameOfRecording(allSounds().front(), 0, 3), seed));
     QVERIFY(!recordingNamed("clean/6/0", seed));
     QVERIFY(!recordingNamed("clean", seed));
     QVERIFY(!recordingNamed("unheard of/0/0", seed));
@@ -191,20 +191,19 @@ void TestLtcBenchmark::recordingsAreFoundByTheirName()
 
 void TestLtcBenchmark::noTimecodeIsInvented_data()
 {
-    QTest::addColumn<int>("sound");
-    for (std::size_t sound = 0; sound < testsignals::otherSounds().size(); ++sound)
-        QTest::newRow(testsignals::otherSounds()[sound].name.c_str()) << static_cast<int>(sound);
+    QTest::addColumn<Curve>("sound");
+    for (const Curve &sound : allSounds())
+        QTest::newRow(sound.name.c_str()) << sound;
 }
 
 void TestLtcBenchmark::noTimecodeIsInvented()
 {
-    QFETCH(int, sound);
-    const testsignals::OtherSound &kind = testsignals::otherSounds()[static_cast<std::size_t>(sound)];
+    QFETCH(Curve, sound);
     constexpr std::uint64_t files = 6;
     for (std::uint64_t file = 0; file < files; ++file) {
-        const Case recording = recordingOf(kind, seed, file);
+        const Case recording = recordingOf(sound, seed, 0, file);
         const std::optional<Answer> answer = readWithOurs(recording);
-        QVERIFY2(!answer, qPrintable(reproduction(nameOfRecording(kind.name, 0, file), recording, answer)));
+        QVERIFY2(!answer, qPrintable(reproduction(nameOfRecording(sound, 0, file), recording, answer)));
     }
 }
 
