@@ -4,9 +4,9 @@
 
 Usage: bench/figures.py [--markdown] [--pictures FOLDER] [--before FILE] [FILE ...]
 
-FILE is what a program printed; several files make one report, none means standard input. Tables and limits are printed as
-text, or with --markdown as a page of documentation. --pictures draws SVG pictures into FOLDER; a page links them as if it
-were next to FOLDER. --before shows the figures of an earlier run next to those of the later one.
+FILE is what a program printed; several files make one report, none means standard input. Tables and limits are printed
+as text, or with --markdown as a page of documentation. --pictures draws SVG pictures into FOLDER; a page links them as
+if it were next to FOLDER. --before shows the figures of an earlier run next to those of the later one.
 
 Exit code: 0; 1 when a limit is missed; 2 when something was wrong with the options or a file.
 """
@@ -155,18 +155,20 @@ def add_details(lines, report):
         return answers_of(filter(wanted, lines), READERS[0])
 
     answered = [answer for answer in ours(lambda line: True) if answer["verdict"] != "refused"]
-    shares = {key: percent(sum(answer[key] for answer in answered), len(answered)) for key in ("rate", "count", "channel")}
-    report.notes.append(f"LTCReader's {len(answered)} answers: rate class right in {shares['rate']:.2f} %, drop-frame flag "
-                        f"in {shares['count']:.2f} %, channel in {shares['channel']:.2f} %")
+    rate, flag, channel = (percent(sum(answer[key] for answer in answered), len(answered))
+                           for key in ("rate", "count", "channel"))
+    report.notes.append(f"LTCReader's {len(answered)} answers: rate class right in {rate:.2f} %, drop-frame flag in "
+                        f"{flag:.2f} %, channel in {channel:.2f} %")
     for what, wanted in (("clean", lambda line: line["curve"] == "clean"),
                          ("white noise of equal power, 3 s",
                           lambda line: line["curve"].startswith("white noise, 3 s") and line["grade"] == 0)):
         errors = errors_of(ours(wanted))
-        report.notes.append(f"Position, {what}: median and largest error {error_text(errors)} samples ({len(errors)} files)")
+        report.notes.append(f"Position, {what}: median and largest error {error_text(errors)} samples "
+                            f"({len(errors)} files)")
     spikes = ours(lambda line: line["curve"] == "spikes, -50 to -1 dBFS"
                   or line["curve"] == "spikes by level" and line["grade"] >= -50)
-    report.notes.append(f"Spikes of 20 to 500 us, -50 dBFS and louder: {percent(count(spikes, 'right'), len(spikes)):.1f} % "
-                        f"right ({len(spikes)} files)")
+    read = percent(count(spikes, "right"), len(spikes))
+    report.notes.append(f"Spikes of 20 to 500 us, -50 dBFS and louder: {read:.1f} % right ({len(spikes)} files)")
     report.table("Totals", ["reader", "files", "right", "wrong", "refused", "other channel"],
                  [[reader, len(answers), *(count(answers, verdict) for verdict in ("right", "wrong", "refused")),
                    sum(not answer.get("channel", True) for answer in answers)]
@@ -182,7 +184,8 @@ def sounds(lines, report):
 
 def costs(lines, report):
     report.table("CPU time for 3 s at 48 kHz, means", ["recording", "LTCReader [ms]", "libltc, one channel [ms]"],
-                 [[name.removeprefix("cost of ")] + [statistics.mean(line[reader] for line in group) for reader in READERS[:2]]
+                 [[name.removeprefix("cost of "), *(statistics.mean(line[reader] for line in group)
+                                                    for reader in READERS[:2])]
                   for (name,), group in grouped(lines, "curve").items()])
 
 
@@ -217,15 +220,14 @@ def calibration(lines, report):
     for place, likeliest in enumerate(decades):
         claimed, wrong = (sum(column) for column in zip(*likeliest)) if likeliest else (0, 0)
         files = max(len(likeliest), 1)
-        rows.append([f"1e-{place} and less" if place == last else f"1e-{place} to 1e-{place + 1}", len(likeliest), wrong,
+        rows.append([f"1e-{place} " + ("and less" if place == last else f"to 1e-{place + 1}"), len(likeliest), wrong,
                      f"{wrong / files:.2g}", f"{claimed / files:.2g}"])
     report.table("Confidence", ["1 - confidence", "likeliest", "wrong", "wrong share", "claimed"], rows)
     drawn = [(float(row[4]), float(row[3])) for row in rows if row[2]]
     claims = [10.0**-place for place in range(last, -1, -1)]
     report.pictures["ltc-confidence"] = [Chart(
         "Wrong ones among the likeliest timecodes", "share that the confidence claims", "share that is wrong",
-        [("measured", *zip(*sorted(drawn))), ("as claimed", claims, claims)] if drawn else [("as claimed", claims, claims)],
-        scale="log")]
+        ([("measured", *zip(*sorted(drawn)))] if drawn else []) + [("as claimed", claims, claims)], scale="log")]
 
 
 # How fast the program is
@@ -246,7 +248,8 @@ def steps(lines, report):
                 charts.append(chart_of(f"{shoot}: {title}", unit, rows, ["rows", *names]))
         fewest, most = min(by_rows), max(by_rows)
         for line in group:
-            every_row = shoot == "all of one moment" and line["step"].startswith("read")  # every result concerns every row
+            # There every result concerns every row.
+            every_row = shoot == "all of one moment" and line["step"].startswith("read")
             where = f"{shoot}, {line['step']}, {line['rows']} rows: "
             if line["rows"] == most > fewest and not every_row:
                 report.checks.append(Check(f"{where}cost per row to that at {fewest}",
@@ -254,16 +257,18 @@ def steps(lines, report):
             if line["rows"] <= BLOCK_ROWS:
                 report.checks.append(Check(where + "longest block [ms]", line["block_ms"], BLOCK_LIMIT))
                 if every_row:  # every second result is a timecode
-                    report.checks.append(Check(where + "CPU time of a timecode [ms]", 2e3 * line["cpu_s"] / line["rows"], TIMECODE_LIMIT))
+                    report.checks.append(Check(where + "CPU time of a timecode [ms]",
+                                               2e3 * line["cpu_s"] / line["rows"], TIMECODE_LIMIT))
     report.pictures["speed-window"] = charts
 
 
 def memory(lines, report):
     for (shoot,), group in grouped(lines, "shoot").items():
-        report.table(f"{shoot}: heap after the import", ["rows", "KiB per row", "KiB of probe JSON per row, for comparison"],
+        report.table(f"{shoot}: heap after the import",
+                     ["rows", "KiB per row", "KiB of probe JSON per row, for comparison"],
                      [[line["rows"], line["bytes"] / 1024, line["json_bytes"] / 1024] for line in group])
-    report.checks += [Check(f"{line['shoot']}, {line['rows']} rows: memory per row [KiB]", line["bytes"] / 1024, MEMORY_LIMIT)
-                      for line in lines]
+    report.checks += [Check(f"{line['shoot']}, {line['rows']} rows: memory per row [KiB]", line["bytes"] / 1024,
+                            MEMORY_LIMIT) for line in lines]
 
 
 def foreign(lines, report):
@@ -285,16 +290,17 @@ def rounds(lines, report):
 
             def usage(who, floor):
                 """Time, compared with the floor's, and CPU time."""
-                return [of(who, "time_s"), of(who, "time_s", floor, "time_s"), of(who, "tools_cpu_s"), of(who, "own_cpu_s"),
-                        100 * of(who, "own_cpu_s", who, "tools_cpu_s")]
+                return [of(who, "time_s"), of(who, "time_s", floor, "time_s"), of(who, "tools_cpu_s"),
+                        of(who, "own_cpu_s"), 100 * of(who, "own_cpu_s", who, "tools_cpu_s")]
 
             def alive(who, figure, group=group):
                 return median(figure([number for _, number in line[who]["processes"]]) for line in group)
 
             ours = usage("program", "floor")
             times.append([files, *ours, of("floor", "time_s"), of("floor", "tools_cpu_s"), of("floor", "own_cpu_s")])
-            processes.append([files, of("program", "peak_mib"), alive("program", max), alive("program", statistics.mean),
-                              alive("floor", statistics.mean), max(line["block_ms"] for line in group)])
+            processes.append([files, of("program", "peak_mib"), alive("program", max),
+                              *(alive(who, statistics.mean) for who in ("program", "floor")),
+                              max(line["block_ms"] for line in group)])
             name = f"{work} of {files} files: "
             report.checks += [Check(name + "time to that of the floor", ours[1], FLOOR_LIMIT),
                               Check(name + "our CPU time [% of the child processes']", ours[4], CPU_LIMIT)]
@@ -302,19 +308,25 @@ def rounds(lines, report):
                 batch = usage("batch", "program")
                 batches.append([files, *batch])
                 report.checks += [Check(name + "time of ostrel-batch to that of the window", batch[1], BATCH_LIMIT),
-                                  Check(name + "CPU time of ostrel-batch [% of its child processes']", batch[4], BATCH_CPU_LIMIT)]
+                                  Check(name + "CPU time of ostrel-batch [% of its child processes']", batch[4],
+                                        BATCH_CPU_LIMIT)]
         columns = ["s CPU of the child processes", "s CPU of its own", "% of the child processes'"]
-        report.table(f"{work}: time and CPU time, medians", ["files", "s", "times the floor", *columns, "s of the floor",
-                     "s CPU of the floor's child processes", "s CPU of the bare launcher"], times)
-        report.table(f"{work}: memory and processes", ["files", "MiB at most", "processes at most", "processes on average",
-                     "floor's on average", "ms of the longest block"], processes)
+        report.table(f"{work}: time and CPU time, medians",
+                     ["files", "s", "times the floor", *columns, "s of the floor",
+                      "s CPU of the floor's child processes", "s CPU of the bare launcher"], times)
+        report.table(f"{work}: memory and processes",
+                     ["files", "MiB at most", "processes at most", "processes on average", "floor's on average",
+                      "ms of the longest block"], processes)
         if batches:
-            report.table(f"{work}: the same by ostrel-batch, medians", ["files", "s", "times the window", *columns], batches)
+            report.table(f"{work}: the same by ostrel-batch, medians",
+                         ["files", "s", "times the window", *columns], batches)
         last = all_rounds[-1]
         report.pictures[f"speed-{work}"] = [
             chart_of(work, "s", [[row[0], row[1], row[6]] for row in times], ["files", "program", "floor"]),
-            chart_of("CPU time of our process", "% of the child processes'", [[row[0], row[5]] for row in times], ["files", "program"]),
-            Chart(f"Processes, {last['files']} files", "s", "processes alive", [("program", *zip(*last["program"]["processes"]))])]
+            chart_of("CPU time of our process", "% of the child processes'", [[row[0], row[5]] for row in times],
+                     ["files", "program"]),
+            Chart(f"Processes, {last['files']} files", "s", "processes alive",
+                  [("program", *zip(*last["program"]["processes"]))])]
 
 
 def reader(lines, report):
@@ -326,13 +338,13 @@ def reader(lines, report):
             report.checks.append(Check("one channel: more than opening the file [ms]", rows[-1][3], READER_LIMIT))
     report.table("LTCReader: time from start to exit, medians",
                  ["channels", "ms", "ms of a program that only opens the file", "ms more"], rows)
-    report.pictures["speed-reader"] = [chart_of("LTCReader, 3 s of sound", "ms from start to exit", [row[:3] for row in rows],
-                                                ["channels", "LTCReader", "only opened"])]
+    report.pictures["speed-reader"] = [chart_of("LTCReader, 3 s of sound", "ms from start to exit",
+                                                [row[:3] for row in rows], ["channels", "LTCReader", "only opened"])]
 
 
 def chart_of(title, vertical, rows, columns):
-    return Chart(title, columns[0], vertical,
-                 [(name, [row[0] for row in rows], [row[place] for row in rows]) for place, name in enumerate(columns) if place],
+    horizontal, *series = zip(*rows)
+    return Chart(title, columns[0], vertical, [(name, horizontal, values) for name, values in zip(columns[1:], series)],
                  scale="semilog")
 
 
@@ -374,7 +386,8 @@ def report_of(paths):
 def cell_text(value):
     if not isinstance(value, float):
         return str(value)
-    return f"{value:.0f}" if abs(value) >= 100 or value == round(value) else f"{value:.1f}" if abs(value) >= 10 else f"{value:.3f}"
+    digits = 0 if abs(value) >= 100 or value == round(value) else 1 if abs(value) >= 10 else 3
+    return f"{value:.{digits}f}"
 
 
 def table_text(table, is_markdown):

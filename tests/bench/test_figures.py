@@ -10,7 +10,8 @@ import unittest
 import xml.etree.ElementTree as xml
 
 SCRIPT = pathlib.Path(__file__).resolve().parents[2] / "bench/figures.py"
-RUN = {"kind": "run", "program": "a-benchmark", "command": "a-benchmark --fast", "date": "2026-01-02", "machine": "a fast one"}
+RUN = {"kind": "run", "program": "a-benchmark", "command": "a-benchmark --fast", "date": "2026-01-02",
+       "machine": "a fast one"}
 
 
 def answer(verdict, **figures):
@@ -19,8 +20,9 @@ def answer(verdict, **figures):
 
 def curve(name, shares, graded=True):
     """Four readings for each grade 0, 1, 2...: so many of them are right."""
+    refused = {"verdict": "refused"}
     return [{"kind": "reading", "section": "Noise", "curve": name, "unit": "dB", "graded": graded, "grade": grade,
-             "case": "", "readers": {"LTCReader": answer("right", error=file) if file < right else {"verdict": "refused"}}}
+             "case": "", "readers": {"LTCReader": answer("right", error=file) if file < right else refused}}
             for grade, right in enumerate(shares) for file in range(4)]
 
 
@@ -31,16 +33,18 @@ def odd(verdict, confidence=0.5, too_noisy=False, behaviour="held"):
 
 
 def step(rows, cpu_s, block_ms=1.0, name="find", shoot="ordinary shoot"):
-    return {"kind": "step", "shoot": shoot, "rows": rows, "step": name, "time_s": 1.0, "cpu_s": cpu_s, "block_ms": block_ms}
+    return {"kind": "step", "shoot": shoot, "rows": rows, "step": name, "time_s": 1.0, "cpu_s": cpu_s,
+            "block_ms": block_ms}
 
 
 def usage(time_s, own_cpu_s):
-    return {"time_s": time_s, "own_cpu_s": own_cpu_s, "tools_cpu_s": 10.0, "peak_mib": 50.0, "processes": [[0.0, 1], [0.1, 3]]}
+    return {"time_s": time_s, "own_cpu_s": own_cpu_s, "tools_cpu_s": 10.0, "peak_mib": 50.0,
+            "processes": [[0.0, 1], [0.1, 3]]}
 
 
 def work_round(program, floor=10.0, batch=None):
-    figures = {"kind": "round", "work": "import", "files": 50, "program": usage(program, 0.2), "floor": usage(floor, 0.01),
-               "block_ms": 7.0}
+    figures = {"kind": "round", "work": "import", "files": 50, "program": usage(program, 0.2),
+               "floor": usage(floor, 0.01), "block_ms": 7.0}
     return figures | ({"batch": usage(batch, 0.3)} if batch else {})
 
 
@@ -51,14 +55,16 @@ class Figures(unittest.TestCase):
         self.folder = pathlib.Path(folder.name)
 
     def figures(self, lines, *options, head=(RUN,), exit_code=0):
-        done = subprocess.run([SCRIPT, *options], input="\n".join(map(json.dumps, [*head, *lines])), capture_output=True,
-                              text=True, check=False)
-        self.assertEqual((done.returncode, done.stderr.count("\n")), (exit_code, 1 if exit_code == 2 else 0), done.stderr)
+        done = subprocess.run([SCRIPT, *options], input="\n".join(map(json.dumps, [*head, *lines])),
+                              capture_output=True, text=True, check=False)
+        self.assertEqual(done.returncode, exit_code, done.stderr)
+        self.assertEqual(done.stderr.count("\n"), 1 if exit_code == 2 else 0, done.stderr)
         return done.stdout if exit_code != 2 else done.stderr
 
     def row(self, text, *cells):
         """Whether `text` has a table row of `cells`."""
-        self.assertIn(cells, [tuple(part.strip() for part in line.split("  ") if part.strip()) for line in text.splitlines()])
+        self.assertIn(cells, [tuple(part.strip() for part in line.split("  ") if part.strip())
+                              for line in text.splitlines()])
 
     def test_half_points(self):
         for shares, point in (([4, 4, 2, 0], "2"), ([4, 3, 1, 0], "1.5"), ([4, 4, 4], "beyond 2"), ([1, 0], "none")):
@@ -88,7 +94,8 @@ class Figures(unittest.TestCase):
         wrong = curve("clean", [4], graded=False)
         wrong[0]["readers"]["LTCReader"] = answer("wrong", rate=False, channel=False)
         text = self.figures(wrong)
-        self.assertIn("LTCReader's 4 answers: rate class right in 75.00 %, drop-frame flag in 100.00 %, channel in 75.00 %", text)
+        self.assertIn("LTCReader's 4 answers: rate class right in 75.00 %, drop-frame flag in 100.00 %, channel in "
+                      "75.00 %", text)
         self.assertIn("Position, clean: median and largest error 2, 3 samples (3 files)", text)
         self.row(text, "LTCReader", "4", "3", "1", "0", "1")
 
@@ -114,7 +121,8 @@ class Figures(unittest.TestCase):
     def test_limits_are_kept_up_to_themselves(self):
         for block, exit_code in ((50.0, 0), (50.1, 1)):
             text = self.figures([step(1000, 1.0, block)], exit_code=exit_code)
-            self.assertIn(("MISSED: " if exit_code else "kept:   ") + "ordinary shoot, find, 1000 rows: longest block", text)
+            begin = "MISSED: " if exit_code else "kept:   "
+            self.assertIn(begin + "ordinary shoot, find, 1000 rows: longest block", text)
 
     def test_a_row_may_cost_little_more_in_a_long_table(self):
         fewest = step(1000, 0.001)
@@ -129,10 +137,12 @@ class Figures(unittest.TestCase):
         self.figures([{"kind": "foreign", "files": 9, "answer_ms": 101.0, "block_ms": 1.0, "quit_s": 0.5}], exit_code=1)
 
     def test_rounds_are_compared_by_their_median(self):
-        text = self.figures([work_round(10.0, batch=10.1), work_round(12.0, batch=12.0), work_round(10.2, batch=10.2)], exit_code=1)
+        text = self.figures([work_round(10.0, batch=10.1), work_round(12.0, batch=12.0), work_round(10.2, batch=10.2)],
+                            exit_code=1)
         self.assertIn("kept:   import of 50 files: time to that of the floor: 1.020 (at most 1.05)", text)
         self.assertIn("kept:   import of 50 files: our CPU time [% of the child processes']: 2 (at most 3)", text)
-        self.assertIn("MISSED: import of 50 files: CPU time of ostrel-batch [% of its child processes']: 3 (at most 2)", text)
+        self.assertIn("MISSED: import of 50 files: CPU time of ostrel-batch [% of its child processes']: 3 (at most 2)",
+                      text)
         self.row(text, "50", "50", "3", "2", "2", "7")
         self.assertNotIn("ostrel-batch", self.figures([work_round(10.0)]))
 
@@ -161,7 +171,7 @@ class Figures(unittest.TestCase):
         for lines, reason in (([], "nothing was measured"),
                               ([{"kind": "curves"}], "-:2: no figures"),
                               (["text"], "-:2: no figures"),
-                              ([{"kind": "odd", "behaviour": "held"}], "a line of kind \"odd\" is not as expected: KeyError"),
+                              ([{"kind": "odd", "behaviour": "held"}], "a line of kind \"odd\" is not as expected: Key"),
                               ([odd("right") | {"confidence": "high"}], "a line of kind \"odd\" is not as expected")):
             with self.subTest(lines=lines):
                 self.assertIn(reason, self.figures(lines, exit_code=2))
