@@ -282,17 +282,13 @@ OddSignal flagOverAMinute(LtcSignal signal, Random &random)
 
 OddSignal atSpeed(const LtcSignal &signal, double speed)
 {
-    Transport transport;
-    transport.deviation = speed - 1.0;
-    return {signal, biphaseMarkAudio(signal, transport), {}};
+    return {signal, biphaseMarkAudio(signal, Transport{.deviation = speed - 1.0}), {}};
 }
 
 /// 48, 50 or 60 frames a second, counted through or in pairs.
 OddSignal highFrameRate(LtcSignal signal, Random &random)
 {
     const bool pairs = random.chance(0.5);
-    Transport transport;
-    transport.deviation = 1.0;
     const std::int64_t fullRate = std::int64_t{2} * signal.rate.base;
     const FrameAt frameAt = [&](std::int64_t index) {
         const std::int64_t count = 2 * startCount(signal) + index + fullRate;
@@ -305,7 +301,7 @@ OddSignal highFrameRate(LtcSignal signal, Random &random)
         }
         return frame;
     };
-    return {signal, soundOf(signal, frameAt, transport), {}};
+    return {signal, soundOf(signal, frameAt, {.deviation = 1.0}), {}};
 }
 
 OddSignal twoTimecodes(LtcSignal signal, Random &random)
@@ -329,9 +325,8 @@ OddSignal polarityFlip(LtcSignal signal, Random &random)
 
 OddSignal wow(LtcSignal signal, Random &random)
 {
-    Transport transport;
-    transport.wowDepth = random.uniform(0.001, 0.01);
-    transport.wowFrequency = random.uniform(0.5, 2.0);
+    const Transport transport{.wowDepth = random.uniform(0.001, 0.01),
+                              .wowFrequency = random.uniform(0.5, 2.0)};
     // The first sample's place is known to a tenth of a frame where the speed changes.
     signal.offset *= 0.75;
     return inOrder(signal, biphaseMarkAudio(signal, transport), false);
@@ -347,16 +342,14 @@ OddSignal dropouts(LtcSignal signal, Random &random)
 /// Neither class of a base rate is near enough to distinguish it from the other.
 OddSignal clockOff(LtcSignal signal, Random &random)
 {
-    Transport transport;
-    transport.deviation = random.uniform(400e-6, 600e-6) * (random.chance(0.5) ? 1 : -1);
+    const Transport transport{.deviation = random.uniform(400e-6, 600e-6) * (random.chance(0.5) ? 1 : -1)};
     return inOrder(signal, biphaseMarkAudio(signal, transport), false);
 }
 
 /// The file names a sample rate 0.1 % off, as when sound is pulled up or down.
 OddSignal wrongSampleRate(LtcSignal signal, Random &random)
 {
-    Transport transport;
-    transport.deviation = random.chance(0.5) ? 1.001 - 1.0 : 1 / 1.001 - 1.0;
+    const Transport transport{.deviation = random.chance(0.5) ? 1.001 - 1.0 : 1 / 1.001 - 1.0};
     return inOrder(signal, biphaseMarkAudio(signal, transport), false);
 }
 
@@ -412,7 +405,7 @@ const std::vector<Behaviour> &allBehaviours()
         {"held", 1, noLine, held},
         {"frozen", 1, noLine,
          [](LtcSignal signal, Random &) {
-             return notRunning(signal, [&](std::int64_t) { return frameOf(startCount(signal), signal); });
+             return notRunning(signal, [&](std::int64_t) { return labelAt(0, signal); });
          }},
         {"counting down", 1, noLine,
          [](LtcSignal signal, Random &) {
