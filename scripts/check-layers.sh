@@ -20,10 +20,9 @@ ffmpeg ltc update testkit/media testkit/faketools
 control filelist demo/samples
 app batch
 testkit/fixtures
-demo bench/ltc
+demo
 bench/support
-bench/realtools bench/reader bench/window
-bench/export bench/import
+bench/ltc bench/realtools bench/reader bench/window
 tests
 '
 

@@ -5,10 +5,45 @@
 #include "testkit/signals/impairments.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
+#include <stdexcept>
 
 namespace ltcbench
 {
+
+namespace
+{
+
+std::string textAt(LtcTime start, LtcRate rate, int channel, std::int64_t samples)
+{
+    return testsignals::text(start, rate) + " at " + nameOf(rate) + ", channel " + std::to_string(channel) +
+           ", " + std::to_string(samples) + " samples since midnight";
+}
+
+} // namespace
+
+std::string nameOf(Verdict verdict)
+{
+    constexpr std::array<const char *, 4> names{"right", "wrong", "refused", "broken"};
+    return names.at(static_cast<std::size_t>(verdict));
+}
+
+std::string textOfTruth(const Case &recording)
+{
+    if (!recording.truth)
+        return "no timecode";
+    const LtcSignal &signal = recording.truth->signal;
+    return textAt(testsignals::startTime(signal), signal.rate, recording.truth->channel,
+                  testsignals::samplesSinceMidnight(signal));
+}
+
+std::string textOf(const std::optional<Answer> &answer)
+{
+    return answer ? textAt(answer->start, answer->rate, answer->channel, answer->samplesSinceMidnight)
+                  : "nothing found";
+}
 
 bool isRight(const Truth &truth, const Answer &answer)
 {
@@ -61,6 +96,23 @@ std::string nameOf(LtcRate rate)
 LtcRate anyRate(Random &random)
 {
     return allRates()[static_cast<std::size_t>(random.integer(0, 5))];
+}
+
+bool isLabel(LtcTime label, LtcRate rate)
+{
+    const bool leftOut = rate.dropFrame && label.frames < 2 && label.seconds == 0 && label.minutes % 10 != 0;
+    return label.hours < 24 && label.minutes < 60 && label.seconds < 60 && label.frames < rate.base &&
+           !leftOut;
+}
+
+std::uint64_t numberFrom(const std::string &text)
+{
+    std::uint64_t number = 0;
+    const char *end = text.data() + text.size();
+    const auto [stopped, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || stopped != end)
+        throw std::invalid_argument("\"" + text + "\" is no number");
+    return number;
 }
 
 LtcSignal anySignal(Random &random, LtcRate rate)

@@ -46,12 +46,18 @@ enum class Verdict {
     Right,   ///< label, drop-frame flag and rate class are all right
     Wrong,   ///< one of them is not, or there was no timecode
     Refused, ///< no answer, which is right when there is no timecode
+    Broken,  ///< what the reader would print is no report, whatever it says
 };
+std::string nameOf(Verdict verdict);
 
 /// Whether the label of the first sample, the drop-frame flag and the rate class are those of \a truth.
 bool isRight(const Truth &truth, const Answer &answer);
 
 Verdict judge(const Case &recording, const std::optional<Answer> &answer);
+
+/// What \a recording holds and what a reader answered, in words.
+std::string textOfTruth(const Case &recording);
+std::string textOf(const std::optional<Answer> &answer);
 
 /// Whether the answer's rate class (23.976, 24, 25, 29.97, 30) is the timecode's; where the speed was
 /// changed, whether its base is.
@@ -64,6 +70,12 @@ double positionError(const Truth &truth, const Answer &answer);
 const std::vector<LtcRate> &allRates();
 std::string nameOf(LtcRate rate);
 LtcRate anyRate(Random &random);
+
+/// Whether \a label exists at \a rate.
+bool isLabel(LtcTime label, LtcRate rate);
+
+/// The number that \a text is. Throws std::invalid_argument where it is anything else, or too large.
+std::uint64_t numberFrom(const std::string &text);
 
 /// Three seconds at 48 kHz starting anywhere in the day and anywhere in a frame but near its middle, where
 /// the nearest label would hang on a sample; either polarity, any user bits in every second one, -20 to -3

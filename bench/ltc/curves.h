@@ -2,6 +2,7 @@
 #pragma once
 
 #include "bench/ltc/cases.h"
+#include "testkit/signals/impairments.h"
 
 #include <functional>
 #include <string>
@@ -20,19 +21,28 @@ struct Curve {
     std::function<Case(double grade, Random &random)> make;
 };
 
-std::vector<Curve> curvesOfNoise();     ///< noises, hum, speech, music, a radio channel
-std::vector<Curve> curvesOfSignals();   ///< level, clipping, gain control, filters, spikes, offset
-std::vector<Curve> curvesOfCodecs();    ///< through the real ffmpeg; only codecs whose encoder is there
-std::vector<Curve> curvesOfTransport(); ///< speed, wow, flutter, dropouts, late starts, jumps
-std::vector<Curve> curvesOfFormats(); ///< sample rates, sample sizes, channels, lengths, crosstalk, odd bits
-std::vector<Curve> curvesOfCombinations(); ///< several at once, as cameras and recorders make them
-
-/// All of them in the order above; made once, as the search for encoders takes its time.
+/// Noise, signals, codecs, transport, formats, combinations. Made once, as the search for encoders takes its
+/// time.
 const std::vector<Curve> &allCurves();
 
-/// What a wireless link does to timecode: narrow band, fading, noise that grows where the signal fades. \a
-/// grade 1 to 8.
-void wirelessLink(Samples &samples, int sampleRate, double grade, Random &random);
+/// Those about sample rates, sample sizes, channels, lengths, crosstalk and odd bits.
+std::vector<Curve> curvesOfFormats();
+
+// What disturbs timecode at 48 kHz; decibels are the timecode over what is added.
+
+void addWhite(Samples &samples, double decibels, Random &random);
+
+template <Samples (*make)(Random &random, std::size_t count, int sampleRate)>
+void add(Samples &samples, double decibels, Random &random)
+{
+    testsignals::addAtRatio(samples, make(random, samples.size(), 48000), decibels);
+}
+
+/// White noise; it and the timecode have passed the channel before their powers are compared.
+void addInRadioChannel(Samples &samples, double decibels, Random &random);
+
+/// A wireless link: narrow band, fading, noise that grows where the signal fades. \a grade 1 to 8.
+void wirelessLink(Samples &samples, double grade, Random &random);
 
 /// \a first, then one \a step after the other to \a last, both included.
 std::vector<double> gradesFrom(double first, double last, double step);

@@ -13,17 +13,23 @@ namespace ltcbench
 namespace
 {
 
-using testsignals::Transport;
+using namespace testsignals;
 
 /// The label \a count frames after midnight.
 SentFrame frameOf(std::int64_t count, const LtcSignal &signal)
 {
-    return {testsignals::timeOfFrame(count, signal.rate), signal.rate.dropFrame, signal.userBits};
+    return {timeOfFrame(count, signal.rate), signal.rate.dropFrame, signal.userBits};
 }
 
 std::int64_t startCount(const LtcSignal &signal)
 {
-    return testsignals::frameNumber(signal.start, signal.rate);
+    return frameNumber(signal.start, signal.rate);
+}
+
+/// The label \a index frames after the signal's start.
+SentFrame labelAt(std::int64_t index, const LtcSignal &signal)
+{
+    return frameOf(startCount(signal) + index, signal);
 }
 
 std::int64_t floorOf(std::int64_t value, std::int64_t divisor)
@@ -31,10 +37,28 @@ std::int64_t floorOf(std::int64_t value, std::int64_t divisor)
     return value >= 0 ? value / divisor : -((divisor - 1 - value) / divisor);
 }
 
+/// Labels that follow from the signal's own: another one in its place.
+template <typename Index>
+FrameAt counting(const LtcSignal &signal, Index indexOf)
+{
+    return [&signal, indexOf](std::int64_t index) { return labelAt(indexOf(index), signal); };
+}
+
+/// The signal's own labels after \a change.
+template <typename Change>
+FrameAt changed(const LtcSignal &signal, Change change)
+{
+    return [&signal, change](std::int64_t index) {
+        SentFrame frame = labelAt(index, signal);
+        change(frame, index);
+        return frame;
+    };
+}
+
 Samples soundOf(const LtcSignal &signal, const FrameAt &frameAt, const Transport &transport = {})
 {
-    return testsignals::biphaseMarkAudio(
-        signal, transport, [&](std::int64_t index) { return bitsOf(frameAt(index), signal.rate); });
+    return biphaseMarkAudio(signal, transport,
+                            [&](std::int64_t index) { return bitsOf(frameAt(index), signal.rate); });
 }
 
 std::vector<Stretch> stretchesIn(const LtcSignal &signal, const FrameAt &frameAt)
@@ -91,9 +115,8 @@ std::int64_t anyFrame(const LtcSignal &signal, Random &random)
 OddSignal labelsJump(const LtcSignal &signal, std::int64_t distance, Random &random)
 {
     const std::int64_t jump = anyFrame(signal, random);
-    return running(signal, [&](std::int64_t index) {
-        return frameOf(startCount(signal) + index + (index < jump ? 0 : distance), signal);
-    });
+    return running(
+        signal, counting(signal, [&](std::int64_t index) { return index + (index < jump ? 0 : distance); }));
 }
 
 /// Two recordings cut together, or the labels alone jump.
@@ -103,11 +126,11 @@ OddSignal jump(const LtcSignal &signal, std::int64_t distance, Random &random)
         return labelsJump(signal, distance, random);
     LtcSignal other = anySignal(random, signal.rate);
     other.duration = signal.duration;
-    other.start = testsignals::timeOfFrame(startCount(signal) + distance, signal.rate);
+    other.start = timeOfFrame(startCount(signal) + distance, signal.rate);
     other.level = signal.level;
     const double moment = anyMoment(signal, random);
     Samples samples = audioOf(signal, random);
-    testsignals::continueWith(samples, audioOf(other, random), signal.sampleRate, moment);
+    continueWith(samples, audioOf(other, random), signal.sampleRate, moment);
     const Stretch before{Truth{signal, 0, true}, wholeFrames(signal, 0.0, moment).count};
     const Stretch after{Truth{other, 0, true}, wholeFrames(other, moment, signal.duration).count};
     return {signal, std::move(samples), rightLines({before, after})};
@@ -124,9 +147,9 @@ OddSignal nowAndThen(const LtcSignal &signal, std::int64_t step, Random &random)
 {
     const int every = random.integer(8, 3 * signal.rate.base);
     const int phase = random.integer(0, every - 1);
-    return running(signal, [&](std::int64_t index) {
-        return frameOf(startCount(signal) + index + step * floorOf(index + phase, every), signal);
-    });
+    return running(signal, counting(signal, [&](std::int64_t index) {
+                       return index + step * floorOf(index + phase, every);
+                   }));
 }
 
 bool isNonDrop(LtcRate rate)
@@ -142,13 +165,12 @@ OddSignal otherCount(LtcSignal signal, Random &random)
         counted = anySignal(random, anyRate(random));
     while (counted.rate.base == signal.rate.base || counted.rate.dropFrame);
     counted.offset = signal.offset;
-    const FrameAt frameAt = [&](std::int64_t index) { return frameOf(startCount(counted) + index, counted); };
+    const FrameAt frameAt = counting(counted, [](std::int64_t index) { return index; });
     const std::vector<Stretch> stretches = stretchesIn(signal, frameAt);
     OddSignal result{signal, soundOf(signal, frameAt), rightLines(stretches)};
     // A machine that plays the counted rate at another speed sends the same.
     constexpr double fastest = 0.13;
-    const double speed =
-        testsignals::framesPerSecond(signal.rate) / testsignals::framesPerSecond(counted.rate);
+    const double speed = framesPerSecond(signal.rate) / framesPerSecond(counted.rate);
     if (std::abs(speed - 1.0) <= fastest) {
         if (stretches.size() > 1)
             result.right.clear();
@@ -161,9 +183,8 @@ OddSignal held(LtcSignal signal, Random &random)
 {
     const int times = random.integer(2, 3);
     const int phase = random.integer(0, times - 1);
-    return notRunning(signal, [&](std::int64_t index) {
-        return frameOf(startCount(signal) + floorOf(index + phase, times), signal);
-    });
+    return notRunning(signal,
+                      counting(signal, [&](std::int64_t index) { return floorOf(index + phase, times); }));
 }
 
 /// Eight decimal digits as user bits.
@@ -182,13 +203,11 @@ OddSignal userBitClock(LtcSignal signal, Random &random)
     const std::int64_t shift = random.integer(-3600, 3600) * signal.rate.base +
                                (sameFrame ? 0 : random.integer(1, signal.rate.base - 1));
     const bool withFrames = random.chance(0.3);
-    return running(signal, [&](std::int64_t index) {
-        SentFrame frame = frameOf(startCount(signal) + index, signal);
-        const LtcTime clock = testsignals::timeOfFrame(startCount(signal) + index + shift, signal.rate);
-        const std::int64_t seconds = (clock.hours * 100 + clock.minutes) * 100 + clock.seconds;
-        frame.userBits = digits(seconds * 100 + (withFrames ? clock.frames : 0));
-        return frame;
-    });
+    return running(signal, changed(signal, [&](SentFrame &frame, std::int64_t index) {
+                       const LtcTime clock = timeOfFrame(startCount(signal) + index + shift, signal.rate);
+                       const std::int64_t seconds = (clock.hours * 100 + clock.minutes) * 100 + clock.seconds;
+                       frame.userBits = digits(seconds * 100 + (withFrames ? clock.frames : 0));
+                   }));
 }
 
 /// A date in the user bits, which changes at the timecode's midnight or on any frame.
@@ -196,25 +215,21 @@ OddSignal userBitDate(LtcSignal signal, Random &random)
 {
     const std::int64_t change = anyFrame(signal, random);
     if (random.chance(0.5))
-        signal.start = testsignals::timeOfFrame(-change, signal.rate);
+        signal.start = timeOfFrame(-change, signal.rate);
     const int day = random.integer(1, 27);
     const int monthAndYear = random.integer(1, 12) * 10000 + random.integer(2000, 2030);
-    return running(signal, [&](std::int64_t index) {
-        SentFrame frame = frameOf(startCount(signal) + index, signal);
-        frame.userBits = digits((day + (index < change ? 0 : 1)) * 1'000'000 + monthAndYear);
-        return frame;
-    });
+    return running(signal, changed(signal, [&](SentFrame &frame, std::int64_t index) {
+                       frame.userBits = digits((day + (index < change ? 0 : 1)) * 1'000'000 + monthAndYear);
+                   }));
 }
 
 OddSignal randomUserBits(LtcSignal signal, Random &random)
 {
     const std::uint64_t seed = random.bits();
-    return running(signal, [&](std::int64_t index) {
-        SentFrame frame = frameOf(startCount(signal) + index, signal);
-        frame.userBits =
-            static_cast<std::uint32_t>(Random(seed + static_cast<std::uint64_t>(index) * 77).bits());
-        return frame;
-    });
+    return running(signal, changed(signal, [&](SentFrame &frame, std::int64_t index) {
+                       frame.userBits = static_cast<std::uint32_t>(
+                           Random(seed + static_cast<std::uint64_t>(index) * 77).bits());
+                   }));
 }
 
 OddSignal illegalLabels(LtcSignal signal, Random &random)
@@ -224,19 +239,17 @@ OddSignal illegalLabels(LtcSignal signal, Random &random)
     constexpr int unitsAt[]{16, 32, 48}; // seconds, minutes, hours
     const int badDigitAt = unitsAt[random.integer(0, 2)];
     const int badDigit = random.integer(10, 15);
-    return notRunning(signal, [&](std::int64_t index) {
-        SentFrame frame = frameOf(startCount(signal) + index, signal);
-        LtcTime &label = frame.label;
-        label.hours = kind == Hours ? 24 + label.hours % 16 : label.hours;
-        label.minutes = kind == Minutes ? 60 + label.minutes % 20 : label.minutes;
-        label.seconds = kind == Seconds ? 60 + label.seconds % 20 : label.seconds;
-        label.frames = kind == Frames ? 30 + label.frames % 10 : label.frames;
-        if (kind == Digit) {
-            frame.badDigitAt = badDigitAt;
-            frame.badDigit = badDigit;
-        }
-        return frame;
-    });
+    return notRunning(signal, changed(signal, [&](SentFrame &frame, std::int64_t) {
+                          LtcTime &label = frame.label;
+                          label.hours = kind == Hours ? 24 + label.hours % 16 : label.hours;
+                          label.minutes = kind == Minutes ? 60 + label.minutes % 20 : label.minutes;
+                          label.seconds = kind == Seconds ? 60 + label.seconds % 20 : label.seconds;
+                          label.frames = kind == Frames ? 30 + label.frames % 10 : label.frames;
+                          if (kind == Digit) {
+                              frame.badDigitAt = badDigitAt;
+                              frame.badDigit = badDigit;
+                          }
+                      }));
 }
 
 bool hasNoDropCount(LtcRate rate)
@@ -254,18 +267,14 @@ bool isNonDrop2997(LtcRate rate)
 OddSignal flagOverAMinute(LtcSignal signal, Random &random)
 {
     const LtcTime minute{random.integer(0, 23), 10 * random.integer(0, 5) + random.integer(1, 9), 0, 0};
-    signal.start = testsignals::timeOfFrame(
-        testsignals::frameNumber(minute, signal.rate) - anyFrame(signal, random), signal.rate);
-    OddSignal result = inOrder(signal, soundOf(signal, [&](std::int64_t index) {
-                                   SentFrame frame = frameOf(startCount(signal) + index, signal);
-                                   frame.dropFlag = true;
-                                   return frame;
-                               }));
+    signal.start = timeOfFrame(frameNumber(minute, signal.rate) - anyFrame(signal, random), signal.rate);
+    const auto setFlag = [](SentFrame &frame, std::int64_t) { frame.dropFlag = true; };
+    OddSignal result = inOrder(signal, soundOf(signal, changed(signal, setFlag)));
     LtcSignal asFlagged = signal;
     asFlagged.rate.dropFrame = true;
-    if (isLabel(testsignals::startTime(signal), asFlagged.rate)) {
-        asFlagged.start = testsignals::startTime(signal);
-        asFlagged.offset = std::remainder(testsignals::startFrame(signal), 1.0);
+    if (isLabel(startTime(signal), asFlagged.rate)) {
+        asFlagged.start = startTime(signal);
+        asFlagged.offset = std::remainder(startFrame(signal), 1.0);
         result.right.push_back({asFlagged, 0, true});
     }
     return result;
@@ -273,17 +282,13 @@ OddSignal flagOverAMinute(LtcSignal signal, Random &random)
 
 OddSignal atSpeed(const LtcSignal &signal, double speed)
 {
-    Transport transport;
-    transport.deviation = speed - 1.0;
-    return {signal, testsignals::biphaseMarkAudio(signal, transport), {}};
+    return {signal, biphaseMarkAudio(signal, Transport{.deviation = speed - 1.0}), {}};
 }
 
 /// 48, 50 or 60 frames a second, counted through or in pairs.
 OddSignal highFrameRate(LtcSignal signal, Random &random)
 {
     const bool pairs = random.chance(0.5);
-    Transport transport;
-    transport.deviation = 1.0;
     const std::int64_t fullRate = std::int64_t{2} * signal.rate.base;
     const FrameAt frameAt = [&](std::int64_t index) {
         const std::int64_t count = 2 * startCount(signal) + index + fullRate;
@@ -296,7 +301,7 @@ OddSignal highFrameRate(LtcSignal signal, Random &random)
         }
         return frame;
     };
-    return {signal, soundOf(signal, frameAt, transport), {}};
+    return {signal, soundOf(signal, frameAt, {.deviation = 1.0}), {}};
 }
 
 OddSignal twoTimecodes(LtcSignal signal, Random &random)
@@ -304,7 +309,7 @@ OddSignal twoTimecodes(LtcSignal signal, Random &random)
     LtcSignal other = anySignal(random, random.chance(0.7) ? signal.rate : anyRate(random));
     other.duration = signal.duration;
     OddSignal result = ordinary(signal, random);
-    testsignals::addAtRatio(result.samples, audioOf(other, random), random.uniform(0, 6));
+    addAtRatio(result.samples, audioOf(other, random), random.uniform(0, 6));
     result.right.push_back({other, 0, true});
     return result;
 }
@@ -320,43 +325,40 @@ OddSignal polarityFlip(LtcSignal signal, Random &random)
 
 OddSignal wow(LtcSignal signal, Random &random)
 {
-    Transport transport;
-    transport.wowDepth = random.uniform(0.001, 0.01);
-    transport.wowFrequency = random.uniform(0.5, 2.0);
+    const Transport transport{.wowDepth = random.uniform(0.001, 0.01),
+                              .wowFrequency = random.uniform(0.5, 2.0)};
     // The first sample's place is known to a tenth of a frame where the speed changes.
     signal.offset *= 0.75;
-    return inOrder(signal, testsignals::biphaseMarkAudio(signal, transport), false);
+    return inOrder(signal, biphaseMarkAudio(signal, transport), false);
 }
 
 OddSignal dropouts(LtcSignal signal, Random &random)
 {
     OddSignal result = ordinary(signal, random);
-    testsignals::dropOut(result.samples, random, signal.sampleRate, random.uniform(0.05, 0.6));
+    dropOut(result.samples, random, signal.sampleRate, random.uniform(0.05, 0.6));
     return result;
 }
 
 /// Neither class of a base rate is near enough to distinguish it from the other.
 OddSignal clockOff(LtcSignal signal, Random &random)
 {
-    Transport transport;
-    transport.deviation = random.uniform(400e-6, 600e-6) * (random.chance(0.5) ? 1 : -1);
-    return inOrder(signal, testsignals::biphaseMarkAudio(signal, transport), false);
+    const Transport transport{.deviation = random.uniform(400e-6, 600e-6) * (random.chance(0.5) ? 1 : -1)};
+    return inOrder(signal, biphaseMarkAudio(signal, transport), false);
 }
 
 /// The file names a sample rate 0.1 % off, as when sound is pulled up or down.
 OddSignal wrongSampleRate(LtcSignal signal, Random &random)
 {
-    Transport transport;
-    transport.deviation = random.chance(0.5) ? 1.001 - 1.0 : 1 / 1.001 - 1.0;
-    return inOrder(signal, testsignals::biphaseMarkAudio(signal, transport), false);
+    const Transport transport{.deviation = random.chance(0.5) ? 1.001 - 1.0 : 1 / 1.001 - 1.0};
+    return inOrder(signal, biphaseMarkAudio(signal, transport), false);
 }
 
 OddSignal programme(LtcSignal signal, Random &random)
 {
-    const auto &sounds = testsignals::otherSounds();
+    const auto &sounds = otherSounds();
     const auto &sound =
         sounds[static_cast<std::size_t>(random.integer(0, static_cast<int>(sounds.size()) - 1))];
-    return {signal, sound.make(random, testsignals::sampleCount(signal), signal.sampleRate), {}};
+    return {signal, sound.make(random, sampleCount(signal), signal.sampleRate), {}};
 }
 
 } // namespace
@@ -374,7 +376,7 @@ const std::vector<Behaviour> &allBehaviours()
         {"ordinary", 3, itsLine, ordinary},
         {"jump anywhere", 1, firstLine,
          [](LtcSignal signal, Random &random) {
-             const auto day = static_cast<double>(testsignals::framesPerDay(signal.rate));
+             const auto day = static_cast<double>(framesPerDay(signal.rate));
              return jump(signal, static_cast<std::int64_t>(random.uniform(0.001, 0.999) * day), random);
          }},
         {"jump forwards", 1, firstLine,
@@ -383,7 +385,7 @@ const std::vector<Behaviour> &allBehaviours()
          [](LtcSignal signal, Random &random) { return jump(signal, -anyDistance(signal, random), random); }},
         {"jump by an hour", 1, firstLine,
          [](LtcSignal signal, Random &random) {
-             const std::int64_t hour = testsignals::framesPerDay(signal.rate) / 24;
+             const std::int64_t hour = framesPerDay(signal.rate) / 24;
              return jump(signal, random.chance(0.5) ? hour : -hour, random);
          }},
         {"jump by a frame", 1, firstLine,
@@ -403,12 +405,11 @@ const std::vector<Behaviour> &allBehaviours()
         {"held", 1, noLine, held},
         {"frozen", 1, noLine,
          [](LtcSignal signal, Random &) {
-             return notRunning(signal, [&](std::int64_t) { return frameOf(startCount(signal), signal); });
+             return notRunning(signal, [&](std::int64_t) { return labelAt(0, signal); });
          }},
         {"counting down", 1, noLine,
          [](LtcSignal signal, Random &) {
-             return notRunning(
-                 signal, [&](std::int64_t index) { return frameOf(startCount(signal) - index, signal); });
+             return notRunning(signal, [&](std::int64_t index) { return labelAt(-index, signal); });
          }},
         {"paused, then running", 1,
          "nothing; where fewer than two whole frames are before the running line, the first label or that "
@@ -416,15 +417,14 @@ const std::vector<Behaviour> &allBehaviours()
          [](LtcSignal signal, Random &random) {
              const std::int64_t change = anyFrame(signal, random);
              return withPause(signal, [&](std::int64_t index) {
-                 return frameOf(startCount(signal) + std::max<std::int64_t>(0, index - change), signal);
+                 return labelAt(std::max<std::int64_t>(0, index - change), signal);
              });
          }},
         {"running, then paused", 1, firstLine,
          [](LtcSignal signal, Random &random) {
              const std::int64_t change = anyFrame(signal, random);
-             return withPause(signal, [&](std::int64_t index) {
-                 return frameOf(startCount(signal) + std::min(index, change), signal);
-             });
+             return withPause(signal,
+                              [&](std::int64_t index) { return labelAt(std::min(index, change), signal); });
          }},
         {"clock in user bits", 1, itsLine, userBitClock},
         {"date in user bits", 1, itsLine, userBitDate},
@@ -432,11 +432,8 @@ const std::vector<Behaviour> &allBehaviours()
         {"illegal labels", 1, noLine, illegalLabels},
         {"flag at a rate without drop-frame", 1, "its line without drop-frame",
          [](LtcSignal signal, Random &) {
-             return running(signal, [&](std::int64_t index) {
-                 SentFrame frame = frameOf(startCount(signal) + index, signal);
-                 frame.dropFlag = true;
-                 return frame;
-             });
+             return running(signal,
+                            changed(signal, [&](SentFrame &frame, std::int64_t) { frame.dropFlag = true; }));
          },
          hasNoDropCount},
         {"flag with non-drop count", 1,
@@ -454,14 +451,13 @@ const std::vector<Behaviour> &allBehaviours()
         {"starts late", 1, itsLine,
          [](LtcSignal signal, Random &random) {
              OddSignal result = ordinary(signal, random);
-             testsignals::keepOnly(result.samples, signal.sampleRate, anyMoment(signal, random),
-                                   signal.duration);
+             keepOnly(result.samples, signal.sampleRate, anyMoment(signal, random), signal.duration);
              return result;
          }},
         {"ends early", 1, itsLine,
          [](LtcSignal signal, Random &random) {
              OddSignal result = ordinary(signal, random);
-             testsignals::keepOnly(result.samples, signal.sampleRate, 0.0, anyMoment(signal, random));
+             keepOnly(result.samples, signal.sampleRate, 0.0, anyMoment(signal, random));
              return result;
          }},
         {"programme sound", 2, "nothing", programme, nullptr, false},

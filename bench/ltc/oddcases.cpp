@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "bench/ltc/oddcases.h"
 
-#include "bench/ltc/figures.h"
 #include "testkit/signals/impairments.h"
 
 #include <array>
@@ -114,8 +113,7 @@ Draw drawNamed(const std::string &name)
     const std::size_t slash = rest.find('/');
     if (slash == std::string::npos)
         throw std::invalid_argument("\"" + name + "\" is no name of a recording");
-    return drawOf(kind, numberFrom<std::uint64_t>(rest.substr(0, slash)),
-                  numberFrom<std::uint64_t>(rest.substr(slash + 1)));
+    return drawOf(kind, numberFrom(rest.substr(0, slash)), numberFrom(rest.substr(slash + 1)));
 }
 
 OddCase caseOf(Draw draw)
@@ -124,7 +122,7 @@ OddCase caseOf(Draw draw)
     signal.duration = draw.seconds;
     OddSignal odd = draw.behaviour->make(signal, draw.random);
     if (draw.disturbance->apply)
-        draw.disturbance->apply(odd.samples, odd.signal.sampleRate, draw.value, draw.random);
+        draw.disturbance->apply(odd.samples, draw.value, draw.random);
     OddCase result{
         monoCase(odd.signal, std::move(odd.samples), draw.random, draw.disturbance->apply ? fineBits : 16),
         std::move(odd.right)};

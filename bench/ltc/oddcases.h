@@ -39,10 +39,9 @@ struct Disturbance {
     double easyBy = 0.0;          ///< added to it in recordings that are easily read
     double beyondBy = 0.0;        ///< added to it in recordings that are out of reach
     double step = 0.0;            ///< each value varies by so much to both sides, twice as much in Kind::Edge
-    void (*apply)(Samples &samples, int sampleRate, double value,
-                  Random &random) = nullptr; ///< null = nothing
-    int weight = 1;                          ///< how often it is drawn in Kind::Odd
-    int edgeWeight = 0;                      ///< and in Kind::Edge
+    void (*apply)(Samples &samples, double value, Random &random) = nullptr; ///< at 48 kHz; null = nothing
+    int weight = 1;     ///< how often it is drawn in Kind::Odd
+    int edgeWeight = 0; ///< and in Kind::Edge
 };
 
 /// The first is none.

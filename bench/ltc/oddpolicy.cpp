@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "bench/ltc/oddpolicy.h"
 
-#include "bench/ltc/figures.h"
-
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -15,14 +13,15 @@ namespace ltcbench
 namespace
 {
 
+using namespace testsignals;
+
 constexpr int framesOfALine = 2; // a line runs from one frame to the next
 
 /// The line of \a signal by which frame number \a index says what \a frame says.
 Truth lineOf(LtcSignal signal, const SentFrame &frame, std::int64_t index)
 {
     signal.rate.dropFrame = signal.rate.base == 30 && signal.rate.ntsc && frame.dropFlag;
-    signal.start =
-        testsignals::timeOfFrame(testsignals::frameNumber(frame.label, signal.rate) - index, signal.rate);
+    signal.start = timeOfFrame(frameNumber(frame.label, signal.rate) - index, signal.rate);
     return {signal, 0, true};
 }
 
@@ -33,30 +32,23 @@ bool isLegal(const SentFrame &frame, LtcRate rate)
 
 } // namespace
 
-std::bitset<testsignals::bitsPerFrame> bitsOf(const SentFrame &frame, LtcRate rate)
+std::bitset<bitsPerFrame> bitsOf(const SentFrame &frame, LtcRate rate)
 {
     rate.dropFrame = frame.dropFlag;
-    auto bits = testsignals::frameBits(frame.label, rate, frame.userBits);
+    auto bits = frameBits(frame.label, rate, frame.userBits);
     if (frame.badDigitAt >= 0) {
         for (std::size_t bit = 0; bit < 4; ++bit)
             bits[static_cast<std::size_t>(frame.badDigitAt) + bit] = ((frame.badDigit >> bit) & 1) != 0;
         if (bits.count() % 2 == 1)
-            bits.flip(testsignals::phaseCorrectionBit(rate));
+            bits.flip(phaseCorrectionBit(rate));
     }
     return bits;
-}
-
-bool isLabel(LtcTime label, LtcRate rate)
-{
-    const bool leftOut = rate.dropFrame && label.frames < 2 && label.seconds == 0 && label.minutes % 10 != 0;
-    return label.hours < 24 && label.minutes < 60 && label.seconds < 60 && label.frames < rate.base &&
-           !leftOut;
 }
 
 WholeFrames wholeFrames(const LtcSignal &signal, double begin, double end)
 {
     constexpr double rounding = 1e-9;
-    const double rate = testsignals::framesPerSecond(signal.rate);
+    const double rate = framesPerSecond(signal.rate);
     const auto first = static_cast<std::int64_t>(std::ceil(begin * rate + signal.offset - rounding));
     const auto last = static_cast<std::int64_t>(std::floor(end * rate + signal.offset + rounding));
     return {first, static_cast<int>(std::max<std::int64_t>(0, last - first))};
@@ -76,12 +68,12 @@ std::vector<Stretch> stretchesOf(const LtcSignal &signal, const FrameAt &frameAt
             expected = -1;
             continue;
         }
-        const std::int64_t count = testsignals::frameNumber(frame.label, rate);
+        const std::int64_t count = frameNumber(frame.label, rate);
         if (count == expected && frame.dropFlag == expectedFlag)
             ++stretches.back().frames;
         else
             stretches.push_back({lineOf(signal, frame, index), 1});
-        expected = (count + 1) % testsignals::framesPerDay(rate);
+        expected = (count + 1) % framesPerDay(rate);
         expectedFlag = frame.dropFlag;
     }
     return stretches;
@@ -110,33 +102,17 @@ std::vector<Truth> onlyLine(const std::vector<Stretch> &stretches)
     return {*stretches.front().line};
 }
 
-std::string nameOf(OddVerdict verdict)
-{
-    switch (verdict) {
-    case OddVerdict::Right:
-        return "right";
-    case OddVerdict::Refused:
-        return "refused";
-    case OddVerdict::Wrong:
-        return "wrong";
-    case OddVerdict::Broken:
-        break;
-    }
-    return "broken";
-}
-
-OddVerdict judge(const std::vector<Truth> &right, const std::optional<Answer> &answer,
-                 const std::string &fault)
+Verdict judge(const std::vector<Truth> &right, const std::optional<Answer> &answer, const std::string &fault)
 {
     if (!answer)
-        return OddVerdict::Refused;
+        return Verdict::Refused;
     if (!fault.empty())
-        return OddVerdict::Broken;
+        return Verdict::Broken;
     for (const Truth &line : right) {
         if (isRight(line, *answer))
-            return OddVerdict::Right;
+            return Verdict::Right;
     }
-    return OddVerdict::Wrong;
+    return Verdict::Wrong;
 }
 
 std::string faultIn(const std::string &report, int sampleRate)
@@ -153,14 +129,13 @@ std::string faultIn(const std::string &report, int sampleRate)
     const LtcRate rate{object["FrameRateBaseFound"].toInt(), object["NTSC"].toBool(),
                        object["DropFrame"].toBool()};
     const double samples = object["SamplesSinceMidnight"].toDouble(-1.0);
-    const double day =
-        static_cast<double>(testsignals::framesPerDay(rate)) * testsignals::samplesPerFrame(rate, sampleRate);
+    const double day = static_cast<double>(framesPerDay(rate)) * samplesPerFrame(rate, sampleRate);
     if (!(samples >= 0.0 && samples < day))
-        return "samples outside the day: " + format("%.0f", samples);
+        return "samples outside the day: " + std::to_string(samples);
     const double measured = object["MeasuredFrameRate"].toDouble();
     constexpr double tolerated = 0.15;
-    if (!(std::abs(measured / testsignals::framesPerSecond(rate) - 1.0) <= tolerated))
-        return "measured " + format("%.5g", measured) + " frames/s";
+    if (!(std::abs(measured / framesPerSecond(rate) - 1.0) <= tolerated))
+        return "measured " + std::to_string(measured) + " frames/s";
     return {};
 }
 

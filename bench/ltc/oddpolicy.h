@@ -30,9 +30,6 @@ using FrameAt = std::function<SentFrame(std::int64_t index)>;
 /// The 80 bits of \a frame, parity included.
 std::bitset<testsignals::bitsPerFrame> bitsOf(const SentFrame &frame, LtcRate rate);
 
-/// Whether \a label exists at \a rate.
-bool isLabel(LtcTime label, LtcRate rate);
-
 /// Frames that lie whole in a part of a recording, by their index after the signal's `start`.
 struct WholeFrames {
     std::int64_t first = 0;
@@ -60,12 +57,8 @@ std::vector<Truth> rightLines(const std::vector<Stretch> &stretches);
 /// count up like ordinary timecode.
 std::vector<Truth> onlyLine(const std::vector<Stretch> &stretches);
 
-enum class OddVerdict { Right, Refused, Wrong, Broken };
-std::string nameOf(OddVerdict verdict);
-
 /// \a fault says what is broken in the printed report, see faultIn(); empty where nothing is.
-OddVerdict judge(const std::vector<Truth> &right, const std::optional<Answer> &answer,
-                 const std::string &fault);
+Verdict judge(const std::vector<Truth> &right, const std::optional<Answer> &answer, const std::string &fault);
 
 /// What is broken in \a report as printed for a recording at \a sampleRate [Hz]: it is no JSON object, lacks
 /// a key, holds a number that is not finite, samples outside the day or a measured frame rate more than 15 %

@@ -1,50 +1,31 @@
 // SPDX-License-Identifier: MIT
 #include "bench/realtools/mediafolder.h"
 
-#include "bench/support/benchmarkprogram.h"
+#include "bench/support/program.h"
 #include "testkit/media/mediamaker.h"
 
 #include <QDir>
 #include <QFileInfo>
 
 #include <filesystem>
-#include <utility>
 
 namespace bench
 {
 
-namespace
-{
-
-constexpr double seconds = 5.0;
-
-mediakit::Channel timecode()
-{
-    testsignals::LtcTime start;
-    start.hours = 10;
-    return mediakit::timecodeChannel(start, testsignals::LtcRate{});
-}
-
-mediakit::Channel tone()
-{
-    constexpr double frequency = 440.0; // [Hz]
-    return mediakit::toneChannel(frequency);
-}
-
-} // namespace
-
 MediaFolder::MediaFolder()
 {
-    const mediakit::Track eight{tone(), tone(), tone(), tone(), tone(), tone(), tone(), timecode()};
-    QVector<mediakit::Recording> recordings{
-        mediakit::soundFile("mono.wav", {timecode()}, seconds),
-        mediakit::soundFile("eight.wav", eight, seconds),
-        mediakit::movie("camera.mov", "25", "pcm_s16le", {{tone(), timecode()}}),
-        mediakit::movie("camera.mxf", "25", "pcm_s16le", {{tone()}, {tone()}, {tone()}, {timecode()}})};
+    constexpr double seconds = 5.0;
+    const mediakit::Channel tone = mediakit::toneChannel(440.0);
+    const mediakit::Channel timecode = mediakit::timecodeChannel({10, 0, 0, 0}, {});
+    const QVector<mediakit::Recording> recordings{
+        mediakit::soundFile("mono.wav", {timecode}, seconds),
+        mediakit::soundFile("eight.wav", {tone, tone, tone, tone, tone, tone, tone, timecode}, seconds),
+        mediakit::movie("camera.mov", "25", "pcm_s16le", {{tone, timecode}}),
+        mediakit::movie("camera.mxf", "25", "pcm_s16le", {{tone}, {tone}, {tone}, {timecode}})};
     const QString problem = mediakit::makeAll(recordings, root.path());
     if (!problem.isEmpty())
         throw Failure(problem);
-    for (const mediakit::Recording &recording : std::as_const(recordings))
+    for (const mediakit::Recording &recording : recordings)
         originals += recording.path;
 }
 

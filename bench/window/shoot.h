@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/records/filedata.h"
-
 #include <QDateTime>
 #include <QJsonObject>
 #include <QString>
@@ -11,39 +9,27 @@ namespace bench
 {
 
 /// The files of a made-up shoot and what the tools would say about them, by row.
-class Shoot
-{
-public:
+struct Shoot {
     enum Kind {
         Ordinary,  ///< camera and sound files in turn, each with a time and a timecode of its own
         OneMoment, ///< sound files of one modification time, lengths a few samples apart: all siblings
         KindCount
     };
 
-    explicit Shoot(Kind kind) : kind(kind) {}
+    Kind kind;
 
-    static QString nameOf(Kind kind);
-
+    QString name() const;
     QString fileName(int row) const;
     QDateTime modified(int row) const;
 
     /// What the probe tool prints about the file.
-    QByteArray probeText(int row) const;
-
-    /// The record that the controller makes of it.
-    FileData probed(int row) const;
+    QJsonObject probe(int row) const;
 
     /// Whether the reader finds a timecode: in every file of an ordinary shoot, else in every second.
     bool hasTimecode(int row) const;
 
     /// What the reader prints about the file; empty without a timecode.
     QJsonObject readerResult(int row) const;
-
-private:
-    bool isSound(int row) const;
-    double duration(int row) const;
-
-    Kind kind;
 };
 
 } // namespace bench

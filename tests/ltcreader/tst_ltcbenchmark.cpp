@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "bench/ltc/measurement.h"
 #include "bench/ltc/readers.h"
-#include "bench/ltc/report.h"
+#include "bench/ltc/recordings.h"
 
 #include <QTest>
 
@@ -85,11 +84,12 @@ const Curve &curveNamed(const std::string &name)
     throw std::invalid_argument(name);
 }
 
-/// How to see a failed recording again.
-QString reproduction(const std::string &name)
+/// What was read of a failed recording, and how to see it again.
+QString reproduction(const std::string &name, const Case &recording, const std::optional<Answer> &answer)
 {
-    return QString(" (ltc-benchmark --seed %1 --case \"%2\")")
-        .arg(QString::number(seed), QString::fromStdString(name));
+    return QString("there %1, answered %2 (ltc-benchmark --seed %3 --case \"%4\")")
+        .arg(QString::fromStdString(textOfTruth(recording)), QString::fromStdString(textOf(answer)),
+             QString::number(seed), QString::fromStdString(name));
 }
 
 } // namespace
@@ -135,7 +135,7 @@ void TestLtcBenchmark::cleanTimecodeIsReadToTheSample()
         const Case recording = monoCase(signal, audioOf(signal, random), random);
         const std::optional<Answer> answer = readWithOurs(recording);
         QVERIFY2(judge(recording, answer) == Verdict::Right,
-                 (textOfTruth(recording) + "\n" + textOf(Reader::Ours, recording, answer)).c_str());
+                 (textOfTruth(recording) + "\n" + textOf(answer)).c_str());
         const double error = positionError(*recording.truth, *answer);
         QVERIFY2(duration < 1.0 || error <= 3.0, qPrintable(QString("%1 samples").arg(error)));
     }
@@ -164,12 +164,9 @@ void TestLtcBenchmark::impairedTimecodeIsReadOrRefusedButNeverWrong()
     for (std::size_t grade = first; grade < end; ++grade) {
         const Case recording = recordingOf(curve, seed, grade, 0);
         const std::optional<Answer> answer = readWithOurs(recording);
-        const std::string name = nameOfRecording(curve.name, grade, 0);
-        QVERIFY2(
-            judge(recording, answer) != Verdict::Wrong,
-            qPrintable(QString::fromStdString(textOfWrong(name, recording, *answer)) + reproduction(name)));
-        QVERIFY2(answer || grade > demandedGrade || demanded == readUpTo().end(),
-                 qPrintable(QString("grade %1 was not read").arg(curve.grades[grade]) + reproduction(name)));
+        const QString failure = reproduction(nameOfRecording(curve, grade, 0), recording, answer);
+        QVERIFY2(judge(recording, answer) != Verdict::Wrong, qPrintable(failure));
+        QVERIFY2(answer || grade > demandedGrade || demanded == readUpTo().end(), qPrintable(failure));
     }
 }
 
@@ -183,8 +180,8 @@ void TestLtcBenchmark::everyDemandedGradeIsMeasured()
 
 void TestLtcBenchmark::recordingsAreFoundByTheirName()
 {
-    QVERIFY(recordingNamed(nameOfRecording("clean", 1, 0), seed));
-    QVERIFY(recordingNamed(nameOfRecording("silence", 0, 3), seed));
+    QVERIFY(recordingNamed(nameOfRecording(curveNamed("clean"), 1, 0), seed));
+    QVERIFY(recordingNamed(nameOfRecording(allSounds().front(), 0, 3), seed));
     QVERIFY(!recordingNamed("clean/6/0", seed));
     QVERIFY(!recordingNamed("clean", seed));
     QVERIFY(!recordingNamed("unheard of/0/0", seed));
@@ -194,23 +191,19 @@ void TestLtcBenchmark::recordingsAreFoundByTheirName()
 
 void TestLtcBenchmark::noTimecodeIsInvented_data()
 {
-    QTest::addColumn<int>("sound");
-    for (std::size_t sound = 0; sound < testsignals::otherSounds().size(); ++sound)
-        QTest::newRow(testsignals::otherSounds()[sound].name.c_str()) << static_cast<int>(sound);
+    QTest::addColumn<Curve>("sound");
+    for (const Curve &sound : allSounds())
+        QTest::newRow(sound.name.c_str()) << sound;
 }
 
 void TestLtcBenchmark::noTimecodeIsInvented()
 {
-    QFETCH(int, sound);
-    const testsignals::OtherSound &kind = testsignals::otherSounds()[static_cast<std::size_t>(sound)];
-    constexpr int files = 6;
-    for (int file = 0; file < files; ++file) {
-        const Case recording = recordingOf(kind, seed, file);
+    QFETCH(Curve, sound);
+    constexpr std::uint64_t files = 6;
+    for (std::uint64_t file = 0; file < files; ++file) {
+        const Case recording = recordingOf(sound, seed, 0, file);
         const std::optional<Answer> answer = readWithOurs(recording);
-        const std::string name = nameOfRecording(kind.name, 0, file);
-        QVERIFY2(!answer, answer ? qPrintable(QString::fromStdString(textOfWrong(name, recording, *answer)) +
-                                              reproduction(name))
-                                 : "");
+        QVERIFY2(!answer, qPrintable(reproduction(nameOfRecording(sound, 0, file), recording, answer)));
     }
 }
 
