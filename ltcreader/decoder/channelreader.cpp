@@ -46,7 +46,7 @@ std::optional<Finding> ChannelReader::follow(std::size_t from)
     const std::vector<float> &samples = window.channel(channel);
     edges.process(samples.data() + from, samples.size() - from);
     const EdgeReading reading = readingOf(edges, firstTried(algorithm));
-    if (!reading.track || !isSure(*reading.track) || doubtAbout(reading) != Doubt::None)
+    if (!reading.track || !isSure(*reading.track) || doubtAbout(reading, {reading}) != Doubt::None)
         return std::nullopt;
     return toFinding(*reading.track, reading.algorithm, channel, window);
 }
@@ -68,10 +68,13 @@ std::vector<ChannelReader::EdgeReading> ChannelReader::readings() const
     return all;
 }
 
-Doubt ChannelReader::doubtAbout(const EdgeReading &reading) const
+Doubt ChannelReader::doubtAbout(const EdgeReading &reading, const std::vector<EdgeReading> &all) const
 {
     const LabelTrack &track = *reading.track;
-    if (isContradictedBefore(track, reading.frames))
+    const bool contradicted = std::any_of(all.begin(), all.end(), [&track](const EdgeReading &other) {
+        return isContradicted(track, other.frames);
+    });
+    if (contradicted)
         return Doubt::Jump;
     if (carriesFalseFlag(track, reading.frames))
         return Doubt::FalseFlag;
@@ -81,9 +84,9 @@ Doubt ChannelReader::doubtAbout(const EdgeReading &reading) const
     return doubtAboutTrack(track, window.channel(channel), window.sampleRate());
 }
 
-ChannelOutcome ChannelReader::outcomeOf(const EdgeReading &reading) const
+ChannelOutcome ChannelReader::outcomeOf(const EdgeReading &reading, const std::vector<EdgeReading> &all) const
 {
-    return {toFinding(*reading.track, reading.algorithm, channel, window), doubtAbout(reading)};
+    return {toFinding(*reading.track, reading.algorithm, channel, window), doubtAbout(reading, all)};
 }
 
 bool ChannelReader::standsAlone(const LabelTrack &track) const
@@ -115,7 +118,7 @@ ChannelOutcome ChannelReader::readThoroughly() const
             return (a.track ? a.track->frames : 0) < (b.track ? b.track->frames : 0);
         });
     if (longest->track && isClear(*longest->track) && standsAlone(*longest->track))
-        return outcomeOf(*longest);
+        return outcomeOf(*longest, all);
     // Labels that were read and do not count up are the truth, even if a sum over all frames says otherwise.
     for (const EdgeReading &reading : all) {
         const Doubt labels = doubtAboutLabels(reading.frames);
@@ -124,7 +127,7 @@ ChannelOutcome ChannelReader::readThoroughly() const
     }
     std::optional<ChannelOutcome> byEdges;
     if (longest->track && isBelievable(*longest->track))
-        byEdges = outcomeOf(*longest);
+        byEdges = outcomeOf(*longest, all);
     // Spikes are what recordings with a steep high-pass filter consist of; summing reads them where slopes
     // cannot.
     if (algorithm != Algorithm::Automatic && algorithm != Algorithm::Slope)

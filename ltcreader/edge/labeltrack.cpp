@@ -28,6 +28,7 @@ constexpr std::size_t shortestTrack = 3; // [frames] fewer could agree by chance
 constexpr std::size_t longTrack = 6;     // [frames] enough without any other sign
 constexpr double clearBit = 0.2;         // [bits] half a bit and a whole one differ by 0.25 from their middle
 constexpr int toleratedBefore = 1;       // [frames] misread while the slicer finds the level
+constexpr int toleratedWithin = 1;       // [frames] misread in a long track
 constexpr int tellingPairs = 5;          // of clean neighbouring frames: their labels show how they move
 
 struct Member {
@@ -302,18 +303,24 @@ bool carriesFalseFlag(const LabelTrack &track, const std::vector<Frame> &frames)
            });
 }
 
-bool isContradictedBefore(const LabelTrack &track, const std::vector<Frame> &frames)
+bool isContradicted(const LabelTrack &track, const std::vector<Frame> &frames)
 {
     const std::int64_t day = framesPerDay(track.rate);
-    const auto contradicting = std::count_if(frames.begin(), frames.end(), [&](const Frame &frame) {
-        if (!isClear(frame) || frame.start >= track.first)
-            return false;
+    const auto isOnLine = [&](const Frame &frame) {
         const auto label = labelOf(frame.bits);
         const double count = track.startCount + frame.start / track.frameLength;
-        return !label || !isLabel(*label, track.rate) ||
-               (frameCount(*label, track.rate) - std::llround(count)) % day != 0;
-    });
-    return contradicting > toleratedBefore;
+        return label && isLabel(*label, track.rate) &&
+               (frameCount(*label, track.rate) - std::llround(count)) % day == 0;
+    };
+    const double half = 0.5 * track.frameLength;
+    int before = 0;
+    int within = 0;
+    for (const Frame &frame : frames) {
+        if (isClear(frame) && frame.start < track.last - half && !isOnLine(frame))
+            ++(frame.start < track.first - half ? before : within);
+    }
+    const bool isShort = track.frames < static_cast<int>(longTrack);
+    return before > toleratedBefore || within > (isShort ? 0 : toleratedWithin);
 }
 
 } // namespace ltcreader

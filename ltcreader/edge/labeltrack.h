@@ -37,8 +37,8 @@ Doubt doubtAboutLabels(const std::vector<Frame> &frames);
 /// Whether one of \a frames carries a label that the drop-frame flag of \a track leaves out.
 bool carriesFalseFlag(const LabelTrack &track, const std::vector<Frame> &frames);
 
-/// Whether frames of \a frames whose edges cannot be mistaken, more than one, lie before \a track and are not
-/// part of its line.
-bool isContradictedBefore(const LabelTrack &track, const std::vector<Frame> &frames);
+/// Whether some of \a frames whose edges cannot be mistaken are not on the line of \a track: more than one
+/// before it, or within it, where a short track tolerates none.
+bool isContradicted(const LabelTrack &track, const std::vector<Frame> &frames);
 
 } // namespace ltcreader

@@ -19,7 +19,7 @@ namespace
 
 // [log-likelihood ratios]
 constexpr double otherBeginning =
-    -3.0;                           // for something else at the beginning, where the answer would be wrong
+    -3.2;                           // for something else at the beginning, where the answer would be wrong
 constexpr double otherEnd = 7.0;    // for something else at the end, which a chimera of two lines would have
 constexpr double impossible = -1e9; // a log-likelihood ratio
 
