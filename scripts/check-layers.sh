@@ -16,7 +16,7 @@ ltcreader/verification
 ltcreader/decoder
 ltcreader
 app/records process widgets tooladapter testkit/signals testkit/windowdriver
-ffmpeg ltc update testkit/media testkit/faketools
+ffmpeg ltc update testkit/media testkit/faketools testkit/recordings
 control filelist demo/samples
 app batch
 testkit/fixtures

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "bench/ltc/readers.h"
-#include "bench/ltc/recordings.h"
 #include "bench/support/program.h"
+#include "testkit/recordings/recordings.h"
 #include "testkit/signals/lossycodec.h"
 
 #include <QCoreApplication>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "bench/ltc/oddcases.h"
+#include "testkit/recordings/oddcases.h"
 
 #include <QJsonObject>
 
@@ -10,6 +10,8 @@
 
 namespace ltcbench
 {
+
+using namespace testrecordings;
 
 /// What became of one recording.
 struct OddResult {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "bench/ltc/cases.h"
+#include "testkit/recordings/cases.h"
 
 #include "ltcreader/decoder/decoder.h"
 
@@ -9,6 +9,8 @@
 
 namespace ltcbench
 {
+
+using namespace testrecordings;
 
 /// What the product's decoder says in full.
 ltcreader::Outcome outcomeOf(const Case &recording);

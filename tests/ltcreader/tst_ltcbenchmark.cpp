@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "bench/ltc/readers.h"
-#include "bench/ltc/recordings.h"
+#include "testkit/recordings/recordings.h"
 
 #include <QTest>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "bench/ltc/recordings.h"
+#include "testkit/recordings/recordings.h"
 
 #include "testkit/signals/impairments.h"
 #include "testkit/signals/noise.h"
@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <array>
 
-namespace ltcbench
+namespace testrecordings
 {
 
 namespace
@@ -125,4 +125,4 @@ void save(const Case &recording, const std::string &path)
     writeWav(path, wav);
 }
 
-} // namespace ltcbench
+} // namespace testrecordings

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "bench/ltc/curves.h"
+#include "testkit/recordings/curves.h"
 
 #include <cstdint>
 #include <optional>
 #include <string>
 
-namespace ltcbench
+namespace testrecordings
 {
 
 /// Sounds without timecode, each a curve of one grade.
@@ -31,4 +31,4 @@ std::optional<Case> recordingNamed(const std::string &name, std::uint64_t seed);
 /// Writes \a recording as a WAV file of 24 bits.
 void save(const Case &recording, const std::string &path);
 
-} // namespace ltcbench
+} // namespace testrecordings

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "bench/ltc/curves.h"
+#include "testkit/recordings/curves.h"
 
 #include "testkit/signals/biphasemark.h"
 #include "testkit/signals/impairments.h"
@@ -9,7 +9,7 @@
 #include <cmath>
 #include <utility>
 
-namespace ltcbench
+namespace testrecordings
 {
 
 namespace
@@ -210,4 +210,4 @@ std::vector<Curve> curvesOfFormats()
         {section, "leak alone, below speech", ratio, {20, 10, 0, -6, -12, -18, -24}, true, leakAlone}};
 }
 
-} // namespace ltcbench
+} // namespace testrecordings

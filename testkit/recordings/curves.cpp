@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "bench/ltc/curves.h"
+#include "testkit/recordings/curves.h"
 
 #include "testkit/signals/biphasemark.h"
 #include "testkit/signals/lossycodec.h"
@@ -8,7 +8,7 @@
 #include <cmath>
 #include <stdexcept>
 
-namespace ltcbench
+namespace testrecordings
 {
 
 namespace
@@ -312,4 +312,4 @@ const std::vector<Curve> &allCurves()
     return curves;
 }
 
-} // namespace ltcbench
+} // namespace testrecordings

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "bench/ltc/oddpolicy.h"
+#include "testkit/recordings/oddpolicy.h"
 
 #include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
 
-namespace ltcbench
+namespace testrecordings
 {
 
 /// Timecode with odd labels before anything disturbs it, and what of it is right.
@@ -96,4 +96,4 @@ struct OddCase {
 
 OddCase caseOf(Draw draw);
 
-} // namespace ltcbench
+} // namespace testrecordings

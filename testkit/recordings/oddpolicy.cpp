@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "bench/ltc/oddpolicy.h"
+#include "testkit/recordings/oddpolicy.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace ltcbench
+namespace testrecordings
 {
 
 namespace
@@ -139,4 +139,4 @@ std::string faultIn(const std::string &report, int sampleRate)
     return {};
 }
 
-} // namespace ltcbench
+} // namespace testrecordings

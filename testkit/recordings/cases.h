@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace ltcbench
+namespace testrecordings
 {
 
 using testsignals::LtcRate;
@@ -90,4 +90,4 @@ constexpr int fineBits = 24; ///< for timecode far below a disturbance, which mu
 /// A recording of one channel, scaled down where it would pass full scale and rounded to \a bits per sample.
 Case monoCase(const LtcSignal &signal, Samples samples, Random &random, int bits = 16);
 
-} // namespace ltcbench
+} // namespace testrecordings

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "bench/ltc/oddcases.h"
+#include "testkit/recordings/oddcases.h"
 
 #include "testkit/signals/impairments.h"
 
@@ -7,7 +7,7 @@
 #include <cmath>
 #include <stdexcept>
 
-namespace ltcbench
+namespace testrecordings
 {
 
 namespace
@@ -130,4 +130,4 @@ OddCase caseOf(Draw draw)
     return result;
 }
 
-} // namespace ltcbench
+} // namespace testrecordings

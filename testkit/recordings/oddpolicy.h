@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "bench/ltc/cases.h"
+#include "testkit/recordings/cases.h"
 
 #include "testkit/signals/biphasemark.h"
 
@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace ltcbench
+namespace testrecordings
 {
 
 /// What one frame of a generator says. The digits may say what no clock says: hours and frames up to 39,
@@ -65,4 +65,4 @@ Verdict judge(const std::vector<Truth> &right, const std::optional<Answer> &answ
 /// off the claimed one. Empty where it is whole.
 std::string faultIn(const std::string &report, int sampleRate);
 
-} // namespace ltcbench
+} // namespace testrecordings

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "bench/ltc/oddcases.h"
+#include "testkit/recordings/oddcases.h"
 
 #include "testkit/signals/impairments.h"
 #include "testkit/signals/othersounds.h"
@@ -7,7 +7,7 @@
 #include <cmath>
 #include <utility>
 
-namespace ltcbench
+namespace testrecordings
 {
 
 namespace
@@ -465,4 +465,4 @@ const std::vector<Behaviour> &allBehaviours()
     return behaviours;
 }
 
-} // namespace ltcbench
+} // namespace testrecordings

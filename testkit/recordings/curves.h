@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "bench/ltc/cases.h"
+#include "testkit/recordings/cases.h"
 #include "testkit/signals/impairments.h"
 
 #include <functional>
 #include <string>
 #include <vector>
 
-namespace ltcbench
+namespace testrecordings
 {
 
 /// One kind of impairment in rising grades.
@@ -47,4 +47,4 @@ void wirelessLink(Samples &samples, double grade, Random &random);
 /// \a first, then one \a step after the other to \a last, both included.
 std::vector<double> gradesFrom(double first, double last, double step);
 
-} // namespace ltcbench
+} // namespace testrecordings

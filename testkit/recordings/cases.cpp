@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "bench/ltc/cases.h"
+#include "testkit/recordings/cases.h"
 
 #include "testkit/signals/biphasemark.h"
 #include "testkit/signals/impairments.h"
@@ -10,7 +10,7 @@
 #include <cmath>
 #include <stdexcept>
 
-namespace ltcbench
+namespace testrecordings
 {
 
 namespace
@@ -142,4 +142,4 @@ Case monoCase(const LtcSignal &signal, Samples samples, Random &random, int bits
     return {{std::move(samples)}, signal.sampleRate, Truth{signal, 0, true}};
 }
 
-} // namespace ltcbench
+} // namespace testrecordings

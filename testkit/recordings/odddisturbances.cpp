@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include "bench/ltc/oddcases.h"
+#include "testkit/recordings/oddcases.h"
 
-#include "bench/ltc/curves.h"
+#include "testkit/recordings/curves.h"
 #include "testkit/signals/lossycodec.h"
 #include "testkit/signals/noise.h"
 
 #include <optional>
 #include <stdexcept>
 
-namespace ltcbench
+namespace testrecordings
 {
 
 namespace
@@ -95,4 +95,4 @@ const std::vector<Disturbance> &allDisturbances()
     return disturbances;
 }
 
-} // namespace ltcbench
+} // namespace testrecordings
