@@ -29,7 +29,7 @@ namespace
 {
 
 constexpr double lowestFrequency = 150.0;   // [Hz] below it LTC has nothing that distinguishes bits
-constexpr double highestFrequency = 8000.0; // [Hz] above it one per cent of a square wave's power is left
+constexpr double highestFrequency = 8000.0; // [Hz] above it 7 to 10 % of a square wave's power is left
 constexpr double lowestRate = 20000.0;      // [Hz] of the filtered sound: eight samples in a half bit or more
 constexpr double taperTime = 0.01;          // [s] of fading at both ends, against the edges' own spectrum
 constexpr double smoothing = 30.0;          // [Hz] to each side, over which the floor is averaged
