@@ -147,10 +147,10 @@ void TestFileCheck::goodFilesAreProven()
     const MadeFile source = sourceOf(name);
     // Each its own kind of export; more of them take minutes.
     const QVector<ExportOptions> all = exportmatrix::optionsFor(source.source, source.source.isCore);
-    const int most = source.source.isCore ? all.size() : 3;
-    const int kinds = isAll() ? std::min(most, all.size()) : 1;
+    const int count = static_cast<int>(all.size());
+    const int kinds = isAll() ? std::min(source.source.isCore ? count : 3, count) : 1;
     for (int kind = 0; kind < kinds; ++kind) {
-        const ExportOptions &options = all.at((place * 7 + kind * all.size() / kinds) % all.size());
+        const ExportOptions &options = all.at((place * 7 + kind * count / kinds) % count);
         const QTemporaryDir target;
         const QString path = exported(source, options, target.path());
         if (path.isEmpty())
