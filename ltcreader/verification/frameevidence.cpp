@@ -73,6 +73,7 @@ FrameEvidence::BitsBetween FrameEvidence::bitsBetween(const float *halves, const
         for (int bit = parts[part].end(); bit < end; ++bit) {
             const float *pair = halvesOf(halves, bit);
             // The halves of a zero have the same level, those of a one opposite ones; 0 is not known.
+            // Flags never are: a wrong digit next to one may have bent it.
             const float decided =
                 levels == nullptr || !isUserBit(bit) ? 0.0F : levels[2 * bit] * levels[2 * bit + 1];
             const double one = scale * static_cast<double>(pair[0] - pair[1]);
