@@ -278,7 +278,8 @@ std::optional<LabelDecision> decideByDigits(const FrameGrid &grid, double measur
     const double correlated = 1.0 + std::max(0.0, boundaryCorrelation(grid, decision->levels));
     const double perFit = decision->amplitude / (correlated * std::max(unexplained, repeated));
     const double worth = std::min(1.0, perFit / scale);
-    decision->margin = marginOf(best, hypotheses, grid.frames, worth, measuredRate, evaluateAgain);
+    decision->margin =
+        marginOf(best, rivalsOf(best, hypotheses, grid.frames, evaluateAgain), worth, measuredRate);
     return decision;
 }
 

@@ -109,21 +109,20 @@ bool sameTimecode(const Hypothesis &a, const Hypothesis &b, int frame)
            std::equal(digitsA.begin() + SecondUnits, digitsA.end(), digitsB.begin() + SecondUnits);
 }
 
-double marginOf(const Hypothesis &best, const std::vector<Hypothesis> &others, int frames, double perFit,
-                double measuredRate, const std::function<void(Hypothesis &)> &evaluate)
+std::vector<Hypothesis> rivalsOf(const Hypothesis &best, const std::vector<Hypothesis> &others, int frames,
+                                 const std::function<void(Hypothesis &)> &evaluate)
 {
-    const double penalty = speedPenalty(best.numbering.base, measuredRate);
-    double sum = 0.0; // of likelihood ratios of rivals against best
-    const auto add = [&](const Hypothesis &rival) {
-        const double speedLoss = speedPenalty(rival.numbering.base, measuredRate) - penalty;
-        sum += std::exp(std::min(0.0, perFit * static_cast<double>(rival.fit - best.fit) - speedLoss));
+    std::vector<Hypothesis> rivals;
+    const auto addEvaluated = [&](Hypothesis rival) {
+        evaluate(rival);
+        rivals.push_back(rival);
     };
     // Of another base may also be what agrees once the first second is full.
     const int middle = frames / 2;
     const int early = std::min(frameThatCounts, middle);
     for (const Hypothesis &other : others) {
         if (!sameTimecode(other, best, early) || !sameTimecode(other, best, middle))
-            add(other);
+            rivals.push_back(other);
     }
     const Digits assumed = digitsAfter(best, 0);
     for (const Digit digit : {DropFlag, MinuteUnits, MinuteTens, HourUnits, HourTens}) {
@@ -133,20 +132,29 @@ double marginOf(const Hypothesis &best, const std::vector<Hypothesis> &others, i
         other.realHours = false;
         other.allowed[digit] = ((1U << (1 << digitFields[digit].width)) - 1U) &
                                ~(1U << fieldValue(best.bits, digitFields[digit]));
-        evaluate(other);
-        add(other);
+        addEvaluated(other);
     }
     for (const Digit digit : {SecondUnits, SecondTens}) {
         Hypothesis other = best;
         other.doubted = digit;
         other.allowed[digit] = ((1U << (1 << digitFields[digit].width)) - 1U) & ~anyTime[digit];
-        evaluate(other);
-        add(other);
+        addEvaluated(other);
     }
     Hypothesis unreal = best;
     unreal.numbering.unreal = true;
-    evaluate(unreal);
-    add(unreal);
+    addEvaluated(unreal);
+    return rivals;
+}
+
+double marginOf(const Hypothesis &best, const std::vector<Hypothesis> &rivals, double perFit,
+                double measuredRate)
+{
+    const double penalty = speedPenalty(best.numbering.base, measuredRate);
+    double sum = 0.0; // of likelihood ratios of rivals against best
+    for (const Hypothesis &rival : rivals) {
+        const double speedLoss = speedPenalty(rival.numbering.base, measuredRate) - penalty;
+        sum += std::exp(std::min(0.0, perFit * static_cast<double>(rival.fit - best.fit) - speedLoss));
+    }
     return -std::log(sum + leastDoubt);
 }
 

@@ -45,14 +45,18 @@ std::vector<Hypothesis> hypothesesWith(const FrameNumbering &numbering, int fram
 /// Whether two evaluated hypotheses name frame \a frame alike.
 bool sameTimecode(const Hypothesis &a, const Hypothesis &b, int frame);
 
-/// The log-likelihood ratio of \a best against all timecodes together that are other ones: \a others and, as
-/// \a evaluate finds them, those with a digit of best that stands still forced to another value, legal or
-/// not, and those with a value that no clock shows in a digit of the second or of the frame number. The
-/// drop-frame flag counts where there are 30 labels in a second. Compared are an early frame and the one in
-/// the middle of \a frames, since in cut frames at the ends hypotheses may differ by nothing. \a perFit is
-/// the log-likelihood that each unit of fit is worth, \a measuredRate [frames/s] as recorded.
-double marginOf(const Hypothesis &best, const std::vector<Hypothesis> &others, int frames, double perFit,
-                double measuredRate, const std::function<void(Hypothesis &)> &evaluate);
+/// The hypotheses that mean another timecode than \a best: of \a others and, as \a evaluate finds them, those
+/// with a digit of best that stands still forced to another value, legal or not, and those with a value that
+/// no clock shows in a digit of the second or of the frame number. The drop-frame flag counts where there are
+/// 30 labels in a second. Compared are an early frame and the one in the middle of \a frames, since in cut
+/// frames at the ends hypotheses may differ by nothing.
+std::vector<Hypothesis> rivalsOf(const Hypothesis &best, const std::vector<Hypothesis> &others, int frames,
+                                 const std::function<void(Hypothesis &)> &evaluate);
+
+/// The log-likelihood ratio of \a best against all \a rivals together. \a perFit is the log-likelihood that
+/// each unit of fit is worth, \a measuredRate [frames/s] as recorded.
+double marginOf(const Hypothesis &best, const std::vector<Hypothesis> &rivals, double perFit,
+                double measuredRate);
 
 /// Where two ways of counting fit alike the speed decides: the log-likelihood that a recording at \a
 /// measuredRate [frames/s] loses when it counts \a base frames in a second. Most machines run true, some a

@@ -150,7 +150,8 @@ std::optional<LabelDecision> decideTimecode(const FrameGrid &grid, double measur
     // From fit to log-likelihood, with the greater of both kinds of noise where the nearest labels differ.
     const double correlated = 1.0 + std::max(0.0, boundaryCorrelation(grid, decision->levels));
     const double perFit = std::min(1.0, decision->amplitude) / (correlated * std::max(unexplained, repeated));
-    decision->margin = marginOf(best, hypotheses, grid.frames, perFit, measuredRate, evaluateAgain);
+    const std::vector<Hypothesis> rivals = rivalsOf(best, hypotheses, grid.frames, evaluateAgain);
+    decision->margin = marginOf(best, rivals, perFit, measuredRate);
     return decision;
 }
 
