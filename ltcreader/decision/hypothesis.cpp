@@ -117,11 +117,13 @@ std::vector<Hypothesis> rivalsOf(const Hypothesis &best, const std::vector<Hypot
         evaluate(rival);
         rivals.push_back(rival);
     };
-    // Of another base may also be what agrees once the first second is full.
+    // Of another base may also be what agrees once the first second is full: there even a part of the first
+    // frame counts.
     const int middle = frames / 2;
     const int early = std::min(frameThatCounts, middle);
     for (const Hypothesis &other : others) {
-        if (!sameTimecode(other, best, early) || !sameTimecode(other, best, middle))
+        const int first = other.numbering.base == best.numbering.base ? early : 0;
+        if (!sameTimecode(other, best, first) || !sameTimecode(other, best, middle))
             rivals.push_back(other);
     }
     const Digits assumed = digitsAfter(best, 0);

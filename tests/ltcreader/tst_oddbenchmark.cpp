@@ -302,6 +302,7 @@ void TestOddBenchmark::whatWasReadWrongOnceIsNot_data()
     QTest::newRow("frames skipped as if 24 were counted, though frames 24 are read") << "5101/91903";
     QTest::newRow("held labels, of which one is misread by its slope") << "5101/97652";
     QTest::newRow("early jump in music") << "5101/18280";
+    QTest::newRow("frame 23 of 24 that may be frame 24 of 25, in 0.2 s of wow") << "6202/13184";
 }
 
 void TestOddBenchmark::whatWasReadWrongOnceIsNot()
