@@ -89,14 +89,17 @@ ChannelOutcome ChannelReader::outcomeOf(const EdgeReading &reading, const std::v
     return {toFinding(*reading.track, reading.algorithm, channel, window), doubtAbout(reading, all)};
 }
 
-bool ChannelReader::standsAlone(const LabelTrack &track) const
+bool ChannelReader::standsAlone(const EdgeReading &reading) const
 {
-    constexpr int provingFrames = 10; // in a row; fewer may fit the count of another rate
-    constexpr double latestEnd = 2.0; // [frames] more than that behind a row could show another count
-    constexpr double quiet = 0.5;     // times the row's level: too little to hide timecode
+    constexpr int provingFrames = 10;   // in a row; fewer may fit the count of another rate
+    constexpr int framesBeforeJump = 6; // in a row, if labels go elsewhere than any count does
+    constexpr double latestEnd = 2.0;   // [frames] more than that behind a row could show another count
+    constexpr double quiet = 0.5;       // times the row's level: too little to hide timecode
+    const LabelTrack &track = *reading.track;
     const auto end = static_cast<double>(window.size());
-    const bool countsProven =
-        track.wraps > 0 || track.frames >= provingFrames || track.last > end - latestEnd * track.frameLength;
+    const bool countsProven = track.wraps > 0 || track.frames >= provingFrames ||
+                              track.last > end - latestEnd * track.frameLength ||
+                              (track.frames >= framesBeforeJump && endsAtJump(track, reading.frames));
     return countsProven &&
            (beginsWithRecording(track) ||
             window.level(channel, 0.0, track.first) < quiet * window.level(channel, track.first, track.last));
@@ -117,7 +120,7 @@ ChannelOutcome ChannelReader::readThoroughly() const
         std::max_element(all.begin(), all.end(), [](const EdgeReading &a, const EdgeReading &b) {
             return (a.track ? a.track->frames : 0) < (b.track ? b.track->frames : 0);
         });
-    if (longest->track && isClear(*longest->track) && standsAlone(*longest->track))
+    if (longest->track && isClear(*longest->track) && standsAlone(*longest))
         return outcomeOf(*longest, all);
     // Labels that were read and do not count up are the truth, even if a sum over all frames says otherwise.
     for (const EdgeReading &reading : all) {
@@ -140,7 +143,7 @@ ChannelOutcome ChannelReader::readThoroughly() const
         jointly.likeliest = toFinding(*joint.likeliest, channel);
     if (!byEdges)
         return jointly;
-    if (isOfLabels(jointly.doubt) && !standsAlone(*longest->track))
+    if (isOfLabels(jointly.doubt) && !standsAlone(*longest))
         byEdges->doubt = jointly.doubt;
     if (jointly.doubt != Doubt::None || isOfLabels(byEdges->doubt))
         return *byEdges;

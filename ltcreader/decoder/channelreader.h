@@ -40,9 +40,9 @@ private:
     EdgeReading readingOf(const EdgeReader &reader, Algorithm way) const;
     std::vector<EdgeReading> readings() const;
     Doubt doubtAbout(const EdgeReading &reading, const std::vector<EdgeReading> &all) const;
-    /// Whether nothing outside \a track can contradict it: its count is proven, and it begins where
-    /// sound begins.
-    bool standsAlone(const LabelTrack &track) const;
+    /// Whether nothing outside the track of \a reading can contradict it: its count is proven, and it
+    /// begins where sound begins.
+    bool standsAlone(const EdgeReading &reading) const;
     ChannelOutcome outcomeOf(const EdgeReading &reading, const std::vector<EdgeReading> &all) const;
 
     const Window &window;

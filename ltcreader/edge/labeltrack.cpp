@@ -303,6 +303,21 @@ bool carriesFalseFlag(const LabelTrack &track, const std::vector<Frame> &frames)
            });
 }
 
+bool endsAtJump(const LabelTrack &track, const std::vector<Frame> &frames)
+{
+    const auto next = std::find_if(frames.begin(), frames.end(), [&track](const Frame &frame) {
+        return isClear(frame) && frame.start > track.last - 0.5 * track.frameLength;
+    });
+    if (next == frames.end())
+        return false;
+    const auto label = labelOf(next->bits);
+    const std::int64_t day = framesPerDay(track.rate);
+    const std::int64_t expected = std::llround(track.startCount + next->start / track.frameLength);
+    return label && isLabel(*label, track.rate) &&
+           std::abs(std::remainder(static_cast<double>(frameCount(*label, track.rate) - expected),
+                                   static_cast<double>(day))) > track.rate.base;
+}
+
 bool isContradicted(const LabelTrack &track, const std::vector<Frame> &frames)
 {
     const std::int64_t day = framesPerDay(track.rate);

@@ -41,4 +41,8 @@ bool carriesFalseFlag(const LabelTrack &track, const std::vector<Frame> &frames)
 /// before it, or within it, where a short track tolerates none.
 bool isContradicted(const LabelTrack &track, const std::vector<Frame> &frames);
 
+/// Whether other timecode follows on \a track: the first of \a frames behind it whose edges cannot be
+/// mistaken carries a label that is more than a second away from its line.
+bool endsAtJump(const LabelTrack &track, const std::vector<Frame> &frames);
+
 } // namespace ltcreader

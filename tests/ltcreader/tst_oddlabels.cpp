@@ -70,6 +70,8 @@ private slots:
     void theReasonIsNamed();
     void aJumpInNoiseIsNeverAnsweredWithTheLaterLine();
     void anEarlyJumpThatSingleFramesShowIsNotOverruled();
+    void sevenCleanFramesBeforeAJumpAreRead();
+    void sevenCleanFramesBeforeASkipAreNot();
     void aClockInTheUserBitsDoesNotChangeTheLabel();
     void aRunningPartBehindAPauseIsNotExtrapolatedThroughIt();
     void aLateBeginningIsReadThroughSilence();
@@ -203,6 +205,24 @@ void TestOddLabels::anEarlyJumpThatSingleFramesShowIsNotOverruled()
         const bool first = outcome.likeliest && outcome.likeliest->start == timecode::Label{10, 20, 30, 12};
         QVERIFY2(outcome.doubt != Doubt::None || first, qPrintable(QStringLiteral("seed %1").arg(seed)));
     }
+}
+
+void TestOddLabels::sevenCleanFramesBeforeAJumpAreRead()
+{
+    const Outcome outcome = outcomeOf(recording(
+        [](std::int64_t index, LtcRate rate) { return counting(index < 8 ? start : later, index, rate); },
+        pal, 3.0, 20.0));
+    QCOMPARE(static_cast<int>(outcome.doubt), static_cast<int>(Doubt::None));
+    QVERIFY((outcome.likeliest->start == timecode::Label{10, 20, 30, 12}));
+}
+
+void TestOddLabels::sevenCleanFramesBeforeASkipAreNot()
+{
+    // They may be of a way of counting whose second is full there.
+    const Outcome outcome = outcomeOf(recording(
+        [](std::int64_t index, LtcRate rate) { return counting(start, index + (index < 8 ? 0 : 5), rate); },
+        pal, 3.0, 20.0));
+    QVERIFY(outcome.doubt != Doubt::None);
 }
 
 void TestOddLabels::aClockInTheUserBitsDoesNotChangeTheLabel()
