@@ -101,7 +101,8 @@ struct Decided {
 /// wanders; otherwise none.
 std::optional<Decided> decideAgain(const Decided &decided, const std::optional<timecode::Rate> &wanted)
 {
-    Candidate candidate = retimed(decided.candidate, decided.decision.levels);
+    Candidate candidate =
+        retimed(decided.candidate, measureTiming(decided.candidate, decided.decision.levels));
     auto decision = decideAdaptively(*decided.way, candidate, wanted);
     const LabelDecision &first = decided.decision;
     if (!decision || decision->rate.base != first.rate.base || decision->count != first.count ||

@@ -49,6 +49,14 @@ std::vector<float> halfBitsOf(const Candidate &candidate)
     return equaliseByInverse(halfBits, *candidate.sound, halfBit);
 }
 
+void cutAgain(Candidate &candidate)
+{
+    FrameGrid grid = cutIntoFrames(halfBitsOf(candidate), candidate.grid.syncPlace());
+    grid.score = candidate.grid.score;
+    grid.sidelobes = candidate.grid.sidelobes;
+    candidate.grid = std::move(grid);
+}
+
 std::vector<Candidate> findCandidates(const std::vector<float> &samples, int sampleRate)
 {
     std::vector<Candidate> candidates;

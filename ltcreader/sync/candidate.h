@@ -26,6 +26,9 @@ struct Candidate {
 /// The half bits of \a candidate as its clock cuts them.
 std::vector<float> halfBitsOf(const Candidate &candidate);
 
+/// Cuts \a candidate into frames again, whose sound or clock has changed a little.
+void cutAgain(Candidate &candidate);
+
 /// The candidates in \a samples at \a sampleRate [Hz], the one with the clearest sync words first; none in
 /// less than two frames.
 std::vector<Candidate> findCandidates(const std::vector<float> &samples, int sampleRate);

@@ -146,13 +146,10 @@ BitLine measureTiming(Candidate candidate, const std::vector<float> &levels)
     return line;
 }
 
-Candidate retimed(Candidate candidate, const std::vector<float> &levels)
+Candidate retimed(Candidate candidate, const BitLine &line)
 {
-    setClock(candidate.clock, measureTiming(candidate, levels));
-    FrameGrid grid = cutIntoFrames(halfBitsOf(candidate), candidate.grid.syncPlace());
-    grid.score = candidate.grid.score;
-    grid.sidelobes = candidate.grid.sidelobes;
-    candidate.grid = std::move(grid);
+    setClock(candidate.clock, line);
+    cutAgain(candidate);
     return candidate;
 }
 

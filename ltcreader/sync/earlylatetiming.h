@@ -18,7 +18,7 @@ struct BitLine {
 /// Where bits lie in the sound of \a candidate, once its \a levels are decided.
 BitLine measureTiming(Candidate candidate, const std::vector<float> &levels);
 
-/// \a candidate cut again, by the straight clock on which its decided \a levels fit best.
-Candidate retimed(Candidate candidate, const std::vector<float> &levels);
+/// \a candidate cut again, by the straight clock of \a line.
+Candidate retimed(Candidate candidate, const BitLine &line);
 
 } // namespace ltcreader
