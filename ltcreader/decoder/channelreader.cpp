@@ -143,7 +143,8 @@ ChannelOutcome ChannelReader::readThoroughly() const
         jointly.likeliest = toFinding(*joint.likeliest, channel);
     if (!byEdges)
         return jointly;
-    if (isOfLabels(jointly.doubt) && !standsAlone(*longest))
+    // Speed that no machine has is doubted however long the track is: labels may be left out within it.
+    if (isOfLabels(jointly.doubt) && (!standsAlone(*longest) || jointly.doubt == Doubt::Speed))
         byEdges->doubt = jointly.doubt;
     if (jointly.doubt != Doubt::None || isOfLabels(byEdges->doubt))
         return *byEdges;

@@ -303,6 +303,7 @@ void TestOddBenchmark::whatWasReadWrongOnceIsNot_data()
     QTest::newRow("held labels, of which one is misread by its slope") << "5101/97652";
     QTest::newRow("early jump in music") << "5101/18280";
     QTest::newRow("frame 23 of 24 that may be frame 24 of 25, in 0.2 s of wow") << "6202/13184";
+    QTest::newRow("frames skipped as if 24 were counted, in wind") << "7601/8729";
 }
 
 void TestOddBenchmark::whatWasReadWrongOnceIsNot()
