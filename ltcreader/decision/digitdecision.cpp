@@ -272,7 +272,7 @@ std::optional<LabelDecision> decideByDigits(const FrameGrid &grid, double measur
     decision->syncAmplitude = syncAmplitude;
     const double unexplained = noiseBeside(decision->amplitude);
     const double repeated = repeatedError(grid, decision->levels);
-    decision->errorRepeats = repeated > unexplained;
+    decision->repetition = repeated / unexplained;
     // Fits are log-likelihoods already, as far as sync words show the noise. They are worth less where
     // digits are noisier, or where errors repeat or are correlated.
     const double correlated = 1.0 + std::max(0.0, boundaryCorrelation(grid, decision->levels));

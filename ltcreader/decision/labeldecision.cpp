@@ -29,7 +29,8 @@ namespace
 {
 
 constexpr std::size_t triedNumberings = 12; // those that fit best, on which every second is tried
-constexpr double smallestAmplitude = 0.01;  // or the speed alone would decide where nothing fits
+constexpr std::size_t rivalsKept = 16;
+constexpr double smallestAmplitude = 0.01; // or the speed alone would decide where nothing fits
 
 /// The frames added up under one numbering.
 struct NumberedAverage {
@@ -92,6 +93,16 @@ double likelihoodPerFit(const std::vector<Hypothesis> &hypotheses, double halves
     return amplitude / noiseBeside(amplitude);
 }
 
+/// Those of \a rivals that fit best.
+std::vector<Hypothesis> nearest(std::vector<Hypothesis> rivals)
+{
+    const std::size_t kept = std::min(rivalsKept, rivals.size());
+    std::partial_sort(rivals.begin(), rivals.begin() + static_cast<std::ptrdiff_t>(kept), rivals.end(),
+                      [](const Hypothesis &a, const Hypothesis &b) { return a.fit > b.fit; });
+    rivals.resize(kept);
+    return rivals;
+}
+
 } // namespace
 
 std::optional<LabelDecision> decisionFor(const Hypothesis &best, int frames)
@@ -146,12 +157,14 @@ std::optional<LabelDecision> decideTimecode(const FrameGrid &grid, double measur
     decision->levels = remodulate(grid, polarities, best);
     const double unexplained = noiseBeside(decision->amplitude);
     const double repeated = repeatedError(grid, decision->levels);
-    decision->errorRepeats = repeated > unexplained;
+    decision->repetition = repeated / unexplained;
     // From fit to log-likelihood, with the greater of both kinds of noise where the nearest labels differ.
     const double correlated = 1.0 + std::max(0.0, boundaryCorrelation(grid, decision->levels));
     const double perFit = std::min(1.0, decision->amplitude) / (correlated * std::max(unexplained, repeated));
-    const std::vector<Hypothesis> rivals = rivalsOf(best, hypotheses, grid.frames, evaluateAgain);
+    std::vector<Hypothesis> rivals = rivalsOf(best, hypotheses, grid.frames, evaluateAgain);
     decision->margin = marginOf(best, rivals, perFit, measuredRate);
+    decision->rivals = nearest(std::move(rivals));
+    decision->polarities = polarities;
     return decision;
 }
 

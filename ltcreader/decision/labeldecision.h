@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ltcreader/decision/coherentaverage.h"
 #include "ltcreader/decision/hypothesis.h"
 #include "ltcreader/sync/framesync.h"
 
@@ -13,16 +14,18 @@ namespace ltcreader
 
 /// The timecode that explains all frames of a grid together best.
 struct LabelDecision {
-    timecode::Rate rate;        ///< base and dropFrame; ntsc is left to the speed
-    std::int64_t count = 0;     ///< [frames] since midnight of frame 0 of the grid
-    FrameBits bits = 0;         ///< of frame 0, without its phase correction bit
-    double margin = 0.0;        ///< log-likelihood ratio against all other timecodes together
-    double significance = 0.0;  ///< fit in standard deviations of what one fixed guess has in noise
-    double amplitude = 0.0;     ///< of the timecode in half bits of mean square 1, 0 to 1
-    double syncAmplitude = 0.0; ///< the same, from the sync words alone
-    bool steadyBits = false;    ///< all bits were decided; else only digits were
-    bool errorRepeats = false;  ///< most of what is not explained is the same in every frame
-    std::vector<float> levels;  ///< of all half bits of the grid, 1 or -1 (0 where not known), as decided
+    timecode::Rate rate;            ///< base and dropFrame; ntsc is left to the speed
+    std::int64_t count = 0;         ///< [frames] since midnight of frame 0 of the grid
+    FrameBits bits = 0;             ///< of frame 0, without its phase correction bit
+    double margin = 0.0;            ///< log-likelihood ratio against all other timecodes together
+    double significance = 0.0;      ///< fit in standard deviations of what one fixed guess has in noise
+    double amplitude = 0.0;         ///< of the timecode in half bits of mean square 1, 0 to 1
+    double syncAmplitude = 0.0;     ///< the same, from the sync words alone
+    bool steadyBits = false;        ///< all bits were decided; else only digits were
+    double repetition = 0.0;        ///< of errors in every frame: about 1 by chance alone
+    std::vector<Hypothesis> rivals; ///< the nearest other timecodes, where steadyBits
+    Polarities polarities;          ///< of the frames, where steadyBits
+    std::vector<float> levels;      ///< of all half bits of the grid, 1 or -1 (0 where not known), as decided
 };
 
 /// Decides on \a grid, whose frames follow each other at \a measuredRate [frames/s].

@@ -5,9 +5,9 @@
 
 #include "ltcreader/decoder/jointreader.h"
 
+#include "ltcreader/decision/adaptivedecision.h"
 #include "ltcreader/decision/digitdecision.h"
 #include "ltcreader/frame/rateclass.h"
-#include "ltcreader/frontend/decisiondirected.h"
 #include "ltcreader/sync/earlylatetiming.h"
 #include "ltcreader/verification/beginning.h"
 #include "ltcreader/verification/linecheck.h"
@@ -25,9 +25,6 @@ namespace
 
 constexpr std::size_t decidedCandidates = 6;
 constexpr double plainMargin = 60.0;        // log-likelihood beyond which no other way of reading is tried
-constexpr double adaptedTrust = 0.67;       // in margins that a learning filter brought about
-constexpr double unconfirmedTrust = 0.5;    // in margins that it does not confirm
-constexpr double adaptableAmplitude = 0.25; // below it too many levels are wrong to learn from
 constexpr double contradictingMargin = 0.3; // of the best reading's
 
 // What a decision must reach. Chosen with the benchmark: wrong ones stay well below, what is lost is the last
@@ -39,7 +36,7 @@ constexpr double digitsSyncScore = 7.0;  // deep in noise digits alone prove not
 
 /// A way of deciding on a grid whose frames follow each other at a measured rate [frames/s].
 struct Way {
-    std::optional<LabelDecision> (*decide)(const FrameGrid &grid, double measuredRate);
+    Decide decide;
     double leastSyncScore; // of what it is tried on
     bool isLast;
 };
@@ -47,46 +44,11 @@ struct Way {
 constexpr std::array<Way, 2> ways{Way{decideTimecode, 0.0, false},
                                   Way{decideByDigits, digitsSyncScore, true}};
 
-/// \a grid after the filter that brings its half bits nearest to \a levels.
-FrameGrid adaptedGrid(FrameGrid grid, const std::vector<float> &levels)
-{
-    grid.halves = equaliseByDecision(grid.halves, levels);
-    measureSyncs(grid);
-    return grid;
-}
-
-/// Decides on \a candidate in \a way, and where errors repeat decides again on what a filter makes of the
-/// frames that the decision gives. The filter learns again from the second decision; what is not as sure in
-/// both of them is not believed. None when the base is not \a wanted.
-std::optional<LabelDecision> decideAdaptively(const Way &way, const Candidate &candidate,
-                                              const std::optional<timecode::Rate> &wanted)
-{
-    const auto decideOn = [&](const FrameGrid &grid) {
-        auto decision = way.decide(grid, candidate.frameRate());
-        if (decision && wanted && wanted->base != decision->rate.base)
-            decision.reset();
-        return decision;
-    };
-    const FrameGrid &grid = candidate.grid;
-    auto first = decideOn(grid);
-    const bool worthwhile =
-        first && first->errorRepeats && first->amplitude >= adaptableAmplitude && first->margin < plainMargin;
-    if (!worthwhile)
-        return first;
-    const auto second = decideOn(adaptedGrid(grid, first->levels));
-    auto third = second ? decideOn(adaptedGrid(grid, second->levels)) : std::nullopt;
-    if (!third || third->count != second->count) {
-        first->margin *= unconfirmedTrust;
-        return first;
-    }
-    third->margin = adaptedTrust * std::min(second->margin, third->margin);
-    return third->margin > first->margin ? third : first;
-}
-
 /// A decision, the way it was made and what it was made on.
 struct Decided {
     const Way *way;
-    Candidate candidate;
+    Candidate found;     ///< as it was found
+    Candidate candidate; ///< without distortion, as far as that was recognised
     LabelDecision decision;
 
     /// [frames] since midnight at the recording's first sample, as far as the clock shows.
@@ -97,18 +59,26 @@ struct Decided {
     }
 };
 
+std::optional<Decided> decide(const Way &way, const Candidate &candidate,
+                              const std::optional<timecode::Rate> &wanted)
+{
+    auto adaptive = decideAdaptively(way.decide, candidate, wanted);
+    if (!adaptive)
+        return std::nullopt;
+    return Decided{&way, candidate, std::move(adaptive->candidate), std::move(adaptive->decision)};
+}
+
 /// \a decided again, where its own levels show that bits lie. The same label is surer then, unless the speed
 /// wanders; otherwise none.
 std::optional<Decided> decideAgain(const Decided &decided, const std::optional<timecode::Rate> &wanted)
 {
-    Candidate candidate =
-        retimed(decided.candidate, measureTiming(decided.candidate, decided.decision.levels));
-    auto decision = decideAdaptively(*decided.way, candidate, wanted);
     const LabelDecision &first = decided.decision;
-    if (!decision || decision->rate.base != first.rate.base || decision->count != first.count ||
-        decision->margin <= first.margin)
+    auto again =
+        decide(*decided.way, retimed(decided.found, measureTiming(decided.candidate, first.levels)), wanted);
+    if (!again || again->decision.rate.base != first.rate.base || again->decision.count != first.count ||
+        again->decision.margin <= first.margin)
         return std::nullopt;
-    return Decided{decided.way, std::move(candidate), std::move(*decision)};
+    return again;
 }
 
 bool isBelievable(const LabelDecision &decision)
@@ -136,7 +106,8 @@ Decided *likeliest(std::vector<Decided> &all)
 /// What frames of \a samples say against \a decided.
 Doubt doubtAboutFrames(const Decided &decided, const std::vector<float> &samples, int sampleRate)
 {
-    const auto &[way, candidate, decision] = decided;
+    const Candidate &candidate = decided.candidate;
+    const LabelDecision &decision = decided.decision;
     if (isPrecededByAnother(candidate.grid, *candidate.sound, candidate.clock))
         return Doubt::Jump;
     return doubtAboutLine({decision.rate, decision.count}, candidate.grid,
@@ -233,10 +204,10 @@ JointOutcome readJointly(const std::vector<Candidate> &candidates, const std::ve
         for (const Candidate &candidate : tried) {
             if (candidate.grid.score < way.leastSyncScore)
                 continue;
-            auto decision = decideAdaptively(way, candidate, wanted);
-            if (!decision)
+            auto decided = decide(way, candidate, wanted);
+            if (!decided)
                 continue;
-            all.push_back({&way, candidate, std::move(*decision)});
+            all.push_back(std::move(*decided));
             if (all.back().decision.margin > plainMargin)
                 break;
         }

@@ -84,9 +84,10 @@ void evenOut(FilteredSound &sound)
     const auto count = static_cast<double>(std::max<std::size_t>(1, sound.samples.size()));
     const double quiet = quietShare * sums.back() / count + leastMean;
     const auto reach = static_cast<std::size_t>(evenTime * sound.sampleRate);
+    sound.divisors.reserve(sound.samples.size());
     for (std::size_t i = 0; i < sound.samples.size(); ++i) {
-        const double around = meanAround(sums, i, reach);
-        sound.samples[i] = static_cast<float>(static_cast<double>(sound.samples[i]) / (around + quiet));
+        sound.divisors.push_back(static_cast<float>(meanAround(sums, i, reach) + quiet));
+        sound.samples[i] /= sound.divisors.back();
     }
 }
 
@@ -203,6 +204,8 @@ FilteredSound Prewhitener::prepare(FrontEnd frontEnd, double frameRate) const
         size /= 2;
     }
     Spectrum values(size);
+    FilteredSound result;
+    result.transformSize = size;
     const std::vector<float> powers =
         frontEnd == FrontEnd::Whitened ? disturbance(frameRate) : std::vector<float>();
     const std::vector<std::complex<float>> gains = frontEnd == FrontEnd::Equalised
@@ -218,9 +221,12 @@ FilteredSound Prewhitener::prepare(FrontEnd frontEnd, double frameRate) const
         values[bin] = spectrum[bin] * weight;
     }
     Fft::ofSize(size).backward(values);
-    FilteredSound result;
-    if (frontEnd == FrontEnd::Whitened)
+    if (frontEnd == FrontEnd::Whitened) {
         result.weights = meanWeights(powers, lowest);
+        result.gains.resize(std::min(spectrum.size(), size / 2));
+        for (std::size_t bin = lowest; bin < result.gains.size(); ++bin)
+            result.gains[bin] = 1.0F / powers[bin];
+    }
     result.sampleRate = rate;
     const auto count = static_cast<std::size_t>(static_cast<double>(length) * rate / sampleRate);
     result.samples.resize(std::min(count, size));

@@ -18,8 +18,11 @@ enum class FrontEnd {
 /// Sound at a low rate, ready for summing.
 struct FilteredSound {
     std::vector<float> samples;
-    double sampleRate = 0.0;     ///< [Hz]
-    std::vector<double> weights; ///< of frequencies, one for each weightStep from 0 on; empty: all alike
+    double sampleRate = 0.0;       ///< [Hz]
+    std::vector<double> weights;   ///< of frequencies, one for each weightStep from 0 on; empty: all alike
+    std::size_t transformSize = 0; ///< of the transform in which it was filtered
+    std::vector<float> gains;    ///< of its frequencies from 0 on; those above were removed. Only of Whitened
+    std::vector<float> divisors; ///< of the samples, after that
 };
 
 constexpr double weightStep = 25.0; // [Hz]

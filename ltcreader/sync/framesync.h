@@ -25,6 +25,7 @@ struct FrameGrid {
     int frames = 0;            ///< complete and incomplete ones
     double score = 0.0;        ///< of the sync words, in standard deviations of what chance brings
     double sidelobes = 0.0;    ///< RMS of the scores of all other places
+    bool hasLearnt = false;    ///< a decision on the half bits has changed them, maybe towards itself
     std::vector<float> halves; ///< halvesPerFrame for each frame
     std::vector<float> syncs; ///< of each frame: how much its end resembles a sync word; sign is its polarity
 

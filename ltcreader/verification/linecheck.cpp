@@ -21,7 +21,11 @@ namespace ltcreader
 namespace
 {
 
-constexpr double otherMotion = -5.0; // [log-likelihood ratio] for labels that do not count up, which are rare
+// [log-likelihood ratios]
+constexpr double otherBeginning = -3.2;       // for something else there, where the answer would be wrong
+constexpr double otherBeginningLearnt = -5.0; // where half bits may have been bent towards the decision
+constexpr double otherMotion = -5.0;          // for labels that do not count up, which are rare
+
 constexpr double latestProof = 0.08; // share of the frames that may pass before
 constexpr double quiet = 0.5;        // times the level of the rest: too little to hide other labels
 
@@ -43,7 +47,8 @@ Doubt doubtAbout(const LabelLine &line, const FrameGrid &grid, const std::vector
     const AlternativeLines alternatives(line, evidenceOf(grid, levels));
     const int leastEnd = leastStretch - (grid.firstHalf < 0 ? 0 : 1);
     return testSequentially(alternatives, unexplainedBy(levels, grid), leastEnd,
-                            latestProofIn(grid, samples, frameLength), motion);
+                            latestProofIn(grid, samples, frameLength),
+                            grid.hasLearnt ? otherBeginningLearnt : otherBeginning, motion);
 }
 
 } // namespace

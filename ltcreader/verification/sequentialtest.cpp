@@ -18,8 +18,6 @@ namespace
 {
 
 // [log-likelihood ratios]
-constexpr double otherBeginning =
-    -3.2;                           // for something else at the beginning, where the answer would be wrong
 constexpr double otherEnd = 7.0;    // for something else at the end, which a chimera of two lines would have
 constexpr double impossible = -1e9; // a log-likelihood ratio
 
@@ -144,7 +142,7 @@ double mostOf(const std::vector<double> &odds)
 } // namespace
 
 Doubt testSequentially(const AlternativeLines &alternatives, const Unexplained &unexplained, int leastEnd,
-                       int latestProof, double motion)
+                       int latestProof, double otherBeginning, double motion)
 {
     const std::vector<Rivals> lines = alternatives.digits();
     const Rivals motions = alternatives.otherMotions();

@@ -304,6 +304,9 @@ void TestOddBenchmark::whatWasReadWrongOnceIsNot_data()
     QTest::newRow("early jump in music") << "5101/18280";
     QTest::newRow("frame 23 of 24 that may be frame 24 of 25, in 0.2 s of wow") << "6202/13184";
     QTest::newRow("frames skipped as if 24 were counted, in wind") << "7601/8729";
+    QTest::newRow("another hour, in hum of twice the frame rate") << "5101/88623";
+    QTest::newRow("what a filter took away taken for its echo, 0.2 s behind a radio channel") << "7401/5192";
+    QTest::newRow("a frame before a jump bent by its own echo, in speech") << "7601/7190";
 }
 
 void TestOddBenchmark::whatWasReadWrongOnceIsNot()
