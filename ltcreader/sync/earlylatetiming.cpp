@@ -19,8 +19,10 @@ namespace
 {
 
 constexpr int rounds = 3; // each from the line of the last: lateness is measured best where it is small
-constexpr double timingShift = 0.2; // [bits] to each side, on the flank of the half bits' correlation
-constexpr int leastPerPart = 64;    // [half bits] whose timing is measured together
+constexpr double widestShift = 0.2;     // [bits] to each side, on the flank of the half bits' correlation
+constexpr double narrowestShift = 0.02; // [bits]
+constexpr double onFlank = 0.3;         // of the fit is there still: behind its foot the correlation turns
+constexpr int leastPerPart = 64;        // [half bits] whose timing is measured together
 constexpr int mostPerPart = 5 * halvesPerFrame;
 constexpr int leastParts = 12; // fewer show less well how they agree
 constexpr double fewParts =
@@ -65,12 +67,21 @@ struct PartTiming {
 /// The moments at which the decided levels fit the parts of the recording best.
 std::vector<PartTiming> timingsOfParts(const Candidate &candidate, const std::vector<float> &levels)
 {
-    const std::vector<double> early = fitsOfParts(candidate, levels, -timingShift);
     const std::vector<double> exact = fitsOfParts(candidate, levels, 0.0);
-    const std::vector<double> late = fitsOfParts(candidate, levels, timingShift);
-    const double earlySum = std::accumulate(early.begin(), early.end(), 0.0);
     const double exactSum = std::accumulate(exact.begin(), exact.end(), 0.0);
-    const double lateSum = std::accumulate(late.begin(), late.end(), 0.0);
+    std::vector<double> early;
+    std::vector<double> late;
+    double earlySum = 0.0;
+    double lateSum = 0.0;
+    double shift = 2.0 * widestShift;
+    // The less a filter leaves of low frequencies, the narrower is the correlation.
+    do {
+        shift *= 0.5;
+        early = fitsOfParts(candidate, levels, -shift);
+        late = fitsOfParts(candidate, levels, shift);
+        earlySum = std::accumulate(early.begin(), early.end(), 0.0);
+        lateSum = std::accumulate(late.begin(), late.end(), 0.0);
+    } while (shift > narrowestShift && earlySum + lateSum < 2.0 * onFlank * exactSum);
     // The curve of the fit has the same shape in all parts; a single part in noise would not show it.
     const double curve =
         std::max(2.0 * exactSum - earlySum - lateSum, leastCurve * std::abs(exactSum) + leastFit);
@@ -81,8 +92,8 @@ std::vector<PartTiming> timingsOfParts(const Candidate &candidate, const std::ve
         if (weight <= 0.0)
             continue;
         const double share = exact[part] / exactSum;
-        const double lateness = std::clamp(timingShift * (late[part] - early[part]) / (2.0 * curve * share),
-                                           -timingShift, timingShift);
+        const double lateness =
+            std::clamp(shift * (late[part] - early[part]) / (2.0 * curve * share), -shift, shift);
         const double bit = 0.5 * candidate.grid.firstHalf + (static_cast<double>(part) + 0.5) * partBits;
         timings.push_back({weight, bit, candidate.clock.position(bit + lateness)});
     }

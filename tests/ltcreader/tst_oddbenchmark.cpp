@@ -304,6 +304,7 @@ void TestOddBenchmark::whatWasReadWrongOnceIsNot_data()
     QTest::newRow("early jump in music") << "5101/18280";
     QTest::newRow("frame 23 of 24 that may be frame 24 of 25, in 0.2 s of wow") << "6202/13184";
     QTest::newRow("frames skipped as if 24 were counted, in wind") << "7601/8729";
+    QTest::newRow("23.976, not 24, in 0.2 s of speech") << "edge/7702/2351";
     QTest::newRow("another hour, in hum of twice the frame rate") << "5101/88623";
     QTest::newRow("what a filter took away taken for its echo, 0.2 s behind a radio channel") << "7401/5192";
     QTest::newRow("a frame before a jump bent by its own echo, in speech") << "7601/7190";
@@ -325,6 +326,8 @@ void TestOddBenchmark::whatWasRefusedOnceIsRead_data()
     QTest::newRow("bits that are not where the clock is, white noise") << "edge/2151/504";
     QTest::newRow("a line that is proven little by little, -19.8 dB, 29.97") << "edge/2151/1126";
     QTest::newRow("a line that is proven little by little, wind") << "edge/2151/391";
+    QTest::newRow("23.976, not 24, in 0.2 s of hum") << "edge/5201/31166";
+    QTest::newRow("bits that only high frequencies show, 0.2 s") << "edge/7702/8";
 }
 
 void TestOddBenchmark::whatWasRefusedOnceIsRead()
