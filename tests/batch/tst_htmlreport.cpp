@@ -13,6 +13,7 @@ class TestHtmlReport : public QObject
 
 private slots:
     void thePageIsWellFormedAndShowsAll();
+    void eachColumnShowsItsPart();
     void whatWentWrongComesFirst();
     void withoutFaultsNoneAreListed();
 };
@@ -30,6 +31,18 @@ QJsonObject record(const QString &name, const QString &result, const QJsonValue 
             {"frameRate", 25},
             {"dropFrame", false},
             {"exportResult", exported}};
+}
+
+/// A record with \a known and nothing else.
+QJsonObject recordOf(const QJsonObject &known)
+{
+    QJsonObject record;
+    for (const char *key :
+         {"linkedFrom", "channel", "frameRate", "pictureCodec", "soundCodecs", "exportResult"})
+        record[key] = QJsonValue();
+    for (auto value = known.begin(); value != known.end(); ++value)
+        record[value.key()] = value.value();
+    return record;
 }
 
 /// The page as Python's strict XML parser sees it and, the same, its forgiving HTML parser: one list of cells
@@ -70,6 +83,11 @@ print(json.dumps(reader.rows))
     return QJsonDocument::fromJson(python.readAllStandardOutput()).array();
 }
 
+QStringList cellsOf(const QJsonValue &row)
+{
+    return row.toVariant().toStringList();
+}
+
 QStringList firstCells(const QJsonArray &rows)
 {
     QStringList cells;
@@ -89,6 +107,48 @@ void TestHtmlReport::thePageIsWellFormedAndShowsAll()
     QCOMPARE(cells.at(1).toString(), QString("10:00:00:00"));
     QCOMPARE(cells.last().toString(), QString("found"));
     QCOMPARE(cells.size(), rows.at(2).toArray().size());
+}
+
+void TestHtmlReport::eachColumnShowsItsPart()
+{
+    const QJsonObject camera{{"name", "a.mov"},
+                             {"audioTimecode", "10:00:00;02"},
+                             {"frameRate", 29.97},
+                             {"dropFrame", true},
+                             {"channel", 2},
+                             {"stream", 1},
+                             {"foundAtSecond", 6},
+                             {"fileTimecode", "01:02:03:04"},
+                             {"durationSeconds", 12.5},
+                             {"pictureCodec", "prores"},
+                             {"pictureWidth", 1920},
+                             {"pictureHeight", 1080},
+                             {"pictureRate", "30000/1001"},
+                             {"soundCodecs", "pcm_s24le"},
+                             {"soundChannels", 4},
+                             {"exportPath", "/out/a.MOV"},
+                             {"exportStart", "10:00:00;03"},
+                             {"exportResult", "verified"},
+                             {"result", "found"}};
+    const QJsonObject recorder{
+        {"name", "b.wav"}, {"frameRate", 25}, {"channel", 1}, {"stream", 0}, {"result", "found"}};
+    const QJsonObject linked{
+        {"name", "c.wav"}, {"linkedFrom", "b.wav"}, {"channel", 1}, {"result", "linked"}};
+    const QJsonObject none{{"name", "d.mov"}, {"result", "none"}};
+    const QJsonArray rows =
+        pageRows({recordOf(camera), recordOf(recorder), recordOf(linked), recordOf(none)});
+    QCOMPARE(rows.size(), 2 + 1 + 4);
+    QCOMPARE(cellsOf(rows.at(2)), (QStringList{"File", "Audio TC", "Rate", "Place", "File TC", "Duration [s]",
+                                               "Picture", "Sound", "New file", "New start", "Result"}));
+    QCOMPARE(cellsOf(rows.at(3)),
+             (QStringList{"a.mov", "10:00:00;02", "29.97 DF", "channel 2 of stream 1, found at second 6",
+                          "01:02:03:04", "12.5", "prores 1920x1080, 30000/1001", "pcm_s24le, 4 channels",
+                          "/out/a.MOV", "10:00:00;03", "verified"}));
+    QCOMPARE(cellsOf(rows.at(4)),
+             (QStringList{"b.wav", "", "25", "channel 1 of stream 0", "", "", "", "", "", "", "found"}));
+    QCOMPARE(cellsOf(rows.at(5)),
+             (QStringList{"c.wav", "", "", "of b.wav", "", "", "", "", "", "", "linked"}));
+    QCOMPARE(cellsOf(rows.at(6)), (QStringList{"d.mov", "", "", "", "", "", "", "", "", "", "none"}));
 }
 
 void TestHtmlReport::whatWentWrongComesFirst()
