@@ -221,6 +221,14 @@ void TestVerification::eachFaultIsSaid_data()
     row("the timecode still there", written("25/1", {sound("pcm_s24le", 4, 24)}), QByteArray(), same,
         QStringList{"4 channels instead of 3 in audio stream 1"});
     row("no sound", written("25/1", {}), QByteArray(), same, QStringList{"0 audio streams instead of 1"});
+    const QJsonArray streams = good["streams"].toArray();
+    QJsonObject cover = streams.at(0).toObject();
+    cover["disposition"] = QJsonObject{{"attached_pic", 1}};
+    const auto probeOf = [](const QJsonArray &all) { return QJsonObject{{"streams", all}}; };
+    row("a cover image as well", probeOf({streams.at(0), streams.at(1), cover}), QByteArray(), same,
+        QStringList{});
+    row("only a cover image", probeOf({cover, streams.at(1)}), QByteArray(), same,
+        QStringList{"the picture is missing"});
     QJsonObject cut = three;
     cut["duration"] = "9.8";
     row("sound cut off", written("25/1", {cut}), QByteArray(), same,
