@@ -24,6 +24,7 @@ private slots:
     void lateTimecodeIsCountedBack();
     void onlyFilesWithoutTimecodeAreSearched();
     void searchesKeepToTheJobLimit();
+    void aSearchThatFailsEndsWithOne_data();
     void aSearchThatFailsEndsWithOne();
     void anInterruptedSearchIsNoAnswer();
     void aFileThatFailsIsNamedAndEndsWithOne();
@@ -246,11 +247,19 @@ void TestBatchProgram::searchesKeepToTheJobLimit()
     }
 }
 
+void TestBatchProgram::aSearchThatFailsEndsWithOne_data()
+{
+    QTest::addColumn<QJsonObject>("extraction");
+    QTest::newRow("exit code 1") << QJsonObject{{"exitCode", 1}};
+    QTest::newRow("crash, with something written")
+        << QJsonObject{{"actions", QJsonArray{QJsonObject{{"work", true}}}}, {"crash", true}};
+}
+
 void TestBatchProgram::aSearchThatFailsEndsWithOne()
 {
-    const QString path =
-        makeFile("a.mov", {{"read", QJsonObject{{"exitCode", 205}}},
-                           {"extract", QJsonArray{QJsonObject(), QJsonObject{{"exitCode", 1}}}}});
+    QFETCH(QJsonObject, extraction);
+    const QString path = makeFile("a.mov", {{"read", QJsonObject{{"exitCode", 205}}},
+                                            {"extract", QJsonArray{QJsonObject(), extraction}}});
     const Run deep = run({"export", "--no-verify", "--to", out(), "--deep", path});
     QCOMPARE(deep.exitCode, 1);
     QVERIFY2(deep.errors.contains("a.mov: not searched to the end: the tools have failed at second 3\n"),
