@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/records/optiontables.h"
 #include "batch/batchoptions.h"
+#include "batch/exitcode.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -99,6 +100,8 @@ void TestBatchOptions::theReadingIsChosen_data()
     QTest::newRow("all chosen") << QStringList{"--frame-rate", "30.00", "--channel", "1",
                                                "--algorithm",  "high"}
                                 << 3 << 0 << 30.0;
+    QTest::newRow("the last of two rates counts")
+        << QStringList{"--frame-rate", "24", "--frame-rate", "25"} << 0 << -1 << 25.0;
 }
 
 void TestBatchOptions::theReadingIsChosen()
@@ -195,8 +198,16 @@ void TestBatchOptions::wrongUsageIsRefused()
 
 void TestBatchOptions::questionsAreAnswered()
 {
-    const BatchCommand help = parse({"--help"});
-    QVERIFY(std::get<BatchAnswer>(help).text.contains("--frame-rate"));
+    const QString help = std::get<BatchAnswer>(parse({"--help"})).text;
+    QVERIFY(help.contains("--frame-rate"));
+    const QMap<ExitCode, QString> endings{{ExitCode::Done, "done"},
+                                          {ExitCode::SomeFailed, "some files failed"},
+                                          {ExitCode::WrongUsage, "wrong usage"},
+                                          {ExitCode::ToolMissing, "a tool is missing"}};
+    for (auto ending = endings.begin(); ending != endings.end(); ++ending) {
+        const QString text = QString("%1 %2").arg(static_cast<int>(ending.key())).arg(ending.value());
+        QVERIFY2(help.simplified().contains(text), qPrintable(text));
+    }
     QCOMPARE(std::get<BatchAnswer>(parse({"--version"})).text, QString("ostrel-batch 1.0\n"));
 }
 
