@@ -285,12 +285,13 @@ void TestExportRun::aRunThatFailsAtOnceReportsItsWholeShare()
 void TestExportRun::withoutStepsOnlyTheResultIsReported()
 {
     const QString path = makeFile("clip.mov", 100'000);
+    faketools::setPlan(path, part({})); // no output to measure progress at
     FFMpegHandler handler(nullptr);
     QSignalSpy progress(&handler, &FFMpegHandler::ffmpegExportProgress);
     QSignalSpy result(&handler, &FFMpegHandler::ffmpegExportResult);
     handler.buildExportArguments(mediaFile(path, {}), passThrough(0));
     QVERIFY(result.wait(longWait));
-    QCOMPARE(sum(progress), 0U);
+    QCOMPARE(progress.count(), 0);
 }
 
 void TestExportRun::cancellingKillsTheToolAndStillReports()
