@@ -98,6 +98,9 @@ void TestToolArguments::extractedFilesAreNamedAfterFileStreamAndRow_data()
     row("leading dash", "-y.mov", "-y_7_12.wav");
     row("unicode", QString::fromUtf8("Aufnahme \u00e4\U0001F3AC.mov"),
         QString::fromUtf8("Aufnahme \u00e4\U0001F3AC_7_12.wav"));
+    const QString long240(240, 'x'); // leaves room for one character of four bytes
+    row("too long: only whole characters are left", long240 + QString::fromUtf8("\U0001F3AC\U0001F3AC.mov"),
+        long240 + QString::fromUtf8("\U0001F3AC_7_12.wav"));
 }
 
 void TestToolArguments::extractedFilesAreNamedAfterFileStreamAndRow()
