@@ -153,6 +153,8 @@ void TestTimecode::samplesAreExact_data()
     QTest::newRow("a rounding error before midnight is midnight") << pal << -1e-9 << 48000 << qint64{0};
     QTest::newRow("29.97 before midnight is beyond 24 hours")
         << ntsc << 2591999.0 << 48000 << qint64{4151345598};
+    QTest::newRow("the last sample of a drop-frame day")
+        << drop << 2589408.0 - 0.8 / 1601.6 << 48000 << qint64{4147195852};
     QTest::newRow("192 kHz") << pal << 2159999.0 << 192000 << qint64{192000} * 86400 - 7680;
 }
 
