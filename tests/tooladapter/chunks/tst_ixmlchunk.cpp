@@ -193,6 +193,9 @@ void TestIxmlChunk::theStartAndTheSpeedAreTheNewOnes_data()
         "<BWFXML><SPEED>" + other + "</SPEED><SPEED>" + other + "</SPEED></BWFXML>", "029.970-DF",
         "30000/1001",
         "<BWFXML><SPEED>" + newDropFrame + "</SPEED><SPEED>" + newDropFrame + "</SPEED></BWFXML>");
+    row("the same number twice", frame.arg(otherStart + low.arg(99) + rate.arg("24/1") + flag.arg("NDF")),
+        "029.970-DF", "30000/1001",
+        frame.arg(start + low.arg(1234) + rate.arg("30000/1001") + flag.arg("DF")));
     row("rate not known: only the start", frame.arg(other), "", "",
         frame.arg(start + rate.arg("24/1") + flag.arg("NDF")));
     const QString repeated = "<BEXT><BWF_DESCRIPTION>%1</BWF_DESCRIPTION><BWF_TIME_REFERENCE_LOW>%2"
