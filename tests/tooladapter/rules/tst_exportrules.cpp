@@ -592,18 +592,21 @@ void TestExportRules::whatCannotBeRightIsRefused_data()
     timecode("a digit too many", "25/1", "-timecode 10:11:12:013 -r 25", "is no timecode");
     timecode("hour 24", "25/1", "-timecode 24:00:00:00 -r 25", "no time of day");
     timecode("minute 60", "25/1", "-timecode 10:60:00:00 -r 25", "no time of day");
-    timecode("frame 25 at 25", "25/1", "-timecode 10:11:12:25 -r 25", "no such frame");
+    timecode("frame 25 at 25", "25/1", "-timecode 10:11:12:25 -r 25",
+             "timecode 10:11:12:25 has no such frame");
     timecode("frame 29 at 25", "50/1", "-timecode 10:11:12:29 -r 25", "no such frame");
-    timecode("drop-frame at 25", "25/1", "-timecode 10:11:12;13 -r 30000/1001", "29.97 or 59.94");
+    timecode("drop-frame at 25", "25/1", "-timecode 10:11:12;13 -r 30000/1001",
+             "timecode 10:11:12;13 needs a picture of 29.97 or 59.94");
     timecode("drop-frame at 30", "30/1", "-timecode 10:11:12;13 -r 30000/1001", "29.97 or 59.94");
     timecode("drop-frame counted at 25", "30000/1001", "-timecode 10:11:12;13 -r 25", "29.97 or 59.94");
     timecode("a number that drop-frame leaves out", "30000/1001", "-timecode 10:11:00;01 -r 30000/1001",
-             "does not exist");
+             "timecode 10:11:00;01 does not exist");
     timecode("reader's rate 0", "25/1", "-timecode 10:11:12:13 -r 0", "is not known");
     timecode("reader's rate 0/1001", "25/1", "-timecode 10:11:12:13 -r 0/1001", "is not known");
     timecode("NTSC without a rate at 25", "25/1", "-timecode 10:11:12:13", "is not known");
     timecode("picture without a rate", "0/0", "-timecode 10:11:12:13 -r 25", "picture is not known");
-    timecode("a picture a minute", "1/60", "-timecode 10:11:12:13 -r 25", "no frames to count");
+    timecode("a picture a minute", "1/60", "-timecode 10:11:12:13 -r 25",
+             "no frames to count for 10:11:12:13");
     timecode("a coder's rate that is another picture's", "50/1", coded25, "does not run at the rate");
     row("MXF without a picture", "audio:pcm_s24le:2", "-acodec pcm_s24le out.MXF", "has no picture");
     row("nothing left", "data", "-map 0:v -vcodec copy out.MOV", "nothing of");
