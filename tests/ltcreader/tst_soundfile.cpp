@@ -22,6 +22,7 @@ class TestSoundFile : public QObject
 private slots:
     void everyFormatIsRead_data();
     void everyFormatIsRead();
+    void asManyFramesComeAsAreAskedFor();
     void lengthsInTheHeaderNeedNotBeTrue_data();
     void lengthsInTheHeaderNeedNotBeTrue();
     void chunksBeforeTheSoundAreSkipped();
@@ -115,6 +116,19 @@ void TestSoundFile::everyFormatIsRead()
         const float expected = wav.channels.front()[i / wav.channels.size()];
         QVERIFY(std::abs(samples[i] - expected) <= step);
     }
+}
+
+void TestSoundFile::asManyFramesComeAsAreAskedFor()
+{
+    QVERIFY(!plainWav(pathOf("plain.wav")).isEmpty());
+    SoundFileError error = SoundFileError::None;
+    const auto file = SoundFile::open(pathOf("plain.wav").toStdString(), error);
+    QVERIFY(file);
+    std::vector<float> block(count);
+    QCOMPARE(file->read(block.data(), 1), std::size_t{1});
+    QCOMPARE(file->read(block.data(), 999), std::size_t{999});
+    QCOMPARE(file->read(block.data(), count), count - 1000); // the rest
+    QCOMPARE(file->read(block.data(), count), std::size_t{0});
 }
 
 void TestSoundFile::lengthsInTheHeaderNeedNotBeTrue_data()
