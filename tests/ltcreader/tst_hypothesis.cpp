@@ -3,6 +3,8 @@
 
 #include <QTest>
 
+#include <numeric>
+
 using namespace ltcreader;
 
 class TestHypothesis : public QObject
@@ -18,6 +20,7 @@ private slots:
     void digitsCarryOver();
     void minutesAreAssumedWhereTheyChange_data();
     void minutesAreAssumedWhereTheyChange();
+    void hoursStopAt23();
     void numbersAreLeftOutOnlyBeforeMinutesThatDropThem();
     void theSpeedSpeaksForItsBase_data();
     void theSpeedSpeaksForItsBase();
@@ -115,6 +118,23 @@ void TestHypothesis::minutesAreAssumedWhereTheyChange()
     QFETCH(int, frames);
     QFETCH(int, count);
     QCOMPARE(static_cast<int>(hypothesesWith(FrameNumbering{25, 0, -1}, frames).size()), count);
+}
+
+void TestHypothesis::hoursStopAt23()
+{
+    const Hypothesis hypothesis = hypothesesWith(FrameNumbering{25, 0, -1}, 25).front();
+    QVector<int> found;
+    for (const HoursAllowed &hours : hoursOf(hypothesis)) {
+        for (int tens = 0; tens < 4; ++tens) {
+            for (int units = 0; units < 16; ++units) {
+                if ((hours.tens >> tens & 1U) != 0 && (hours.units >> units & 1U) != 0)
+                    found += 10 * tens + units;
+            }
+        }
+    }
+    QVector<int> ofADay(24);
+    std::iota(ofADay.begin(), ofADay.end(), 0);
+    QCOMPARE(found, ofADay);
 }
 
 void TestHypothesis::numbersAreLeftOutOnlyBeforeMinutesThatDropThem()
