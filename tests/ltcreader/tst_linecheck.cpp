@@ -2,6 +2,7 @@
 #include "ltcreader/frontend/prewhitener.h"
 #include "ltcreader/verification/beginning.h"
 #include "ltcreader/verification/linecheck.h"
+#include "ltcreader/verification/strength.h"
 #include "tests/ltcreader/timecodegrid.h"
 
 #include <QTest>
@@ -28,6 +29,8 @@ private slots:
     void oneNoisyFrameIsNoJump();
     void errorsOfEveryFrameAreNoJump();
     void framesWithoutTimecodeSayNothing();
+    void lateTimecodeBeginsWithItsFirstWholeFrame_data();
+    void lateTimecodeBeginsWithItsFirstWholeFrame();
     void louderSoundHidesABeginning();
 };
 
@@ -197,6 +200,25 @@ void TestLineCheck::framesWithoutTimecodeSayNothing()
     std::fill_n(grid.halves.begin(), 20 * halvesPerFrame, 0.0F);
     measureSyncs(grid);
     QCOMPARE(static_cast<int>(doubtAbout(grid, 0.3)), static_cast<int>(Doubt::None));
+}
+
+void TestLineCheck::lateTimecodeBeginsWithItsFirstWholeFrame_data()
+{
+    QTest::addColumn<int>("silent"); // [frames]
+    QTest::addColumn<int>("first");
+    QTest::newRow("at once") << 0 << 0;
+    QTest::newRow("early") << 10 << 11; // the one before may be cut
+    QTest::newRow("in the last third") << 50 << 51;
+    QTest::newRow("near the end") << 70 << 71;
+}
+
+void TestLineCheck::lateTimecodeBeginsWithItsFirstWholeFrame()
+{
+    QFETCH(int, silent);
+    FrameGrid grid = gridFrom(start);
+    std::fill_n(grid.halves.begin(), silent * halvesPerFrame, 0.0F);
+    addNoise(grid, 0.1);
+    QTEST(firstWholeFrame(grid), "first");
 }
 
 void TestLineCheck::louderSoundHidesABeginning()
