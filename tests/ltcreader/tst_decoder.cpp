@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ltcreader/decoder/decoder.h"
+#include "ltcreader/decoder/finding.h"
+#include "ltcreader/edge/labeltrack.h"
 #include "testkit/signals/biphasemark.h"
 #include "testkit/signals/impairments.h"
 #include "testkit/signals/ltcsignal.h"
@@ -40,11 +42,14 @@ private slots:
     void onlyTheNamedRateIsAccepted();
     void theFrameNumberDecidesTheRateNotTheSpeed_data();
     void theFrameNumberDecidesTheRateNotTheSpeed();
+    void labelsThatARateDoesNotHaveAreNotItsOwn();
     void timecodeThatStartsLateIsExtrapolatedBack();
     void aJumpBelongsToTheFirstPart();
     void soundWithoutTimecodeIsRefused_data();
     void soundWithoutTimecodeIsRefused();
     void aSampleRateThatHoldsNoTimecodeIsNoFault();
+    void findingsOfOtherTimecodesContradict_data();
+    void findingsOfOtherTimecodesContradict();
     void readingStopsWhenItIsSure();
     void furtherFactsAreReported();
 };
@@ -446,6 +451,25 @@ void TestDecoder::theFrameNumberDecidesTheRateNotTheSpeed()
     QCOMPARE(reading->baseRate, signal.rate.base);
 }
 
+void TestDecoder::labelsThatARateDoesNotHaveAreNotItsOwn()
+{
+    constexpr double length = 1920.0; // [samples] 25 frames a second
+    std::vector<Frame> frames;
+    for (int number = 0; number < 30; ++number) {
+        const auto bits = testsignals::frameBits({10, 0, 0, number}, {30, false, false}, 0);
+        Frame frame;
+        frame.bits = (bits << 16 >> 16).to_ullong(); // without the sync word
+        frame.start = number * length;
+        frame.end = frame.start + length;
+        frames.push_back(frame);
+    }
+    const auto thirty = findTrack(frames, 48000, std::nullopt);
+    QVERIFY(!thirty || thirty->rate.base == 30); // 25 frames a second have no labels 25 to 29
+    frames.resize(25);
+    const auto twentyFive = findTrack(frames, 48000, std::nullopt);
+    QVERIFY(twentyFive && twentyFive->rate.base == 25);
+}
+
 void TestDecoder::timecodeThatStartsLateIsExtrapolatedBack()
 {
     const LtcSignal signal = signalAt(drop);
@@ -497,6 +521,35 @@ void TestDecoder::aSampleRateThatHoldsNoTimecodeIsNoFault()
     const std::vector<float> samples = sine(0.1, 0.5, 2000, 1);
     for (const int rate : {1, 10, 100, 1000, 3000})
         QCOMPARE(textOf(read(samples, rate)), QString("nothing"));
+}
+
+void TestDecoder::findingsOfOtherTimecodesContradict_data()
+{
+    QTest::addColumn<int>("base");
+    QTest::addColumn<bool>("dropFrame");
+    QTest::addColumn<double>("startCount"); // [frames]
+    QTest::addColumn<bool>("contradicts");
+    QTest::newRow("the same") << 30 << true << 1000.0 << false;
+    QTest::newRow("begun within the frame") << 30 << true << 1000.4 << false;
+    QTest::newRow("a frame later") << 30 << true << 1001.0 << true;
+    QTest::newRow("a frame earlier") << 30 << true << 999.0 << true;
+    QTest::newRow("another base") << 25 << true << 1000.0 << true;
+    QTest::newRow("no drop-frame") << 30 << false << 1000.0 << true;
+}
+
+void TestDecoder::findingsOfOtherTimecodesContradict()
+{
+    QFETCH(int, base);
+    QFETCH(bool, dropFrame);
+    QFETCH(double, startCount);
+    Finding found;
+    found.rate = {30, true, true};
+    found.startCount = 1000.0;
+    Finding other = found;
+    other.rate = {base, true, dropFrame};
+    other.startCount = startCount;
+    QTEST(contradict(found, other), "contradicts");
+    QTEST(contradict(other, found), "contradicts");
 }
 
 void TestDecoder::readingStopsWhenItIsSure()
