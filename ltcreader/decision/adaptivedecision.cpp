@@ -152,10 +152,12 @@ std::optional<AdaptiveDecision> decideAdaptively(Decide decide, const Candidate 
             best = std::move(other);
     };
     if (mayBeInterference(best.decision, candidate)) {
+        const double firstAmplitude = best.decision.amplitude;
         auto other = withoutInterference(decider, candidate, best.decision);
         const bool confirmed = other && isSame(other->decision, best.decision);
         best.decision.margin = confirmed ? std::min(best.decision.margin, other->decision.margin) : 0.0;
-        if (other)
+        // Without what really interferes, levels are clearer.
+        if (other && other->decision.amplitude > firstAmplitude)
             take(std::move(*other));
     }
     if (isDoubtful(best.decision)) {

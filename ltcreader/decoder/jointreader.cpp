@@ -123,10 +123,14 @@ Doubt doubtAbout(const Decided &best, const std::optional<Decided> &first, const
 {
     if (!isBelievable(best.decision))
         return Doubt::TooNoisy;
-    const bool doubted = std::any_of(all.begin(), all.end(), [&best](const Decided &other) {
-        return other.decision.margin > contradictingMargin * best.decision.margin && contradict(other, best);
-    });
-    if (doubted)
+    const auto speaksAgainst = [&best](const Decided &other) {
+        const bool isSure = other.decision.margin > contradictingMargin * best.decision.margin;
+        // What was changed to suit a label must at least be clearer than what was not.
+        const bool isClearer =
+            best.candidate.grid.hasLearnt && other.decision.significance > best.decision.significance;
+        return (isSure || isClearer) && contradict(other, best);
+    };
+    if (std::any_of(all.begin(), all.end(), speaksAgainst))
         return Doubt::TwoTimecodes;
     const Doubt doubt = doubtAboutFrames(best, samples, sampleRate);
     // A straight clock does not follow into other timecode at the beginning: the first one may.

@@ -307,6 +307,7 @@ void TestOddBenchmark::whatWasReadWrongOnceIsNot_data()
     QTest::newRow("23.976, not 24, in 0.2 s of speech") << "edge/7702/2351";
     QTest::newRow("another hour, in hum of twice the frame rate") << "5101/88623";
     QTest::newRow("what a filter took away taken for its echo, 0.2 s behind a radio channel") << "7401/5192";
+    QTest::newRow("labels of no clock and echoes that are none, 0.2 s in a wireless link") << "7801/31824";
     QTest::newRow("a frame before a jump bent by its own echo, in speech") << "7601/7190";
 }
 
