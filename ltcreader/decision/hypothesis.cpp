@@ -121,10 +121,20 @@ std::vector<Hypothesis> rivalsOf(const Hypothesis &best, const std::vector<Hypot
     // frame counts.
     const int middle = frames / 2;
     const int early = std::min(frameThatCounts, middle);
+    const Hypothesis *counting = nullptr; // over a minute that its flag would have it skip labels of
     for (const Hypothesis &other : others) {
         const int first = other.numbering.base == best.numbering.base ? early : 0;
-        if (!sameTimecode(other, best, first) || !sameTimecode(other, best, middle))
-            rivals.push_back(other);
+        if (sameTimecode(other, best, first) && sameTimecode(other, best, middle))
+            continue;
+        rivals.push_back(other);
+        const bool mustBeUnflagged = other.numbering.base == 30 && other.allowed[DropFlag] == 0b01;
+        if (mustBeUnflagged && (!counting || other.fit > counting->fit))
+            counting = &other;
+    }
+    if (counting) {
+        Hypothesis flagged = *counting;
+        flagged.allowed[DropFlag] = anyBit;
+        addEvaluated(flagged);
     }
     const Digits assumed = digitsAfter(best, 0);
     for (const Digit digit : {DropFlag, MinuteUnits, MinuteTens, HourUnits, HourTens}) {

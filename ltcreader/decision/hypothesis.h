@@ -47,9 +47,10 @@ bool sameTimecode(const Hypothesis &a, const Hypothesis &b, int frame);
 
 /// The hypotheses that mean another timecode than \a best: of \a others and, as \a evaluate finds them, those
 /// with a digit of best that stands still forced to another value, legal or not, and those with a value that
-/// no clock shows in a digit of the second or of the frame number. The drop-frame flag counts where there are
-/// 30 labels in a second. Compared are an early frame (for another base the first one) and the one in the
-/// middle of \a frames, since in cut frames at the ends hypotheses may differ by nothing.
+/// no clock shows in a digit of the second or of the frame number, or count against their drop-frame flag.
+/// That flag counts where there are 30 labels in a second. Compared are an early frame (for another base the
+/// first one) and the one in the middle of \a frames, since in cut frames at the ends hypotheses may differ
+/// by nothing.
 std::vector<Hypothesis> rivalsOf(const Hypothesis &best, const std::vector<Hypothesis> &others, int frames,
                                  const std::function<void(Hypothesis &)> &evaluate);
 

@@ -308,6 +308,7 @@ void TestOddBenchmark::whatWasReadWrongOnceIsNot_data()
     QTest::newRow("another hour, in hum of twice the frame rate") << "5101/88623";
     QTest::newRow("what a filter took away taken for its echo, 0.2 s behind a radio channel") << "7401/5192";
     QTest::newRow("labels of no clock and echoes that are none, 0.2 s in a wireless link") << "7801/31824";
+    QTest::newRow("a full minute that is counted against the flag, 0.3 s of white noise") << "8001/7357";
     QTest::newRow("a frame before a jump bent by its own echo, in speech") << "7601/7190";
 }
 
