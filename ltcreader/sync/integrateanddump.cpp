@@ -13,7 +13,7 @@ std::vector<float> integrate(const std::vector<float> &samples, const Clock &clo
 {
     const auto length = static_cast<double>(samples.size());
     const std::vector<double> sums = runningSums(samples);
-    // A sample stands for the time from half a sample before it to half a sample after it.
+    // A sample covers the time from half a sample before it to half a sample after it.
     const auto sumUpTo = [&](double position) {
         const double place = std::clamp(position + 0.5, 0.0, length);
         const auto index = std::min(static_cast<std::size_t>(place), samples.size() - 1);

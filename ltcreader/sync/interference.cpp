@@ -34,7 +34,7 @@ Spectrum squareWaves(const Candidate &candidate, const std::vector<float> &level
 {
     Spectrum wave(candidate.sound->samples.size());
     const auto end = static_cast<double>(wave.size());
-    // A sample stands for the time from half a sample before it to half a sample after it.
+    // A sample covers the time from half a sample before it to half a sample after it.
     const auto beginOf = [&](std::size_t half) {
         const double place = static_cast<double>(half) + candidate.grid.firstHalf;
         return std::clamp(candidate.clock.position(0.5 * place) + 0.5, 0.0, end);
