@@ -214,6 +214,18 @@ std::vector<Frame> firstClearRun(const std::vector<Frame> &frames)
     return run.size() >= shortestTrack ? run : std::vector<Frame>();
 }
 
+/// How far the label of \a frame is from the line of \a track [frames], the shorter way round the day; none
+/// where the rate has no such label.
+std::optional<std::int64_t> distanceFromLine(const LabelTrack &track, const Frame &frame)
+{
+    const auto label = labelOf(frame.bits);
+    if (!label || !isLabel(*label, track.rate))
+        return std::nullopt;
+    const std::int64_t expected = std::llround(track.startCount + frame.start / track.frameLength);
+    const auto distance = static_cast<double>(frameCount(*label, track.rate) - expected);
+    return std::llround(std::remainder(distance, static_cast<double>(framesPerDay(track.rate))));
+}
+
 bool majorityHasDropFlag(const std::vector<Member> &members)
 {
     const auto flagged = std::count_if(members.begin(), members.end(), [](const Member &member) {
@@ -308,30 +320,17 @@ bool endsAtJump(const LabelTrack &track, const std::vector<Frame> &frames)
     const auto next = std::find_if(frames.begin(), frames.end(), [&track](const Frame &frame) {
         return isClear(frame) && frame.start > track.last - 0.5 * track.frameLength;
     });
-    if (next == frames.end())
-        return false;
-    const auto label = labelOf(next->bits);
-    const std::int64_t day = framesPerDay(track.rate);
-    const std::int64_t expected = std::llround(track.startCount + next->start / track.frameLength);
-    return label && isLabel(*label, track.rate) &&
-           std::abs(std::remainder(static_cast<double>(frameCount(*label, track.rate) - expected),
-                                   static_cast<double>(day))) > track.rate.base;
+    const auto distance = next == frames.end() ? std::nullopt : distanceFromLine(track, *next);
+    return distance && std::abs(*distance) > track.rate.base;
 }
 
 bool isContradicted(const LabelTrack &track, const std::vector<Frame> &frames)
 {
-    const std::int64_t day = framesPerDay(track.rate);
-    const auto isOnLine = [&](const Frame &frame) {
-        const auto label = labelOf(frame.bits);
-        const double count = track.startCount + frame.start / track.frameLength;
-        return label && isLabel(*label, track.rate) &&
-               (frameCount(*label, track.rate) - std::llround(count)) % day == 0;
-    };
     const double half = 0.5 * track.frameLength;
     int before = 0;
     int within = 0;
     for (const Frame &frame : frames) {
-        if (isClear(frame) && frame.start < track.last - half && !isOnLine(frame))
+        if (isClear(frame) && frame.start < track.last - half && distanceFromLine(track, frame) != 0)
             ++(frame.start < track.first - half ? before : within);
     }
     const bool isShort = track.frames < static_cast<int>(longTrack);
