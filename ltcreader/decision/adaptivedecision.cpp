@@ -21,7 +21,6 @@ namespace ltcreader
 namespace
 {
 
-constexpr double plainMargin = 60.0;        // log-likelihood beyond which nothing needs to be learnt
 constexpr double adaptableAmplitude = 0.25; // below it too many levels are wrong to learn from
 constexpr double adaptedTrust = 0.67;       // in margins that learning brought about
 constexpr double unconfirmedTrust = 0.5;    // in margins that it does not confirm

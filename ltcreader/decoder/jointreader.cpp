@@ -24,7 +24,6 @@ namespace
 {
 
 constexpr std::size_t decidedCandidates = 6;
-constexpr double plainMargin = 60.0;        // log-likelihood beyond which no other way of reading is tried
 constexpr double contradictingMargin = 0.3; // of the best reading's
 
 // What a decision must reach. Chosen with the benchmark: wrong ones stay well below, what is lost is the last
@@ -59,6 +58,7 @@ struct Decided {
     }
 };
 
+/// Decides on \a candidate in \a way; none where nothing can be decided or the base is not \a wanted.
 std::optional<Decided> decide(const Way &way, const Candidate &candidate,
                               const std::optional<timecode::Rate> &wanted)
 {
