@@ -37,34 +37,45 @@ double amplitudeOf(const std::vector<float> &syncs, double sum)
     return std::max(steadyAmplitude, freeAmplitude);
 }
 
+/// Polarities by \a evidence, the log-likelihood ratio of both polarities for each sync word.
+Polarities polaritiesBy(const std::vector<double> &evidence)
+{
+    Polarities result;
+    for (const double ratio : evidence)
+        result.atSync.push_back(static_cast<float>(std::tanh(ratio)));
+    // The sync word has three zeros: it ends with the other polarity, which is that of the frame that
+    // follows.
+    result.atStart.push_back(0.0F);
+    for (std::size_t frame = 1; frame < evidence.size(); ++frame)
+        result.atStart.push_back(-result.atSync[frame - 1]);
+    return result;
+}
+
 } // namespace
 
-Polarities findPolarities(const FrameGrid &grid)
+std::vector<Polarities> possiblePolarities(const FrameGrid &grid)
 {
     double sum = 0.0;
     for (const float sync : grid.syncs)
         sum += static_cast<double>(sync);
-    Polarities result;
-    result.amplitude = amplitudeOf(grid.syncs, sum);
-    const double held = believableAmplitude(result.amplitude);
+    const double amplitude = amplitudeOf(grid.syncs, sum);
+    const double held = believableAmplitude(amplitude);
     const double scale = held / (1.0 - held * held); // from correlation to log-likelihood
-    double freeLikelihood = 0.0;
+    std::vector<double> evidence;
     for (const float sync : grid.syncs)
-        freeLikelihood += logCosh(scale * static_cast<double>(sync));
-    // Most encoders begin all frames with the same polarity. That is assumed where the sync words do not
-    // speak against it, as all of them together then show the polarity of each.
-    const bool steady = logCosh(scale * sum) >= freeLikelihood;
-    for (const float sync : grid.syncs) {
-        const double evidence = steady ? sum : static_cast<double>(sync);
-        result.atSync.push_back(static_cast<float>(std::tanh(scale * evidence)));
-    }
-    // The sync word has three zeros: it ends with the other polarity, which is that of the frame that
-    // follows.
-    result.atStart.push_back(steady ? -result.atSync.front() : 0.0F);
-    for (std::size_t frame = 1; frame < grid.syncs.size(); ++frame) {
-        result.atStart.push_back(-result.atSync[frame - 1]);
-    }
-    return result;
+        evidence.push_back(scale * static_cast<double>(sync));
+    // Most encoders begin all frames with the same polarity: all sync words together then show that of each.
+    Polarities steady = polaritiesBy(std::vector<double>(evidence.size(), scale * sum));
+    steady.atStart.front() = -steady.atSync.front();
+    steady.amplitude = amplitude;
+    steady.syncFit = logCosh(scale * sum) / scale;
+    Polarities free = polaritiesBy(evidence);
+    free.amplitude = amplitude;
+    for (const double ratio : evidence)
+        free.syncFit += logCosh(ratio) / scale;
+    if (steady.syncFit >= free.syncFit)
+        return {std::move(steady)};
+    return {std::move(free), std::move(steady)};
 }
 
 CoherentAverage averageFrames(const FrameGrid &grid, const Polarities &polarities,

@@ -15,10 +15,12 @@ struct Polarities {
     std::vector<float> atStart; ///< of bit 0 of each frame: 1 high, -1 low, in between where doubtful
     std::vector<float> atSync;  ///< of the first bit of the sync word of each frame
     double amplitude = 0.0;     ///< of the sync words in half bits of mean square 1
+    double syncFit = 0.0;       ///< of the sync words in half bits: their likelihood as a fit
 };
 
-/// Reads the polarities from the sync words of \a grid.
-Polarities findPolarities(const FrameGrid &grid);
+/// What the polarities of \a grid may be by its sync words, the likeliest first: the same in all frames, and
+/// where sync words speak against that, any.
+std::vector<Polarities> possiblePolarities(const FrameGrid &grid);
 
 /// Where the phase correction bit may be: bit 27 at 24 and 30 frames a second, bit 59 at 25, if encoders keep
 /// to it. Bits before it take their polarity from the frame's start, bits after it from the frame's end.

@@ -247,7 +247,7 @@ std::optional<LabelDecision> decideByDigits(const FrameGrid &grid, double measur
 {
     if (grid.frames < 1)
         return std::nullopt;
-    const double syncAmplitude = findPolarities(grid).amplitude;
+    const double syncAmplitude = possiblePolarities(grid).front().amplitude;
     const double scale = scaleOf(syncAmplitude);
     const std::vector<DigitLikelihoods> frames = likelihoodsOfFrames(grid, scale);
     std::vector<Hypothesis> hypotheses;

@@ -103,6 +103,46 @@ std::vector<Hypothesis> nearest(std::vector<Hypothesis> rivals)
     return rivals;
 }
 
+/// A decision under one assumption about polarities.
+struct Assumed {
+    LabelDecision decision;
+    double fit;    ///< with that of the sync words
+    double perFit; ///< log-likelihood that each unit of it is worth
+};
+
+/// Decides on \a grid, whose frames follow each other at \a measuredRate [frames/s] and have \a polarities.
+std::optional<Assumed> decideWith(const Polarities &polarities, const FrameGrid &grid, double measuredRate)
+{
+    const NumberedAverages averages = bestNumberings(grid, polarities);
+    const std::vector<Hypothesis> hypotheses = evaluatedHypotheses(averages, grid.frames);
+    if (hypotheses.empty())
+        return std::nullopt;
+    const double halves = usedHalves(grid);
+    const Hypothesis &best = bestOf(hypotheses, likelihoodPerFit(hypotheses, halves), measuredRate);
+    auto decision = decisionFor(best, grid.frames);
+    if (!decision)
+        return std::nullopt;
+    const auto evaluateAgain = [&](Hypothesis &other) {
+        evaluate(averageFrames(grid, polarities, other.numbering, other.correctionBit), other);
+    };
+    decision->amplitude = static_cast<double>(best.fit) / halves;
+    decision->significance = static_cast<double>(best.fit) / std::sqrt(halves);
+    decision->syncAmplitude = polarities.amplitude;
+    decision->steadyBits = true;
+    decision->levels = remodulate(grid, polarities, best);
+    const double unexplained = noiseBeside(decision->amplitude);
+    const double repeated = repeatedError(grid, decision->levels);
+    decision->repetition = repeated / unexplained;
+    // From fit to log-likelihood, with the greater of both kinds of noise where the nearest labels differ.
+    const double correlated = 1.0 + std::max(0.0, boundaryCorrelation(grid, decision->levels));
+    const double perFit = std::min(1.0, decision->amplitude) / (correlated * std::max(unexplained, repeated));
+    std::vector<Hypothesis> rivals = rivalsOf(best, hypotheses, grid.frames, evaluateAgain);
+    decision->margin = marginOf(best, rivals, perFit, measuredRate);
+    decision->rivals = nearest(std::move(rivals));
+    decision->polarities = polarities;
+    return Assumed{std::move(*decision), static_cast<double>(best.fit) + polarities.syncFit, perFit};
+}
+
 } // namespace
 
 std::optional<LabelDecision> decisionFor(const Hypothesis &best, int frames)
@@ -137,35 +177,21 @@ std::optional<LabelDecision> decideTimecode(const FrameGrid &grid, double measur
 {
     if (grid.frames < 1)
         return std::nullopt;
-    const Polarities polarities = findPolarities(grid);
-    const NumberedAverages averages = bestNumberings(grid, polarities);
-    const std::vector<Hypothesis> hypotheses = evaluatedHypotheses(averages, grid.frames);
-    if (hypotheses.empty())
-        return std::nullopt;
-    const double halves = usedHalves(grid);
-    const Hypothesis &best = bestOf(hypotheses, likelihoodPerFit(hypotheses, halves), measuredRate);
-    auto decision = decisionFor(best, grid.frames);
-    if (!decision)
-        return std::nullopt;
-    const auto evaluateAgain = [&](Hypothesis &other) {
-        evaluate(averageFrames(grid, polarities, other.numbering, other.correctionBit), other);
-    };
-    decision->amplitude = static_cast<double>(best.fit) / halves;
-    decision->significance = static_cast<double>(best.fit) / std::sqrt(halves);
-    decision->syncAmplitude = polarities.amplitude;
-    decision->steadyBits = true;
-    decision->levels = remodulate(grid, polarities, best);
-    const double unexplained = noiseBeside(decision->amplitude);
-    const double repeated = repeatedError(grid, decision->levels);
-    decision->repetition = repeated / unexplained;
-    // From fit to log-likelihood, with the greater of both kinds of noise where the nearest labels differ.
-    const double correlated = 1.0 + std::max(0.0, boundaryCorrelation(grid, decision->levels));
-    const double perFit = std::min(1.0, decision->amplitude) / (correlated * std::max(unexplained, repeated));
-    std::vector<Hypothesis> rivals = rivalsOf(best, hypotheses, grid.frames, evaluateAgain);
-    decision->margin = marginOf(best, rivals, perFit, measuredRate);
-    decision->rivals = nearest(std::move(rivals));
-    decision->polarities = polarities;
-    return decision;
+    std::optional<Assumed> best;
+    for (const Polarities &polarities : possiblePolarities(grid)) {
+        auto other = decideWith(polarities, grid, measuredRate);
+        if (other && best) {
+            const double lead = std::min(best->perFit, other->perFit) * (other->fit - best->fit);
+            if (lead > 0.0)
+                std::swap(best, other);
+            if (best->decision.count != other->decision.count ||
+                best->decision.rate.base != other->decision.rate.base)
+                best->decision.margin = std::min(best->decision.margin, std::abs(lead));
+        } else if (other) {
+            best = std::move(other);
+        }
+    }
+    return best ? std::optional(std::move(best->decision)) : std::nullopt;
 }
 
 } // namespace ltcreader

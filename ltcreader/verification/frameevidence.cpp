@@ -141,7 +141,7 @@ Unexplained unexplainedBy(const std::vector<float> &levels, const FrameGrid &gri
 Evidence evidenceOf(const FrameGrid &grid, const std::vector<float> &levels)
 {
     const double unexplained = unexplainedBy(levels, grid).whole;
-    const Polarities polarities = findPolarities(grid);
+    const Polarities polarities = possiblePolarities(grid).front();
     const bool steady = isSteady(grid);
     Evidence evidence(static_cast<std::size_t>(grid.frames));
     for (int frame = firstWholeFrame(grid); frame < grid.frames; ++frame) {

@@ -8,6 +8,7 @@
 #include <QTest>
 
 #include <algorithm>
+#include <bit>
 #include <random>
 
 using namespace ltcreader;
@@ -59,6 +60,8 @@ private slots:
     void digitsThatComeAsTheyLikeAreNoTimecode();
     void labelsThatNoClockShowsAreNoneOfTheirNeighbours_data();
     void labelsThatNoClockShowsAreNoneOfTheirNeighbours();
+    void aBentSyncWordMisleadsNoFrame_data();
+    void aBentSyncWordMisleadsNoFrame();
     void errorsThatBoundariesShareProveLess();
     void aLearningFilterRestoresWhatRunsTogether();
 };
@@ -165,6 +168,34 @@ void TestLabelDecision::labelsThatNoClockShowsAreNoneOfTheirNeighbours()
         QVERIFY2(!decision || decision->margin < believedMargin,
                  decision ? qPrintable(text(startOf(*decision))) : "");
     }
+}
+
+void TestLabelDecision::aBentSyncWordMisleadsNoFrame_data()
+{
+    QTest::addColumn<int>("bentFrame");
+    for (int frame = 0; frame < 5; ++frame)
+        QTest::addRow("frame %d", frame) << frame;
+}
+
+void TestLabelDecision::aBentSyncWordMisleadsNoFrame()
+{
+    QFETCH(int, bentFrame);
+    const timecode::Rate film{24, false, false};
+    const timecode::Label start{15, 40, 1, 16};
+    const auto withPhaseCorrection = [](int frame) { // all frames begin alike
+        const int frames = 16 + frame;
+        const int ones = std::popcount(static_cast<unsigned>(frames / 10 * 16 + frames % 10));
+        return standingUserBits(frame) | FrameBits{ones % 2 != 0} << 27;
+    };
+    FrameGrid grid = gridOfTimecode(start, film, 5, withPhaseCorrection);
+    addNoise(grid, 0.3);
+    for (int half = dataHalves; half < halvesPerFrame; ++half)
+        grid.halves[static_cast<std::size_t>(bentFrame * halvesPerFrame + half)] *= -0.3F;
+    measureSyncs(grid);
+    const auto decision = decideTimecode(grid, 24.0);
+    QVERIFY(decision);
+    QCOMPARE(text(startOf(*decision)), text(start));
+    QVERIFY2(decision->margin > believedMargin, qPrintable(QString::number(decision->margin)));
 }
 
 void TestLabelDecision::errorsThatBoundariesShareProveLess()

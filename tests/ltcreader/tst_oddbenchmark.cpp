@@ -322,6 +322,8 @@ void TestOddBenchmark::whatWasReadWrongOnceIsNot()
 void TestOddBenchmark::whatWasRefusedOnceIsRead_data()
 {
     QTest::addColumn<QString>("name");
+    QTest::newRow("a sync word bent by hum, 0.2 s") << "edge/9003/2901";
+    QTest::newRow("a sync word bent by speech, 0.2 s") << "edge/9003/517";
     QTest::newRow("a weak clock, -19.0 dB, 29.97") << "edge/1902/914";
     QTest::newRow("30, not 29.97, in 0.2 s of white noise") << "edge/2151/666";
     QTest::newRow("bits that are not where the clock is, radio channel, 1 s") << "edge/2151/221";
