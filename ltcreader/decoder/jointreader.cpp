@@ -94,13 +94,21 @@ bool contradict(const Decided &a, const Decided &b)
     return a.decision.rate.base != b.decision.rate.base || std::abs(a.startCount() - b.startCount()) > 0.5;
 }
 
-/// The decision with the greatest margin; null when there is none.
+/// The decision with the greatest margin; null when there is none. What was changed to suit a label must also
+/// be clearer than all that contradict it.
 Decided *likeliest(std::vector<Decided> &all)
 {
-    const auto best = std::max_element(all.begin(), all.end(), [](const Decided &a, const Decided &b) {
-        return a.decision.margin < b.decision.margin;
-    });
-    return best == all.end() ? nullptr : &*best;
+    Decided *best = nullptr;
+    for (Decided &decided : all) {
+        const auto isClearer = [&decided](const Decided &other) {
+            return other.decision.significance > decided.decision.significance && contradict(other, decided);
+        };
+        if (decided.candidate.grid.hasLearnt && std::any_of(all.begin(), all.end(), isClearer))
+            continue;
+        if (!best || decided.decision.margin > best->decision.margin)
+            best = &decided;
+    }
+    return best;
 }
 
 /// What frames of \a samples say against \a decided.
@@ -124,11 +132,7 @@ Doubt doubtAbout(const Decided &best, const std::optional<Decided> &first, const
     if (!isBelievable(best.decision))
         return Doubt::TooNoisy;
     const auto speaksAgainst = [&best](const Decided &other) {
-        const bool isSure = other.decision.margin > contradictingMargin * best.decision.margin;
-        // What was changed to suit a label must at least be clearer than what was not.
-        const bool isClearer =
-            best.candidate.grid.hasLearnt && other.decision.significance > best.decision.significance;
-        return (isSure || isClearer) && contradict(other, best);
+        return other.decision.margin > contradictingMargin * best.decision.margin && contradict(other, best);
     };
     if (std::any_of(all.begin(), all.end(), speaksAgainst))
         return Doubt::TwoTimecodes;

@@ -98,6 +98,8 @@ private slots:
     void whatWasReadWrongOnceIsNot();
     void whatWasRefusedOnceIsRead_data();
     void whatWasRefusedOnceIsRead();
+    void whatIsLikeliestIsClearestToo_data();
+    void whatIsLikeliestIsClearestToo();
     void everyBehaviourIsDrawnAndMade();
     void recordingsAtTheEdgeAreOrdinary();
     void valuesAtTheEdgeFollowTheLength();
@@ -338,6 +340,19 @@ void TestOddBenchmark::whatWasRefusedOnceIsRead()
 {
     QFETCH(QString, name);
     QVERIFY(measure(drawNamed(name.toStdString())).verdict == Verdict::Right);
+}
+
+void TestOddBenchmark::whatIsLikeliestIsClearestToo_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("another adapts better, 0.2 s behind a radio channel, 30") << "edge/9001/1517";
+    QTest::newRow("another adapts better, 0.2 s behind a radio channel, 29.97") << "edge/9003/2673";
+}
+
+void TestOddBenchmark::whatIsLikeliestIsClearestToo()
+{
+    QFETCH(QString, name);
+    QVERIFY(measure(drawNamed(name.toStdString())).likelyRight);
 }
 
 void TestOddBenchmark::everyBehaviourIsDrawnAndMade()
