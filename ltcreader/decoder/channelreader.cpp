@@ -17,13 +17,6 @@ Algorithm firstTried(Algorithm algorithm)
     return algorithm == Algorithm::Automatic ? Algorithm::Mid : algorithm;
 }
 
-/// Whether \a doubt says that frames carry something else, not that they are hard to read.
-bool isOfLabels(Doubt doubt)
-{
-    return doubt != Doubt::None && doubt != Doubt::NoTimecode && doubt != Doubt::TooNoisy &&
-           doubt != Doubt::RateClass;
-}
-
 } // namespace
 
 ChannelReader::ChannelReader(const Window &window, int channel, Algorithm algorithm,

@@ -3,7 +3,7 @@
 // The recording is read in blocks. Every channel is sliced as it comes in; as soon as one shows an unbroken
 // row of frames in which the frame number has returned to its start, reading ends: a clean file costs a
 // second of sound. When the window is full and nothing was beyond doubt, everything else is tried on what was
-// kept. Where that finds nothing either, the window moves on.
+// kept. Where that finds nothing either, or only noise, the window moves on.
 
 #include "ltcreader/decoder/decoder.h"
 
@@ -101,7 +101,8 @@ Outcome examine(SampleSource &source, const Settings &settings)
         } else if (outcome.doubt == Doubt::None) {
             outcome.doubt = Doubt::TooNoisy;
         }
-        if (outcome.doubt == Doubt::None)
+        // What runs later says nothing about the first sample if labels before it did something else.
+        if (outcome.doubt == Doubt::None || isOfLabels(outcome.doubt))
             return outcome;
     } while (window.moveOn());
     return outcome;

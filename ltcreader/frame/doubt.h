@@ -20,4 +20,11 @@ enum class Doubt {
     RateClass     ///< the recording is too short to distinguish 1000/1001 from the whole rate
 };
 
+/// Whether \a doubt says that frames carry something else, not that they are hard to read.
+constexpr bool isOfLabels(Doubt doubt)
+{
+    return doubt != Doubt::None && doubt != Doubt::NoTimecode && doubt != Doubt::TooNoisy &&
+           doubt != Doubt::RateClass;
+}
+
 } // namespace ltcreader

@@ -74,6 +74,8 @@ private slots:
     void sevenCleanFramesBeforeASkipAreNot();
     void aClockInTheUserBitsDoesNotChangeTheLabel();
     void aRunningPartBehindAPauseIsNotExtrapolatedThroughIt();
+    void aLongRecordingIsNotCountedBackThroughOtherLabels_data();
+    void aLongRecordingIsNotCountedBackThroughOtherLabels();
     void aLateBeginningIsReadThroughSilence();
     void shortRecordingsGiveFiniteNumbers();
     void theRateClassIsOnlyAnsweredWhenItIsProven();
@@ -253,6 +255,35 @@ void TestOddLabels::aRunningPartBehindAPauseIsNotExtrapolatedThroughIt()
             pal, 3.0, noise));
         QVERIFY2(outcome.doubt != Doubt::None, qPrintable(QStringLiteral("noise %1 dB").arg(noise)));
     }
+}
+
+void TestOddLabels::aLongRecordingIsNotCountedBackThroughOtherLabels_data()
+{
+    QTest::addColumn<LabelAt>("labelAt");
+    QTest::addColumn<Doubt>("doubt");
+    constexpr std::int64_t change = 100; // frames, 4 s: behind the first window
+    const auto row = [](const char *name, const LabelAt &before, Doubt doubt) {
+        const LabelAt labelAt = [before](std::int64_t index, LtcRate rate) {
+            return index < change ? before(index, rate) : counting(start, index, rate);
+        };
+        QTest::newRow(name) << labelAt << doubt;
+    };
+    row(
+        "frozen", [](std::int64_t, LtcRate) { return start; }, Doubt::Frozen);
+    row(
+        "held", [](std::int64_t index, LtcRate rate) { return counting(start, index / 2, rate); },
+        Doubt::Held);
+    row(
+        "down", [](std::int64_t index, LtcRate rate) { return counting(start, -index, rate); },
+        Doubt::CountingDown);
+    row("hour 27", illegalHour, Doubt::Unreal);
+}
+
+void TestOddLabels::aLongRecordingIsNotCountedBackThroughOtherLabels()
+{
+    QFETCH(LabelAt, labelAt);
+    QFETCH(Doubt, doubt);
+    QCOMPARE(static_cast<int>(outcomeOf(recording(labelAt, pal, 12.0, 40.0)).doubt), static_cast<int>(doubt));
 }
 
 void TestOddLabels::aLateBeginningIsReadThroughSilence()
