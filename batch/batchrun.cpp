@@ -186,7 +186,7 @@ void BatchRun::goOn()
 bool BatchRun::mayCarryLater(int row) const
 {
     return isSearchingLater && files.status(row).audioTC == RowStatus::AudioTC::NotFound &&
-           laterwindows::count(files.record(row)) > 0;
+           laterwindows::count(files.record(row)) > 1;
 }
 
 void BatchRun::startSearching()

@@ -13,6 +13,9 @@
 namespace
 {
 
+constexpr const char *mediaTool = "ffmpeg.exe";
+constexpr const char *reader = "LTCReader.exe";
+
 constexpr int timecodeFound = 0;
 constexpr int timecodeNotFound = 205;
 constexpr int noSound = 204; // behind the end of a stream that is shorter than its file
@@ -30,12 +33,12 @@ LaterSearch::LaterSearch(const FileData &file, const std::optional<AudioTCOption
 
 int LaterSearch::windowsLeft() const
 {
-    return laterwindows::count(file) + 1 - second / laterwindows::windowSeconds;
+    return laterwindows::count(file) - second / laterwindows::windowSeconds;
 }
 
 void LaterSearch::searchWindow()
 {
-    if (windowsLeft() == 0) {
+    if (windowsLeft() == 0 || streams.isEmpty()) {
         LaterFinding finding;
         finding.kind = LaterFinding::Kind::NotFound;
         finding.reason = doubt;
@@ -86,12 +89,14 @@ void LaterSearch::judge(int place)
 void LaterSearch::run(const QString &program, const QStringList &arguments, const Next &next)
 {
     auto *process = new ToolProcess(this);
-    process->setStandardErrorFile(QProcess::nullDevice());
     output.clear();
+    if (program == mediaTool) // its messages about damaged sound have no end
+        process->setStandardErrorFile(QProcess::nullDevice());
     connect(process, &QProcess::readyReadStandardOutput, this,
             [this, process] { output += process->readAllStandardOutput(); });
     connect(process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
-            [process, next](int exitCode, QProcess::ExitStatus status) {
+            [this, process, next](int exitCode, QProcess::ExitStatus status) {
+                standardError = process->readAllStandardError();
                 process->deleteLater();
                 next(status == QProcess::NormalExit ? exitCode : toolNotStarted);
             });
@@ -110,7 +115,7 @@ void LaterSearch::run(const QString &program, const QStringList &arguments, cons
 
 void LaterSearch::extract(const QStringList &arguments, const std::function<void()> &next)
 {
-    run("ffmpeg.exe", arguments, [this, next](int exitCode) {
+    run(mediaTool, arguments, [this, next](int exitCode) {
         if (exitCode == 0)
             next();
         else
@@ -119,19 +124,25 @@ void LaterSearch::extract(const QStringList &arguments, const std::function<void
 }
 
 /// Goes on with \a next when there is timecode in \a path, and with the stream after \a place when there is
-/// none.
+/// none. A stream whose labels do not count up is not searched any further.
 void LaterSearch::read(const QString &path, QJsonObject &result, int place, const std::function<void()> &next)
 {
     const QStringList arguments = reading ? readerarguments::chosen(path, *reading, file.isGoPro)
                                           : readerarguments::automatic(path, file.isGoPro);
-    run("LTCReader.exe", arguments, [this, &result, place, next](int exitCode) {
+    run(reader, arguments, [this, path, &result, place, next](int exitCode) {
         result = QJsonDocument::fromJson(output).object();
-        if (exitCode == timecodeFound && !result["Timecode"].toString().isEmpty())
+        const QString fault = laterwindows::labelFault(standardError, path);
+        if (exitCode == timecodeNotFound && !fault.isEmpty()) {
+            doubt = QString("the timecode at second %1: %2").arg(second).arg(fault);
+            streams.removeAt(place);
+            readStream(place);
+        } else if (exitCode == timecodeFound && !result["Timecode"].toString().isEmpty()) {
             next();
-        else if (exitCode == timecodeFound || exitCode == timecodeNotFound || exitCode == noSound)
+        } else if (exitCode == timecodeFound || exitCode == timecodeNotFound || exitCode == noSound) {
             readStream(place + 1);
-        else
+        } else {
             fail(exitCode);
+        }
     });
 }
 

@@ -13,8 +13,8 @@
 #include <functional>
 #include <optional>
 
-/// Searches one file from its fourth second to its end for timecode, window after window. The tools run one
-/// after the other.
+/// Searches one file for timecode to its end, window after window. It begins with the first one again, since
+/// timecode is not counted back through labels that do not count up. The tools run one after the other.
 ///
 /// Reports once. Deleted before, it kills its tool and reports nothing.
 class LaterSearch : public QObject
@@ -52,8 +52,9 @@ private:
     std::optional<AudioTCOptions> reading;
     QTemporaryDir folder; ///< of the windows' sound
     QVector<int> streams;
-    int second = laterwindows::windowSeconds; ///< [s] at which the window begins
-    laterwindows::Readings readings;          ///< of the stream that is being read
-    QString doubt;                            ///< why the timecode that was found last does not count
-    QByteArray output;                        ///< of the tool that runs
+    int second = 0;                  ///< [s] at which the window begins
+    laterwindows::Readings readings; ///< of the stream that is being read
+    QString doubt;                   ///< why the timecode that was found last does not count
+    QByteArray output;               ///< of the tool that runs
+    QByteArray standardError;        ///< the same
 };

@@ -71,7 +71,7 @@ LaterFinding refused(const QString &reason)
 
 int count(const FileData &file)
 {
-    return std::max(0, static_cast<int>(std::ceil(file.duration / windowSeconds)) - 1);
+    return static_cast<int>(std::ceil(file.duration / windowSeconds));
 }
 
 QStringList extraction(const FileData &file, const QString &folder, int second)
@@ -105,6 +105,14 @@ QStringList exactExtraction(const FileData &file, const QString &folder, int str
 QString exactPath(const QString &folder, int number)
 {
     return folder + QString("/exact_%1.wav").arg(number);
+}
+
+QString labelFault(const QByteArray &standardError, const QString &path)
+{
+    const QString text = QString::fromUtf8(standardError).trimmed();
+    const QString before = "no timecode found in " + path + ": ";
+    const int place = text.indexOf(before);
+    return place < 0 ? QString() : text.mid(place + before.size());
 }
 
 LaterFinding countedBack(const FileData &file, int stream, int second, const Readings &readings)

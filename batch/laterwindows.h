@@ -14,7 +14,7 @@ namespace laterwindows
 
 constexpr int windowSeconds = 3; // [s] as long as the one that each file is read in
 
-/// How many windows \a file has after its first one.
+/// How many windows \a file has, with the first one, in which nothing was found.
 int count(const FileData &file);
 
 /// Arguments of the media tool that write the window from \a second on, each audio stream into a file of its
@@ -27,6 +27,10 @@ QStringList exactExtraction(const FileData &file, const QString &folder, int str
 
 /// Path of the first (0) or second (1) of these files.
 QString exactPath(const QString &folder, int number);
+
+/// Why the labels that the reader found in \a path do not count up, by what it printed on standard error;
+/// empty where it found none, or could not read them.
+QString labelFault(const QByteArray &standardError, const QString &path);
 
 /// The reader's results of three windows of one stream.
 struct Readings {

@@ -45,6 +45,12 @@ int print(const std::string &text)
     return written ? 0 : 1;
 }
 
+int failToFind(const Run &run, Doubt doubt)
+{
+    const std::string reason = isOfLabels(doubt) ? ": " + reasonFor(doubt, {}) : std::string();
+    return fail(ExitCode::NotFound, "no timecode found in " + run.path + reason);
+}
+
 int answer(Question question)
 {
     return print(question == Question::Help ? help : "LTCReader " LTCREADER_VERSION "\n");
@@ -64,7 +70,7 @@ int describe(const Run &run, const Outcome &outcome, SoundFile &file)
             text += toText(channels[static_cast<std::size_t>(channel)], channel, outcome.doubt);
     }
     const int printed = print(text);
-    return found ? printed : fail(ExitCode::NotFound, "no timecode found in " + run.path);
+    return found ? printed : failToFind(run, outcome.doubt);
 }
 
 int readFile(const Run &run)
@@ -84,7 +90,7 @@ int readFile(const Run &run)
     if (run.format == OutputFormat::Text)
         return describe(run, outcome, *file);
     if (outcome.doubt != Doubt::None)
-        return fail(ExitCode::NotFound, "no timecode found in " + run.path);
+        return failToFind(run, outcome.doubt);
     return print(toJson(*outcome.likeliest));
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "testkit/media/mediamaker.h"
 
+#include "testkit/signals/biphasemark.h"
 #include "testkit/signals/wavfile.h"
 
 #include <QDir>
@@ -69,6 +70,17 @@ void damage(std::vector<float> &samples, Damage damage, int sampleRate)
     }
 }
 
+/// Timecode whose first label stands still for \a frozen frames.
+std::vector<float> pausedTimecode(const testsignals::LtcSignal &signal, std::int64_t frozen)
+{
+    const std::int64_t first = testsignals::frameNumber(signal.start, signal.rate);
+    return testsignals::biphaseMarkAudio(signal, {}, [&](std::int64_t index) {
+        const std::int64_t number = first + std::max<std::int64_t>(0, index - frozen);
+        return testsignals::frameBits(testsignals::timeOfFrame(number, signal.rate), signal.rate,
+                                      signal.userBits);
+    });
+}
+
 std::vector<float> render(const Channel &channel, const Recording &recording)
 {
     if (!channel.timecode) {
@@ -78,7 +90,8 @@ std::vector<float> render(const Channel &channel, const Recording &recording)
     testsignals::LtcSignal signal = *channel.timecode;
     signal.sampleRate = recording.sampleRate;
     signal.duration = recording.duration;
-    std::vector<float> samples = testsignals::ltcAudio(signal);
+    std::vector<float> samples =
+        channel.frozen > 0 ? pausedTimecode(signal, channel.frozen) : testsignals::ltcAudio(signal);
     damage(samples, channel.damage, recording.sampleRate);
     std::fill_n(samples.begin(), std::lround(channel.silence * recording.sampleRate), 0.0F);
     return samples;

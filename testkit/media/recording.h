@@ -7,6 +7,7 @@
 #include <QString>
 #include <QVector>
 
+#include <cstdint>
 #include <optional>
 
 /// Camera and sound files made on the spot, with known timecode in known channels.
@@ -26,7 +27,8 @@ struct Channel {
     std::optional<testsignals::LtcSignal> timecode; ///< its sample rate and duration are the recording's
     double tone = 0.0;                              ///< [Hz]; 0 = no tone
     Damage damage = Damage::None;
-    double silence = 0.0; ///< [s] before the timecode
+    double silence = 0.0;    ///< [s] before the timecode
+    std::int64_t frozen = 0; ///< [frames] for which the first label stands still before it counts up
 };
 
 /// Channel with the timecode that starts at \a start. \a level in dBFS.

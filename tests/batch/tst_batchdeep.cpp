@@ -17,6 +17,7 @@ private slots:
     void initTestCase();
     void lateTimecodeIsThatOfTheFirstSample_data();
     void lateTimecodeIsThatOfTheFirstSample();
+    void timecodeThatStoodStillIsNotCountedBack();
     void withoutTheOptionNoneIsFound();
     void newFilesStartRight();
 
@@ -134,6 +135,19 @@ void TestBatchDeep::lateTimecodeIsThatOfTheFirstSample()
     } else {
         QCOMPARE(record["foundAtSecond"].toInt(), 18); // the window that it begins in
     }
+}
+
+void TestBatchDeep::timecodeThatStoodStillIsNotCountedBack()
+{
+    mediakit::Channel paused = mediakit::timecodeChannel({8, 0, 0, 0}, rate25);
+    paused.frozen = 100; // 4 s
+    const QString problem =
+        mediakit::makeAll({mediakit::soundFile("P001.wav", {paused}, 12.0)}, folder.filePath("paused"));
+    QVERIFY2(problem.isEmpty(), qPrintable(problem));
+    const QJsonObject record = recordsOf({"read", "--deep"}, {"../paused"})["P001.wav"];
+    QVERIFY(record["audioTimecode"].isNull());
+    QCOMPARE(record["reason"].toString(),
+             QString("the timecode at second 0: frozen: all frames carry the same label"));
 }
 
 void TestBatchDeep::withoutTheOptionNoneIsFound()

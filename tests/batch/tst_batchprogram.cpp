@@ -176,7 +176,7 @@ void TestBatchProgram::theReaderGetsWhatWasChosen()
     QCOMPARE(faketools::calls(path, "extract").size(), 1); // it is not read twice
 }
 
-// The fake files last ten seconds: three windows after the first.
+// The fake files last ten seconds: four windows.
 
 void TestBatchProgram::lateTimecodeIsCountedBack()
 {
@@ -193,7 +193,7 @@ void TestBatchProgram::lateTimecodeIsCountedBack()
     };
     const QJsonObject sixth = at("10:00:06:00", 36006);
     const QJsonObject ninth = at("10:00:09:00", 36009);
-    faketools::setPlan(path, {{"read", QJsonArray{none, none, sixth, sixth, ninth}}});
+    faketools::setPlan(path, {{"read", QJsonArray{none, none, none, sixth, sixth, ninth}}});
     const QString report = media->filePath("day.json");
     const Run deep = run({"read", "--deep", path, "--algorithm", "mid", "--report", report});
     QCOMPARE(deep.exitCode, 0);
@@ -205,7 +205,7 @@ void TestBatchProgram::lateTimecodeIsCountedBack()
     QCOMPARE(record["foundAtSecond"].toInt(), 6);
 
     const auto extractions = faketools::calls(path, "extract");
-    QCOMPARE(extractions.size(), 4); // the first seconds, two windows, and the last one exactly
+    QCOMPARE(extractions.size(), 5); // the first seconds, three windows, and the last one exactly
     QVERIFY(!extractions.at(0).arguments.contains("-nostdin"));
     for (const auto &read : faketools::calls(path, "read"))
         QCOMPARE(read.arguments.mid(1), QStringList{"-aMID"});
@@ -220,13 +220,13 @@ void TestBatchProgram::onlyFilesWithoutTimecodeAreSearched()
     QCOMPARE(run({"read", "--deep", media->path(), "--report", report}).exitCode, 1);
     QCOMPARE(faketools::calls(good, "extract").size(), 1);
     QCOMPARE(faketools::calls(bad, "extract").size(), 1);
-    QCOMPARE(faketools::calls(none, "extract").size(), 4);
+    QCOMPARE(faketools::calls(none, "extract").size(), 5);
     const QJsonObject record = reported(report).at(2).toObject();
     QCOMPARE(record["result"].toString(), QString("none"));
     QCOMPARE(record["reason"].toString(), QString("audio TC not found, searched to the end"));
 
     QCOMPARE(run({"read", none}).exitCode, 0);
-    QCOMPARE(faketools::calls(none, "extract").size(), 5); // not without the option
+    QCOMPARE(faketools::calls(none, "extract").size(), 6); // not without the option
 }
 
 void TestBatchProgram::searchesKeepToTheJobLimit()
@@ -240,7 +240,7 @@ void TestBatchProgram::searchesKeepToTheJobLimit()
     QFile file(log);
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QList<QByteArray> lines = file.readAll().trimmed().split('\n');
-    QCOMPARE(lines.size(), 3 * (3 + 3 * 2) * 2); // probed, read and searched; starts and ends
+    QCOMPARE(lines.size(), 3 * (3 + 4 * 2) * 2); // probed, read and searched; starts and ends
     for (int i = 0; i < lines.size(); ++i) {
         const QString event = QJsonDocument::fromJson(lines.at(i)).object()["event"].toString();
         QCOMPARE(event, QString(i % 2 == 0 ? "start" : "end")); // one after the other
@@ -258,8 +258,9 @@ void TestBatchProgram::aSearchThatFailsEndsWithOne_data()
 void TestBatchProgram::aSearchThatFailsEndsWithOne()
 {
     QFETCH(QJsonObject, extraction);
-    const QString path = makeFile("a.mov", {{"read", QJsonObject{{"exitCode", 205}}},
-                                            {"extract", QJsonArray{QJsonObject(), extraction}}});
+    const QString path =
+        makeFile("a.mov", {{"read", QJsonObject{{"exitCode", 205}}},
+                           {"extract", QJsonArray{QJsonObject(), QJsonObject(), extraction}}});
     const Run deep = run({"export", "--no-verify", "--to", out(), "--deep", path});
     QCOMPARE(deep.exitCode, 1);
     QVERIFY2(deep.errors.contains("a.mov: not searched to the end: the tools have failed at second 3\n"),

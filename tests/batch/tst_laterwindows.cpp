@@ -14,6 +14,8 @@ class TestLaterWindows : public QObject
 private slots:
     void theWindowsCoverTheFile_data();
     void theWindowsCoverTheFile();
+    void theReaderSaysWhatIsWrongWithLabels_data();
+    void theReaderSaysWhatIsWrongWithLabels();
     void eachStreamOfAWindowIsExtracted();
     void exactWindowsAreCountedInSamples();
     void timecodeIsCountedBack_data();
@@ -74,10 +76,10 @@ void TestLaterWindows::theWindowsCoverTheFile_data()
     QTest::addColumn<double>("duration"); // [s]
     QTest::addColumn<int>("count");
     QTest::newRow("nothing") << 0.0 << 0;
-    QTest::newRow("as long as the first window") << 3.0 << 0;
-    QTest::newRow("a little longer") << 3.04 << 1;
-    QTest::newRow("ten seconds") << 10.0 << 3;
-    QTest::newRow("an hour") << 3600.0 << 1199;
+    QTest::newRow("as long as the first window") << 3.0 << 1;
+    QTest::newRow("a little longer") << 3.04 << 2;
+    QTest::newRow("ten seconds") << 10.0 << 4;
+    QTest::newRow("an hour") << 3600.0 << 1200;
 }
 
 void TestLaterWindows::theWindowsCoverTheFile()
@@ -86,6 +88,23 @@ void TestLaterWindows::theWindowsCoverTheFile()
     FileData file;
     file.duration = duration;
     QTEST(laterwindows::count(file), "count");
+}
+
+void TestLaterWindows::theReaderSaysWhatIsWrongWithLabels_data()
+{
+    QTest::addColumn<QByteArray>("standardError");
+    QTest::addColumn<QString>("fault");
+    QTest::newRow("nothing") << QByteArray() << QString();
+    QTest::newRow("no timecode") << QByteArray("LTCReader: no timecode found in /a: b/c.wav\n") << QString();
+    QTest::newRow("labels") << QByteArray("LTCReader: no timecode found in /a: b/c.wav: held: twice\n")
+                            << QString("held: twice");
+    QTest::newRow("another file") << QByteArray("LTCReader: no timecode found in /a: held\n") << QString();
+}
+
+void TestLaterWindows::theReaderSaysWhatIsWrongWithLabels()
+{
+    QFETCH(QByteArray, standardError);
+    QTEST(laterwindows::labelFault(standardError, "/a: b/c.wav"), "fault");
 }
 
 void TestLaterWindows::eachStreamOfAWindowIsExtracted()

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "testkit/fixtures/toolrun.h"
+#include "testkit/signals/biphasemark.h"
 #include "testkit/signals/ltcsignal.h"
 #include "testkit/signals/wavfile.h"
 
@@ -27,6 +28,7 @@ private slots:
     void peopleGetText();
     void peopleAreToldWhyNothingWasFound_data();
     void peopleAreToldWhyNothingWasFound();
+    void labelsThatDoNotCountUpAreToldWithoutBeingAsked();
     void whatFfmpegWritesToAPipeIsRead();
     void anyBytesAreSurvived();
 
@@ -158,6 +160,22 @@ void TestLtcReaderProgram::peopleAreToldWhyNothingWasFound_data()
                                << "programme sound only";
     QTest::newRow("biphase code without sync words") << "zeros.wav"
                                                      << "without sync words";
+}
+
+void TestLtcReaderProgram::labelsThatDoNotCountUpAreToldWithoutBeingAsked()
+{
+    const testsignals::LtcSignal signal;
+    testsignals::WavFile wav;
+    wav.channels = {testsignals::biphaseMarkAudio(signal, {}, [&signal](std::int64_t) {
+        return testsignals::frameBits(signal.start, signal.rate, 0);
+    })};
+    const QString path = pathOf("frozen.wav");
+    testsignals::writeWav(path.toStdString(), wav);
+    const ToolRun answer = run({path});
+    QCOMPARE(answer.exitCode, 205);
+    QVERIFY(answer.output.isEmpty());
+    QCOMPARE(QString::fromUtf8(answer.errors),
+             "LTCReader: no timecode found in " + path + ": frozen: all frames carry the same label\n");
 }
 
 void TestLtcReaderProgram::peopleAreToldWhyNothingWasFound()
