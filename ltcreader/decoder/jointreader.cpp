@@ -26,8 +26,7 @@ namespace
 constexpr std::size_t decidedCandidates = 6;
 constexpr double contradictingMargin = 0.3; // of the best reading's
 
-// What a decision must reach. Chosen with the benchmark: wrong ones stay well below, what is lost is the last
-// decibel.
+// What a decision must reach. Wrong ones stay well below; what is lost is the last decibel.
 constexpr double leastMargin = 11.5; // one wrong answer in a hundred thousand
 constexpr double leastSignificance = 14.0;
 constexpr double leastShareOfSync = 0.5; // a waveform that is all sync word is none

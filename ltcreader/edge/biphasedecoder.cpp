@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 // In biphase mark code every bit begins with an edge, and a one has a second edge in its middle. At all frame
-// rates and speeds within a tenth of them the longest half bit is shorter than the shortest bit, so a single
+// rates and speeds within 13 % of them the longest half bit is shorter than the shortest bit, so a single
 // distance shows which it is even before the speed is known; from then on the measured length decides. Two
 // halves make a one; half a bit followed by a whole one means that an edge was lost or added, and the count
 // of bits starts again.

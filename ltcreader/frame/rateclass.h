@@ -29,7 +29,7 @@ bool setRateClass(FoundLine &line, int sampleRate, const std::optional<timecode:
 /// What the speed says against the rate of \a line, as setRateClass() gave it. No machine runs more than 13 %
 /// too fast or too slow. Film at 24 runs at 25, but labels that jump once look like it: so where no rate is
 /// \a wanted, the frame number must be read to return twice, \a seconds touched be three. 1000/1001 is proven
-/// only where the midpoint to the whole rate is four standard deviations away; far from both rates, and where
+/// only where the midpoint to the whole rate is 4.3 standard deviations away; far from both rates, and where
 /// one is \a wanted, it need not be.
 Doubt doubtAboutSpeed(const FoundLine &line, int seconds, int sampleRate,
                       const std::optional<timecode::Rate> &wanted);

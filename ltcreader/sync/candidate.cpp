@@ -17,7 +17,7 @@ namespace
 constexpr std::size_t clocksPerFrontEnd = 3;
 constexpr double shortest = 0.1;       // [s] two frames
 constexpr double leastSyncScore = 5.0; // chance alone reaches 3.5 at the best of 80 places
-constexpr double leastPeak = 2.4;      // times the sidelobes: tones reach 2, timecode that can be read 3
+constexpr double leastPeak = 2.4;      // times the sidelobes: tones reach 2.3, timecode that can be read 3.1
 
 /// Cuts \a sound by \a clock in the ways that suit the front end, and keeps what shows sync words.
 void addCandidates(FrontEnd frontEnd, const std::shared_ptr<const FilteredSound> &sound, const Clock &clock,
