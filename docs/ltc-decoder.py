@@ -99,7 +99,7 @@ def pipeline():
     x, y = bottom("edge")
     parts.append(f'<polyline points="{x - 60},{y} {x - 60},528 292,528" fill="none" stroke="black" '
                  'marker-end="url(#arrow)"/>')
-    parts.append(text(x - 50, 520, "a clear track from the first sample", "start", 'font-style="italic"'))
+    parts.append(text(x - 50, 520, "clear from the start", "start", 'font-style="italic"'))
     return svg(850, 580, parts)
 
 
