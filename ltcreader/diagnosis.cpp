@@ -142,7 +142,7 @@ std::string reasonFor(Doubt doubt, const Diagnosis &diagnosis)
         return "a jump: no line of labels is proven at the first sample";
     case Doubt::TwoTimecodes:
         return "two timecodes that contradict each other";
-    case Doubt::Unreal:
+    case Doubt::IllegalLabels:
         return "labels that no clock shows, such as second 61";
     case Doubt::FalseFlag:
         return "the drop-frame flag contradicts the labels or the speed";

@@ -53,7 +53,7 @@ private:
 bool isDoubtful(const LabelDecision &decision)
 {
     return decision.repetition > 1.0 && decision.amplitude >= adaptableAmplitude &&
-           decision.margin < plainMargin;
+           decision.margin < sufficientMargin;
 }
 
 /// Whether the repeated errors of \a decision may be the interference of the front end. What equalises lets

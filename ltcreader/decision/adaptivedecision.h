@@ -10,7 +10,7 @@ namespace ltcreader
 {
 
 /// [log-likelihood] Beyond this margin no other way of reading is tried, and nothing needs to be learnt.
-constexpr double plainMargin = 60.0;
+constexpr double sufficientMargin = 60.0;
 
 /// A decision on a grid whose frames follow each other at a measured rate [frames/s].
 using Decide = std::optional<LabelDecision> (*)(const FrameGrid &grid, double measuredRate);

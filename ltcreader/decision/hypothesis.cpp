@@ -153,7 +153,7 @@ std::vector<Hypothesis> rivalsOf(const Hypothesis &best, const std::vector<Hypot
         addEvaluated(other);
     }
     Hypothesis unreal = best;
-    unreal.numbering.unreal = true;
+    unreal.numbering.illegalTens = true;
     addEvaluated(unreal);
     return rivals;
 }

@@ -13,7 +13,7 @@ namespace
 constexpr int sureFrames = 10;          // unbroken, with a return of the frame number
 constexpr int believableFrames = 5;     // with gaps
 constexpr int unbrokenFrames = 3;       // in short recordings and between gaps
-constexpr double sureDeviation = 0.1;   // [bits] edges this close to their places leave no doubt about bits
+constexpr double sureJitter = 0.1;      // [bits] edges this close to their places leave no doubt about bits
 constexpr double believableShare = 0.6; // of the frames in its span that a row must hold
 constexpr double toleratedStrangers = 0.1; // frames that say something else, as a share of the row's
 constexpr double latestStart = 1.95; // [frames] two, about as they are measured, could carry other labels
@@ -36,24 +36,23 @@ bool beginsWithRecording(const LabelTrack &track)
 bool isSure(const LabelTrack &track)
 {
     return beginsWithRecording(track) && track.frames >= sureFrames && track.wraps > 0 &&
-           track.strangers == 0 && track.deviation < sureDeviation &&
-           track.frames >= spanInFrames(track) - 0.5;
+           track.outliers == 0 && track.rmsJitter < sureJitter && track.frames >= spanInFrames(track) - 0.5;
 }
 
 bool isClear(const LabelTrack &track)
 {
-    return track.frames >= unbrokenFrames && track.strangers == 0 && track.deviation < clearDeviation &&
+    return track.frames >= unbrokenFrames && track.outliers == 0 && track.rmsJitter < cleanJitter &&
            track.frames >= spanInFrames(track) - 0.5;
 }
 
 bool isBelievable(const LabelTrack &track)
 {
-    const bool unbroken = track.unbroken >= unbrokenFrames && track.deviation < sureDeviation;
+    const bool unbroken = track.longestRun >= unbrokenFrames && track.rmsJitter < sureJitter;
     const bool longRow =
         track.frames >= believableFrames && track.frames / spanInFrames(track) >= believableShare;
     const bool scattered =
-        track.frames >= unbrokenFrames && track.strangers == 0 && track.deviation < clearDeviation;
-    return (unbroken || longRow || scattered) && track.strangers <= toleratedStrangers * track.frames;
+        track.frames >= unbrokenFrames && track.outliers == 0 && track.rmsJitter < cleanJitter;
+    return (unbroken || longRow || scattered) && track.outliers <= toleratedStrangers * track.frames;
 }
 
 Finding toFinding(const LabelTrack &track, Algorithm algorithm, int channel, const Window &window)

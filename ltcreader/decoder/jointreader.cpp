@@ -102,7 +102,7 @@ Decided *likeliest(std::vector<Decided> &all)
         const auto isClearer = [&decided](const Decided &other) {
             return other.decision.significance > decided.decision.significance && contradict(other, decided);
         };
-        if (decided.candidate.grid.hasLearnt && std::any_of(all.begin(), all.end(), isClearer))
+        if (decided.candidate.grid.isDecisionDirected && std::any_of(all.begin(), all.end(), isClearer))
             continue;
         if (!best || decided.decision.margin > best->decision.margin)
             best = &decided;
@@ -171,13 +171,14 @@ std::optional<JointReading> readingOf(const Decided &decided, const std::vector<
                                       int sampleRate, const std::optional<timecode::Rate> &wanted)
 {
     const Candidate &candidate = decided.candidate;
-    const BitLine line = measureTiming(candidate, decided.decision.levels);
+    const BitTiming timing = measureTiming(candidate, decided.decision.levels);
     const double samplesPerFiltered = sampleRate / candidate.sound->sampleRate;
-    const double frameZero = (line.start + line.slope * 0.5 * candidate.grid.firstHalf) * samplesPerFiltered;
+    const double frameZero =
+        (timing.start + timing.bitLength * 0.5 * candidate.grid.firstHalf) * samplesPerFiltered;
     JointReading reading;
     reading.decision = decided.decision;
-    reading.frameLength = line.slope * bitsPerFrame * samplesPerFiltered;
-    reading.lengthDeviation = line.slopeDeviation * bitsPerFrame * samplesPerFiltered;
+    reading.frameLength = timing.bitLength * bitsPerFrame * samplesPerFiltered;
+    reading.lengthDeviation = timing.bitLengthDeviation * bitsPerFrame * samplesPerFiltered;
     reading.startCount = static_cast<double>(reading.decision.count) - frameZero / reading.frameLength;
     reading.rate = reading.decision.rate;
     if (!setRateClass(reading, sampleRate, wanted))
@@ -215,14 +216,14 @@ JointOutcome readJointly(const std::vector<Candidate> &candidates, const std::ve
             if (!decided)
                 continue;
             all.push_back(std::move(*decided));
-            if (all.back().decision.margin > plainMargin)
+            if (all.back().decision.margin > sufficientMargin)
                 break;
         }
         Decided *best = likeliest(all);
         if (!best)
             continue;
         std::optional<Decided> first; // where the decision was made again
-        if (best->way == &way && best->decision.margin < plainMargin) {
+        if (best->way == &way && best->decision.margin < sufficientMargin) {
             if (auto again = decideAgain(*best, wanted))
                 first = std::exchange(*best, std::move(*again));
         }

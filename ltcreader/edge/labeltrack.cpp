@@ -117,7 +117,7 @@ void fitLine(const std::vector<Member> &members, LabelTrack &track)
         const double place = static_cast<double>(member.place) - meanPlace;
         residuals += std::pow(member.frame->start - meanStart - track.frameLength * place, 2.0);
         jitter += 4.0 / bitsPerFrame *
-                  std::pow(member.frame->meanDeviation * track.frameLength / bitsPerFrame, 2.0) / n;
+                  std::pow(member.frame->rmsJitter * track.frameLength / bitsPerFrame, 2.0) / n;
     }
     track.lengthDeviation = std::sqrt(std::max(residuals / (n - 2.0), jitter) / squares);
     const double startPlace = meanPlace - meanStart / track.frameLength;
@@ -137,16 +137,16 @@ LabelTrack describe(const std::vector<Member> &members, const timecode::Rate &ra
     int row = 0;
     for (std::size_t i = 0; i < members.size(); ++i) {
         const Member &member = members[i];
-        track.deviation += std::pow(member.frame->meanDeviation, 2.0) / track.frames;
+        track.rmsJitter += std::pow(member.frame->rmsJitter, 2.0) / track.frames;
         if (!member.frame->startsRising)
             ++inverted;
         row = i > 0 && member.place == members[i - 1].place + 1 ? row + 1 : 1;
-        track.unbroken = std::max(track.unbroken, row);
+        track.longestRun = std::max(track.longestRun, row);
         if (i > 0 && labelOf(member.frame->bits)->frames < labelOf(members[i - 1].frame->bits)->frames) {
             ++track.wraps;
         }
     }
-    track.deviation = std::sqrt(track.deviation);
+    track.rmsJitter = std::sqrt(track.rmsJitter);
     track.inverted = 2 * inverted > track.frames;
     return track;
 }
@@ -175,12 +175,12 @@ bool isOneHigher(const Frame &frame, const Frame &next)
 bool follows(const Frame &frame, const Frame &next)
 {
     const double gap = std::abs(next.start - frame.end) / (frame.end - frame.start);
-    return gap <= clearDeviation / bitsPerFrame && isOneHigher(frame, next);
+    return gap <= cleanJitter / bitsPerFrame && isOneHigher(frame, next);
 }
 
 bool isClear(const Frame &frame)
 {
-    return frame.meanDeviation < clearDeviation && frame.mostDeviation < clearBit;
+    return frame.rmsJitter < cleanJitter && frame.peakJitter < clearBit;
 }
 
 /// The digits of the label, whether they are a time of day or not.
@@ -265,7 +265,7 @@ std::optional<LabelTrack> findTrack(const std::vector<Frame> &frames, int sample
         return std::nullopt;
     if (!setRateClass(*best, sampleRate, wanted))
         return std::nullopt;
-    best->strangers =
+    best->outliers =
         static_cast<int>(std::count_if(
             frames.begin(), frames.end(),
             [&](const Frame &frame) { return frame.start >= best->first && frame.end <= best->last; })) -
@@ -297,7 +297,7 @@ Doubt doubtAboutLabels(const std::vector<Frame> &frames)
         before = &frame;
     }
     if (unreal > 1 && 2 * unreal > clear)
-        return Doubt::Unreal;
+        return Doubt::IllegalLabels;
     if (pairs < tellingPairs || 4 * up > 3 * pairs)
         return Doubt::None;
     if (10 * still > 9 * pairs)

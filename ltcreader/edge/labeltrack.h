@@ -13,13 +13,13 @@ namespace ltcreader
 {
 
 /// [bits] Edges that are nearer to their places than this cannot be mistaken.
-constexpr double clearDeviation = 0.06;
+constexpr double cleanJitter = 0.06;
 
 /// Frames of one recording that count up with time.
 struct LabelTrack : FoundLine {
-    double deviation = 0.0; ///< [bits] root mean square deviation of the edges
-    int unbroken = 0;       ///< most of its frames in a row without a gap
-    int strangers = 0;      ///< frames within its span that are not part of it
+    double rmsJitter = 0.0; ///< [bits] of the edges
+    int longestRun = 0;     ///< most of its frames in a row without a gap
+    int outliers = 0;       ///< frames within its span that are not part of it
     int wraps = 0;          ///< times that the frame number returned to its lowest label within the track
     double first = 0.0;     ///< [samples] where its first frame starts
     double last = 0.0;      ///< [samples] where its last frame ends

@@ -11,7 +11,7 @@ std::pair<int, int> placeOf(const FrameNumbering &numbering, int frame)
     if (numbering.droppedAt >= 0 && number >= numbering.base * numbering.droppedAt)
         number += dropped;
     const int within = number % numbering.base;
-    return {number / numbering.base, numbering.unreal ? 30 + within % 10 : within};
+    return {number / numbering.base, numbering.illegalTens ? 30 + within % 10 : within};
 }
 
 int secondsTouched(const FrameNumbering &numbering, int frames)

@@ -9,10 +9,10 @@ namespace ltcreader
 
 /// How the frames of a recording are numbered within their seconds.
 struct FrameNumbering {
-    int base = 25;       ///< frame numbers of a second
-    int first = 0;       ///< number of frame 0
-    int droppedAt = -1;  ///< second, counted from that of frame 0, whose numbers begin with 2; -1 = none
-    bool unreal = false; ///< the tens are 3 in all frames, which no clock shows
+    int base = 25;            ///< frame numbers of a second
+    int first = 0;            ///< number of frame 0
+    int droppedAt = -1;       ///< second, counted from that of frame 0, whose numbers begin with 2; -1 = none
+    bool illegalTens = false; ///< the tens are 3 in all frames, which no clock shows
 
     friend bool operator==(const FrameNumbering &, const FrameNumbering &) = default;
 };

@@ -101,9 +101,9 @@ std::vector<PartTiming> timingsOfParts(const Candidate &candidate, const std::ve
 }
 
 /// The weighted least squares line through \a timings; that of \a clock where they show nothing.
-BitLine lineThrough(const std::vector<PartTiming> &timings, const Clock &clock)
+BitTiming lineThrough(const std::vector<PartTiming> &timings, const Clock &clock)
 {
-    BitLine line{clock.position(0.0), clock.bitLength, slopeReach * clock.bitLength};
+    BitTiming line{clock.position(0.0), clock.bitLength, slopeReach * clock.bitLength};
     double weights = 0.0;
     double meanBit = 0.0;
     double meanTime = 0.0;
@@ -124,32 +124,32 @@ BitLine lineThrough(const std::vector<PartTiming> &timings, const Clock &clock)
     }
     // A single part has no slope, even if rounding leaves something in the squares.
     if (timings.size() > 2 && std::abs(products / squares / clock.bitLength - 1.0) < slopeReach) {
-        line.slope = products / squares;
+        line.bitLength = products / squares;
         double residuals = 0.0;
         for (const PartTiming &timing : timings)
-            residuals +=
-                timing.weight * std::pow(timing.time - meanTime - line.slope * (timing.bit - meanBit), 2.0);
+            residuals += timing.weight *
+                         std::pow(timing.time - meanTime - line.bitLength * (timing.bit - meanBit), 2.0);
         const auto freedom = static_cast<double>(timings.size() - 2);
         const double chance =
             (1.0 + fewParts / (freedom * freedom)) * std::sqrt(residuals / freedom / squares);
-        line.slopeDeviation =
+        line.bitLengthDeviation =
             std::hypot(chance, wander * clock.bitLength / (timings.back().bit - timings.front().bit));
     }
-    line.start = meanTime - line.slope * meanBit;
+    line.start = meanTime - line.bitLength * meanBit;
     return line;
 }
 
-void setClock(Clock &clock, const BitLine &line)
+void setClock(Clock &clock, const BitTiming &line)
 {
-    clock.bitLength = line.slope;
+    clock.bitLength = line.bitLength;
     clock.knots.assign(clock.knots.size(), line.start);
 }
 
 } // namespace
 
-BitLine measureTiming(Candidate candidate, const std::vector<float> &levels)
+BitTiming measureTiming(Candidate candidate, const std::vector<float> &levels)
 {
-    BitLine line;
+    BitTiming line;
     for (int round = 0; round < rounds; ++round) {
         line = lineThrough(timingsOfParts(candidate, levels), candidate.clock);
         setClock(candidate.clock, line);
@@ -157,7 +157,7 @@ BitLine measureTiming(Candidate candidate, const std::vector<float> &levels)
     return line;
 }
 
-Candidate retimed(Candidate candidate, const BitLine &line)
+Candidate retimed(Candidate candidate, const BitTiming &line)
 {
     setClock(candidate.clock, line);
     cutAgain(candidate);

@@ -21,12 +21,12 @@ inline const float *halvesOf(const float *frame, int bit)
 /// The half bits of a recording, cut into frames. Frames at both ends may be incomplete; what is missing is
 /// 0.
 struct FrameGrid {
-    int firstHalf = 0;         ///< index among the half bits of the first half of frame 0, from -159 to 0
-    int frames = 0;            ///< complete and incomplete ones
-    double score = 0.0;        ///< of the sync words, in standard deviations of what chance brings
-    double sidelobes = 0.0;    ///< RMS of the scores of all other places
-    bool hasLearnt = false;    ///< a decision on the half bits has changed them, maybe towards itself
-    std::vector<float> halves; ///< halvesPerFrame for each frame
+    int firstHalf = 0;      ///< index among the half bits of the first half of frame 0, from -159 to 0
+    int frames = 0;         ///< complete and incomplete ones
+    double score = 0.0;     ///< of the sync words, in standard deviations of what chance brings
+    double sidelobes = 0.0; ///< RMS of the scores of all other places
+    bool isDecisionDirected = false; ///< a decision on the half bits has changed them, maybe towards itself
+    std::vector<float> halves;       ///< halvesPerFrame for each frame
     std::vector<float> syncs; ///< of each frame: how much its end resembles a sync word; sign is its polarity
 
     /// Where among the half bits of a frame's length the first sync word begins.

@@ -194,7 +194,7 @@ Candidate Interference::without(const std::vector<float> &interference, bool isE
     result.sound = std::move(sound);
     result.isEqualised = isEqualised;
     cutAgain(result);
-    result.grid.hasLearnt = true;
+    result.grid.isDecisionDirected = true;
     return result;
 }
 

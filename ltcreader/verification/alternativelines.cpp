@@ -39,49 +39,49 @@ std::vector<PartValues> AlternativeLines::labelsFrom(std::int64_t count) const
     return values;
 }
 
-Gains AlternativeLines::gainsOf(const Change &change) const
+LikelihoodRatios AlternativeLines::ratiosOf(const Change &change) const
 {
-    Gains gains;
+    LikelihoodRatios ratios;
     for (std::size_t frame = 0; frame < labels.size(); ++frame) {
         const PartValues other = change(labels[frame], static_cast<int>(frame));
-        gains.push_back(evidence[frame].logLikelihood(other) - likelihoods[frame]);
+        ratios.push_back(evidence[frame].logLikelihood(other) - likelihoods[frame]);
     }
-    return gains;
+    return ratios;
 }
 
-Rivals AlternativeLines::nearCounts() const
+Alternatives AlternativeLines::nearCounts() const
 {
-    Rivals rivals{Doubt::Jump, {}};
+    Alternatives others{Doubt::Jump, {}};
     const std::int64_t second = line.rate.base;
     const std::int64_t minute = secondsPerMinute * second;
     const std::int64_t hour = framesPerDay(line.rate) / 24;
     for (const std::int64_t distance : {std::int64_t{1}, std::int64_t{2}, second, minute, hour}) {
         for (const std::int64_t count : {line.count - distance, line.count + distance}) {
-            const std::vector<PartValues> others = labelsFrom(count);
-            rivals.gains.push_back(gainsOf(
-                [&](const PartValues &, int frame) { return others[static_cast<std::size_t>(frame)]; }));
+            const std::vector<PartValues> near = labelsFrom(count);
+            others.ratios.push_back(ratiosOf(
+                [&](const PartValues &, int frame) { return near[static_cast<std::size_t>(frame)]; }));
         }
     }
-    return rivals;
+    return others;
 }
 
-Rivals AlternativeLines::otherNumbers() const
+Alternatives AlternativeLines::otherNumbers() const
 {
-    Rivals rivals{Doubt::Jump, {}};
+    Alternatives others{Doubt::Jump, {}};
     for (int shift = 1; shift < line.rate.base; ++shift) {
-        rivals.gains.push_back(gainsOf([&](PartValues values, int) {
+        others.ratios.push_back(ratiosOf([&](PartValues values, int) {
             const int number = 10 * values[FrameTensPart] + values[FrameUnitsPart];
             return withNumber(values, (number + shift) % line.rate.base);
         }));
     }
-    return rivals;
+    return others;
 }
 
-Rivals AlternativeLines::otherSeconds() const
+Alternatives AlternativeLines::otherSeconds() const
 {
-    Rivals rivals{Doubt::Jump, {}};
+    Alternatives others{Doubt::Jump, {}};
     for (int shift = 1; shift < secondsPerMinute; ++shift) {
-        rivals.gains.push_back(gainsOf([&](PartValues values, int) {
+        others.ratios.push_back(ratiosOf([&](PartValues values, int) {
             const int second =
                 (10 * values[SecondTensPart] + values[SecondUnitsPart] + shift) % secondsPerMinute;
             values[SecondUnitsPart] = second % 10;
@@ -89,44 +89,44 @@ Rivals AlternativeLines::otherSeconds() const
             return values;
         }));
     }
-    return rivals;
+    return others;
 }
 
-Rivals AlternativeLines::otherValues(std::size_t part) const
+Alternatives AlternativeLines::otherValues(std::size_t part) const
 {
-    Rivals rivals{Doubt::Jump, {}};
+    Alternatives others{Doubt::Jump, {}};
     for (int shift = 1; shift < 1 << parts[part].width; ++shift) {
-        rivals.gains.push_back(gainsOf([&](PartValues values, int) {
+        others.ratios.push_back(ratiosOf([&](PartValues values, int) {
             values[part] = (values[part] + shift) % (1 << parts[part].width);
             return values;
         }));
     }
-    return rivals;
+    return others;
 }
 
-Rivals AlternativeLines::otherMotions() const
+Alternatives AlternativeLines::otherMotions() const
 {
-    Rivals rivals{Doubt::Frozen, {}};
+    Alternatives others{Doubt::Frozen, {}};
     for (int number = 0; number < line.rate.base; ++number)
-        rivals.gains.push_back(gainsOf([&](PartValues values, int) { return withNumber(values, number); }));
+        others.ratios.push_back(ratiosOf([&](PartValues values, int) { return withNumber(values, number); }));
     for (int number = 0; number < line.rate.base; ++number) {
-        rivals.gains.push_back(gainsOf([&](PartValues values, int frame) {
+        others.ratios.push_back(ratiosOf([&](PartValues values, int frame) {
             return withNumber(values, ((number - frame) % line.rate.base + line.rate.base) % line.rate.base);
         }));
         for (const int held : {2, 3}) {
             for (int phase = 0; phase < held; ++phase) {
-                rivals.gains.push_back(gainsOf([&](PartValues values, int frame) {
+                others.ratios.push_back(ratiosOf([&](PartValues values, int frame) {
                     return withNumber(values, (number + (frame + phase) / held) % line.rate.base);
                 }));
             }
         }
     }
-    return rivals;
+    return others;
 }
 
-std::vector<Rivals> AlternativeLines::digits() const
+std::vector<Alternatives> AlternativeLines::digits() const
 {
-    std::vector<Rivals> lines{otherNumbers(), otherSeconds()};
+    std::vector<Alternatives> lines{otherNumbers(), otherSeconds()};
     for (std::size_t part = 0; part < partCount; ++part) {
         if (part != FlagPart || line.rate.base == 30)
             lines.push_back(otherValues(part));

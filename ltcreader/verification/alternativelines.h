@@ -19,13 +19,13 @@ struct LabelLine {
     std::int64_t count = 0; ///< [frames] since midnight of frame 0 of the grid
 };
 
-/// The log-likelihood ratio of an alternative against the line in each frame.
-using Gains = std::vector<double>;
+/// Logarithms of the likelihood ratio of an alternative against the line, in each frame.
+using LikelihoodRatios = std::vector<double>;
 
 /// Alternatives of one kind, of which at most one can be true.
-struct Rivals {
+struct Alternatives {
     Doubt doubt; ///< that they raise
-    std::vector<Gains> gains;
+    std::vector<LikelihoodRatios> ratios;
 };
 
 /// What the frames of a recording may carry instead of a line of labels.
@@ -37,18 +37,19 @@ public:
 
     std::size_t frames() const;
 
-    Rivals nearCounts() const;          ///< the line one or two frames, a second, a minute or an hour away
-    std::vector<Rivals> digits() const; ///< lines that differ in the frame number, the second or one digit
-    Rivals otherMotions() const;        ///< labels that do not count up
+    Alternatives nearCounts() const; ///< the line one or two frames, a second, a minute or an hour away
+    std::vector<Alternatives>
+    digits() const;                    ///< lines that differ in the frame number, the second or one digit
+    Alternatives otherMotions() const; ///< labels that do not count up
 
 private:
     using Change = std::function<PartValues(PartValues values, int frame)>;
 
     std::vector<PartValues> labelsFrom(std::int64_t count) const;
-    Gains gainsOf(const Change &change) const;
-    Rivals otherNumbers() const;
-    Rivals otherSeconds() const;
-    Rivals otherValues(std::size_t part) const;
+    LikelihoodRatios ratiosOf(const Change &change) const;
+    Alternatives otherNumbers() const;
+    Alternatives otherSeconds() const;
+    Alternatives otherValues(std::size_t part) const;
 
     Evidence evidence;
     LabelLine line;

@@ -119,7 +119,7 @@ double FrameEvidence::logLikelihood(const PartValues &values) const
     return most + std::log(std::max(least, sum));
 }
 
-Unexplained unexplainedBy(const std::vector<float> &levels, const FrameGrid &grid)
+ResidualVariance residualVariance(const std::vector<float> &levels, const FrameGrid &grid)
 {
     double fit = 0.0;
     double squares = 0.0;
@@ -140,7 +140,7 @@ Unexplained unexplainedBy(const std::vector<float> &levels, const FrameGrid &gri
 
 Evidence evidenceOf(const FrameGrid &grid, const std::vector<float> &levels)
 {
-    const double unexplained = unexplainedBy(levels, grid).whole;
+    const double unexplained = residualVariance(levels, grid).total;
     const Polarities polarities = possiblePolarities(grid).front();
     const bool steady = isSteady(grid);
     Evidence evidence(static_cast<std::size_t>(grid.frames));

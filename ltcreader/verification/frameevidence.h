@@ -68,11 +68,11 @@ using Evidence = std::vector<FrameEvidence>;
 Evidence evidenceOf(const FrameGrid &grid, const std::vector<float> &levels);
 
 /// What \a levels leave unexplained of \a grid, for each half bit.
-struct Unexplained {
-    double whole = 0.0;    ///< variance
+struct ResidualVariance {
+    double total = 0.0;
     double repeated = 0.0; ///< the part of it that is the same in every frame
 };
 
-Unexplained unexplainedBy(const std::vector<float> &levels, const FrameGrid &grid);
+ResidualVariance residualVariance(const std::vector<float> &levels, const FrameGrid &grid);
 
 } // namespace ltcreader

@@ -46,9 +46,9 @@ Doubt doubtAbout(const LabelLine &line, const FrameGrid &grid, const std::vector
 {
     const AlternativeLines alternatives(line, evidenceOf(grid, levels));
     const int leastEnd = leastStretch - (grid.firstHalf < 0 ? 0 : 1);
-    return testSequentially(alternatives, unexplainedBy(levels, grid), leastEnd,
+    return testSequentially(alternatives, residualVariance(levels, grid), leastEnd,
                             latestProofIn(grid, samples, frameLength),
-                            grid.hasLearnt ? otherBeginningLearnt : otherBeginning, motion);
+                            grid.isDecisionDirected ? otherBeginningLearnt : otherBeginning, motion);
 }
 
 } // namespace

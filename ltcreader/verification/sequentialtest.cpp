@@ -27,38 +27,39 @@ constexpr double shareOfOneDigit = 0.3;  // a line that differs in one digit
 constexpr double shareOfAnyLine = 0.1;   // any other line
 constexpr double shareOfMotions = 0.1;   // labels that do not count up
 
-double sumOf(const Gains &gains)
+double sumOf(const LikelihoodRatios &ratios)
 {
     double sum = 0.0;
-    for (const double gain : gains)
-        sum += gain;
+    for (const double ratio : ratios)
+        sum += ratio;
     return sum;
 }
 
-double bestWhole(const Rivals &rivals)
+double bestWhole(const Alternatives &others)
 {
     double best = -1e9;
-    for (const Gains &gains : rivals.gains)
-        best = std::max(best, sumOf(gains));
+    for (const LikelihoodRatios &ratios : others.ratios)
+        best = std::max(best, sumOf(ratios));
     return best;
 }
 
-/// The sums of \a gains over the first one, two, three... frames.
+/// The sums of \a ratios over the first one, two, three... frames.
 /// What repeats in every frame adds up as fast as evidence does.
-std::vector<Gains> sumsOfFrames(const Rivals &rivals, bool backwards, const Unexplained &unexplained)
+std::vector<LikelihoodRatios> sumsOfFrames(const Alternatives &others, bool backwards,
+                                           const ResidualVariance &residual)
 {
-    const double once = unexplained.whole - unexplained.repeated;
-    const double step = once > 0.0 ? unexplained.repeated / once : 0.0;
-    std::vector<Gains> sums;
-    for (Gains gains : rivals.gains) {
+    const double once = residual.total - residual.repeated;
+    const double step = once > 0.0 ? residual.repeated / once : 0.0;
+    std::vector<LikelihoodRatios> sums;
+    for (LikelihoodRatios ratios : others.ratios) {
         if (backwards)
-            std::reverse(gains.begin(), gains.end());
+            std::reverse(ratios.begin(), ratios.end());
         double sum = 0.0;
-        for (double &gain : gains)
-            gain = sum += gain;
-        for (std::size_t frame = 1; frame < gains.size(); ++frame)
-            gains[frame] /= 1.0 + static_cast<double>(frame) * step;
-        sums.push_back(std::move(gains));
+        for (double &ratio : ratios)
+            ratio = sum += ratio;
+        for (std::size_t frame = 1; frame < ratios.size(); ++frame)
+            ratios[frame] /= 1.0 + static_cast<double>(frame) * step;
+        sums.push_back(std::move(ratios));
     }
     return sums;
 }
@@ -73,36 +74,36 @@ double logSum(const std::vector<double> &logarithms)
     return most + std::log(sum);
 }
 
-/// For the first one, two, three... frames the logarithm of the mean likelihood ratio of all \a rivals; \a
+/// For the first one, two, three... frames the logarithm of the mean likelihood ratio of all \a others; \a
 /// withLine: and of the line itself.
-std::vector<double> meanRatios(const Rivals &rivals, bool backwards, bool withLine,
-                               const Unexplained &unexplained)
+std::vector<double> meanRatios(const Alternatives &others, bool backwards, bool withLine,
+                               const ResidualVariance &residual)
 {
-    const std::vector<Gains> sums = sumsOfFrames(rivals, backwards, unexplained);
+    const std::vector<LikelihoodRatios> sums = sumsOfFrames(others, backwards, residual);
     std::vector<double> means;
     for (std::size_t frame = 0; frame < sums.front().size(); ++frame) {
-        std::vector<double> ratios;
+        std::vector<double> logarithms;
         if (withLine)
-            ratios.push_back(0.0);
-        for (const Gains &gains : sums)
-            ratios.push_back(gains[frame]);
-        means.push_back(logSum(ratios) - std::log(static_cast<double>(ratios.size())));
+            logarithms.push_back(0.0);
+        for (const LikelihoodRatios &ratios : sums)
+            logarithms.push_back(ratios[frame]);
+        means.push_back(logSum(logarithms) - std::log(static_cast<double>(logarithms.size())));
     }
     return means;
 }
 
 /// For the first one, two, three... frames the log-likelihood ratio of a recording that does something
 /// else there, averaged over what else it may do; \a backwards: for the last ones.
-std::vector<double> oddsOf(const AlternativeLines &alternatives, const std::vector<Rivals> &lines,
-                           const Rivals &motions, bool backwards, const Unexplained &unexplained)
+std::vector<double> oddsOf(const AlternativeLines &alternatives, const std::vector<Alternatives> &lines,
+                           const Alternatives &motions, bool backwards, const ResidualVariance &residual)
 {
-    const std::vector<double> near = meanRatios(alternatives.nearCounts(), backwards, false, unexplained);
-    const std::vector<double> moving = meanRatios(motions, backwards, false, unexplained);
+    const std::vector<double> near = meanRatios(alternatives.nearCounts(), backwards, false, residual);
+    const std::vector<double> moving = meanRatios(motions, backwards, false, residual);
     std::vector<std::vector<double>> digits;
     std::vector<double> any(alternatives.frames());
-    for (const Rivals &rivals : lines) {
-        digits.push_back(meanRatios(rivals, backwards, false, unexplained));
-        const std::vector<double> withLine = meanRatios(rivals, backwards, true, unexplained);
+    for (const Alternatives &others : lines) {
+        digits.push_back(meanRatios(others, backwards, false, residual));
+        const std::vector<double> withLine = meanRatios(others, backwards, true, residual);
         std::transform(any.begin(), any.end(), withLine.begin(), any.begin(), std::plus<>());
     }
     const double digitShare = shareOfOneDigit / static_cast<double>(lines.size());
@@ -141,16 +142,16 @@ double mostOf(const std::vector<double> &odds)
 
 } // namespace
 
-Doubt testSequentially(const AlternativeLines &alternatives, const Unexplained &unexplained, int leastEnd,
+Doubt testSequentially(const AlternativeLines &alternatives, const ResidualVariance &residual, int leastEnd,
                        int latestProof, double otherBeginning, double motion)
 {
-    const std::vector<Rivals> lines = alternatives.digits();
-    const Rivals motions = alternatives.otherMotions();
+    const std::vector<Alternatives> lines = alternatives.digits();
+    const Alternatives motions = alternatives.otherMotions();
     double best = contradiction;
     Doubt doubt = Doubt::None;
-    for (const Rivals &rivals : lines) {
-        if (bestWhole(rivals) > best) {
-            best = bestWhole(rivals);
+    for (const Alternatives &others : lines) {
+        if (bestWhole(others) > best) {
+            best = bestWhole(others);
             doubt = Doubt::TooNoisy;
         }
     }
@@ -160,8 +161,8 @@ Doubt testSequentially(const AlternativeLines &alternatives, const Unexplained &
         return doubt;
     if (alternatives.frames() > 1 && bestWhole(motions) > motion)
         return motions.doubt;
-    const std::vector<double> fromBeginning = oddsOf(alternatives, lines, motions, false, unexplained);
-    const std::vector<double> fromEnd = oddsOf(alternatives, lines, motions, true, unexplained);
+    const std::vector<double> fromBeginning = oddsOf(alternatives, lines, motions, false, residual);
+    const std::vector<double> fromEnd = oddsOf(alternatives, lines, motions, true, residual);
     const bool jumps =
         oddsOfBeginning(fromBeginning, leastEnd, latestProof) > otherBeginning || mostOf(fromEnd) > otherEnd;
     return jumps ? Doubt::Jump : Doubt::None;

@@ -92,7 +92,7 @@ void TestInterference::whatIsKnownIsRemoved()
     const FrameGrid cleaned = Interference(candidate).removed(levels).grid;
     QVERIFY2(distance(cleaned.halves, levels) < 0.5 * distance(candidate.grid.halves, levels),
              qPrintable(QString::number(distance(cleaned.halves, levels))));
-    QVERIFY(cleaned.hasLearnt && !candidate.grid.hasLearnt);
+    QVERIFY(cleaned.isDecisionDirected && !candidate.grid.isDecisionDirected);
 }
 
 void TestInterference::levelsThatAreNotKnownTakeNothingAway()

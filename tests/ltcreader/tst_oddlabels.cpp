@@ -164,7 +164,7 @@ void TestOddLabels::theReasonIsNamed_data()
     row(
         "down", [](std::int64_t index, LtcRate rate) { return counting(start, -index, rate); },
         Doubt::CountingDown);
-    row("hour 27", illegalHour, Doubt::Unreal);
+    row("hour 27", illegalHour, Doubt::IllegalLabels);
 }
 
 void TestOddLabels::theReasonIsNamed()
@@ -276,7 +276,7 @@ void TestOddLabels::aLongRecordingIsNotCountedBackThroughOtherLabels_data()
     row(
         "down", [](std::int64_t index, LtcRate rate) { return counting(start, -index, rate); },
         Doubt::CountingDown);
-    row("hour 27", illegalHour, Doubt::Unreal);
+    row("hour 27", illegalHour, Doubt::IllegalLabels);
 }
 
 void TestOddLabels::aLongRecordingIsNotCountedBackThroughOtherLabels()
