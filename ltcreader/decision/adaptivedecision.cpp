@@ -64,11 +64,6 @@ bool mayBeInterference(const LabelDecision &decision, const Candidate &candidate
            candidate.frontEnd == FrontEnd::Whitened;
 }
 
-bool isSame(const LabelDecision &a, const LabelDecision &b)
-{
-    return a.count == b.count && a.rate.base == b.rate.base;
-}
-
 /// How much of the margin of \a decision on \a grid is left when the interference that a rival would bring
 /// about is removed for that rival, too: the worst share of the nearest ones.
 double shareOfMargin(const LabelDecision &decision, const FrameGrid &grid, const Interference &interference)

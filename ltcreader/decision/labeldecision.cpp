@@ -145,6 +145,11 @@ std::optional<Assumed> decideWith(const Polarities &polarities, const FrameGrid 
 
 } // namespace
 
+bool isSame(const LabelDecision &a, const LabelDecision &b)
+{
+    return a.count == b.count && a.rate.base == b.rate.base;
+}
+
 std::optional<LabelDecision> decisionFor(const Hypothesis &best, int frames)
 {
     LabelDecision decision;
@@ -184,8 +189,7 @@ std::optional<LabelDecision> decideTimecode(const FrameGrid &grid, double measur
             const double lead = std::min(best->perFit, other->perFit) * (other->fit - best->fit);
             if (lead > 0.0)
                 std::swap(best, other);
-            if (best->decision.count != other->decision.count ||
-                best->decision.rate.base != other->decision.rate.base)
+            if (!isSame(best->decision, other->decision))
                 best->decision.margin = std::min(best->decision.margin, std::abs(lead));
         } else if (other) {
             best = std::move(other);

@@ -28,6 +28,9 @@ struct LabelDecision {
     std::vector<float> levels;      ///< of all half bits of the grid, 1 or -1 (0 where not known), as decided
 };
 
+/// Whether \a a and \a b decide for the same count of the same base.
+bool isSame(const LabelDecision &a, const LabelDecision &b);
+
 /// Decides on \a grid, whose frames follow each other at \a measuredRate [frames/s].
 /// User bits are taken to stand still.
 std::optional<LabelDecision> decideTimecode(const FrameGrid &grid, double measuredRate);

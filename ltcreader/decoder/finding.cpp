@@ -10,12 +10,12 @@ namespace
 {
 
 // Rows of frames. Chance seldom makes even two frames that count up together, so these are strict.
-constexpr int sureFrames = 10;          // unbroken, with a return of the frame number
-constexpr int believableFrames = 5;     // with gaps
-constexpr int unbrokenFrames = 3;       // in short recordings and between gaps
-constexpr double sureJitter = 0.1;      // [bits] edges this close to their places leave no doubt about bits
-constexpr double believableShare = 0.6; // of the frames in its span that a row must hold
-constexpr double toleratedStrangers = 0.1; // frames that say something else, as a share of the row's
+constexpr int sureFrames = 10;            // unbroken, with a return of the frame number
+constexpr int believableFrames = 5;       // with gaps
+constexpr int unbrokenFrames = 3;         // in short recordings and between gaps
+constexpr double sureJitter = 0.1;        // [bits] edges this close to their places leave no doubt about bits
+constexpr double believableShare = 0.6;   // of the frames in its span that a row must hold
+constexpr double toleratedOutliers = 0.1; // frames that say something else, as a share of the row's
 constexpr double latestStart = 1.95; // [frames] two, about as they are measured, could carry other labels
 constexpr double wrongFrame =
     0.01; // share of frames beyond the edges' reach in which the same digit is misread
@@ -52,7 +52,7 @@ bool isBelievable(const LabelTrack &track)
         track.frames >= believableFrames && track.frames / spanInFrames(track) >= believableShare;
     const bool scattered =
         track.frames >= unbrokenFrames && track.outliers == 0 && track.rmsJitter < cleanJitter;
-    return (unbroken || longRow || scattered) && track.outliers <= toleratedStrangers * track.frames;
+    return (unbroken || longRow || scattered) && track.outliers <= toleratedOutliers * track.frames;
 }
 
 Finding toFinding(const LabelTrack &track, Algorithm algorithm, int channel, const Window &window)

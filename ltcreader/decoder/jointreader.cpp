@@ -74,8 +74,7 @@ std::optional<Decided> decideAgain(const Decided &decided, const std::optional<t
     const LabelDecision &first = decided.decision;
     auto again =
         decide(*decided.way, retimed(decided.found, measureTiming(decided.candidate, first.levels)), wanted);
-    if (!again || again->decision.rate.base != first.rate.base || again->decision.count != first.count ||
-        again->decision.margin <= first.margin)
+    if (!again || !isSame(again->decision, first) || again->decision.margin <= first.margin)
         return std::nullopt;
     return again;
 }

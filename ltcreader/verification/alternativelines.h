@@ -37,10 +37,10 @@ public:
 
     std::size_t frames() const;
 
-    Alternatives nearCounts() const; ///< the line one or two frames, a second, a minute or an hour away
-    std::vector<Alternatives>
-    digits() const;                    ///< lines that differ in the frame number, the second or one digit
+    Alternatives nearCounts() const;   ///< the line one or two frames, a second, a minute or an hour away
     Alternatives otherMotions() const; ///< labels that do not count up
+    /// Lines that differ in the frame number, the second or one digit.
+    std::vector<Alternatives> digits() const;
 
 private:
     using Change = std::function<PartValues(PartValues values, int frame)>;
