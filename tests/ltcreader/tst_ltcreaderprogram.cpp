@@ -28,7 +28,7 @@ private slots:
     void peopleGetText();
     void peopleAreToldWhyNothingWasFound_data();
     void peopleAreToldWhyNothingWasFound();
-    void labelsThatDoNotCountUpAreToldWithoutBeingAsked();
+    void theReasonIsPrintedIfLabelsDoNotCountUp();
     void whatFfmpegWritesToAPipeIsRead();
     void anyBytesAreSurvived();
 
@@ -162,7 +162,7 @@ void TestLtcReaderProgram::peopleAreToldWhyNothingWasFound_data()
                                                      << "without sync words";
 }
 
-void TestLtcReaderProgram::labelsThatDoNotCountUpAreToldWithoutBeingAsked()
+void TestLtcReaderProgram::theReasonIsPrintedIfLabelsDoNotCountUp()
 {
     const testsignals::LtcSignal signal;
     testsignals::WavFile wav;
